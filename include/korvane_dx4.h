@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// The driver's one object. Hosts reach into it, so members and their order belong to the boundary.
+#pragma once
+
+#include "host_records.h"
+
+#include <QList>
+#include <QMutex>
+#include <QString>
+#include <QVector>
+
+/// The host's value-change function; called on the thread of the entry point that is still running.
+///
+/// It is told which register changed, not the value: that is read with intf_getData. It may call
+/// intf_getData, intf_setData and intf_addConditionRead before it returns.
+///
+/// @param linkId   the link's number; 0 for "RWI", -1 for "-1"
+/// @param station  Modbus station; -1 for "RWI" and "-1"
+/// @param name     register type, or with "_bit" or "_double" behind it; "RWI" for a 16-bit unit of
+///                 the recipe buffer; "-1" for the outcome of the last requested condition read. A
+///                 string of the driver's that lives until the function returns; changes are
+///                 ignored
+/// @param address  internal address; address * 16 + bit with "_bit"; unit with "RWI"; 0 (served) or
+///                 -1 (given up) with "-1"
+using ValueChangeCallback = void (*)(int linkId, int station, QString &name, int address);
+
+/// All state of the driver between two calls.
+///
+/// A host may read everything between two calls, and may clear, append to, replace or edit the
+/// lists; the next call works on the lists as they then are. The one condition: no two records of
+/// `dataAreas` share a key.
+class korvane_dx4 {
+public:
+    korvane_dx4();
+    ~korvane_dx4() = default;
+    korvane_dx4(const korvane_dx4 &) = delete;
+    korvane_dx4 &operator=(const korvane_dx4 &) = delete;
+
+    ValueChangeCallback valueChangeCallback; ///< null: nothing is called
+    int linkId; ///< property field 0: number of this link
+    int writesLocalOnly; ///< property field 1: nonzero keeps writes in the cache, none is sent
+    int property2; ///< property field 2: stored only
+    int retryLimit; ///< property field 3: bad replies after which a request is given up
+    int blockSize; ///< property field 4: registers in one merged block
+    unsigned char
+        *hostBlock; ///< host's shared bytes, at least hostBlockBytes; guarded by hostMutex
+    int hostParam; ///< stored only
+    unsigned short *recipeBuffer; ///< host's recipe values, 16-bit units
+    QMutex *hostMutex; ///< host's lock around hostBlock
+    QList<VARIABLE> readList; ///< cyclic reads, served in turn
+    QList<VARIABLE> writeList; ///< waiting writes, at most 513; the head may be on the line
+    QList<VARIABLE>
+        conditionList; ///< waiting one-off reads, at most 513; the head may be on the line
+    QList<_DATA_> dataAreas; ///< the cache, one record per register, in order of first use
+    QVector<_RCP_VAR_PRO> rcpVars; ///< this link's recipe variables
+    QVector<_RCP_VAR_PRO> rcpSendVars; ///< recipe transfers; filled by the host only
+    QList<int> mergeIndexList; ///< first recipe variable of each block; filled by merge mode 2 only
+    QList<QString> regTypeList; ///< the type names in the order that weighs addresses
+    VARIABLE conditionVar; ///< the condition read last queued
+    VARIABLE curVar; ///< what is being served
+    int phase; ///< how curVar is being served: Phase
+    int tryCount; ///< writes and condition reads served since the last cyclic read
+    int spare1; ///< 0
+    int failCount; ///< bad replies in a row to the current frame
+    int bitBlockSize; ///< registers per condition read with subAddress -1: 8 * blockSize
+    int writeBlockSize; ///< registers per write and per other condition read: blockSize
+    int lastFailed; ///< 1 while a request is closed that was given up
+    int spare2; ///< 0
+    int spare3; ///< 1 once initialised
+    QList<FRAME_PRO> sendFrames; ///< frames of the request in progress, sent head first
+    int rcpIndex; ///< position in rcpSendVars
+};
+
+/// The one instance, alive from load to unload. Integers and pointers start at zero.
+extern korvane_dx4 driver;
