@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Configures and builds one preset without a word, and shows what the tools said when one fails.
+set -euo pipefail
+
+if [ $# -lt 1 ] || [ "$1" = --help ] || [ "$1" = -h ]; then
+  cat <<'TEXT'
+Usage: scripts/build.sh PRESET [CMAKE OPTION...]
+
+Configures and builds a preset of CMakePresets.json into build/PRESET. The output of the tools goes
+to build/PRESET/build.log; its end is shown when a step fails. The packages have to be there.
+TEXT
+  [ $# -ge 1 ] && exit 0 || exit 2
+fi
+
+cd "$(dirname "$0")/.."
+preset=$1
+shift
+log=build/$preset/build.log
+mkdir -p "build/$preset"
+[ -f "build/$preset/build.ninja" ] || echo "Building $preset, which takes a few minutes once" >&2
+
+if ! { cmake --preset "$preset" "$@" && cmake --build --preset "$preset"; } >"$log" 2>&1; then
+  tail -n 60 "$log" >&2
+  echo "build.sh: the build of $preset failed; all output is in $log" >&2
+  exit 1
+fi

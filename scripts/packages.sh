@@ -1,0 +1,115 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages that one purpose needs, and only those that are missing.
+set -euo pipefail
+
+usage() {
+  cat <<'TEXT'
+Usage: scripts/packages.sh [--list] [PURPOSE...]
+
+Installs what is missing through apt, with sudo unless run as root. Says nothing and does not call
+apt when everything is there.
+
+Purposes (build when none is named):
+  build   compiler, CMake, Qt 5 and the libraries of the driver, host, simulator and tools
+  test    GoogleTest, RapidCheck and the independent Modbus peers
+  check   Clang, clang-tidy, clang-format, coverage, Valgrind
+  bench   Google Benchmark
+  qt6     Qt 6 in place of Qt 5, for the qt6 preset
+
+Options:
+  --list  print the packages of the purposes and install nothing
+  --help  print this text
+TEXT
+}
+
+packages_of() {
+  case $1 in
+    build)
+      echo cmake ninja-build g++ pkg-config
+      echo qtbase5-dev libqt5serialport5-dev libmodbus-dev libcli11-dev libtomlplusplus-dev
+      ;;
+    test)
+      echo libgtest-dev librapidcheck-dev
+      echo mbpoll tshark libqt5serialbus5-dev binutils
+      ;;
+    check)
+      echo git clang clang-tidy clang-format libclang-rt-14-dev gcovr valgrind
+      ;;
+    bench)
+      echo libbenchmark-dev libqt5serialbus5-dev
+      ;;
+    qt6)
+      echo qt6-base-dev qt6-serialport-dev
+      ;;
+    *)
+      echo "packages.sh: no purpose '$1'; one of build, test, check, bench, qt6" >&2
+      return 2
+      ;;
+  esac
+}
+
+# Prints those of its arguments that dpkg does not hold as installed.
+missing_of() {
+  local installed package
+  installed=$(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' "$@" 2>/dev/null || true)
+  for package in "$@"; do
+    grep -qxF "installed $package" <<<"$installed" || echo "$package"
+  done
+}
+
+install_packages() {
+  local -a become_root=()
+  local log
+  if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+      echo "packages.sh: neither root nor sudo; as root run: apt-get install $*" >&2
+      return 1
+    fi
+    become_root=(sudo)
+  fi
+  echo "Installing $# packages: $*" >&2
+  log=$(mktemp)
+  # tshark asks whether everybody may capture; it is only given files to decode here.
+  if ! {
+    "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update &&
+      "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install \
+        --yes --no-install-recommends -o DPkg::Lock::Timeout=120 -o Dpkg::Use-Pty=0 "$@"
+  } </dev/null >"$log" 2>&1; then
+    tail -n 40 "$log" >&2
+    rm -f "$log"
+    echo "packages.sh: apt could not install: $*" >&2
+    return 1
+  fi
+  rm -f "$log"
+}
+
+list_only=no
+purposes=()
+for argument in "$@"; do
+  case $argument in
+    --help | -h) usage; exit 0 ;;
+    --list) list_only=yes ;;
+    -*) echo "packages.sh: no option '$argument'; see --help" >&2; exit 2 ;;
+    *) purposes+=("$argument") ;;
+  esac
+done
+[ ${#purposes[@]} -gt 0 ] || purposes=(build)
+
+wanted=()
+for purpose in "${purposes[@]}"; do
+  names=$(packages_of "$purpose") || exit 2
+  # shellcheck disable=SC2206  # the names are one word each
+  wanted+=($names)
+done
+
+if [ $list_only = yes ]; then
+  printf '%s\n' "${wanted[@]}" | sort -u
+  exit 0
+fi
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+  echo "packages.sh: needs apt; elsewhere install what these Debian packages hold: ${wanted[*]}" >&2
+  exit 1
+fi
+
+mapfile -t missing < <(missing_of "${wanted[@]}" | sort -u)
+[ ${#missing[@]} -eq 0 ] || install_packages "${missing[@]}"
