@@ -25,11 +25,13 @@ check_tidy() {
   scripts/build.sh tidy
   if ! run-clang-tidy -quiet -j "$(nproc)" -p build/tidy "^$root/(src|host|simulator|cli)/" \
     >"$log" 2>&1; then
-    grep -vE '^clang-tidy|^[0-9]+ warnings? generated|^$' "$log" >&2
+    sed 's/\x1b\[[0-9;]*m//g' "$log" | grep -vE '^clang-tidy|warnings? generated|^$' >&2
     echo "check.sh: clang-tidy found something" >&2
     return 1
   fi
-  echo "clang-tidy: $(grep -cE '^clang-tidy' "$log") files, nothing found"
+  # A pattern that matches no file would find nothing either.
+  grep -q '^clang-tidy' "$log"
+  echo "clang-tidy: $(grep -c '^clang-tidy' "$log") files, nothing found"
 }
 
 for argument in "$@"; do
