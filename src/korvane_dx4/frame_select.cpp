@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// Which encoder serves which register type.
+//
+// Deliberate: what a type is not meant for is not refused here. A read of "CW" or "FRE" goes to the
+// monitor values, a write of "D", "SW" or "FU" to register 0. The address checks keep hosts from
+// it.
+#include "korvane_dx4/frame_select.h"
+
+#include "readframe/readframe.h"
+#include "wire/register_type.h"
+#include "writeframe/writeframe.h"
+
+using namespace dx4;
+
+void getReadFrame(VARIABLE &var)
+{
+    const RegisterType type = registerType(var.regType);
+    if (type == TypeFu || type == TypeSw)
+        readframe_oneword(var);
+    else
+        readframe_word(var);
+}
+
+void getWriteFrame(VARIABLE &var)
+{
+    const RegisterType type = registerType(var.regType);
+    if (type == TypeCw || type == TypeFre)
+        writeframe_oneword(var);
+    else
+        writeframe_word(var);
+}
