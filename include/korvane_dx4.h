@@ -2,6 +2,7 @@
 // The driver's one object. Hosts reach into it, so members and their order belong to the boundary.
 #pragma once
 
+#include "driver_export.h"
 #include "host_records.h"
 
 #include <QList>
@@ -36,17 +37,17 @@ public:
     korvane_dx4(const korvane_dx4 &) = delete;
     korvane_dx4 &operator=(const korvane_dx4 &) = delete;
 
-    ValueChangeCallback valueChangeCallback; ///< null: nothing is called
-    int linkId; ///< property field 0: number of this link
-    int writesLocalOnly; ///< property field 1: nonzero keeps writes in the cache, none is sent
-    int property2; ///< property field 2: stored only
-    int retryLimit; ///< property field 3: bad replies after which a request is given up
-    int blockSize; ///< property field 4: registers in one merged block
+    ValueChangeCallback valueChangeCallback = nullptr; ///< null: nothing is called
+    int linkId = 0; ///< property field 0: number of this link
+    int writesLocalOnly = 0; ///< property field 1: nonzero keeps writes in the cache, none is sent
+    int property2 = 0; ///< property field 2: stored only
+    int retryLimit = 0; ///< property field 3: bad replies after which a request is given up
+    int blockSize = 0; ///< property field 4: registers in one merged block
     unsigned char
         *hostBlock; ///< host's shared bytes, at least hostBlockBytes; guarded by hostMutex
-    int hostParam; ///< stored only
-    unsigned short *recipeBuffer; ///< host's recipe values, 16-bit units
-    QMutex *hostMutex; ///< host's lock around hostBlock
+    int hostParam = 0; ///< stored only
+    unsigned short *recipeBuffer = nullptr; ///< host's recipe values, 16-bit units
+    QMutex *hostMutex = nullptr; ///< host's lock around hostBlock
     QList<VARIABLE> readList; ///< cyclic reads, served in turn
     QList<VARIABLE> writeList; ///< waiting writes, at most 513; the head may be on the line
     QList<VARIABLE>
@@ -58,18 +59,18 @@ public:
     QList<QString> regTypeList; ///< the type names in the order that weighs addresses
     VARIABLE conditionVar; ///< the condition read last queued
     VARIABLE curVar; ///< what is being served
-    int phase; ///< how curVar is being served: Phase
-    int tryCount; ///< writes and condition reads served since the last cyclic read
-    int spare1; ///< 0
-    int failCount; ///< bad replies in a row to the current frame
-    int bitBlockSize; ///< registers per condition read with subAddress -1: 8 * blockSize
-    int writeBlockSize; ///< registers per write and per other condition read: blockSize
-    int lastFailed; ///< 1 while a request is closed that was given up
-    int spare2; ///< 0
-    int spare3; ///< 1 once initialised
+    int phase = 0; ///< how curVar is being served: Phase
+    int tryCount = 0; ///< writes and condition reads served since the last cyclic read
+    int spare1 = 0; ///< 0
+    int failCount = 0; ///< bad replies in a row to the current frame
+    int bitBlockSize = 0; ///< registers per condition read with subAddress -1: 8 * blockSize
+    int writeBlockSize = 0; ///< registers per write and per other condition read: blockSize
+    int lastFailed = 0; ///< 1 while a request is closed that was given up
+    int spare2 = 0; ///< 0
+    int spare3 = 0; ///< 1 once initialised
     QList<FRAME_PRO> sendFrames; ///< frames of the request in progress, sent head first
-    int rcpIndex; ///< position in rcpSendVars
+    int rcpIndex = 0; ///< position in rcpSendVars
 };
 
-/// The one instance, alive from load to unload. Integers and pointers start at zero.
-extern korvane_dx4 driver;
+/// The one instance, alive from load to unload.
+extern KORVANE_EXPORT korvane_dx4 driver;

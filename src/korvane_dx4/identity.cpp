@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// What the driver says of itself, and the host's callback.
+#include "driver_api.h"
+
+namespace {
+
+constexpr int serialProtocol = 0;
+
+// Port, speed in bit/s, data bits, parity, stop bits, two flags, IP address and port, driver,
+// types.
+constexpr char defaultParameter[] =
+    "0,9600,8,NONE,1,0,1,192.168.0.1,8888,korvane_dx4,F,D,CW,SW,FRE,FU";
+
+} // namespace
+
+void intf_getProtocolType(int *type)
+{
+    if (type)
+        *type = serialProtocol;
+}
+
+void intf_getDriverParameter(QString &text)
+{
+    text = QLatin1String(defaultParameter);
+}
+
+void intf_getDriverPropertyPage(QString &text)
+{
+    text = QLatin1String("0_0");
+}
+
+// Deliberate: it hands an empty text out instead of taking one in.
+void intf_SetDriverPropertyPage(QString &text)
+{
+    text = QLatin1String("");
+}
+
+void intf_setAddrValueChangeCallBack(ValueChangeCallback callback)
+{
+    driver.valueChangeCallback = callback;
+}
