@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+// Checks of addresses typed in the host's editor.
+#include "driver_api.h"
+#include "korvane_dx4/address_text.h"
+#include "wire/register_type.h"
+#include "wire/wrap.h"
+
+#include <QStringList>
+
+using namespace dx4;
+
+namespace {
+
+constexpr int monitorValues = 32; // D 0 to 31 can be read
+constexpr int notOffered = 0; // typeFlag
+constexpr int noSubIndex = -1;
+
+// Deliberate: a group that has no row is accepted.
+AddressCheck checkParameterRange(int address, int count)
+{
+    const int group = address / 256;
+    if (group < 0 || group >= parameterGroupCount)
+        return AddressAccepted;
+    const int lowest = packedAddress(group, REG_F_ADDRESS[group][0]);
+    const int behindHighest = packedAddress(group, REG_F_ADDRESS[group][1]) + 1;
+    const bool inRange = lowest <= address && wrapAdd(address, count) <= behindHighest;
+    return inRange ? AddressAccepted : AddressOutOfRange;
+}
+
+AddressCheck checkParameter(const QString &text, int &address, int count)
+{
+    if (a2i_ddd_h_dd(text, address) != 1)
+        return AddressMalformed;
+    return checkParameterRange(address, count);
+}
+
+AddressCheck checkNumber(const QString &text, int &address, int count, int registers)
+{
+    bool isNumber = false;
+    address = text.toInt(&isNumber, 10);
+    if (!isNumber)
+        return AddressMalformed;
+    const bool inRange = address >= 0 && wrapAdd(address, count) <= registers;
+    return inRange ? AddressAccepted : AddressOutOfRange;
+}
+
+AddressCheck checkText(RegisterType type, const QString &text, int *address, int count)
+{
+    int unwanted = 0;
+    int &converted = address ? *address : unwanted;
+    switch (type) {
+    case TypeF:
+        return checkParameter(text, converted, count);
+    case TypeD:
+        return checkNumber(text, converted, count, monitorValues);
+    case TypeCw:
+    case TypeSw:
+    case TypeFre:
+    case TypeFu:
+        return checkNumber(text, converted, count, 1);
+    case UnknownType:
+        break;
+    }
+    return AddressTypeUnknown;
+}
+
+int longestText(RegisterType type)
+{
+    switch (type) {
+    case TypeF:
+        return 4; // "h.dd"
+    case TypeD:
+        return 2; // "dd"
+    default:
+        return 1; // "d"
+    }
+}
+
+// The drive has no groups a and b; read as hexadecimal digits they would stand for group c and
+// beyond.
+bool namesMissingGroup(const QString &text)
+{
+    const QString group = text.split(QLatin1Char('.')).constFirst();
+    return group == QLatin1String("a") || group == QLatin1String("A") || group == QLatin1String("b")
+        || group == QLatin1String("B");
+}
+
+AddressCheck checkAccess(RegisterType type, int accessMode)
+{
+    const bool reads = accessMode == ReadAccess || accessMode == ReadWriteAccess;
+    const bool writes = accessMode == WriteAccess || accessMode == ReadWriteAccess;
+    const bool isReadOnly = type == TypeD || type == TypeFu || type == TypeSw;
+    const bool isWriteOnly = type == TypeCw || type == TypeFre;
+    if (isReadOnly && writes)
+        return AddressReadOnly;
+    if (isWriteOnly && reads)
+        return AddressWriteOnly;
+    return AddressAccepted;
+}
+
+} // namespace
+
+int intf_checkAddrValidity(QString regType, QString addrText, int *address, int count, int typeFlag)
+{
+    const RegisterType type = registerType(regType);
+    if (type != UnknownType && typeFlag == notOffered)
+        return AddressNotOffered;
+    const bool isSigned =
+        addrText.contains(QLatin1Char('-')) || addrText.contains(QLatin1Char('+'));
+    if (isSigned)
+        return AddressMalformed;
+    return checkText(type, addrText, address, count);
+}
+
+int intf_checkAddr(QString regType, QString addrText, int *address, int subIndex, int count,
+                   int accessMode)
+{
+    const RegisterType type = registerType(regType);
+    if (type != UnknownType && subIndex == noSubIndex)
+        return AddressNotOffered;
+    if (addrText.size() > longestText(type))
+        return AddressTooLong;
+    if (type == TypeF && namesMissingGroup(addrText))
+        return AddressTypeUnknown;
+    const AddressCheck access = checkAccess(type, accessMode);
+    if (access != AddressAccepted)
+        return access;
+    return checkText(type, addrText, address, count);
+}
