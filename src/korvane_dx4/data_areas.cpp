@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// The cache of register values: find or create a record, monitor marks, the host's reads.
+#include "korvane_dx4/data_areas.h"
+
+#include "driver_api.h"
+#include "wire/byte_order.h"
+#include "wire/wrap.h"
+
+#include <limits>
+
+using namespace dx4;
+
+namespace {
+
+constexpr int nowhere = std::numeric_limits<int>::max();
+constexpr unsigned intBits = 32;
+
+int findOrAppend(const RegisterKey &key, QList<_DATA_> &list)
+{
+    const QList<_DATA_> &records = list;
+    const int count = static_cast<int>(records.size());
+    for (int i = 0; i < count; ++i) {
+        if (hasKey(records.at(i), key))
+            return i;
+    }
+    _DATA_ record;
+    record.station = key.station;
+    record.regType = key.regType;
+    record.address = key.address;
+    list.append(record);
+    return count;
+}
+
+} // namespace
+
+RegisterRange dx4::rangeOf(const VARIABLE &var)
+{
+    return { var.station, registerType(var.regType), var.address, var.count };
+}
+
+RegisterFinder::RegisterFinder(int station, const QString &regType)
+    : m_station(station)
+    , m_regType(regType)
+    , m_expected(nowhere)
+{
+}
+
+bool RegisterFinder::standsAt(int position, int address) const
+{
+    const QList<_DATA_> &areas = driver.dataAreas;
+    return position < areas.size() && hasKey(areas.at(position), { m_station, m_regType, address });
+}
+
+int RegisterFinder::positionOf(int address)
+{
+    int position = m_expected;
+    if (!standsAt(position, address)) {
+        const RegisterKey key { m_station, m_regType, address };
+        position = dataAreaIndex.find(key);
+        if (position < 0)
+            position = dataAreaIndex.append(key);
+    }
+    m_expected = position + 1;
+    return position;
+}
+
+int RegisterFinder::positionAgain(int position, int address)
+{
+    return standsAt(position, address) ? position : positionOf(address);
+}
+
+int dx4::shownValue(const _DATA_ &area)
+{
+    const unsigned char *bytes = shownBytes(area);
+    return wordOf(bytes[0], bytes[1]);
+}
+
+void dx4::clearMonitorMarks()
+{
+    const CacheWriting writing;
+    const int count = static_cast<int>(driver.dataAreas.size());
+    for (int position = 0; position < count; ++position) {
+        const _DATA_ &area = driver.dataAreas.at(position);
+        if (area.flags == 0 && area.bitMask == 0)
+            continue;
+        _DATA_ &marked = dataAreaIndex.edit(position);
+        marked.flags = 0;
+        marked.bitMask = 0;
+    }
+}
+
+void dx4::markMonitored(int station, const QString &regType, int address, int count)
+{
+    if (registerType(regType) == UnknownType)
+        return;
+    const CacheWriting writing;
+    RegisterFinder finder(station, regType);
+    for (int i = 0; i < count; ++i) {
+        const int position = finder.positionOf(wrapAdd(address, i));
+        const int marks = _setBitValue(driver.dataAreas.at(position).flags, MonitoredWord, 1);
+        if (marks != driver.dataAreas.at(position).flags)
+            dataAreaIndex.edit(position).flags = marks;
+    }
+}
+
+int getIndexOfDataArea(int station, QString regType, int address, QList<_DATA_> &list)
+{
+    const bool isCache = &list == &driver.dataAreas;
+    if (!isCache)
+        return findOrAppend({ station, regType, address }, list);
+    const CacheWriting writing;
+    return RegisterFinder(station, regType).positionOf(address);
+}
+
+int _setDataAreaMonitorFlag(int station, QString regType, int address, int count)
+{
+    markMonitored(station, regType, address, count);
+    return 0;
+}
+
+int _setBitValue(int value, int bit, int on)
+{
+    const unsigned number = static_cast<unsigned char>(bit);
+    const unsigned mask = number < intBits ? 1U << number : 0U;
+    const unsigned bits = static_cast<unsigned>(value);
+    return static_cast<int>(on ? bits | mask : bits & ~mask);
+}
+
+int intf_getData(int station, QString regType, int address, int count, unsigned char *out)
+{
+    if (registerType(regType) == UnknownType)
+        return alwaysDone;
+    const CacheWriting writing;
+    RegisterFinder finder(station, regType);
+    for (int i = 0; i < count; ++i) {
+        const int position = finder.positionOf(wrapAdd(address, i));
+        if (!out)
+            continue;
+        const unsigned char *shown = shownBytes(driver.dataAreas.at(position));
+        *out++ = shown[0];
+        *out++ = shown[1];
+    }
+    return alwaysDone;
+}

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+// The cache of register values: find or create a record, monitor marks.
+#pragma once
+
+#include "host_records.h"
+#include "korvane_dx4/data_area_index.h"
+#include "wire/register_type.h"
+
+#include <QList>
+#include <QString>
+
+namespace dx4 {
+
+/// Bits of _DATA_::flags, by number.
+enum MonitorBit {
+    MonitoredWord = 0, ///< the register is monitored as a value of its own
+    MonitoredDoubleStart = 1, ///< it is the first register of a monitored two-register value
+    MonitoredDoubleEnd = 2, ///< it is the second
+};
+
+/// A run of registers of one of the six types, by value: it outlives the list entry it was read
+/// from.
+struct RegisterRange {
+    int station;
+    RegisterType type;
+    int address;
+    int count;
+};
+
+/// The registers of a variable.
+RegisterRange rangeOf(const VARIABLE &var);
+
+/// Finds the records of one station and type, quickest in ascending order of address.
+///
+/// Registers that are used together were mostly created together, so the record behind the one
+/// found last is looked at first.
+class RegisterFinder {
+public:
+    /// @param regType  must outlive the finder
+    RegisterFinder(int station, const QString &regType);
+
+    /// Position in driver.dataAreas of the register's record, which is created when it is missing.
+    /// Needs a CacheWriting scope. Stays valid until the link is started anew.
+    int positionOf(int address);
+
+    /// The position found before, after the host was called: found again if the link was started
+    /// anew.
+    int positionAgain(int position, int address);
+
+private:
+    bool standsAt(int position, int address) const;
+
+    int m_station;
+    const QString &m_regType;
+    int m_expected; // position that the next register is looked for at
+};
+
+/// The 16-bit value that a register shows: the written one while its write is pending.
+int shownValue(const _DATA_ &area);
+
+/// Low byte and high byte of the shown value; two bytes.
+inline const unsigned char *shownBytes(const _DATA_ &area)
+{
+    return area.writePending ? area.writeValue : area.value;
+}
+
+/// Drops every monitor mark of the cache.
+void clearMonitorMarks();
+
+/// Marks registers as monitored values and creates their records; nothing for an unknown type.
+void markMonitored(int station, const QString &regType, int address, int count);
+
+} // namespace dx4
+
+/// Position of a record in `list`, appended there when it is missing.
+int getIndexOfDataArea(int station, QString regType, int address, QList<_DATA_> &list);
+
+/// Marks `count` registers as monitored values; nothing for an unknown type or a count below 1.
+/// @return 0
+int _setDataAreaMonitorFlag(int station, QString regType, int address, int count);
+
+/// `value` with one bit set (`on` nonzero) or cleared.
+///
+/// @param bit  taken modulo 256; 32 to 255 leave the value as it is
+int _setBitValue(int value, int bit, int on);
