@@ -1,8 +1,13 @@
 # Finds Qt 5.15 or Qt 6 and gives it one name: korvane_qt_core.
-if(KORVANE_QT_MAJOR STREQUAL "")
-  find_package(QT NAMES Qt5 Qt6 REQUIRED COMPONENTS Core)
+if(KORVANE_QT_MAJOR)
+  set(QT_VERSION_MAJOR "${KORVANE_QT_MAJOR}")
 else()
-  find_package(QT NAMES Qt${KORVANE_QT_MAJOR} REQUIRED COMPONENTS Core)
+  find_package(Qt5 5.15 QUIET COMPONENTS Core)
+  if(Qt5_FOUND)
+    set(QT_VERSION_MAJOR 5)
+  else()
+    set(QT_VERSION_MAJOR 6)
+  endif()
 endif()
 find_package(Qt${QT_VERSION_MAJOR} REQUIRED COMPONENTS Core)
 
