@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// One request and what came back: the step between the cycle and the line.
+#include "host/exchange.h"
+
+#include <algorithm>
+
+namespace dx4::host {
+namespace {
+
+Reply::Kind judge(const Line &line, int received, int expected)
+{
+    if (received >= expected)
+        return Reply::Kind::Complete;
+    if (!line.isOpen())
+        return Reply::Kind::LineDown;
+    return received > 0 ? Reply::Kind::Incomplete : Reply::Kind::Silence;
+}
+
+} // namespace
+
+LineExchange::LineExchange(Line &line)
+    : m_line(line)
+{
+}
+
+Reply LineExchange::run(const FRAME_PRO &request)
+{
+    const LineSettings &settings = m_line.settings();
+    const int expected = std::max(request.replyLength, 0);
+
+    Reply reply;
+    // A station that chatters without end must not stop the rotation: past the response timeout
+    // the request goes out all the same.
+    m_line.awaitSilence(settings.silentGap(), m_line.now() + settings.responseTimeout);
+    m_line.discardInput();
+
+    const QByteArray frame(reinterpret_cast<const char *>(request.frame), request.sendLength);
+    const Duration start = m_line.now();
+    const bool sent = m_line.send(frame);
+    const Duration deadline = start + settings.wireTime(frame.size()) + settings.responseTimeout
+        + settings.wireTime(expected);
+    if (sent)
+        reply.bytes = m_line.receive(expected, deadline);
+    reply.kind = sent ? judge(m_line, reply.bytes.size(), expected) : Reply::Kind::LineDown;
+    reply.turnaround = m_line.now() - start;
+    return reply;
+}
+
+} // namespace dx4::host

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// One request and what came back: the step between the cycle and the line.
+#pragma once
+
+#include "host/line.h"
+#include "host_records.h"
+
+namespace dx4::host {
+
+/// What a request brought.
+struct Reply {
+    enum class Kind {
+        Complete, ///< as many bytes as the request expects
+        Incomplete, ///< some bytes, then nothing until the deadline
+        Silence, ///< nothing until the deadline
+        LineDown, ///< the line is closed or broke; the request may not have left
+    };
+
+    Kind kind = Kind::Silence;
+    QByteArray bytes; ///< for the driver
+    Duration turnaround { 0 }; ///< from the call that sent the request to the end of the wait
+};
+
+/// Carries one request to the station and its reply back. Checks that go beyond the driver's own
+/// and stations that are not to be asked are further implementations around this one.
+class Exchange {
+public:
+    Exchange() = default;
+    virtual ~Exchange() = default;
+    Exchange(const Exchange &) = delete;
+    Exchange &operator=(const Exchange &) = delete;
+
+    /// Sends the request and waits for its reply.
+    virtual Reply run(const FRAME_PRO &request) = 0;
+};
+
+/// The plain exchange: silent gap, stale input dropped, send, collect `replyLength` bytes.
+class LineExchange : public Exchange {
+public:
+    /// @param line  outlives the exchange
+    explicit LineExchange(Line &line);
+
+    Reply run(const FRAME_PRO &request) override;
+
+private:
+    Line &m_line;
+};
+
+} // namespace dx4::host

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// How a serial line is set, and the times that follow from it.
+#pragma once
+
+#include <QString>
+
+#include <chrono>
+
+namespace dx4::host {
+
+/// Spans of time. A moment is the span since the zero of the line's own clock.
+using Duration = std::chrono::microseconds;
+
+enum class Parity { None, Even, Odd };
+
+/// Settings of one line; data bits are always 8, as Modbus RTU has them.
+struct LineSettings {
+    QString port; ///< device path, or a name as the system lists it
+    int speed = 9600; ///< bit/s
+    Parity parity = Parity::None;
+    int stopBits = 1; ///< 1 or 2
+    Duration responseTimeout = std::chrono::milliseconds(300); ///< end of request to first byte
+
+    /// Time of one character: start bit, 8 data bits, parity and stop bits.
+    Duration characterTime() const;
+
+    /// Time of `bytes` characters back to back.
+    Duration wireTime(int bytes) const;
+
+    /// Silence that separates two frames: 3.5 characters, fixed at 1.75 ms above 19200 bit/s.
+    Duration silentGap() const;
+};
+
+} // namespace dx4::host

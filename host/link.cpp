@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+// One link: a loaded driver with everything that a host must lend it.
+#include "host/link.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace dx4::host {
+namespace {
+
+constexpr int recipeBufferUnits = 65536; // every 16-bit offset that a recipe record may name
+
+thread_local Link *callingLink = nullptr;
+
+} // namespace
+
+/// Names the link whose driver is being called on this thread.
+///
+/// The driver's callback carries no pointer of the host's, and its link number cannot tell two
+/// loaded copies apart: recipe values come with 0 and condition reads with -1. It runs on the
+/// thread of the call that caused it, before that call returns, so the caller is the link. Calls
+/// made from inside a callback nest.
+class Link::Scope {
+public:
+    explicit Scope(Link *link)
+        : m_outer(std::exchange(callingLink, link))
+    {
+    }
+    ~Scope() { callingLink = m_outer; }
+    Scope(const Scope &) = delete;
+    Scope &operator=(const Scope &) = delete;
+
+private:
+    Link *m_outer;
+};
+
+QByteArray LinkSettings::propertyText() const
+{
+    return QStringLiteral("%1#%2#0#%3#%4")
+        .arg(linkNumber)
+        .arg(writesStayLocal ? 1 : 0)
+        .arg(retryLimit)
+        .arg(blockSize)
+        .toLatin1();
+}
+
+Link::Link(std::unique_ptr<Plugin> plugin, const LinkSettings &settings)
+    : m_plugin(std::move(plugin))
+    , m_settings(settings)
+    , m_sharedBlock(hostBlockBytes, 0)
+    , m_recipeBuffer(recipeBufferUnits, 0)
+{
+    int result = 0;
+    const QByteArray property = settings.propertyText();
+    api().setAddrValueChangeCallBack(&Link::dispatch);
+    api().initProperty(m_sharedBlock.data(), 0, m_recipeBuffer.data(), &result,
+                       property.constData(), &m_mutex);
+}
+
+Link::~Link()
+{
+    api().setAddrValueChangeCallBack(nullptr);
+}
+
+QList<KEY_ADDRESS> Link::poll(QList<KEY_ADDRESS> addresses)
+{
+    const Scope scope(this);
+    api().addrMerge(addresses);
+    return addresses;
+}
+
+bool Link::nextFrame(FRAME_PRO &frame)
+{
+    return api().getSendFrame(frame) == FrameReady;
+}
+
+ReplyResult Link::handReply(const QByteArray &bytes, QString *errorText)
+{
+    const Scope scope(this);
+    QByteArray reply = bytes;
+    QString text;
+    const int result = api().dealRcvFrame(reply, text);
+    if (errorText)
+        *errorText = text;
+    return static_cast<ReplyResult>(result);
+}
+
+QVector<quint16> Link::values(int station, const QString &regType, int address, int count)
+{
+    QVector<quint16> result(std::max(count, 0));
+    std::vector<unsigned char> bytes(static_cast<size_t>(result.size()) * 2, 0);
+    api().getData(station, regType, address, result.size(), bytes.data());
+    for (int i = 0; i < result.size(); ++i) {
+        const auto low = static_cast<size_t>(i) * 2;
+        result[i] = static_cast<quint16>(bytes[low] + 256 * bytes[low + 1]);
+    }
+    return result;
+}
+
+RegisterState Link::registerState(int station, const QString &regType, int address) const
+{
+    RegisterState state;
+    for (const _DATA_ &record : std::as_const(api().state->dataAreas)) {
+        if (record.station != station || record.address != address || record.regType != regType)
+            continue;
+        const unsigned char *shown = record.writePending ? record.writeValue : record.value;
+        state.value = static_cast<quint16>(shown[0] + 256 * shown[1]);
+        state.failed = record.flag0 != 0;
+        state.writePending = record.writePending != 0;
+        break;
+    }
+    return state;
+}
+
+void Link::write(int station, const QString &regType, int address, const QVector<quint16> &values,
+                 int tag)
+{
+    const Scope scope(this);
+    std::vector<unsigned char> bytes;
+    bytes.reserve(static_cast<size_t>(values.size()) * 2);
+    for (quint16 value : values) {
+        bytes.push_back(static_cast<unsigned char>(value & 0xFF));
+        bytes.push_back(static_cast<unsigned char>(value >> 8));
+    }
+    api().setData(station, regType, address, values.size(), bytes.data(), tag);
+}
+
+void Link::addConditionRead(int station, const QString &regType, int address, int count, int tag)
+{
+    api().addConditionRead(wanted(station, regType, address, count), tag);
+}
+
+int Link::waitingWrites() const
+{
+    return api().state->writeList.size();
+}
+
+int Link::waitingConditionReads() const
+{
+    return api().state->conditionList.size();
+}
+
+void Link::dispatch(int linkNumber, int station, QString &name, int address)
+{
+    if (callingLink && callingLink->m_handler)
+        callingLink->m_handler({ linkNumber, station, name, address });
+}
+
+KEY_ADDRESS wanted(int station, const QString &regType, int address, int count)
+{
+    KEY_ADDRESS key;
+    key.station = station;
+    key.regType = regType;
+    key.address = address;
+    key.count = count;
+    return key;
+}
+
+} // namespace dx4::host

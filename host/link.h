@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+// One link: a loaded driver with everything that a host must lend it.
+#pragma once
+
+#include "host/plugin.h"
+
+#include <QList>
+#include <QMutex>
+#include <QVector>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace dx4::host {
+
+/// What the driver is told about its link.
+struct LinkSettings {
+    int linkNumber = 1; ///< comes back in the driver's callbacks
+    bool writesStayLocal = false; ///< writes change the cache only, nothing is sent
+    int retryLimit = 3; ///< bad replies after which a request is given up, 1 or more
+    int blockSize = 16; ///< most registers of one request, 1 to 123
+
+    /// The text for intf_initProperty.
+    QByteArray propertyText() const;
+};
+
+/// One call of the driver's callback.
+struct ValueChange {
+    int linkNumber = 0; ///< 0 for "RWI", -1 for "-1"
+    int station = 0; ///< -1 for "RWI" and "-1"
+    QString name; ///< register type; "RWI" recipe value; "-1" outcome of a condition read
+    int address = 0; ///< internal address; unit with "RWI"; 0 or -1 with "-1"
+};
+
+/// What the cache knows of one register.
+struct RegisterState {
+    quint16 value = 0; ///< visible value: the written one while its write is pending
+    bool failed = false; ///< the last read of it was given up
+    bool writePending = false;
+};
+
+/// Owns a loaded driver, the memory that it borrows, and the way back from its callback.
+///
+/// All calls come from one thread. The recipe request bytes of the shared block are never raised:
+/// while one is set the driver repeats its current request, and writes and reads wait.
+class Link {
+public:
+    using ChangeHandler = std::function<void(const ValueChange &)>;
+
+    /// Takes the driver over and starts the link: all lists and the cache are empty afterwards.
+    Link(std::unique_ptr<Plugin> plugin, const LinkSettings &settings);
+
+    /// Ends the driver's callback, then unloads the driver.
+    ~Link();
+    Link(const Link &) = delete;
+    Link &operator=(const Link &) = delete;
+
+    const LinkSettings &settings() const { return m_settings; }
+    const DriverApi &api() const { return m_plugin->api(); }
+
+    /// Called for every change that the driver reports, before the driver's call returns. It may
+    /// read values, write and ask for condition reads through this link.
+    void onChange(ChangeHandler handler) { m_handler = std::move(handler); }
+
+    /// Replaces the cyclic reads; not while a request is in flight.
+    ///
+    /// @return the merged blocks in the order in which they are read
+    QList<KEY_ADDRESS> poll(QList<KEY_ADDRESS> addresses);
+
+    /// Gives the next frame to send.
+    ///
+    /// @return false when there is nothing to send
+    bool nextFrame(FRAME_PRO &frame);
+
+    /// Hands the bytes that answered the last frame to the driver; empty when none came.
+    ///
+    /// @param errorText  out: the driver's line about the request; may be null
+    ReplyResult handReply(const QByteArray &bytes, QString *errorText = nullptr);
+
+    /// Visible values of `count` registers; what was never read is 0.
+    QVector<quint16> values(int station, const QString &regType, int address, int count = 1);
+
+    /// State of one register, without creating a record for one that was never read.
+    RegisterState registerState(int station, const QString &regType, int address) const;
+
+    /// Shows the values at once and queues their write.
+    ///
+    /// @param tag  travels with the request as VARIABLE::varKind
+    void write(int station, const QString &regType, int address, const QVector<quint16> &values,
+               int tag = 0);
+
+    /// Queues a one-off read; its outcome arrives as a change named "-1".
+    void addConditionRead(int station, const QString &regType, int address, int count, int tag = 0);
+
+    /// Requests that wait in the driver: writes and condition reads.
+    int waitingWrites() const;
+    int waitingConditionReads() const;
+
+private:
+    class Scope;
+    static void dispatch(int linkNumber, int station, QString &name, int address);
+
+    std::unique_ptr<Plugin> m_plugin;
+    LinkSettings m_settings;
+    std::vector<unsigned char> m_sharedBlock;
+    std::vector<unsigned short> m_recipeBuffer;
+    QMutex m_mutex;
+    ChangeHandler m_handler;
+};
+
+/// An address record for Link::poll.
+KEY_ADDRESS wanted(int station, const QString &regType, int address, int count = 1);
+
+} // namespace dx4::host

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// A line in memory: a function answers, and time passes only when somebody waits.
+#include "host/memory_line.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace dx4::host {
+
+MemoryLine::MemoryLine(Responder responder, const LineSettings &settings)
+    : m_responder(std::move(responder))
+    , m_settings(settings)
+    , m_lastActivity(-settings.silentGap())
+{
+}
+
+bool MemoryLine::open(QString *error)
+{
+    m_open = m_pluggedIn;
+    if (!m_open && error)
+        *error = QStringLiteral("memory line: unplugged");
+    return m_open;
+}
+
+void MemoryLine::close()
+{
+    m_open = false;
+    m_arrivals.clear();
+}
+
+bool MemoryLine::send(const QByteArray &bytes)
+{
+    if (!m_open)
+        return false;
+    m_sent.append(bytes);
+    m_now += m_settings.wireTime(bytes.size());
+    m_lastActivity = m_now;
+    const Answer answer = m_responder(bytes);
+    schedule(answer.bytes, m_now + answer.delay);
+    return m_open;
+}
+
+QByteArray MemoryLine::receive(int count, Duration deadline)
+{
+    QByteArray received;
+    while (m_open && received.size() < count && !m_arrivals.empty()
+           && m_arrivals.front().at <= deadline) {
+        m_now = std::max(m_now, m_arrivals.front().at);
+        m_lastActivity = m_arrivals.front().at;
+        received.append(m_arrivals.front().byte);
+        m_arrivals.pop_front();
+    }
+    if (m_open && received.size() < count)
+        m_now = std::max(m_now, deadline);
+    return received;
+}
+
+int MemoryLine::discardInput()
+{
+    int dropped = 0;
+    while (!m_arrivals.empty() && m_arrivals.front().at <= m_now) {
+        m_lastActivity = m_arrivals.front().at;
+        m_arrivals.pop_front();
+        ++dropped;
+    }
+    return dropped;
+}
+
+bool MemoryLine::awaitSilence(Duration gap, Duration deadline)
+{
+    discardInput();
+    while (!m_arrivals.empty() && m_arrivals.front().at < m_lastActivity + gap
+           && m_arrivals.front().at <= deadline) {
+        m_now = std::max(m_now, m_arrivals.front().at);
+        discardInput();
+    }
+    const Duration silentAt = m_lastActivity + gap;
+    m_now = std::max(m_now, std::min(silentAt, deadline));
+    return silentAt <= deadline || silentAt <= m_now;
+}
+
+void MemoryLine::inject(const QByteArray &bytes, Duration delay)
+{
+    schedule(bytes, m_now + delay);
+}
+
+void MemoryLine::unplug()
+{
+    m_pluggedIn = false;
+    close();
+}
+
+void MemoryLine::plugIn()
+{
+    m_pluggedIn = true;
+}
+
+void MemoryLine::schedule(const QByteArray &bytes, Duration start)
+{
+    for (char byte : bytes) {
+        start += m_settings.characterTime();
+        m_arrivals.push_back({ start, byte });
+    }
+    std::stable_sort(m_arrivals.begin(), m_arrivals.end(),
+                     [](const Arrival &a, const Arrival &b) { return a.at < b.at; });
+}
+
+} // namespace dx4::host

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// The line over a serial port of the machine, or over a pseudo-terminal.
+#pragma once
+
+#include "host/line.h"
+
+#include <memory>
+
+class QSerialPort;
+
+namespace dx4::host {
+
+/// A serial port driven without an event loop: every call blocks its thread until its deadline.
+class SerialLine : public Line {
+public:
+    /// The port is opened by open(), not here.
+    explicit SerialLine(const LineSettings &settings);
+    ~SerialLine() override;
+
+    bool open(QString *error) override;
+    void close() override;
+    bool isOpen() const override;
+    const LineSettings &settings() const override { return m_settings; }
+    Duration now() const override;
+    bool send(const QByteArray &bytes) override;
+    QByteArray receive(int count, Duration deadline) override;
+    int discardInput() override;
+    bool awaitSilence(Duration gap, Duration deadline) override;
+
+private:
+    bool configure();
+    bool waitForInput(Duration deadline);
+    bool broken() const;
+    void noteActivity();
+
+    LineSettings m_settings;
+    std::unique_ptr<QSerialPort> m_port;
+    Duration m_lastActivity { 0 };
+};
+
+} // namespace dx4::host
