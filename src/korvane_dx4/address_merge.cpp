@@ -138,7 +138,7 @@ void appendCyclicRead(const KEY_ADDRESS &block)
 
 } // namespace
 
-unsigned getRegAddressWeight(int station, QString regType, int address, int)
+unsigned getRegAddressWeight(int station, QString regType, int address, int /*unused*/)
 {
     return weightOf(station, regType, address);
 }

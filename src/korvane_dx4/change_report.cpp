@@ -4,6 +4,7 @@
 
 #include "korvane_dx4.h"
 #include "korvane_dx4/data_areas.h"
+#include "korvane_dx4/record_copy.h"
 #include "wire/wrap.h"
 
 using namespace dx4;
@@ -12,6 +13,11 @@ namespace {
 
 constexpr int bitsPerWord = 16;
 constexpr int bitsPerByte = 8;
+
+// What the callback gets as a name: copies made once, because counting references twice for each
+// change costs as much as storing the value.
+QString lentNames[registerTypeCount] = { REG_LIST[0], REG_LIST[1], REG_LIST[2],
+                                         REG_LIST[3], REG_LIST[4], REG_LIST[5] };
 
 bool hasBit(int value, int bit)
 {
@@ -65,8 +71,14 @@ void dx4::notifyHost(int linkId, int station, const QString &name, int address)
 {
     if (!driver.valueChangeCallback)
         return;
-    QString handed = name;
-    driver.valueChangeCallback(linkId, station, handed, address);
+    const RegisterType type = registerType(name);
+    if (type == UnknownType) {
+        QString handed = name;
+        driver.valueChangeCallback(linkId, station, handed, address);
+        return;
+    }
+    driver.valueChangeCallback(linkId, station, lentNames[type], address);
+    assignText(lentNames[type], REG_LIST[type]); // the host may have changed it
 }
 
 void dx4::reportWordChange(int position, int valueA, int valueB, int station,

@@ -11,16 +11,6 @@ namespace {
 
 constexpr int wholeRegisters = -1; // KEY_ADDRESS::subAddress
 
-// Deliberate: the last piece alone stands in conditionVar, so that a request cut into pieces
-// reports one outcome.
-void queueConditionRead(VARIABLE &var, int address, int count)
-{
-    var.address = address;
-    var.count = count;
-    queueRequest(driver.conditionList, var);
-    copyVariable(driver.conditionVar, var);
-}
-
 } // namespace
 
 int intf_addConditionRead(KEY_ADDRESS address, int varKind)
@@ -31,12 +21,15 @@ int intf_addConditionRead(KEY_ADDRESS address, int varKind)
     var.varKind = varKind;
     var.station = address.station;
     var.regType = sharedName(address.regType);
-    if (limit >= address.count) {
-        queueConditionRead(var, address.address, address.count);
-        return alwaysDone;
+    const bool fitsOneRequest = limit >= address.count;
+    const Pieces pieces = fitsOneRequest ? Pieces::whole(address.address, address.count)
+                                         : Pieces::cut(address.address, address.count, limit);
+    queuePieces(driver.conditionList, var, pieces, [](qint64) {});
+    // Deliberate: only the last piece is remembered, so that a read in pieces reports one outcome.
+    if (pieces.size() > 0) {
+        var.address = pieces.address(pieces.size() - 1);
+        var.count = pieces.count(pieces.size() - 1);
+        copyVariable(driver.conditionVar, var);
     }
-    const Pieces pieces(address.address, address.count, limit);
-    for (qint64 j = 0; j < pieces.size(); ++j)
-        queueConditionRead(var, pieces.address(j), pieces.count(j));
     return alwaysDone;
 }

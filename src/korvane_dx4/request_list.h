@@ -6,7 +6,12 @@
 
 #include <QList>
 
+#include <vector>
+
 namespace dx4 {
+
+/// Entries that a list of waiting requests holds at most.
+inline constexpr int fullListSize = 513;
 
 /// Registers per request for a configured block size. 0 counts as 1, so that nothing is divided by
 /// zero and nothing is lost; any other number is taken as it is.
@@ -15,14 +20,19 @@ constexpr int splitLimit(int blockSize)
     return blockSize == 0 ? 1 : blockSize;
 }
 
-/// Cuts a run of registers into requests of `limit` registers and a rest.
-///
-/// Numbers are taken as they come: a negative count or limit gives the requests that plain division
-/// gives.
+/// The requests that a run of registers is queued as.
 class Pieces {
 public:
+    /// One request for the whole run, whatever its count.
+    static Pieces whole(int address, int count) { return { address, count, 0, 1 }; }
+
+    /// Requests of `limit` registers and a last one for the rest.
+    ///
+    /// Numbers are taken as they come: a negative count or limit gives the requests that plain
+    /// division gives.
+    ///
     /// @param limit  not 0
-    Pieces(int address, int count, int limit);
+    static Pieces cut(int address, int count, int limit);
 
     /// Number of requests, 0 and below for none.
     qint64 size() const { return m_size; }
@@ -33,15 +43,29 @@ public:
     /// Registers of request j: `limit`, and the rest in the last one.
     int count(qint64 j) const;
 
+    /// Number of the request that starts at this address; size() when none does.
+    qint64 indexOf(int address) const;
+
     /// Registers before request j.
     qint64 registersBefore(qint64 j) const { return j * m_limit; }
 
 private:
+    Pieces(int address, int limit, int rest, qint64 size)
+        : m_address(address)
+        , m_limit(limit)
+        , m_rest(rest)
+        , m_size(size)
+    {
+    }
+
     int m_address;
     int m_limit;
-    int m_rest;
+    int m_rest; // registers of the last request, 0 when that has m_limit as well
     qint64 m_size;
 };
+
+/// Whether two requests ask for the same registers.
+bool sameRegisters(const VARIABLE &a, const VARIABLE &b);
 
 /// Puts a request into a list: in place of the last one for the same registers, else at the end.
 ///
@@ -49,7 +73,34 @@ private:
 /// entry is replaced.
 void queueRequest(QList<VARIABLE> &list, const VARIABLE &request);
 
-/// Whether two requests ask for the same registers.
-bool sameRegisters(const VARIABLE &a, const VARIABLE &b);
+/// Requests of a run that still count after the whole run was queued into a full list, in order.
+///
+/// @param request  station and type of the run
+/// @param first    the first request not queued yet
+std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const VARIABLE &request,
+                                  const Pieces &pieces, qint64 first);
+
+/// Queues all requests of a run.
+///
+/// The effort is bounded however long the run: once the list is full, a request either renews an
+/// entry or replaces the last one, and of those that replace it only the newest stays.
+///
+/// @param request  station, type and kind of the run; address and count are set for each request
+/// @param fill     called with the number of the request, to set its data
+template <typename Fill>
+void queuePieces(QList<VARIABLE> &list, VARIABLE &request, const Pieces &pieces, Fill fill)
+{
+    const auto queuePiece = [&](qint64 j) {
+        request.address = pieces.address(j);
+        request.count = pieces.count(j);
+        fill(j);
+        queueRequest(list, request);
+    };
+    qint64 next = 0;
+    while (next < pieces.size() && list.size() < fullListSize)
+        queuePiece(next++);
+    for (const qint64 j : lastingPieces(list, request, pieces, next))
+        queuePiece(j);
+}
 
 } // namespace dx4

@@ -34,13 +34,11 @@ void queueWrite(const RegisterRange &range, const unsigned char *data, int varKi
     var.varKind = varKind;
     var.station = range.station;
     var.regType = REG_LIST[range.type];
-    const Pieces pieces(range.address, range.count, splitLimit(driver.writeBlockSize));
-    for (qint64 j = 0; j < pieces.size(); ++j) {
-        var.address = pieces.address(j);
-        var.count = pieces.count(j);
+    const Pieces pieces =
+        Pieces::cut(range.address, range.count, splitLimit(driver.writeBlockSize));
+    queuePieces(driver.writeList, var, pieces, [&](qint64 j) {
         takeValues(var.data, data, pieces.registersBefore(j), var.count);
-        queueRequest(driver.writeList, var);
-    }
+    });
 }
 
 void storeWritten(int position, const unsigned char *bytes)
