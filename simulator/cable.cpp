@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: MIT
+// The cable between master and stations: takes its time, and breaks what the plan says.
+#include "simulator/cable.h"
+
+#include "simulator/frame_damage.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace dx4::sim {
+
+namespace {
+
+constexpr Micros shortestFrameGap { 1750 }; // the fixed gap of fast lines
+constexpr int usualException = 4; // device failure
+constexpr int fastLine = 19200; // bit/s, above which the gap is fixed
+
+std::string describe(const FaultRule &rule)
+{
+    std::string text = faultKindName(rule.kind);
+    if (damagesFrame(rule.kind))
+        text += rule.side == Side::Request ? " request" : " reply";
+    return text;
+}
+
+} // namespace
+
+Micros LineSettings::characterTime() const
+{
+    if (bitsPerSecond <= 0)
+        return Micros(0);
+    return Micros(std::int64_t { bitsPerCharacter } * 1000000 / bitsPerSecond);
+}
+
+Micros LineSettings::frameGap() const
+{
+    if (bitsPerSecond <= 0 || bitsPerSecond > fastLine)
+        return shortestFrameGap;
+    return characterTime() * 7 / 2;
+}
+
+/// One request on its way, and what the striking rules made of it.
+struct Cable::Passage {
+    Bytes sent; ///< as the master sent it
+    Bytes request; ///< as the stations hear it
+    Bytes reply; ///< as the master hears it
+    std::vector<FaultRule> rules; ///< those that strike
+    Micros end { 0 }; ///< of the request
+    Micros delay { 0 };
+    std::optional<int> exception; ///< comes instead of the reply
+    bool heard = true; ///< the stations get the request
+    bool answered = true; ///< the master gets the reply
+    bool echoed = false;
+};
+
+Cable::Cable(Bus &bus, const Clock &clock, LineSettings settings, FaultPlan plan)
+    : m_bus(bus)
+    , m_clock(clock)
+    , m_settings(settings)
+    , m_plan(std::move(plan))
+{
+}
+
+void Cable::send(const Bytes &request)
+{
+    const Micros now = m_clock.now();
+    ++m_number;
+    tell(LineEvent::Kind::Request, now, request);
+
+    Passage passage;
+    passage.sent = request;
+    passage.request = request;
+    passage.end = now + m_settings.characterTime() * static_cast<int>(request.size());
+    if (unplugged()) {
+        passage.heard = false;
+        passage.answered = false;
+    } else {
+        passage.rules = m_plan.strike(m_number, request, now);
+        strike(passage);
+    }
+    carry(passage);
+}
+
+void Cable::strike(Passage &passage)
+{
+    for (const FaultRule &rule : passage.rules) {
+        tell(LineEvent::Kind::Fault, passage.end, {}, describe(rule));
+        if (damagesFrame(rule.kind) && rule.side == Side::Request)
+            damage(passage.request, rule, m_plan.dice());
+        else if (rule.kind == FaultKind::DropRequest)
+            passage.heard = false;
+        else if (rule.kind == FaultKind::DropReply)
+            passage.answered = false;
+        else if (rule.kind == FaultKind::Delay)
+            passage.delay += rule.duration;
+        else if (rule.kind == FaultKind::Exception)
+            passage.exception = rule.value.value_or(usualException);
+        else if (rule.kind == FaultKind::Echo)
+            passage.echoed = true;
+        else
+            beginOutage(passage, rule);
+    }
+}
+
+void Cable::beginOutage(Passage &passage, const FaultRule &rule)
+{
+    const Micros until = passage.end + rule.duration;
+    if (rule.kind == FaultKind::Silence) {
+        passage.answered = false;
+        m_silentUntil = std::max(m_silentUntil, until);
+    } else if (rule.kind == FaultKind::Unplug) {
+        passage.heard = false;
+        m_arrivals.clear();
+        m_unpluggedUntil = std::max(m_unpluggedUntil, until);
+    } else if (rule.kind == FaultKind::PowerCycle) {
+        passage.heard = false;
+        Inverter *inverter = m_bus.find(passage.sent.empty() ? 0 : passage.sent[0]);
+        if (inverter)
+            inverter->powerCycle(passage.end, rule.duration);
+    }
+}
+
+void Cable::carry(Passage &passage)
+{
+    if (passage.request != passage.sent)
+        tell(LineEvent::Kind::Damaged, passage.end, passage.request);
+    if (passage.heard)
+        obey(passage);
+    else
+        m_bus.advanceTo(passage.end);
+
+    for (const FaultRule &rule : passage.rules) {
+        if (damagesFrame(rule.kind) && rule.side == Side::Reply && canDamage(rule, passage))
+            damage(passage.reply, rule, m_plan.dice());
+    }
+    if (passage.echoed && passage.heard)
+        passage.reply.insert(passage.reply.begin(), passage.sent.begin(), passage.sent.end());
+    if (!passage.answered || passage.end < m_silentUntil)
+        passage.reply.clear();
+
+    if (passage.reply.empty())
+        return tell(LineEvent::Kind::NoReply, passage.end, {});
+    const Micros start = passage.end + m_settings.turnaround + passage.delay;
+    tell(LineEvent::Kind::Reply, start, passage.reply);
+    putOnLine(passage.reply, start);
+}
+
+bool Cable::canDamage(const FaultRule &rule, const Passage &passage)
+{
+    // Junk comes from outside: it needs no reply to stand beside, but a plug that is in.
+    return !passage.reply.empty() || (rule.kind == FaultKind::Junk && !unplugged());
+}
+
+void Cable::obey(Passage &passage)
+{
+    if (!passage.exception) {
+        passage.reply = m_bus.deliver(passage.request, passage.end);
+        return;
+    }
+    m_bus.advanceTo(passage.end);
+    const Bytes &request = passage.request;
+    const Inverter *inverter = hasGoodCrc(request) ? m_bus.find(request[0]) : nullptr;
+    if (!inverter || !inverter->powered())
+        return;
+    const int function = request[1] | 0x80;
+    passage.reply = withCrc({ request[0], static_cast<std::uint8_t>(function),
+                              static_cast<std::uint8_t>(*passage.exception) });
+}
+
+void Cable::putOnLine(const Bytes &bytes, Micros start)
+{
+    // A reply that still waits goes first: the line carries one byte at a time.
+    Micros time = m_arrivals.empty() ? start : std::max(start, m_arrivals.back().time);
+    for (std::uint8_t byte : bytes) {
+        time += m_settings.characterTime();
+        m_arrivals.push_back({ time, byte });
+    }
+}
+
+Bytes Cable::receive()
+{
+    Bytes arrived;
+    const Micros now = m_clock.now();
+    while (!m_arrivals.empty() && m_arrivals.front().time <= now) {
+        arrived.push_back(m_arrivals.front().byte);
+        m_arrivals.pop_front();
+    }
+    return arrived;
+}
+
+std::optional<Micros> Cable::nextByteAt() const
+{
+    if (m_arrivals.empty())
+        return std::nullopt;
+    return m_arrivals.front().time;
+}
+
+void Cable::unplug()
+{
+    m_pulled = true;
+    m_arrivals.clear();
+    tell(LineEvent::Kind::Plug, m_clock.now(), {}, "unplugged");
+}
+
+void Cable::plug()
+{
+    m_pulled = false;
+    m_unpluggedUntil = Micros(0);
+    tell(LineEvent::Kind::Plug, m_clock.now(), {}, "plugged");
+}
+
+bool Cable::unplugged() const
+{
+    return m_pulled || m_clock.now() < m_unpluggedUntil;
+}
+
+void Cable::tell(LineEvent::Kind kind, Micros time, const Bytes &bytes, const std::string &text)
+{
+    const LineEvent event { kind, m_number, time, bytes, text };
+    for (const Observer &observer : m_observers)
+        observer(event);
+}
+
+Bytes exchange(Cable &cable, VirtualClock &clock, const Bytes &request, Micros timeout)
+{
+    cable.send(request);
+    const Micros deadline = clock.now() + timeout;
+    Bytes heard;
+    for (std::optional<Micros> next; (next = cable.nextByteAt()) && *next <= deadline;) {
+        clock.advanceTo(*next);
+        const Bytes arrived = cable.receive();
+        heard.insert(heard.end(), arrived.begin(), arrived.end());
+    }
+    clock.advanceTo(heard.empty() ? deadline : clock.now() + cable.settings().frameGap());
+    return heard;
+}
+
+} // namespace dx4::sim

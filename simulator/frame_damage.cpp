@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// What a fault does to the bytes of one frame.
+#include "simulator/frame_damage.h"
+
+#include <algorithm>
+#include <set>
+
+namespace dx4::sim {
+
+namespace {
+
+constexpr int usualBits = 1;
+constexpr int usualJunk = 3;
+
+std::uint32_t sizeOf(const Bytes &frame)
+{
+    return static_cast<std::uint32_t>(frame.size());
+}
+
+void flipBits(Bytes &frame, int count, Dice &dice)
+{
+    const std::uint32_t bits = sizeOf(frame) * 8;
+    const std::size_t wanted = std::min<std::size_t>(static_cast<std::size_t>(count), bits);
+    // Each bit once: two flips of the same bit would be none.
+    std::set<std::uint32_t> chosen;
+    while (chosen.size() < wanted)
+        chosen.insert(dice.below(bits));
+    for (std::uint32_t bit : chosen)
+        frame[bit / 8] = static_cast<std::uint8_t>(frame[bit / 8] ^ (1U << (bit % 8)));
+}
+
+void breakCrc(Bytes &frame)
+{
+    for (std::size_t i = frame.size() - std::min<std::size_t>(frame.size(), 2); i < frame.size();
+         ++i)
+        frame[i] = static_cast<std::uint8_t>(frame[i] ^ 0xFFU);
+}
+
+void truncate(Bytes &frame, const FaultRule &rule, Dice &dice)
+{
+    if (frame.empty())
+        return;
+    const std::size_t kept =
+        rule.count ? static_cast<std::size_t>(*rule.count) : 1 + dice.below(sizeOf(frame) - 1);
+    frame.resize(std::min(kept, frame.size()));
+}
+
+void addJunk(Bytes &frame, const FaultRule &rule, Dice &dice)
+{
+    Bytes junk(static_cast<std::size_t>(rule.count.value_or(usualJunk)));
+    for (std::uint8_t &byte : junk)
+        byte = static_cast<std::uint8_t>(dice.below(256));
+    std::ptrdiff_t place = 0;
+    if (rule.place == JunkPlace::After)
+        place = static_cast<std::ptrdiff_t>(frame.size());
+    else if (rule.place == JunkPlace::Inside && frame.size() > 1)
+        place = 1 + static_cast<std::ptrdiff_t>(dice.below(sizeOf(frame) - 1));
+    frame.insert(frame.begin() + place, junk.begin(), junk.end());
+}
+
+void replaceByte(Bytes &frame, std::size_t place, int value)
+{
+    if (frame.size() < smallestFrame)
+        return;
+    frame[place] = static_cast<std::uint8_t>(value);
+    renewCrc(frame);
+}
+
+int otherStation(const Bytes &frame)
+{
+    return frame.empty() || frame[0] >= 247 ? 1 : frame[0] + 1;
+}
+
+int otherFunction(const Bytes &frame)
+{
+    return frame.size() > 1 && frame[1] == 3 ? 4 : 3;
+}
+
+} // namespace
+
+bool damagesFrame(FaultKind kind)
+{
+    switch (kind) {
+    case FaultKind::FlipBits:
+    case FaultKind::BreakCrc:
+    case FaultKind::Truncate:
+    case FaultKind::Junk:
+    case FaultKind::WrongStation:
+    case FaultKind::WrongFunction:
+        return true;
+    case FaultKind::DropRequest:
+    case FaultKind::DropReply:
+    case FaultKind::Delay:
+    case FaultKind::Exception:
+    case FaultKind::Echo:
+    case FaultKind::Silence:
+    case FaultKind::Unplug:
+    case FaultKind::PowerCycle:
+        return false;
+    }
+    return false;
+}
+
+void damage(Bytes &frame, const FaultRule &rule, Dice &dice)
+{
+    switch (rule.kind) {
+    case FaultKind::FlipBits:
+        return flipBits(frame, rule.count.value_or(usualBits), dice);
+    case FaultKind::BreakCrc:
+        return breakCrc(frame);
+    case FaultKind::Truncate:
+        return truncate(frame, rule, dice);
+    case FaultKind::Junk:
+        return addJunk(frame, rule, dice);
+    case FaultKind::WrongStation:
+        return replaceByte(frame, 0, rule.value.value_or(otherStation(frame)));
+    case FaultKind::WrongFunction:
+        return replaceByte(frame, 1, rule.value.value_or(otherFunction(frame)));
+    case FaultKind::DropRequest:
+    case FaultKind::DropReply:
+    case FaultKind::Delay:
+    case FaultKind::Exception:
+    case FaultKind::Echo:
+    case FaultKind::Silence:
+    case FaultKind::Unplug:
+    case FaultKind::PowerCycle:
+        return;
+    }
+}
+
+} // namespace dx4::sim

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+// The command line of dx4-sim.
+#include "simulator/options.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <ostream>
+
+namespace dx4::sim {
+
+namespace {
+
+constexpr const char *examples = R"(Examples:
+  dx4-sim --pty                          print the device to open, serve station 1
+  dx4-sim --pty --stations 1,2,5 --json  three stations, one JSON line per event
+  dx4-sim --pty --faults bad.toml --seed 7 --log bytes.log
+                                         a bad line, the same one every time
+  dx4-sim --port /dev/ttyUSB0 --speed 19200 --format 8E1
+                                         serve a real line
+
+Type "help" on its standard input for the commands it takes while it runs.
+Exit codes: 0 done, 1 device or line, 2 usage.)";
+
+std::string checkFormat(const std::string &text)
+{
+    const bool good = text.size() == 3 && text[0] == '8'
+        && (text[1] == 'N' || text[1] == 'E' || text[1] == 'O')
+        && (text[2] == '1' || text[2] == '2');
+    return good ? std::string() : "expected 8N1, 8N2, 8E1, 8E2, 8O1 or 8O2, not " + text;
+}
+
+void addDeviceOptions(CLI::App &app, Options &options)
+{
+    CLI::Option *pty = app.add_flag(
+        "--pty", options.pty, "serve a new pseudo-terminal; its path is the first line printed");
+    CLI::Option *port =
+        app.add_option("--port", options.port, "serve this serial device")->type_name("DEVICE");
+    pty->excludes(port);
+    app.add_option("--speed", options.speed,
+                   "line speed in bit/s; with --pty, 0 leaves the time of characters out")
+        ->check(CLI::Range(0, 1000000))
+        ->capture_default_str();
+    app.add_option("--format", options.format, "data bits, parity, stop bits")
+        ->check(CLI::Validator(checkFormat, "8N1|8N2|8E1|8E2|8O1|8O2"))
+        ->capture_default_str();
+    app.add_option("--turnaround", options.turnaroundMs,
+                   "time from the end of a request to the reply, in ms")
+        ->check(CLI::Range(0, 10000))
+        ->capture_default_str();
+}
+
+void addOtherOptions(CLI::App &app, Options &options)
+{
+    app.add_option("--stations", options.stations, "stations to serve, between commas")
+        ->delimiter(',')
+        ->check(CLI::Range(1, 247))
+        ->capture_default_str();
+    app.add_option("--faults", options.faultFile, "what goes wrong on the line, as TOML")
+        ->type_name("FILE")
+        ->check(CLI::ExistingFile);
+    app.add_option("--seed", options.seed, "seed of the faults; goes before the file's own")
+        ->type_name("NUMBER");
+    app.add_option("--log", options.logFile, "write every frame as hex")->type_name("FILE");
+    app.add_option("--pcap", options.captureFile, "write every frame as a network capture")
+        ->type_name("FILE");
+    app.add_flag("--json", options.json, "print one JSON object per line");
+}
+
+std::string findContradiction(const Options &options)
+{
+    if (!options.pty && options.port.empty())
+        return "say what to serve: --pty or --port DEVICE";
+    if (!options.port.empty() && options.speed == 0)
+        return "--speed 0 is for --pty only: a serial port needs its speed";
+    return {};
+}
+
+} // namespace
+
+std::optional<int> readOptions(int argc, char **argv, Options &options, std::ostream &out,
+                               std::ostream &errors)
+{
+    CLI::App app("Simulates frequency inverters on a Modbus RTU line.", "dx4-sim");
+    app.set_version_flag("--version", "dx4-sim " KORVANE_VERSION);
+    app.footer(examples);
+    addDeviceOptions(app, options);
+    addOtherOptions(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error, out, errors) == 0 ? Done : UsageError;
+    }
+    const std::string contradiction = findContradiction(options);
+    if (contradiction.empty())
+        return std::nullopt;
+    errors << "dx4-sim: " << contradiction << "\nRun with --help for more information.\n";
+    return UsageError;
+}
+
+} // namespace dx4::sim

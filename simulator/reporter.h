@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// What dx4-sim prints: the device to open, events, answers to commands, the state of the drives.
+#pragma once
+
+#include "simulator/cable.h"
+
+#include <ostream>
+#include <string>
+
+namespace dx4::sim {
+
+/// Prints either plain text or one JSON object per line; every line is flushed.
+class Reporter {
+public:
+    /// `out` must outlive it.
+    Reporter(std::ostream &out, bool json)
+        : m_out(out)
+        , m_json(json)
+    {
+    }
+
+    /// The first line: "pty /dev/pts/7", or {"event":"pty","path":"/dev/pts/7"}; likewise "port".
+    void opened(const char *kind, const std::string &path);
+
+    /// One event of the line. Printed as JSON only: as text it would hide what the user types.
+    void event(const LineEvent &event);
+
+    /// The answer to a command; `text` may be empty.
+    void answer(bool good, const std::string &text);
+
+    /// The state of one station on a line of its own.
+    void status(int station, const Inverter &inverter);
+
+private:
+    void line(const std::string &text);
+
+    std::ostream &m_out;
+    bool m_json;
+};
+
+/// `text` in quotes as JSON wants it.
+std::string jsonText(const std::string &text);
+
+} // namespace dx4::sim

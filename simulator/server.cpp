@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+// The loop of dx4-sim: port, commands, signals and time.
+#include "simulator/server.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+namespace dx4::sim {
+
+namespace {
+
+// A frame that does not end by its length is over when nothing came for so long. A pseudo-terminal
+// and its writer may pause within a frame, which a wire would not.
+constexpr Micros longestPause { 20000 };
+
+volatile sig_atomic_t endRequested = 0;
+
+void requestEnd(int)
+{
+    endRequested = 1;
+}
+
+void catchSignals()
+{
+    struct sigaction action = {};
+    action.sa_handler = requestEnd;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGINT);
+    sigaddset(&blocked, SIGTERM);
+    sigprocmask(SIG_BLOCK, &blocked, nullptr);
+}
+
+timespec toTimespec(Micros time)
+{
+    timespec result {};
+    result.tv_sec = static_cast<time_t>(time.count() / 1000000);
+    result.tv_nsec = static_cast<long>(time.count() % 1000000 * 1000);
+    return result;
+}
+
+} // namespace
+
+Server::Server(Port &port, Cable &cable, Commands &commands, const Clock &clock)
+    : m_port(port)
+    , m_cable(cable)
+    , m_commands(commands)
+    , m_clock(clock)
+    , m_framer(std::max(cable.settings().frameGap(), longestPause))
+{
+    catchSignals();
+}
+
+void Server::run()
+{
+    while (!m_quit && !endRequested) {
+        wait();
+        servePort();
+        if (m_inputReady)
+            serveCommands();
+    }
+}
+
+void Server::wait()
+{
+    std::optional<Micros> next = m_cable.nextByteAt();
+    const std::optional<Micros> frameEnd = m_framer.endsAt();
+    if (frameEnd)
+        next = next ? std::min(*next, *frameEnd) : *frameEnd;
+    const Micros left = next ? std::max(*next - m_clock.now(), Micros(0)) : Micros(0);
+    const timespec timeout = toTimespec(left);
+
+    std::array<pollfd, 2> waiting = { {
+        { m_port.descriptor(), POLLIN, 0 },
+        { m_inputOpen ? STDIN_FILENO : -1, POLLIN, 0 },
+    } };
+    sigset_t none;
+    sigemptyset(&none);
+    const int ready = ppoll(waiting.data(), waiting.size(), next ? &timeout : nullptr, &none);
+    if (ready < 0 && errno != EINTR)
+        throw std::system_error(errno, std::generic_category(), "poll");
+    m_portReady = ready > 0 && waiting[0].revents != 0;
+    m_inputReady = ready > 0 && waiting[1].revents != 0;
+}
+
+void Server::servePort()
+{
+    if (m_portReady)
+        m_framer.push(m_port.read(), m_clock.now());
+    while (const std::optional<Bytes> frame = m_framer.take(m_clock.now()))
+        m_cable.send(*frame);
+    m_port.write(m_cable.receive());
+}
+
+void Server::serveCommands()
+{
+    char part[512];
+    const ssize_t count = ::read(STDIN_FILENO, part, sizeof part);
+    if (count <= 0) {
+        m_inputOpen = count < 0 && errno == EINTR;
+        return;
+    }
+    m_typed.append(part, static_cast<std::size_t>(count));
+    for (std::size_t end; !m_quit && (end = m_typed.find('\n')) != std::string::npos;) {
+        m_quit = !m_commands.run(m_typed.substr(0, end));
+        m_typed.erase(0, end + 1);
+    }
+}
+
+} // namespace dx4::sim
