@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// Runs the tests with the application object that Qt's serial port asks for.
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
