@@ -2,7 +2,7 @@
 # Checks one kind of statement in the documents; run from the top of the source tree.
 #
 #   frames  every line of a ```frame block in docs/wire.md and docs/cycle.md ends in its Modbus CRC
-#   tests   every test that docs/behaviour.md names is defined in tests/
+#   tests   every test that docs/behaviour.md names is defined in tests/, and every row names one
 #   links   every local file that a document links to exists
 set -euo pipefail
 
@@ -14,10 +14,10 @@ fail() {
 
 # Prints the CRC of hex bytes as it stands on the wire, low byte first.
 modbus_crc() {
-  local crc=$((0xFFFF)) byte bit
+  local crc=$((0xFFFF)) byte _
   for byte in "$@"; do
     crc=$((crc ^ 0x$byte))
-    for bit in 1 2 3 4 5 6 7 8; do
+    for _ in 1 2 3 4 5 6 7 8; do
       crc=$(((crc & 1) ? (crc >> 1) ^ 0xA001 : crc >> 1))
     done
   done
@@ -52,17 +52,26 @@ defined_tests() {
     sed -E 's/^[A-Z_]+\( *//; s/, */./'
 }
 
+# Whether a file that defines tests of a suite holds a row of this name.
+row_exists() {
+  grep -rlE --include='*.cpp' "TEST_P\( *$1," tests | xargs -r grep -qF "\"$2\""
+}
+
 check_tests() {
-  local count=0 name defined
+  # shellcheck disable=SC2016  # the backticks are those of Markdown
+  local count=0 name defined pattern='`[A-Z][A-Za-z0-9]*[./][A-Z][A-Za-z0-9]*`'
   defined=$(defined_tests)
   while read -r name; do
     count=$((count + 1))
-    grep -qxF "$name" <<<"$defined" || fail "docs/behaviour.md names a test that does not exist: $name"
-  done < <(grep -oE '`[A-Z][A-Za-z0-9]*\.[A-Z][A-Za-z0-9]*`' docs/behaviour.md | tr -d '`' | sort -u)
-  [ $count -ge 20 ] || fail "only $count tests named"
+    case $name in
+      */*) row_exists "${name%/*}" "${name#*/}" ;;
+      *) grep -qxF "$name" <<<"$defined" ;;
+    esac || fail "docs/behaviour.md names a test that does not exist: $name"
+  done < <(grep -oE "$pattern" docs/behaviour.md | tr -d '\140' | sort -u)
+  [ $count -ge 50 ] || fail "only $count tests named"
   while read -r name; do
     fail "docs/behaviour.md has a row without a test: $name"
-  done < <(grep -E '^\| Deliberate:' docs/behaviour.md | grep -vE '`[A-Z][A-Za-z0-9]*\.[A-Z][A-Za-z0-9]*`')
+  done < <(grep -E '^\| Deliberate:' docs/behaviour.md | grep -vE "$pattern \|$")
 }
 
 check_links() {
