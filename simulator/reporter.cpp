@@ -2,6 +2,8 @@
 // What dx4-sim prints: the device to open, events, answers to commands, the state of the drives.
 #include "simulator/reporter.h"
 
+#include "simulator/byte_log.h"
+
 #include <cstdio>
 
 namespace dx4::sim {
@@ -68,8 +70,11 @@ void Reporter::opened(const char *kind, const std::string &path)
 
 void Reporter::event(const LineEvent &event)
 {
-    if (!m_json)
+    if (!m_json) {
+        if (m_showEvents)
+            line(number(static_cast<double>(event.time.count()) / 1e6, 3) + ' ' + logLine(event));
         return;
+    }
     std::string text = "{\"event\":" + jsonText(eventName(event.kind));
     text += ",\"frame\":" + std::to_string(event.number);
     text += ",\"time\":" + number(static_cast<double>(event.time.count()) / 1e6, 6);

@@ -12,17 +12,19 @@ namespace dx4::sim {
 /// Prints either plain text or one JSON object per line; every line is flushed.
 class Reporter {
 public:
-    /// `out` must outlive it.
-    Reporter(std::ostream &out, bool json)
+    /// `out` must outlive it. `showEvents` prints events in plain text too, for somebody who
+    /// watches; a program that only wants the first line need not read on.
+    Reporter(std::ostream &out, bool json, bool showEvents = false)
         : m_out(out)
         , m_json(json)
+        , m_showEvents(showEvents)
     {
     }
 
     /// The first line: "pty /dev/pts/7", or {"event":"pty","path":"/dev/pts/7"}; likewise "port".
     void opened(const char *kind, const std::string &path);
 
-    /// One event of the line. Printed as JSON only: as text it would hide what the user types.
+    /// One event of the line: always as JSON, as text where events are shown.
     void event(const LineEvent &event);
 
     /// The answer to a command; `text` may be empty.
@@ -36,6 +38,7 @@ private:
 
     std::ostream &m_out;
     bool m_json;
+    bool m_showEvents;
 };
 
 /// `text` in quotes as JSON wants it.
