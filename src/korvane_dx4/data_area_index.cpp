@@ -55,12 +55,6 @@ RegisterKey keyOf(const _DATA_ &record)
 
 DataAreaIndex dataAreaIndex;
 
-bool hasKey(const _DATA_ &record, const RegisterKey &key)
-{
-    return record.address == key.address && record.station == key.station
-        && sameText(record.regType, key.regType);
-}
-
 int DataAreaIndex::find(const RegisterKey &key)
 {
     const quint32 tag = tagOf(key);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host_records.h"
+#include "wire/register_type.h"
 
 #include <QList>
 
@@ -18,7 +19,11 @@ struct RegisterKey {
 };
 
 /// Whether a record has this key.
-bool hasKey(const _DATA_ &record, const RegisterKey &key);
+inline bool hasKey(const _DATA_ &record, const RegisterKey &key)
+{
+    return record.address == key.address && record.station == key.station
+        && sameText(record.regType, key.regType);
+}
 
 /// Hash index over driver.dataAreas.
 ///

@@ -45,28 +45,11 @@ RegisterFinder::RegisterFinder(int station, const QString &regType)
 {
 }
 
-bool RegisterFinder::standsAt(int position, int address) const
+int RegisterFinder::lookUp(int address) const
 {
-    const QList<_DATA_> &areas = driver.dataAreas;
-    return position < areas.size() && hasKey(areas.at(position), { m_station, m_regType, address });
-}
-
-int RegisterFinder::positionOf(int address)
-{
-    int position = m_expected;
-    if (!standsAt(position, address)) {
-        const RegisterKey key { m_station, m_regType, address };
-        position = dataAreaIndex.find(key);
-        if (position < 0)
-            position = dataAreaIndex.append(key);
-    }
-    m_expected = position + 1;
-    return position;
-}
-
-int RegisterFinder::positionAgain(int position, int address)
-{
-    return standsAt(position, address) ? position : positionOf(address);
+    const RegisterKey key { m_station, m_regType, address };
+    const int position = dataAreaIndex.find(key);
+    return position < 0 ? dataAreaIndex.append(key) : position;
 }
 
 int dx4::shownValue(const _DATA_ &area)

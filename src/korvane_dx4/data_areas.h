@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host_records.h"
+#include "korvane_dx4.h"
 #include "korvane_dx4/data_area_index.h"
 #include "wire/register_type.h"
 
@@ -41,14 +42,29 @@ public:
 
     /// Position in driver.dataAreas of the register's record, which is created when it is missing.
     /// Needs a CacheWriting scope. Stays valid until the link is started anew.
-    int positionOf(int address);
+    int positionOf(int address)
+    {
+        const int position = standsAt(m_expected, address) ? m_expected : lookUp(address);
+        m_expected = position + 1;
+        return position;
+    }
 
     /// The position found before, after the host was called: found again if the link was started
     /// anew.
-    int positionAgain(int position, int address);
+    int positionAgain(int position, int address)
+    {
+        return standsAt(position, address) ? position : lookUp(address);
+    }
 
 private:
-    bool standsAt(int position, int address) const;
+    bool standsAt(int position, int address) const
+    {
+        const QList<_DATA_> &areas = driver.dataAreas;
+        return position < areas.size()
+            && hasKey(areas.at(position), { m_station, m_regType, address });
+    }
+
+    int lookUp(int address) const;
 
     int m_station;
     const QString &m_regType;

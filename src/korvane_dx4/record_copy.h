@@ -12,8 +12,7 @@ namespace dx4 {
 /// Makes `to` equal to `from`.
 inline void assignText(QString &to, const QString &from)
 {
-    const bool sharedAlready = to.constData() == from.constData() && to.size() == from.size();
-    if (!sharedAlready)
+    if (!to.isSharedWith(from))
         to = from;
 }
 
