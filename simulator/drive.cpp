@@ -26,7 +26,7 @@ constexpr double heatRise = 35.0; // kelvin above ambient at rated current
 constexpr double heatSeconds = 60.0; // time constant of the heat sink
 constexpr double magnetising = 0.3; // part of rated current that flows without load
 constexpr double inertia = 0.010; // part of rated current per hertz per second
-constexpr double regeneration = 1.2; // DC link volts per hertz per second of braking
+constexpr double regeneration = 1.6; // DC link volts per hertz per second of braking
 constexpr double powerFactor = 0.8;
 constexpr double nearlyThere = 0.005; // hertz; half of what a register resolves
 

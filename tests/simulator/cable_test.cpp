@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+// The line without faults: its time, its gaps, its plug.
+#include "line_fixture.h"
+
+using namespace dx4::sim;
+
+namespace {
+
+class CableTime : public LineFixture { };
+
+Micros us(int value)
+{
+    return Micros(value);
+}
+
+} // namespace
+
+TEST(LineSettings, CharacterTimeFollowsSpeedAndBits)
+{
+    LineSettings slow;
+    LineSettings fast;
+    fast.bitsPerSecond = 115200;
+    fast.bitsPerCharacter = 10;
+    LineSettings timeless;
+    timeless.bitsPerSecond = 0;
+
+    EXPECT_EQ(slow.characterTime(), us(1145));
+    EXPECT_EQ(fast.characterTime(), us(86));
+    EXPECT_EQ(timeless.characterTime(), us(0));
+}
+
+TEST(LineSettings, FrameGapIsFixedOnFastLines)
+{
+    LineSettings at19200;
+    at19200.bitsPerSecond = 19200;
+    LineSettings at38400;
+    at38400.bitsPerSecond = 38400;
+
+    EXPECT_EQ(at19200.frameGap(), us(2002)); // 3.5 characters of 572 us
+    EXPECT_EQ(at38400.frameGap(), us(1750));
+}
+
+TEST_F(CableTime, FirstByteComesAfterRequestTurnaroundAndOneCharacter)
+{
+    cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
+
+    EXPECT_EQ(cable.nextByteAt(), us(8 * 1145 + 2000 + 1145));
+}
+
+TEST_F(CableTime, BytesArriveOneByOne)
+{
+    cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
+    const Micros firstByte = *cable.nextByteAt();
+
+    clock.advanceTo(firstByte - us(1));
+    const Bytes before = cable.receive();
+    clock.advanceTo(firstByte);
+    const Bytes first = cable.receive();
+    clock.advanceTo(firstByte + us(2 * 1145));
+    const Bytes nextTwo = cable.receive();
+
+    EXPECT_EQ(toHex(before), "");
+    EXPECT_EQ(toHex(first), "01");
+    EXPECT_EQ(toHex(nextTwo), "03 02");
+}
+
+TEST_F(CableTime, RequestTakesEffectAtItsEnd)
+{
+    inverter.write(0xF808, 1); // 0.1 s without a request trips
+    ask("01 03 F0 00 00 01");
+    const Micros lastHeard = us(8 * 1145);
+
+    bus.advanceTo(lastHeard + us(99000));
+    const int before = inverter.read(faultCodeRegister);
+    bus.advanceTo(lastHeard + us(110000));
+
+    EXPECT_EQ(before, 0);
+    EXPECT_EQ(inverter.read(faultCodeRegister), 5);
+}
+
+TEST_F(CableTime, ExchangeEndsAfterTheFrameGap)
+{
+    ask("01 03 F0 00 00 01");
+
+    EXPECT_EQ(clock.now(), us(8 * 1145 + 2000 + 7 * 1145 + 4007));
+}
+
+TEST_F(CableTime, ExchangeGivesUpAtItsTimeout)
+{
+    const std::string reply = ask("09 03 F0 00 00 01");
+
+    EXPECT_EQ(reply, "");
+    EXPECT_EQ(clock.now(), us(1000000));
+}
+
+TEST_F(CableTime, EveryStationAnswersForItself)
+{
+    inverter.write(0xF000, 1);
+    second.write(0xF000, 2);
+
+    EXPECT_EQ(ask("01 03 F0 00 00 01"), framed("01 03 02 00 01"));
+    EXPECT_EQ(ask("02 03 F0 00 00 01"), framed("02 03 02 00 02"));
+    EXPECT_EQ(ask("03 03 F0 00 00 01"), "");
+}
+
+TEST_F(CableTime, BroadcastReachesEveryStation)
+{
+    const std::string reply = ask("00 06 F0 00 00 09");
+
+    EXPECT_EQ(reply, "");
+    EXPECT_EQ(inverter.read(0xF000), 9);
+    EXPECT_EQ(second.read(0xF000), 9);
+}
+
+TEST_F(CableTime, PullingThePlugLosesWhatIsOnItsWay)
+{
+    cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
+
+    cable.unplug();
+
+    EXPECT_EQ(cable.nextByteAt(), std::nullopt);
+    EXPECT_TRUE(cable.unplugged());
+}
+
+TEST_F(CableTime, NothingPassesWhileThePlugIsOut)
+{
+    cable.unplug();
+    const std::string lost = ask("01 06 F0 00 00 09");
+    const int value = inverter.read(0xF000);
+
+    cable.plug();
+    const std::string back = ask("01 06 F0 00 00 09");
+
+    EXPECT_EQ(lost, "");
+    EXPECT_EQ(value, 0);
+    EXPECT_EQ(back, framed("01 06 F0 00 00 09"));
+}
+
+TEST_F(CableTime, LogShowsRequestAndReply)
+{
+    ask("01 03 F0 00 00 01");
+    ask("07 03 F0 00 00 01");
+    cable.unplug();
+
+    const std::vector<std::string> expected = {
+        "1 > 01 03 F0 00 00 01 B7 0A",
+        "1 < 01 03 02 00 00 B8 44",
+        "2 > " + framed("07 03 F0 00 00 01"),
+        "2 -",
+        "2 = unplugged",
+    };
+    EXPECT_EQ(log, expected);
+}
+
+TEST(BusStations, AddingOneTwiceGivesTheSameInverter)
+{
+    Bus bus;
+
+    Inverter &first = bus.add(5);
+    Inverter &again = bus.add(5);
+
+    EXPECT_EQ(&first, &again);
+    EXPECT_EQ(bus.stations(), std::vector<int> { 5 });
+    EXPECT_EQ(bus.find(6), nullptr);
+}
+
+TEST(BusStations, RefusedNumberLeavesNothingBehind)
+{
+    Bus bus;
+
+    EXPECT_THROW(bus.add(300), std::invalid_argument);
+    EXPECT_TRUE(bus.stations().empty());
+}
