@@ -1,0 +1,17 @@
+# Black-box tests of the cycle: what goes out, what comes back, what the host reads and writes.
+add_library(korvane_cycle_test_support STATIC cycle_fixture.cpp)
+target_link_libraries(korvane_cycle_test_support PUBLIC korvane_test_support PRIVATE korvane_warnings)
+target_include_directories(korvane_cycle_test_support PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+
+function(korvane_cycle_test name)
+  korvane_api_test(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE korvane_cycle_test_support)
+endfunction()
+
+korvane_cycle_test(api_polling_test
+  condition_read_test.cpp merge_test.cpp send_queue_test.cpp)
+korvane_cycle_test(api_reply_test
+  cycle_end_test.cpp error_text_test.cpp recipe_transfer_test.cpp reply_test.cpp)
+korvane_cycle_test(api_values_test
+  callback_reentry_test.cpp change_report_test.cpp data_area_test.cpp host_edits_test.cpp
+  write_test.cpp)
