@@ -18,4 +18,4 @@ fi
 cd "$(dirname "$0")/.."
 scripts/packages.sh build
 scripts/build.sh demo
-exec build/demo/bin/dx4 demo "$@"
+exec build/demo/cli/dx4 demo "$@"
