@@ -11,7 +11,7 @@ apt when everything is there.
 
 Purposes (build when none is named):
   build   compiler, CMake, Qt 5 and the libraries of the driver, host, simulator and tools
-  test    GoogleTest, RapidCheck and the independent Modbus peers
+  test    GoogleTest, GoogleMock, RapidCheck and the independent Modbus peers
   check   Clang, clang-tidy, clang-format, coverage, Valgrind
   bench   Google Benchmark
   qt6     Qt 6 in place of Qt 5, for the qt6 preset
@@ -29,7 +29,7 @@ packages_of() {
       echo qtbase5-dev libqt5serialport5-dev libmodbus-dev libcli11-dev libtomlplusplus-dev
       ;;
     test)
-      echo libgtest-dev librapidcheck-dev
+      echo libgtest-dev libgmock-dev librapidcheck-dev
       echo mbpoll tshark libqt5serialbus5-dev binutils
       ;;
     check)
