@@ -1,0 +1,330 @@
+// SPDX-License-Identifier: MIT
+// dx4-sim as its users meet it: command line, device, commands, exit codes.
+#include "served_line.h"
+
+#include <modbus/modbus.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+/// A libmodbus master with the device open.
+class Master {
+public:
+    explicit Master(const std::string &device, int station = 1)
+        : m_context(modbus_new_rtu(device.c_str(), 9600, 'N', 8, 1))
+    {
+        modbus_set_slave(m_context, station);
+        modbus_set_response_timeout(m_context, 5, 0);
+        connected = modbus_connect(m_context) == 0;
+    }
+    ~Master()
+    {
+        modbus_close(m_context);
+        modbus_free(m_context);
+    }
+    Master(const Master &) = delete;
+    Master &operator=(const Master &) = delete;
+
+    /// Value of a register; -1 when there is no good reply, and the error number in `error`.
+    int read(int address)
+    {
+        std::uint16_t value = 0;
+        error = 0;
+        if (modbus_read_registers(m_context, address, 1, &value) == 1)
+            return value;
+        error = errno;
+        return -1;
+    }
+
+    bool write(int address, int value)
+    {
+        return modbus_write_register(m_context, address, static_cast<std::uint16_t>(value)) == 1;
+    }
+
+    bool writeTwo(int address, std::array<std::uint16_t, 2> values)
+    {
+        return modbus_write_registers(m_context, address, 2, values.data()) == 2;
+    }
+
+    void setTimeoutMs(unsigned milliseconds)
+    {
+        modbus_set_response_timeout(m_context, 0, milliseconds * 1000);
+    }
+
+    bool connected = false;
+    int error = 0;
+
+private:
+    modbus_t *m_context;
+};
+
+std::string contentOf(const std::string &path)
+{
+    std::ifstream stream(path);
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+std::string fileWith(const std::string &name, const std::string &content)
+{
+    const std::string path = ::testing::TempDir() + name;
+    std::ofstream(path) << content;
+    return path;
+}
+
+std::string outputOfSim(std::vector<std::string> arguments, int *code)
+{
+    arguments.insert(arguments.begin(), SIMULATOR_FILE);
+    return outputOf(arguments, code);
+}
+
+} // namespace
+
+TEST(SimulatorProgram, FirstLineNamesTheDevice)
+{
+    ServedLine line;
+
+    EXPECT_EQ(line.firstLine.substr(0, 9), "pty /dev/");
+    EXPECT_EQ(access(line.device.c_str(), R_OK | W_OK), 0);
+    EXPECT_EQ(line.quit(), 0);
+}
+
+TEST(SimulatorProgram, EndsOnTerminateWithZero)
+{
+    ServedLine line;
+
+    line.process.signal(SIGTERM);
+
+    EXPECT_EQ(line.process.wait(), 0);
+}
+
+TEST(SimulatorProgram, EndsOnInterruptWithZero)
+{
+    ServedLine line;
+
+    line.process.signal(SIGINT);
+
+    EXPECT_EQ(line.process.wait(), 0);
+}
+
+TEST(SimulatorProgram, ServesOnWithoutStandardInput)
+{
+    ServedLine line;
+    line.process.closeInput();
+    Master master(line.device);
+
+    EXPECT_EQ(master.read(0x2000), 1);
+}
+
+TEST(SimulatorProgram, AnswersAMasterThatIsNotOurs)
+{
+    ServedLine line({ "--stations", "1,5" });
+    Master master(line.device, 5);
+    ASSERT_TRUE(master.connected);
+
+    const bool wroteOne = master.write(0xF203, 1234);
+    const bool wroteTwo = master.writeTwo(0xFC00, { 7, 8 });
+    const bool commanded = master.write(0x1001, 0);
+    const bool setFrequency = master.write(0x1002, 2500);
+
+    EXPECT_TRUE(wroteOne);
+    EXPECT_TRUE(wroteTwo);
+    EXPECT_TRUE(commanded);
+    EXPECT_TRUE(setFrequency);
+    EXPECT_EQ(master.read(0xF203), 1234);
+    EXPECT_EQ(master.read(0xFC01), 8);
+    EXPECT_EQ(master.read(0xD001), 2500);
+    EXPECT_EQ(master.read(0x2000), 1);
+    EXPECT_EQ(master.read(0x2001), 0);
+}
+
+TEST(SimulatorProgram, TheDeviceOutlivesItsMasters)
+{
+    ServedLine line;
+
+    for (int i = 0; i < 3; ++i) {
+        Master master(line.device);
+        EXPECT_EQ(master.read(0x2001), 0);
+    }
+}
+
+TEST(SimulatorProgram, RefusesWithTheRightException)
+{
+    ServedLine line;
+    Master master(line.device);
+
+    const int missing = master.read(0x0000);
+
+    EXPECT_EQ(missing, -1);
+    EXPECT_EQ(master.error, EMBXILADD);
+}
+
+TEST(SimulatorProgram, CommandsReachTheDrive)
+{
+    ServedLine line;
+    Master master(line.device);
+
+    EXPECT_EQ(line.command("set F0.3 17"), "ok");
+    EXPECT_EQ(line.command("get F0.3"), "F0.3 17");
+    EXPECT_EQ(line.command("trip overheat"), "ok");
+    EXPECT_EQ(line.command("hold D7 4660"), "ok");
+    EXPECT_EQ(master.read(0xF003), 17);
+    EXPECT_EQ(master.read(0x2001), 4);
+    EXPECT_EQ(master.read(0xD007), 0x1234);
+    EXPECT_EQ(line.command("status"),
+              "station 1: fault, 0.00 Hz, 0.0 A, 0 V, link 566 V, 25.0 C, fault overheat");
+}
+
+TEST(SimulatorProgram, UnpluggedLineIsSilentUntilPlugged)
+{
+    ServedLine line;
+    Master master(line.device);
+    master.setTimeoutMs(50);
+    line.command("unplug");
+
+    const int out = master.read(0x2001);
+    const int error = master.error;
+    line.command("plug");
+    master.setTimeoutMs(900);
+
+    EXPECT_EQ(out, -1);
+    EXPECT_EQ(error, ETIMEDOUT);
+    EXPECT_EQ(master.read(0x2001), 0);
+}
+
+TEST(SimulatorProgram, JsonLinesTellWhatPassed)
+{
+    ServedLine line({ "--json", "--speed", "0" });
+    Master master(line.device);
+
+    master.read(0x2001);
+    const std::string request = line.process.readLine();
+    const std::string reply = line.process.readLine();
+    const std::string answer = line.command("get F0.0");
+
+    EXPECT_EQ(line.firstLine, R"({"event":"pty","path":")" + line.device + "\"}");
+    EXPECT_EQ(request.substr(0, 36), R"({"event":"request","frame":1,"time":)");
+    EXPECT_NE(request.find(R"("bytes":"01 03 20 01 00 01 DE 0A")"), std::string::npos);
+    EXPECT_NE(reply.find(R"("bytes":"01 03 02 00 00 B8 44")"), std::string::npos);
+    EXPECT_EQ(answer, R"({"event":"answer","ok":true,"text":"F0.0 0"})");
+}
+
+TEST(SimulatorProgram, SameSeedGivesTheSameLogTwice)
+{
+    const std::string faults = fileWith("faults.toml",
+                                        "[[fault]]\nkind = \"flip-bits\"\nprobability = 0.3\n"
+                                        "[[fault]]\nkind = \"junk\"\nprobability = 0.2\n"
+                                        "place = \"after\"\n");
+    std::vector<std::string> logs;
+
+    for (int i = 0; i < 2; ++i) {
+        const std::string log = ::testing::TempDir() + "bytes" + std::to_string(i) + ".log";
+        ServedLine line({ "--faults", faults, "--seed", "7", "--log", log, "--speed", "0" });
+        for (int n = 0; n < 20; ++n) {
+            Master master(line.device);
+            master.setTimeoutMs(200);
+            master.read(0xF800);
+        }
+        EXPECT_EQ(line.quit(), 0);
+        logs.push_back(contentOf(log));
+    }
+
+    EXPECT_NE(logs[0].find("! flip-bits reply"), std::string::npos);
+    EXPECT_EQ(logs[0], logs[1]);
+}
+
+TEST(SimulatorProgram, ServesASerialDevice)
+{
+    const int ours = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_EQ(grantpt(ours), 0);
+    ASSERT_EQ(unlockpt(ours), 0);
+    const std::string device = ptsname(ours);
+    ChildProcess process({ SIMULATOR_FILE, "--port", device, "--format", "8E1" });
+
+    const std::string first = process.readLine();
+    const unsigned char request[] = { 0x01, 0x03, 0x20, 0x01, 0x00, 0x01, 0xDE, 0x0A };
+    ASSERT_EQ(write(ours, request, sizeof request), 8);
+    std::string reply;
+    for (char byte; reply.size() < 7 && read(ours, &byte, 1) == 1;)
+        reply += byte;
+    process.signal(SIGTERM);
+
+    EXPECT_EQ(first, "port " + device);
+    EXPECT_EQ(reply, std::string("\x01\x03\x02\x00\x00\xB8\x44", 7));
+    EXPECT_EQ(process.wait(), 0);
+    close(ours);
+}
+
+TEST(SimulatorUsage, HelpShowsExamplesAndExitCodes)
+{
+    int code = -1;
+
+    const std::string help = outputOfSim({ "--help" }, &code);
+
+    EXPECT_EQ(code, 0);
+    EXPECT_NE(help.find("dx4-sim --pty --stations 1,2,5 --json"), std::string::npos);
+    EXPECT_NE(help.find("Exit codes: 0 done, 1 device or line, 2 usage."), std::string::npos);
+}
+
+TEST(SimulatorUsage, NothingToServeIsAUsageError)
+{
+    int code = -1;
+
+    const std::string text = outputOfSim({}, &code);
+
+    EXPECT_EQ(code, 2);
+    EXPECT_EQ(text.substr(0, text.find('\n')),
+              "dx4-sim: say what to serve: --pty or --port DEVICE");
+}
+
+TEST(SimulatorUsage, StationOutsideTheRangeIsAUsageError)
+{
+    int code = -1;
+
+    outputOfSim({ "--pty", "--stations", "1,248" }, &code);
+
+    EXPECT_EQ(code, 2);
+}
+
+TEST(SimulatorUsage, BrokenFaultFileIsAUsageErrorWithItsLine)
+{
+    const std::string path = fileWith("broken.toml", "[[fault]]\nkind = \"echo\"\nframe = 0\n");
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--pty", "--faults", path }, &code);
+
+    EXPECT_EQ(code, 2);
+    EXPECT_EQ(text,
+              "dx4-sim: " + path + ":3: frame: expected a whole number from 1 to 1000000000\n");
+}
+
+TEST(SimulatorUsage, MissingDeviceIsADeviceError)
+{
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--port", "/dev/no-such-port" }, &code);
+
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(text, "dx4-sim: /dev/no-such-port: No such file or directory\n");
+}
+
+TEST(SimulatorUsage, UnusualSpeedOfAPortIsAUsageError)
+{
+    int code = -1;
+
+    outputOfSim({ "--port", "/dev/null", "--speed", "12345" }, &code);
+
+    EXPECT_EQ(code, 2);
+}
