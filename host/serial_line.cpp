@@ -7,6 +7,7 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace dx4::host {
 namespace {
@@ -145,8 +146,12 @@ bool SerialLine::waitForInput(Duration deadline)
     pollfd watched {};
     watched.fd = m_port->handle();
     watched.events = POLLIN;
-    const timespec span = toTimespec(std::max(deadline - now(), Duration { 0 }));
-    if (ppoll(&watched, 1, &span, nullptr) <= 0)
+    int ready = -1;
+    do {
+        const timespec span = toTimespec(std::max(deadline - now(), Duration { 0 }));
+        ready = ppoll(&watched, 1, &span, nullptr);
+    } while (ready < 0 && errno == EINTR); // a signal is no reason to give up on a reply
+    if (ready <= 0)
         return false;
     const bool arrived = (watched.revents & POLLIN) && m_port->waitForReadyRead(0);
     if (arrived)

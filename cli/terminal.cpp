@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// What standard output can show.
+#include "cli/terminal.h"
+
+#include <unistd.h>
+
+namespace dx4::cli {
+namespace {
+
+QString styleCode(Terminal::Style style)
+{
+    switch (style) {
+    case Terminal::Style::Bold:
+        return QStringLiteral("1");
+    case Terminal::Style::Dim:
+        return QStringLiteral("2");
+    case Terminal::Style::Changed:
+        return QStringLiteral("1;32");
+    case Terminal::Style::Warning:
+        return QStringLiteral("33");
+    case Terminal::Style::Failed:
+        return QStringLiteral("1;31");
+    }
+    return QString();
+}
+
+} // namespace
+
+Terminal Terminal::detect()
+{
+    Terminal terminal;
+    terminal.live = isatty(STDOUT_FILENO) && qgetenv("TERM") != "dumb";
+    terminal.colour = terminal.live && qEnvironmentVariableIsEmpty("NO_COLOR");
+    return terminal;
+}
+
+QString Terminal::styled(const QString &text, Style style) const
+{
+    if (!colour)
+        return text;
+    return QStringLiteral("\x1b[%1m%2\x1b[0m").arg(styleCode(style), text);
+}
+
+} // namespace dx4::cli

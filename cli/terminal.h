@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// What standard output can show.
+#pragma once
+
+#include <QString>
+
+namespace dx4::cli {
+
+/// Columns that every output fits into.
+inline constexpr int terminalColumns = 80;
+
+/// Abilities of standard output.
+struct Terminal {
+    bool live = false; ///< lines can be drawn over
+    bool colour = false; ///< live, and the user has not set NO_COLOR
+
+    /// Looks at standard output and the environment.
+    static Terminal detect();
+
+    enum class Style { Bold, Dim, Changed, Warning, Failed };
+
+    /// The text in this style; as it is where there is no colour.
+    QString styled(const QString &text, Style style) const;
+};
+
+} // namespace dx4::cli
