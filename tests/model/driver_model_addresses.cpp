@@ -189,8 +189,8 @@ int DriverModel::checkAddr(const QString &regType, const QString &addrText, int 
             || group == QLatin1String("b") || group == QLatin1String("B"))
             return 3;
     }
-    const bool readOnly = monitorValue || regType == QLatin1String("FU")
-        || regType == QLatin1String("SW");
+    const bool readOnly =
+        monitorValue || regType == QLatin1String("FU") || regType == QLatin1String("SW");
     const bool writeOnly = regType == QLatin1String("CW") || regType == QLatin1String("FRE");
     if (readOnly && (accessMode == 1 || accessMode == 2))
         return 6;

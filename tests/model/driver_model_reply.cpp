@@ -37,8 +37,8 @@ int DriverModel::checkReply(const QByteArray &reply) const
         return Bad;
     // The number of bytes under the CRC is a 16-bit number.
     QByteArray bytes = reply;
-    const int crc = crcOf(reinterpret_cast<const unsigned char *>(bytes.constData()),
-                          (length - 2) & 0xFFFF);
+    const int crc =
+        crcOf(reinterpret_cast<const unsigned char *>(bytes.constData()), (length - 2) & 0xFFFF);
     if (byteAt(reply, length - 1) != byteOf(crc, 1) || byteAt(reply, length - 2) != byteOf(crc, 0))
         return Bad;
     return head.replyDataLength != 0 ? WithData : WithoutData;

@@ -4,7 +4,8 @@
 
 namespace model {
 
-/// The low 32 bits of `value` as a signed number. Compute the value in 64 bits: `wrap(1LL * a + b)`.
+/// The low 32 bits of `value` as a signed number. Compute the value in 64 bits: `wrap(1LL * a +
+/// b)`.
 inline int wrap(long long value)
 {
     return static_cast<int>(static_cast<unsigned>(value));
