@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+// What a link lends the driver, and the way back from its callback.
+#include "host/link.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace dx4::host;
+using Texts = std::vector<std::string>;
+
+namespace {
+
+std::unique_ptr<Plugin> privateCopy()
+{
+    return Plugin::load(QStringLiteral(KORVANE_PLUGIN_FILE), Plugin::Instance::PrivateCopy);
+}
+
+const QString typeD = QStringLiteral("D");
+
+void record(Link &link, Texts &changes)
+{
+    link.onChange([&changes](const ValueChange &change) {
+        changes.push_back(std::to_string(change.linkNumber) + ' ' + std::to_string(change.station)
+                          + ' ' + change.name.toStdString() + ' ' + std::to_string(change.address));
+    });
+}
+
+} // namespace
+
+TEST(LinkSettings, MakeThePropertyText)
+{
+    LinkSettings settings;
+    settings.linkNumber = 4;
+    settings.writesStayLocal = true;
+    settings.retryLimit = 2;
+    settings.blockSize = 20;
+
+    EXPECT_EQ(settings.propertyText(), QByteArray("4#1#0#2#20"));
+}
+
+TEST(Link, TellsTheDriverItsSettings)
+{
+    LinkSettings settings;
+    settings.linkNumber = 4;
+    settings.retryLimit = 2;
+    settings.blockSize = 20;
+
+    const Link link(privateCopy(), settings);
+
+    const korvane_dx4 &state = *link.api().state;
+    EXPECT_EQ(state.linkId, 4);
+    EXPECT_EQ(state.retryLimit, 2);
+    EXPECT_EQ(state.blockSize, 20);
+}
+
+TEST(Link, LendsABlockWithBothRequestBytesAtRest)
+{
+    const Link link(privateCopy(), LinkSettings());
+
+    const korvane_dx4 &state = *link.api().state;
+    ASSERT_NE(state.hostBlock, nullptr);
+    EXPECT_EQ(state.hostBlock[60115], 0);
+    EXPECT_EQ(state.hostBlock[60116], 0);
+    EXPECT_NE(state.recipeBuffer, nullptr);
+    EXPECT_NE(state.hostMutex, nullptr);
+}
+
+TEST(Link, MergesWhatIsPolledIntoBlocks)
+{
+    Link link(privateCopy(), LinkSettings());
+
+    const QList<KEY_ADDRESS> blocks =
+        link.poll({ wanted(1, typeD, 1), wanted(1, typeD, 0), wanted(1, typeD, 5, 2) });
+
+    ASSERT_EQ(blocks.size(), 2);
+    EXPECT_EQ(blocks.at(0).address, 0);
+    EXPECT_EQ(blocks.at(0).count, 2);
+    EXPECT_EQ(blocks.at(1).address, 5);
+    EXPECT_EQ(blocks.at(1).count, 2);
+}
+
+TEST(Link, ShowsAWrittenValueWhileItsWriteWaits)
+{
+    Link link(privateCopy(), LinkSettings());
+
+    link.write(1, QStringLiteral("F"), 3, { 0x1234, 0xFFFE });
+
+    EXPECT_EQ(link.values(1, QStringLiteral("F"), 3, 2), (QVector<quint16> { 0x1234, 0xFFFE }));
+    EXPECT_TRUE(link.registerState(1, QStringLiteral("F"), 4).writePending);
+    EXPECT_EQ(link.waitingWrites(), 1);
+}
+
+TEST(Link, LooksAtAnUnknownRegisterWithoutCreatingIt)
+{
+    const Link link(privateCopy(), LinkSettings());
+
+    const RegisterState state = link.registerState(1, typeD, 9);
+
+    EXPECT_EQ(state.value, 0);
+    EXPECT_FALSE(state.failed);
+    EXPECT_TRUE(link.api().state->dataAreas.isEmpty());
+}
+
+TEST(Link, ReportsChangesUnderItsOwnNumber)
+{
+    LinkSettings settings;
+    settings.linkNumber = 6;
+    Link link(privateCopy(), settings);
+    Texts changes;
+    record(link, changes);
+    link.poll({ wanted(2, QStringLiteral("F"), 3) });
+
+    link.write(2, QStringLiteral("F"), 3, { 1 });
+
+    EXPECT_EQ(changes, Texts { "6 2 F 3" });
+}
+
+TEST(Link, TwoLinksWithOneNumberHearOnlyTheirOwnChanges)
+{
+    Link left(privateCopy(), LinkSettings());
+    Link right(privateCopy(), LinkSettings());
+    Texts leftChanges;
+    Texts rightChanges;
+    record(left, leftChanges);
+    record(right, rightChanges);
+    left.poll({ wanted(1, QStringLiteral("F"), 3) });
+    right.poll({ wanted(1, QStringLiteral("F"), 3) });
+
+    right.write(1, QStringLiteral("F"), 3, { 1 });
+
+    EXPECT_EQ(leftChanges, Texts {});
+    EXPECT_EQ(rightChanges, Texts { "1 1 F 3" });
+}
+
+TEST(Link, AHandlerMayWriteOnAnotherLink)
+{
+    Link left(privateCopy(), LinkSettings());
+    Link right(privateCopy(), LinkSettings());
+    const QString typeF = QStringLiteral("F");
+    left.poll({ wanted(1, typeF, 3), wanted(1, typeF, 4) });
+    right.poll({ wanted(1, typeF, 3) });
+    Texts changes;
+    right.onChange([&changes](const ValueChange &) { changes.push_back("right"); });
+    left.onChange([&](const ValueChange &change) {
+        changes.push_back("left " + std::to_string(change.address));
+        if (change.address == 3)
+            right.write(1, typeF, 3, { 5 });
+    });
+
+    left.write(1, typeF, 3, { 7, 8 });
+
+    EXPECT_EQ(changes, (Texts { "left 3", "right", "left 4" }));
+}

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+// The line in memory keeps the rules that every line keeps.
+#include "host/memory_line.h"
+
+#include <gtest/gtest.h>
+
+using namespace dx4::host;
+using std::chrono::milliseconds;
+
+namespace {
+
+/// 10000 bit/s: a character takes 1 ms, the gap is 3.5 ms.
+LineSettings slow()
+{
+    LineSettings settings;
+    settings.speed = 10000;
+    return settings;
+}
+
+MemoryLine::Answer silence(const QByteArray &)
+{
+    return {};
+}
+
+MemoryLine::Answer hello(const QByteArray &)
+{
+    return { QByteArray("hello"), milliseconds(10) };
+}
+
+} // namespace
+
+TEST(MemoryLine, SendingTakesTheTimeOfItsCharacters)
+{
+    MemoryLine line(silence, slow());
+
+    const bool sent = line.send("12345678");
+
+    EXPECT_TRUE(sent);
+    EXPECT_EQ(line.now(), milliseconds(8));
+    EXPECT_EQ(line.sent(), QVector<QByteArray> { "12345678" });
+}
+
+TEST(MemoryLine, ReceivingEndsWithTheLastByteAskedFor)
+{
+    MemoryLine line(hello, slow());
+    line.send("?");
+
+    const QByteArray received = line.receive(4, milliseconds(1000));
+
+    EXPECT_EQ(received, QByteArray("hell"));
+    EXPECT_EQ(line.now(), milliseconds(1 + 10 + 4));
+}
+
+TEST(MemoryLine, BytesBeyondStayInTheLine)
+{
+    MemoryLine line(hello, slow());
+    line.send("?");
+    line.receive(4, milliseconds(1000));
+
+    const QByteArray received = line.receive(4, milliseconds(1000));
+
+    EXPECT_EQ(received, QByteArray("o"));
+    EXPECT_EQ(line.now(), milliseconds(1000));
+}
+
+TEST(MemoryLine, ADeadlineCutsAReplyShort)
+{
+    MemoryLine line(hello, slow());
+    line.send("?");
+
+    const QByteArray received = line.receive(5, milliseconds(13));
+
+    EXPECT_EQ(received, QByteArray("he"));
+    EXPECT_EQ(line.now(), milliseconds(13));
+}
+
+TEST(MemoryLine, DiscardingDropsWhatHasArrivedAndNoMore)
+{
+    MemoryLine line(silence, slow());
+    line.inject("abcd");
+    line.advance(milliseconds(2));
+
+    const int dropped = line.discardInput();
+
+    EXPECT_EQ(dropped, 2);
+    EXPECT_EQ(line.receive(2, milliseconds(100)), QByteArray("cd"));
+}
+
+TEST(MemoryLine, SilenceCountsFromTheLastByte)
+{
+    MemoryLine line(hello, slow());
+    line.send("?");
+    line.receive(5, milliseconds(1000));
+
+    const bool silent = line.awaitSilence(Duration(3500), milliseconds(1000));
+
+    EXPECT_TRUE(silent);
+    EXPECT_EQ(line.now(), Duration(16000 + 3500));
+}
+
+TEST(MemoryLine, ALineSilentForLongEnoughWaitsForNothing)
+{
+    MemoryLine line(silence, slow());
+    line.advance(milliseconds(50));
+
+    const bool silent = line.awaitSilence(Duration(3500), milliseconds(1000));
+
+    EXPECT_TRUE(silent);
+    EXPECT_EQ(line.now(), milliseconds(50));
+}
+
+TEST(MemoryLine, BytesThatArriveInTheGapStartItAfreshAndAreDropped)
+{
+    MemoryLine line(silence, slow());
+    line.send("?");
+    line.inject("ab", milliseconds(1));
+
+    const bool silent = line.awaitSilence(Duration(3500), milliseconds(1000));
+
+    EXPECT_TRUE(silent);
+    EXPECT_EQ(line.now(), Duration(4000 + 3500));
+    EXPECT_EQ(line.discardInput(), 0);
+}
+
+TEST(MemoryLine, AChatteringLineIsNotSilentByTheDeadline)
+{
+    MemoryLine line(silence, slow());
+    line.send("?");
+    line.inject(QByteArray(100, 'x'));
+
+    const bool silent = line.awaitSilence(Duration(3500), milliseconds(20));
+
+    EXPECT_FALSE(silent);
+    EXPECT_EQ(line.now(), milliseconds(20));
+}
+
+TEST(MemoryLine, AnUnpluggedLineRefusesUntilItIsPluggedInAndOpened)
+{
+    MemoryLine line(hello, slow());
+    line.unplug();
+    QString error;
+
+    const bool sentWhileOut = line.send("?");
+    const bool openedWhileOut = line.open(&error);
+    line.plugIn();
+    const bool openedAgain = line.open(nullptr);
+
+    EXPECT_FALSE(sentWhileOut);
+    EXPECT_FALSE(openedWhileOut);
+    EXPECT_EQ(error, QStringLiteral("memory line: unplugged"));
+    EXPECT_TRUE(openedAgain);
+    EXPECT_TRUE(line.send("?"));
+}
