@@ -9,9 +9,10 @@ function(korvane_cycle_test name)
 endfunction()
 
 korvane_cycle_test(api_polling_test
-  condition_read_test.cpp merge_test.cpp send_queue_test.cpp)
+  condition_read_test.cpp merge_test.cpp recipe_request_test.cpp send_queue_test.cpp)
 korvane_cycle_test(api_reply_test
-  cycle_end_test.cpp error_text_test.cpp recipe_transfer_test.cpp reply_test.cpp)
+  cycle_end_test.cpp error_text_test.cpp recipe_transfer_test.cpp recipe_values_test.cpp
+  reply_test.cpp reply_values_test.cpp)
 korvane_cycle_test(api_values_test
   callback_reentry_test.cpp change_report_test.cpp data_area_test.cpp host_edits_test.cpp
-  write_test.cpp)
+  host_list_edits_test.cpp write_outcome_test.cpp write_test.cpp)
