@@ -2,12 +2,17 @@
 // What a user or a test types while the simulator serves.
 #include "simulator/commands.h"
 
+#include "simulator/fault_file.h"
+
 #include <cstdlib>
 #include <sstream>
 
 namespace dx4::sim {
 
 namespace {
+
+/// Arguments of a command that takes the rest of its line.
+constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
 /// A command that cannot be run; the text is the answer.
 struct Refused {
@@ -70,8 +75,9 @@ const std::vector<Commands::Row> &Commands::table()
         { "power-cycle", 1, "power-cycle MS: no power for so long", &Commands::powerCycle },
         { "unplug", 0, "unplug: nothing passes any more", &Commands::unplug },
         { "plug", 0, "plug: end of unplug", &Commands::plug },
-        { "faults-off", 0, "faults-off: take all rules of the fault file away",
-          &Commands::faultsOff },
+        { "fault", anyNumber, "fault KEY = VALUE, ...: add a rule, with the keys of a fault file",
+          &Commands::fault },
+        { "faults-off", 0, "faults-off: take all rules away", &Commands::faultsOff },
         { "help", 0, "help: this list", &Commands::help },
     };
     return rows;
@@ -98,22 +104,26 @@ bool Commands::run(const std::string &line)
     if (!chooseStation(words))
         return true;
     m_bus.advanceTo(m_clock.now());
+    try {
+        obey(words);
+    } catch (const Refused &refused) {
+        m_reporter.answer(false, refused.reason);
+    }
+    return true;
+}
+
+void Commands::obey(const Words &words)
+{
     for (const Row &row : table()) {
         if (words.front() != row.name)
             continue;
-        if (words.size() != row.arguments + 1) {
-            m_reporter.answer(false, std::string("usage: ") + row.usage);
-            return true;
-        }
-        try {
-            (this->*row.function)(words);
-        } catch (const Refused &refused) {
-            m_reporter.answer(false, refused.reason);
-        }
-        return true;
+        const std::size_t given = words.size() - 1;
+        const bool fits = row.arguments == anyNumber ? given > 0 : given == row.arguments;
+        if (!fits)
+            throw Refused { std::string("usage: ") + row.usage };
+        return (this->*row.function)(words);
     }
-    m_reporter.answer(false, words.front() + ": no such command; help lists them");
-    return true;
+    throw Refused { words.front() + ": no such command; help lists them" };
 }
 
 /// Takes a leading "@2" off and finds that station; without it, the first one.
@@ -216,6 +226,19 @@ void Commands::unplug(const Words &)
 void Commands::plug(const Words &)
 {
     m_cable.plug();
+    m_reporter.answer(true, {});
+}
+
+void Commands::fault(const Words &words)
+{
+    std::string rule;
+    for (std::size_t i = 1; i < words.size(); ++i)
+        rule += words[i] + ' ';
+    const FaultFile file = parseFaults("fault = [{ " + rule + "}]", "rule");
+    if (!file.good())
+        throw Refused { file.error };
+    for (const FaultRule &each : file.rules)
+        m_cable.plan().add(each);
     m_reporter.answer(true, {});
 }
 

@@ -25,6 +25,7 @@ private:
     struct Row;
 
     static const std::vector<Row> &table();
+    void obey(const Words &words);
     void status(const Words &words);
     void get(const Words &words);
     void set(const Words &words);
@@ -36,6 +37,7 @@ private:
     void powerCycle(const Words &words);
     void unplug(const Words &words);
     void plug(const Words &words);
+    void fault(const Words &words);
     void faultsOff(const Words &words);
     void help(const Words &words);
     bool chooseStation(Words &words);

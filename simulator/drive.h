@@ -131,7 +131,7 @@ private:
     double m_ambient = 25.0;
     double m_amperes = 0.0;
     double m_volts = 0.0;
-    double m_linkVolts = 565.0;
+    double m_linkVolts = 565.7; ///< of 400 V, rectified
     double m_celsius = 25.0;
 
     Fault m_fault = Fault::None;

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+// Commands of the standard input, and how they answer as text and as JSON.
+#include "simulator/commands.h"
+
+#include "line_fixture.h"
+
+#include <sstream>
+
+using namespace dx4::sim;
+
+namespace {
+
+struct CommandRow {
+    const char *name;
+    const char *line;
+    const char *answer;
+};
+
+class CommandLines : public LineFixture {
+protected:
+    std::string answerTo(const std::string &line)
+    {
+        out.str({});
+        goesOn = commands.run(line);
+        return out.str();
+    }
+
+    std::ostringstream out;
+    Reporter reporter { out, false };
+    Commands commands { bus, cable, clock, reporter };
+    bool goesOn = true;
+};
+
+class RefusedCommands : public CommandLines, public ::testing::WithParamInterface<CommandRow> { };
+
+} // namespace
+
+TEST_F(CommandLines, SetAndGetTheFirstStation)
+{
+    EXPECT_EQ(answerTo("set F4.28 0x0102"), "ok\n");
+    EXPECT_EQ(answerTo("get F4.28"), "F4.28 258\n");
+    EXPECT_EQ(second.read(0xF41C), 0);
+}
+
+TEST_F(CommandLines, StationInFrontChoosesIt)
+{
+    EXPECT_EQ(answerTo("@2 set F0.1 5"), "ok\n");
+
+    EXPECT_EQ(inverter.read(0xF001), 0);
+    EXPECT_EQ(second.read(0xF001), 5);
+}
+
+TEST_F(CommandLines, HoldAndReleaseAMonitorValue)
+{
+    EXPECT_EQ(answerTo("hold D3 400"), "ok\n");
+    EXPECT_EQ(answerTo("get D3"), "D3 400\n");
+    EXPECT_EQ(answerTo("release D3"), "ok\n");
+    EXPECT_EQ(answerTo("get D3"), "D3 0\n");
+}
+
+TEST_F(CommandLines, TripAndStatusShowTheFault)
+{
+    answerTo("@2 trip overvoltage");
+
+    EXPECT_EQ(answerTo("status"),
+              "station 1: stopped, 0.00 Hz, 0.0 A, 0 V, link 566 V, 25.0 C, fault none\n"
+              "station 2: fault, 0.00 Hz, 0.0 A, 0 V, link 566 V, 25.0 C, fault overvoltage\n");
+}
+
+TEST_F(CommandLines, MainsAndAmbientReachTheDrive)
+{
+    answerTo("mains 200");
+    answerTo("@2 ambient 120");
+
+    pass(600000);
+
+    EXPECT_EQ(inverter.read(faultCodeRegister), 3);
+    EXPECT_EQ(second.read(faultCodeRegister), 4);
+}
+
+TEST_F(CommandLines, UnplugAndPlug)
+{
+    answerTo("unplug");
+    const std::string lost = ask("01 03 20 01 00 01");
+
+    answerTo("plug");
+
+    EXPECT_EQ(lost, "");
+    EXPECT_EQ(ask("01 03 20 01 00 01"), "01 03 02 00 00 B8 44");
+}
+
+TEST_F(CommandLines, PowerCycleTakesItsTime)
+{
+    answerTo("power-cycle 1500");
+    const std::string off = ask("01 03 20 01 00 01");
+    pass(600);
+
+    EXPECT_EQ(off, "");
+    EXPECT_EQ(ask("01 03 20 01 00 01"), "01 03 02 00 00 B8 44");
+}
+
+TEST_F(CommandLines, FaultAddsARuleAndFaultsOffTakesAllAway)
+{
+    EXPECT_EQ(answerTo("fault kind = \"echo\", registers = \"SW\""), "ok\n");
+    const std::string echoed = ask("01 03 20 00 00 01");
+
+    EXPECT_EQ(answerTo("faults-off"), "ok\n");
+
+    EXPECT_EQ(echoed, framed("01 03 20 00 00 01") + ' ' + framed("01 03 02 00 01"));
+    EXPECT_EQ(ask("01 03 20 00 00 01"), framed("01 03 02 00 01"));
+}
+
+TEST_F(CommandLines, HelpNamesEveryCommand)
+{
+    const std::string help = answerTo("help");
+
+    for (const char *name :
+         { "status", "get", "set", "hold", "release", "trip", "mains", "ambient", "power-cycle",
+           "unplug", "plug", "fault", "faults-off", "help", "quit", "@STATION" })
+        EXPECT_NE(help.find(std::string(name)), std::string::npos) << name;
+}
+
+TEST_F(CommandLines, QuitEndsAndNothingElseDoes)
+{
+    answerTo("");
+    EXPECT_TRUE(goesOn);
+    answerTo("nonsense");
+    EXPECT_TRUE(goesOn);
+    answerTo("quit");
+    EXPECT_FALSE(goesOn);
+}
+
+TEST_P(RefusedCommands, SayWhatWasExpected)
+{
+    EXPECT_EQ(answerTo(GetParam().line), std::string("error: ") + GetParam().answer + '\n');
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, RefusedCommands,
+    ::testing::Values(
+        CommandRow { "UnknownCommand", "fly", "fly: no such command; help lists them" },
+        CommandRow { "UnknownStation", "@9 status", "no such station; try @1 status" },
+        CommandRow { "StationAlone", "@2", "expected a command behind the station" },
+        CommandRow { "MissingArgument", "get", "usage: get REGISTER: its value" },
+        CommandRow { "UnknownRegister", "get F4.29",
+                     "F4.29: no such register; try F0.3, Fc.13, D0, CW, FRE, SW, FU, 0xF003" },
+        CommandRow { "WriteOnly", "get CW", "CW: write only" },
+        CommandRow { "ReadOnly", "set D0 1", "D0: read only; hold shows a value of your own" },
+        CommandRow { "ValueTooLarge", "set F0.0 65536",
+                     "65536: expected a value from 0 to 65535, or 0x0000 to 0xFFFF" },
+        CommandRow { "NegativeValue", "set F0.0 -1",
+                     "-1: expected a value from 0 to 65535, or 0x0000 to 0xFFFF" },
+        CommandRow { "OutsideTheLimits", "set F8.4 481", "481: outside the limits of F8.4" },
+        CommandRow { "UnknownFault", "trip gremlin",
+                     "gremlin: no such fault; expected overcurrent, overvoltage, undervoltage, "
+                     "overheat or communication-loss" },
+        CommandRow { "NoNumber", "mains high", "high: expected a number from 0 to 1000" },
+        CommandRow { "BadRule", "fault kind = \"delay\"",
+                     "rule:1: kind: a delay needs duration_ms" }),
+    [](const auto &row) { return std::string(row.param.name); });
+
+TEST(JsonAnswers, QuoteWhatNeedsIt)
+{
+    EXPECT_EQ(jsonText("a\"b\\c\n"), R"("a\"b\\c\u000a")");
+}
+
+TEST_F(LineFixture, ReportsEventsAsJson)
+{
+    std::ostringstream out;
+    Reporter reporter(out, true);
+    cable.observe([&reporter](const LineEvent &event) { reporter.event(event); });
+
+    ask("01 03 20 01 00 01");
+
+    EXPECT_EQ(out.str(),
+              "{\"event\":\"request\",\"frame\":1,\"time\":0.000000,"
+              "\"bytes\":\"01 03 20 01 00 01 DE 0A\"}\n"
+              "{\"event\":\"reply\",\"frame\":1,\"time\":0.011160,"
+              "\"bytes\":\"01 03 02 00 00 B8 44\"}\n");
+}
+
+TEST_F(LineFixture, ShowsEventsAsTextWhereAskedTo)
+{
+    std::ostringstream out;
+    Reporter reporter(out, false, true);
+    cable.observe([&reporter](const LineEvent &event) { reporter.event(event); });
+
+    ask("01 03 20 01 00 01");
+
+    EXPECT_EQ(out.str(), "0.000 1 > 01 03 20 01 00 01 DE 0A\n0.011 1 < 01 03 02 00 00 B8 44\n");
+}
