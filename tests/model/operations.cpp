@@ -295,7 +295,9 @@ void Interpreter::setRcpAddress()
 void Interpreter::addrMerge()
 {
     QList<KEY_ADDRESS> keys;
-    for (int left = m_source.below(14); left > 0; --left)
+    // Above 16 a sort that is not stable shows itself.
+    const int number = m_source.below(m_source.onceIn(4) ? 50 : 14);
+    for (int left = number; left > 0; --left)
         keys.append(drawKeyAddress(m_source));
     if (m_source.onceIn(3)) { // neighbours, so that blocks grow
         for (KEY_ADDRESS &key : keys) {
