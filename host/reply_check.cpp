@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// Whether a reply answers its request, looked at more closely than the driver does.
+#include "host/reply_check.h"
+
+#include <algorithm>
+
+namespace dx4::host {
+namespace {
+
+constexpr int stationByte = 0;
+constexpr int functionByte = 1;
+constexpr int byteCountByte = 2;
+constexpr int exceptionCodeByte = 2;
+constexpr int exceptionLength = 5;
+constexpr int echoedBytes = 6; // station, function, address, value or count
+constexpr int crcBytes = 2;
+constexpr unsigned readFunction = 3;
+constexpr unsigned exceptionBit = 0x80;
+constexpr int lastHopelessException = 3;
+
+unsigned byteAt(const QByteArray &bytes, int position)
+{
+    return static_cast<unsigned char>(bytes.at(position));
+}
+
+bool crcIsRight(const QByteArray &frame)
+{
+    unsigned crc = 0xFFFF;
+    for (int i = 0; i < frame.size() - crcBytes; ++i) {
+        crc ^= byteAt(frame, i);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 1U) ? (crc >> 1) ^ 0xA001U : crc >> 1;
+    }
+    return byteAt(frame, frame.size() - 2) == (crc & 0xFFU)
+        && byteAt(frame, frame.size() - 1) == crc >> 8;
+}
+
+bool isException(const FRAME_PRO &request, const QByteArray &reply)
+{
+    return reply.size() == exceptionLength
+        && byteAt(reply, functionByte) == (request.frame[functionByte] | exceptionBit);
+}
+
+ReplyCause checkPayload(const FRAME_PRO &request, const QByteArray &reply)
+{
+    if (byteAt(reply, functionByte) != request.frame[functionByte])
+        return ReplyCause::WrongFunction;
+    if (request.frame[functionByte] == readFunction) {
+        const int announced = static_cast<int>(byteAt(reply, byteCountByte));
+        return announced == request.replyDataLength ? ReplyCause::Good : ReplyCause::WrongByteCount;
+    }
+    const bool isEcho = std::equal(request.frame, request.frame + echoedBytes, reply.begin(),
+                                   [](unsigned char sent, char received) {
+                                       return sent == static_cast<unsigned char>(received);
+                                   });
+    return isEcho ? ReplyCause::Good : ReplyCause::WrongEcho;
+}
+
+} // namespace
+
+bool ReplyVerdict::canRetry() const
+{
+    return cause != ReplyCause::Exception || exceptionCode > lastHopelessException;
+}
+
+ReplyVerdict checkReply(const FRAME_PRO &request, const QByteArray &reply)
+{
+    if (reply.isEmpty())
+        return { ReplyCause::Silence, 0 };
+    const bool looksRefused = reply.size() == exceptionLength && isException(request, reply);
+    if (reply.size() < exceptionLength || (reply.size() < request.replyLength && !looksRefused))
+        return { ReplyCause::Truncated, 0 };
+    if (!crcIsRight(reply))
+        return { ReplyCause::BadCrc, 0 };
+    if (byteAt(reply, stationByte) != request.frame[stationByte])
+        return { ReplyCause::ForeignStation, 0 };
+    if (looksRefused)
+        return { ReplyCause::Exception, static_cast<int>(byteAt(reply, exceptionCodeByte)) };
+    return { checkPayload(request, reply), 0 };
+}
+
+} // namespace dx4::host
