@@ -14,10 +14,20 @@ namespace {
 constexpr int bitsPerWord = 16;
 constexpr int bitsPerByte = 8;
 
-// What the callback gets as a name: copies made once, because counting references twice for each
-// change costs as much as storing the value.
-QString lentNames[registerTypeCount] = { REG_LIST[0], REG_LIST[1], REG_LIST[2],
-                                         REG_LIST[3], REG_LIST[4], REG_LIST[5] };
+// A name for the callback, made once, because counting references twice for each change costs as
+// much as storing the value. While it is out, a callback that calls back in gets a copy of its own.
+struct LentName {
+    QString text;
+    bool isOut = false;
+};
+
+LentName lentNames[registerTypeCount] = { { REG_LIST[0] }, { REG_LIST[1] }, { REG_LIST[2] },
+                                          { REG_LIST[3] }, { REG_LIST[4] }, { REG_LIST[5] } };
+
+void callWithCopy(int linkId, int station, QString name, int address)
+{
+    driver.valueChangeCallback(linkId, station, name, address);
+}
 
 bool hasBit(int value, int bit)
 {
@@ -72,13 +82,13 @@ void dx4::notifyHost(int linkId, int station, const QString &name, int address)
     if (!driver.valueChangeCallback)
         return;
     const RegisterType type = registerType(name);
-    if (type == UnknownType) {
-        QString handed = name;
-        driver.valueChangeCallback(linkId, station, handed, address);
-        return;
-    }
-    driver.valueChangeCallback(linkId, station, lentNames[type], address);
-    assignText(lentNames[type], REG_LIST[type]); // the host may have changed it
+    if (type == UnknownType || lentNames[type].isOut)
+        return callWithCopy(linkId, station, name, address);
+    LentName &lent = lentNames[type];
+    lent.isOut = true;
+    driver.valueChangeCallback(linkId, station, lent.text, address);
+    assignText(lent.text, REG_LIST[type]); // the host may have changed it
+    lent.isOut = false;
 }
 
 void dx4::reportWordChange(int position, int valueA, int valueB, int station,
