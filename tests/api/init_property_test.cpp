@@ -22,6 +22,9 @@ void PrintTo(const SettingsRow &row, std::ostream *out)
     *out << row.name;
 }
 
+// Qt 5 skips every kind of blank around a number, Qt 6 only those of ASCII.
+constexpr int skippedNoBreakSpace = QT_VERSION < QT_VERSION_CHECK(6, 0, 0) ? 1 : 0;
+
 // Every row starts from a link with the settings 21, 22, 23, 24, 25.
 class LinkSettings : public DriverFixture, public ::testing::WithParamInterface<SettingsRow> { };
 
@@ -72,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
         SettingsRow { "TextIsReadAsLatin1",
                       "\xA0"
                       "1#0#2#3#16",
-                      1, 0, 2, 3, 16 },
+                      skippedNoBreakSpace, 0, 2, 3, 16 },
         SettingsRow { "DigitsBeyondAsciiAreZero", "\xB2#0#2#3#16", 0, 0, 2, 3, 16 }),
     rowName);
 
