@@ -2,6 +2,8 @@
 // One request and what came back: the step between the cycle and the line.
 #include "host/exchange.h"
 
+#include "host/length.h"
+
 #include <algorithm>
 
 namespace dx4::host {
@@ -37,11 +39,11 @@ Reply LineExchange::run(const FRAME_PRO &request)
     const QByteArray frame(reinterpret_cast<const char *>(request.frame), request.sendLength);
     const Duration start = m_line.now();
     const bool sent = m_line.send(frame);
-    const Duration deadline = start + settings.wireTime(frame.size()) + settings.responseTimeout
+    const Duration deadline = start + settings.wireTime(lengthOf(frame)) + settings.responseTimeout
         + settings.wireTime(expected);
     if (sent)
         reply.bytes = m_line.receive(expected, deadline);
-    reply.kind = sent ? judge(m_line, reply.bytes.size(), expected) : Reply::Kind::LineDown;
+    reply.kind = sent ? judge(m_line, lengthOf(reply.bytes), expected) : Reply::Kind::LineDown;
     reply.turnaround = m_line.now() - start;
     return reply;
 }

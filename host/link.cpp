@@ -2,6 +2,8 @@
 // One link: a loaded driver with everything that a host must lend it.
 #include "host/link.h"
 
+#include "host/length.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -89,7 +91,7 @@ QVector<quint16> Link::values(int station, const QString &regType, int address, 
 {
     QVector<quint16> result(std::max(count, 0));
     std::vector<unsigned char> bytes(static_cast<size_t>(result.size()) * 2, 0);
-    api().getData(station, regType, address, result.size(), bytes.data());
+    api().getData(station, regType, address, lengthOf(result), bytes.data());
     for (int i = 0; i < result.size(); ++i) {
         const auto low = static_cast<size_t>(i) * 2;
         result[i] = static_cast<quint16>(bytes[low] + 256 * bytes[low + 1]);
@@ -122,7 +124,7 @@ void Link::write(int station, const QString &regType, int address, const QVector
         bytes.push_back(static_cast<unsigned char>(value & 0xFF));
         bytes.push_back(static_cast<unsigned char>(value >> 8));
     }
-    api().setData(station, regType, address, values.size(), bytes.data(), tag);
+    api().setData(station, regType, address, lengthOf(values), bytes.data(), tag);
 }
 
 void Link::addConditionRead(int station, const QString &regType, int address, int count, int tag)
@@ -132,12 +134,12 @@ void Link::addConditionRead(int station, const QString &regType, int address, in
 
 int Link::waitingWrites() const
 {
-    return api().state->writeList.size();
+    return lengthOf(api().state->writeList);
 }
 
 int Link::waitingConditionReads() const
 {
-    return api().state->conditionList.size();
+    return lengthOf(api().state->conditionList);
 }
 
 void Link::dispatch(int linkNumber, int station, QString &name, int address)

@@ -2,6 +2,8 @@
 // A line in memory: a function answers, and time passes only when somebody waits.
 #include "host/memory_line.h"
 
+#include "host/length.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -33,7 +35,7 @@ bool MemoryLine::send(const QByteArray &bytes)
     if (!m_open)
         return false;
     m_sent.append(bytes);
-    m_now += m_settings.wireTime(bytes.size());
+    m_now += m_settings.wireTime(lengthOf(bytes));
     m_lastActivity = m_now;
     const Answer answer = m_responder(bytes);
     schedule(answer.bytes, m_now + answer.delay);

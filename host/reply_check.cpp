@@ -2,6 +2,8 @@
 // Whether a reply answers its request, looked at more closely than the driver does.
 #include "host/reply_check.h"
 
+#include "host/length.h"
+
 #include <algorithm>
 
 namespace dx4::host {
@@ -31,8 +33,8 @@ bool crcIsRight(const QByteArray &frame)
         for (int bit = 0; bit < 8; ++bit)
             crc = (crc & 1U) ? (crc >> 1) ^ 0xA001U : crc >> 1;
     }
-    return byteAt(frame, frame.size() - 2) == (crc & 0xFFU)
-        && byteAt(frame, frame.size() - 1) == crc >> 8;
+    return byteAt(frame, lengthOf(frame) - 2) == (crc & 0xFFU)
+        && byteAt(frame, lengthOf(frame) - 1) == crc >> 8;
 }
 
 bool isException(const FRAME_PRO &request, const QByteArray &reply)

@@ -2,6 +2,8 @@
 // The line over a serial port of the machine, or over a pseudo-terminal.
 #include "host/serial_line.h"
 
+#include "host/length.h"
+
 #include <QSerialPort>
 
 #include <poll.h>
@@ -91,14 +93,14 @@ bool SerialLine::send(const QByteArray &bytes)
         return false;
     bool sent = m_port->write(bytes) == bytes.size();
     const int patience =
-        static_cast<int>(m_settings.wireTime(2 * bytes.size()) / std::chrono::milliseconds(1))
+        static_cast<int>(m_settings.wireTime(2 * lengthOf(bytes)) / std::chrono::milliseconds(1))
         + 1000;
     while (sent && m_port->bytesToWrite() > 0)
         sent = m_port->waitForBytesWritten(patience);
     if (!sent)
         close();
     // The kernel holds the bytes now; the line is busy until the last one has left.
-    m_lastActivity = now() + m_settings.wireTime(bytes.size());
+    m_lastActivity = now() + m_settings.wireTime(lengthOf(bytes));
     return sent;
 }
 

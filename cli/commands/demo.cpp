@@ -5,6 +5,7 @@
 #include "cli/commands/demo_view.h"
 #include "cli/interrupt.h"
 #include "cli/simulator_process.h"
+#include "host/length.h"
 #include "host/serial_line.h"
 
 #include <QDir>
@@ -110,8 +111,8 @@ public:
     /// Plays it; gives whether everything was answered.
     bool play(DemoSetting setting)
     {
-        setting.registers = m_list.rows().size();
-        setting.blocks = m_link.poll(m_list.addresses()).size();
+        setting.registers = host::lengthOf(m_list.rows());
+        setting.blocks = host::lengthOf(m_link.poll(m_list.addresses()));
         m_view.begin(setting);
         m_start = m_line.now();
         while (elapsed() < m_length && m_line.isOpen() && !interrupted()) {
@@ -158,9 +159,9 @@ private:
             return;
         const PlannedWrite write = m_underWay.takeFirst();
         const bool confirmed = step == host::Cycle::Step::Served;
-        m_view.write(
-            { 1, write.regType, write.address, write.values.size(), write.meaning, confirmed },
-            elapsed());
+        m_view.write({ 1, write.regType, write.address, host::lengthOf(write.values), write.meaning,
+                       confirmed },
+                     elapsed());
     }
 
     /// Nothing is left turning, also when the show was cut short.

@@ -3,6 +3,7 @@
 #include "cli/commands/demo_view.h"
 
 #include "cli/value_table.h"
+#include "host/length.h"
 #include "host/notation.h"
 
 #include <QJsonDocument>
@@ -117,7 +118,7 @@ private:
             m_out << QStringLiteral("\x1b[%1A").arg(m_height); // back up over the last drawing
         for (const QString &line : lines)
             m_out << line << QStringLiteral("\x1b[K\n");
-        m_height = lines.size();
+        m_height = host::lengthOf(lines);
         m_out.flush();
     }
 

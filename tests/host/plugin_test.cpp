@@ -101,7 +101,7 @@ TEST(Plugin, APrivateCopyHasAStateOfItsOwn)
 TEST(Plugin, APrivateCopyLeavesNoFileBehind)
 {
     const QStringList pattern { QStringLiteral("korvane_dx4-*") };
-    const int before = QDir::temp().entryList(pattern).size();
+    const auto before = QDir::temp().entryList(pattern).size();
 
     const auto copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
 
