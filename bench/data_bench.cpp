@@ -105,6 +105,9 @@ void countDataAllocations(Samples &samples)
 void countRegisterBytes(Samples &samples)
 {
     for (const int registers : { 1000, 10000, 100000 }) {
+        // What an earlier cache left behind is let go of by the first records of the next one.
+        startLink();
+        createInDriver(registersPerCall);
         startLink();
         const std::size_t before = heapBytes();
         createInDriver(registers);

@@ -161,37 +161,42 @@ void Limit::storeRegisters(const QByteArray &reply)
 {
     const VARIABLE &var = m_frame.var;
     const auto *bytes = reinterpret_cast<const unsigned char *>(reply.constData()) + 3;
-    const int station = var.station;
-    const int type = typeCode(var.regType);
+    const Device device = deviceOf(var.station, typeCode(var.regType));
     const int address = var.address;
     const int count = m_frame.replyDataLength / 2;
+    lendName(device.type);
     int guess = m_records.size();
     for (int i = 0; i < count; ++i, bytes += 2) {
-        const int position = m_records.positionOf(station, type, address + i, guess);
-        store(position, bytes[1], bytes[0], station, type, address + i);
+        const int position = m_records.positionOf(device, address + i, guess);
+        store(m_records.at(position), bytes[1], bytes[0], device);
         guess = position + 1;
     }
 }
 
-inline void Limit::store(int position, unsigned char low, unsigned char high, int station, int type,
-                         int address)
+inline void Limit::store(_DATA_ &record, unsigned char low, unsigned char high,
+                         const Device &device)
 {
-    _DATA_ &record = m_records.at(position);
     if (record.value[0] == low && record.value[1] == high && record.flag0 == 0)
         return;
     record.flag0 = 0;
     record.writePending = 0;
     record.value[0] = low;
     record.value[1] = high;
-    report(record, station, type, address);
+    report(record, device);
 }
 
-inline void Limit::report(const _DATA_ &record, int station, int type, int address)
+inline void Limit::report(const _DATA_ &record, const Device &device)
 {
     if ((record.flags & 1) == 0 || !m_callback)
         return;
-    QString name = typeName(type);
-    m_callback(1, station, name, address);
+    m_callback(1, device.station, m_lentName, record.address);
+}
+
+// One copy for a whole reply.
+void Limit::lendName(int type)
+{
+    if (m_lentName.constData() != typeName(type).constData())
+        m_lentName = typeName(type);
 }
 
 int Limit::getData(int station, QString regType, int address, int count, unsigned char *out)
@@ -199,9 +204,10 @@ int Limit::getData(int station, QString regType, int address, int count, unsigne
     const int type = typeCode(regType);
     if (type < 0)
         return 1;
+    const Device device = deviceOf(station, type);
     int guess = m_records.size();
     for (int i = 0; i < count; ++i, out += 2) {
-        const int position = m_records.positionOf(station, type, address + i, guess);
+        const int position = m_records.positionOf(device, address + i, guess);
         const _DATA_ &record = m_records.at(position);
         const unsigned char *shown = record.writePending ? record.writeValue : record.value;
         out[0] = shown[0];
@@ -223,23 +229,27 @@ void Limit::write(int station, QString regType, int address, const unsigned char
     var.address = address;
     var.count = 1;
     std::memset(var.data, 0, sizeof var.data);
-    std::memcpy(var.data, data, 2);
+    var.data[0] = data[0];
+    var.data[1] = data[1];
 
-    _DATA_ &record = m_records.at(m_records.positionOf(station, type, address, m_records.size()));
+    const Device device = deviceOf(station, type);
+    _DATA_ &record = m_records.at(m_records.positionOf(device, address, m_records.size()));
     const unsigned char *shown = record.writePending ? record.writeValue : record.value;
+    lendName(type);
     if (shown[0] != data[0] || shown[1] != data[1])
-        report(record, station, type, address);
-    std::memcpy(record.writeValue, data, 2);
+        report(record, device);
+    record.writeValue[0] = data[0];
+    record.writeValue[1] = data[1];
     record.writePending = 1;
 }
 
 void Limit::settle(const VARIABLE &var)
 {
-    const int position =
-        m_records.positionOf(var.station, typeCode(var.regType), var.address, m_records.size());
-    _DATA_ &record = m_records.at(position);
+    const Device device = deviceOf(var.station, typeCode(var.regType));
+    _DATA_ &record = m_records.at(m_records.positionOf(device, var.address, m_records.size()));
     record.writePending = 0;
-    std::memcpy(record.value, record.writeValue, 2);
+    record.value[0] = record.writeValue[0];
+    record.value[1] = record.writeValue[1];
 }
 
 } // namespace bench

@@ -41,9 +41,9 @@ private:
     void serve(const VARIABLE &var);
     void encode();
     void storeRegisters(const QByteArray &reply);
-    void store(int position, unsigned char low, unsigned char high, int station, int type,
-               int address);
-    void report(const _DATA_ &record, int station, int type, int address);
+    void store(_DATA_ &record, unsigned char low, unsigned char high, const Device &device);
+    void report(const _DATA_ &record, const Device &device);
+    void lendName(int type);
     void settle(const VARIABLE &var);
     void markMonitored(const QList<KEY_ADDRESS> &addresses);
 
@@ -55,6 +55,7 @@ private:
     std::size_t m_waitingWrites = 0;
     VARIABLE m_current;
     FRAME_PRO m_frame;
+    QString m_lentName; // what the callback gets
     bool m_isBusy = false;
     bool m_isWrite = false;
     int m_blockSize = 0;

@@ -22,7 +22,8 @@ QByteArray replyWith(int block, int registers, char mark)
 
 } // namespace
 
-const QString pollType = QStringLiteral("D");
+// On the heap, as a name that a host took from its project file.
+const QString pollType = QString(QLatin1String("D"));
 
 QList<KEY_ADDRESS> Poll::wanted() const
 {

@@ -11,9 +11,9 @@ constexpr int unknownType = -1;
 const QString names[] = { QLatin1String("F"),   QLatin1String("D"),  QLatin1String("CW"),
                           QLatin1String("FRE"), QLatin1String("SW"), QLatin1String("FU") };
 
-quint32 hashOf(int station, int type, int address)
+quint32 hashOf(const Device &device, int address)
 {
-    quint64 bits = static_cast<quint32>(station) * 8U + static_cast<quint32>(type);
+    quint64 bits = static_cast<quint32>(device.station) * 8U + static_cast<quint32>(device.type);
     bits = (bits << 32 | static_cast<quint32>(address)) * 0x9E3779B97F4A7C15U;
     return static_cast<quint32>(bits >> 32);
 }
@@ -42,6 +42,11 @@ const QString &typeName(int type)
     return names[type];
 }
 
+Device deviceOf(int station, int type)
+{
+    return { station, type, names[type].constData() };
+}
+
 void RecordTable::clear()
 {
     m_records.clear();
@@ -50,19 +55,19 @@ void RecordTable::clear()
     m_slots.shrink_to_fit();
 }
 
-int RecordTable::search(int station, int type, int address)
+int RecordTable::search(const Device &device, int address)
 {
-    const quint32 hash = hashOf(station, type, address);
+    const quint32 hash = hashOf(device, address);
     if (!m_slots.empty()) {
         const std::size_t mask = m_slots.size() - 1;
         for (std::size_t i = hash & mask; m_slots[i].position >= 0; i = (i + 1) & mask) {
-            if (m_slots[i].hash == hash && holds(m_slots[i].position, station, type, address))
+            if (m_slots[i].hash == hash && holds(m_slots[i].position, device, address))
                 return m_slots[i].position;
         }
     }
     auto record = std::make_unique<_DATA_>();
-    record->station = station;
-    record->regType = typeName(type);
+    record->station = device.station;
+    record->regType = typeName(device.type);
     record->address = address;
     m_records.push_back(std::move(record));
     if (m_records.size() * 4 > m_slots.size() * 3)

@@ -17,6 +17,15 @@ int typeCode(const QString &name);
 /// The lower bound's shared string of a type.
 const QString &typeName(int type);
 
+/// Registers of one station and type. The name is held once, so that it is compared by its pointer.
+struct Device {
+    int station;
+    int type;
+    const QChar *name;
+};
+
+Device deviceOf(int station, int type);
+
 /// Records found by (station, type, address), in order of creation, never removed one by one.
 class RecordTable {
 public:
@@ -28,10 +37,10 @@ public:
 
     /// Position of the register's record, which is created when it is missing; `guess` is looked at
     /// first.
-    int positionOf(int station, int type, int address, int guess)
+    int positionOf(const Device &device, int address, int guess)
     {
-        const bool isThere = guess < size() && holds(guess, station, type, address);
-        return isThere ? guess : search(station, type, address);
+        const bool isThere = guess < size() && holds(guess, device, address);
+        return isThere ? guess : search(device, address);
     }
 
 private:
@@ -40,14 +49,14 @@ private:
         qint32 position; ///< -1: empty
     };
 
-    bool holds(int position, int station, int type, int address) const
+    bool holds(int position, const Device &device, int address) const
     {
         const _DATA_ &record = *m_records[static_cast<std::size_t>(position)];
-        return record.address == address && record.station == station
-            && record.regType.constData() == typeName(type).constData();
+        return record.address == address && record.station == device.station
+            && record.regType.constData() == device.name;
     }
 
-    int search(int station, int type, int address);
+    int search(const Device &device, int address);
     void place(Slot slot);
     void grow();
 
