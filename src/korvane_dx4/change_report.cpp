@@ -108,7 +108,7 @@ void _wordDataChange(int *valueA, int *valueB, int station, QString regType, int
                      int noBits)
 {
     const CacheWriting writing;
-    const int position = RegisterFinder(station, regType).positionOf(address);
+    const int position = RegisterFinder(station, sharedName(regType)).positionOf(address);
     if (!valueA || !valueB)
         return;
     reportWordChange(position, *valueA, *valueB, station, regType, address,
@@ -119,7 +119,7 @@ void _byteDataChange(unsigned char *byteA, unsigned char *byteB, int station, QS
                      int address)
 {
     const CacheWriting writing;
-    const Marks marks = marksAt(RegisterFinder(station, regType).positionOf(address));
+    const Marks marks = marksAt(RegisterFinder(station, sharedName(regType)).positionOf(address));
     if (!byteA || !byteB)
         return;
     const int valueA = *byteA;

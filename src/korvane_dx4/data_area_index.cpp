@@ -55,26 +55,27 @@ RegisterKey keyOf(const _DATA_ &record)
 
 DataAreaIndex dataAreaIndex;
 
-int DataAreaIndex::find(const RegisterKey &key)
+int DataAreaIndex::findOrAppend(const RegisterKey &key)
 {
     const quint32 tag = tagOf(key);
-    const int position = probe(key, tag);
-    if (position != emptySlot || isComplete())
-        return position;
-    rebuild();
-    return probe(key, tag);
+    int position = probe(key, tag);
+    if (position == emptySlot && !isComplete()) {
+        rebuild();
+        position = probe(key, tag);
+    }
+    return position == emptySlot ? append(key, tag) : position;
 }
 
-int DataAreaIndex::append(const RegisterKey &key)
+int DataAreaIndex::append(const RegisterKey &key, quint32 tag)
 {
     letGo();
     const int position = static_cast<int>(driver.dataAreas.size());
-    _DATA_ record;
+    driver.dataAreas.append(_DATA_());
+    _DATA_ &record = driver.dataAreas.last();
     record.station = key.station;
-    record.regType = sharedName(key.regType);
+    record.regType = key.regType;
     record.address = key.address;
-    driver.dataAreas.append(record);
-    insert(tagOf(key), position);
+    insert(tag, position);
     return position;
 }
 

@@ -39,11 +39,8 @@ inline bool hasKey(const _DATA_ &record, const RegisterKey &key)
 /// CacheWriting takes it again when the outermost call ends.
 class DataAreaIndex {
 public:
-    /// Position of the record with this key, or -1.
-    int find(const RegisterKey &key);
-
-    /// Appends a zeroed record with this key, which must be missing, and gives its position.
-    int append(const RegisterKey &key);
+    /// Position of the record with this key; a missing one is appended, zeroed but for its key.
+    int findOrAppend(const RegisterKey &key);
 
     /// The record at a position of the list, to be written. Valid until the list changes.
     _DATA_ &edit(int position);
@@ -65,6 +62,7 @@ private:
 
     bool isComplete() const;
     int probe(const RegisterKey &key, quint32 tag) const;
+    int append(const RegisterKey &key, quint32 tag);
     void rebuild();
     void grow();
     void insert(quint32 tag, int position);

@@ -47,9 +47,7 @@ RegisterFinder::RegisterFinder(int station, const QString &regType)
 
 int RegisterFinder::lookUp(int address) const
 {
-    const RegisterKey key { m_station, m_regType, address };
-    const int position = dataAreaIndex.find(key);
-    return position < 0 ? dataAreaIndex.append(key) : position;
+    return dataAreaIndex.findOrAppend({ m_station, m_regType, address });
 }
 
 int dx4::shownValue(const _DATA_ &area)
@@ -74,10 +72,11 @@ void dx4::clearMonitorMarks()
 
 void dx4::markMonitored(int station, const QString &regType, int address, int count)
 {
-    if (registerType(regType) == UnknownType)
+    const RegisterType type = registerType(regType);
+    if (type == UnknownType)
         return;
     const CacheWriting writing;
-    RegisterFinder finder(station, regType);
+    RegisterFinder finder(station, REG_LIST[type]);
     for (int i = 0; i < count; ++i) {
         const int position = finder.positionOf(wrapAdd(address, i));
         const int marks = _setBitValue(driver.dataAreas.at(position).flags, MonitoredWord, 1);
@@ -92,7 +91,7 @@ int getIndexOfDataArea(int station, QString regType, int address, QList<_DATA_> 
     if (!isCache)
         return findOrAppend({ station, regType, address }, list);
     const CacheWriting writing;
-    return RegisterFinder(station, regType).positionOf(address);
+    return RegisterFinder(station, sharedName(regType)).positionOf(address);
 }
 
 int _setDataAreaMonitorFlag(int station, QString regType, int address, int count)
@@ -111,10 +110,11 @@ int _setBitValue(int value, int bit, int on)
 
 int intf_getData(int station, QString regType, int address, int count, unsigned char *out)
 {
-    if (registerType(regType) == UnknownType)
+    const RegisterType type = registerType(regType);
+    if (type == UnknownType)
         return alwaysDone;
     const CacheWriting writing;
-    RegisterFinder finder(station, regType);
+    RegisterFinder finder(station, REG_LIST[type]);
     for (int i = 0; i < count; ++i) {
         const int position = finder.positionOf(wrapAdd(address, i));
         if (!out)

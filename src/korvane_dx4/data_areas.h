@@ -37,7 +37,9 @@ RegisterRange rangeOf(const VARIABLE &var);
 /// found last is looked at first.
 class RegisterFinder {
 public:
-    /// @param regType  must outlive the finder
+    /// @param regType  must outlive the finder; records created get this string, so that
+    /// sharedName()
+    ///                 of it makes later comparisons cheap
     RegisterFinder(int station, const QString &regType);
 
     /// Position in driver.dataAreas of the register's record, which is created when it is missing.

@@ -17,15 +17,11 @@ namespace {
 
 constexpr int bytesPerRegister = 2;
 
-// The bytes of one queued write; what lies behind them in `target` is zeroed.
-void takeValues(unsigned char (&target)[recordBytes], const unsigned char *data,
-                qint64 registersBefore, int count)
+// The values of one queued write, as many as a record holds.
+void takeValues(unsigned char (&target)[recordBytes], const unsigned char *data, int count)
 {
-    std::memset(target, 0, sizeof target);
-    if (count < 1)
-        return;
     const qint64 bytes = std::min<qint64>(qint64 { count } * bytesPerRegister, recordBytes);
-    std::memcpy(target, data + registersBefore * bytesPerRegister, static_cast<std::size_t>(bytes));
+    std::memcpy(target, data, static_cast<std::size_t>(bytes));
 }
 
 void queueWrite(const RegisterRange &range, const unsigned char *data, int varKind)
@@ -37,7 +33,10 @@ void queueWrite(const RegisterRange &range, const unsigned char *data, int varKi
     const Pieces pieces =
         Pieces::cut(range.address, range.count, splitLimit(driver.writeBlockSize));
     queuePieces(driver.writeList, var, pieces, [&](qint64 j) {
-        takeValues(var.data, data, pieces.registersBefore(j), var.count);
+        if (j > 0)
+            std::memset(var.data, 0, sizeof var.data);
+        if (var.count > 0)
+            takeValues(var.data, data + pieces.registersBefore(j) * bytesPerRegister, var.count);
     });
 }
 
