@@ -161,20 +161,16 @@ void Limit::storeRegisters(const QByteArray &reply)
 {
     const VARIABLE &var = m_frame.var;
     const auto *bytes = reinterpret_cast<const unsigned char *>(reply.constData()) + 3;
-    const Device device = deviceOf(var.station, typeCode(var.regType));
+    const int type = typeCode(var.regType);
     const int address = var.address;
     const int count = m_frame.replyDataLength / 2;
-    lendName(device.type);
-    int guess = m_records.size();
-    for (int i = 0; i < count; ++i, bytes += 2) {
-        const int position = m_records.positionOf(device, address + i, guess);
-        store(m_records.at(position), bytes[1], bytes[0], device);
-        guess = position + 1;
-    }
+    lendName(type);
+    RecordTable::Run run(m_records, var.station, type);
+    for (int i = 0; i < count; ++i, bytes += 2)
+        store(run[address + i], bytes[1], bytes[0]);
 }
 
-inline void Limit::store(_DATA_ &record, unsigned char low, unsigned char high,
-                         const Device &device)
+inline void Limit::store(_DATA_ &record, unsigned char low, unsigned char high)
 {
     if (record.value[0] == low && record.value[1] == high && record.flag0 == 0)
         return;
@@ -182,14 +178,13 @@ inline void Limit::store(_DATA_ &record, unsigned char low, unsigned char high,
     record.writePending = 0;
     record.value[0] = low;
     record.value[1] = high;
-    report(record, device);
+    report(record);
 }
 
-inline void Limit::report(const _DATA_ &record, const Device &device)
+inline void Limit::report(const _DATA_ &record)
 {
-    if ((record.flags & 1) == 0 || !m_callback)
-        return;
-    m_callback(1, device.station, m_lentName, record.address);
+    if ((record.flags & 1) != 0 && m_callback)
+        m_callback(1, record.station, m_lentName, record.address);
 }
 
 // One copy for a whole reply.
@@ -204,15 +199,12 @@ int Limit::getData(int station, QString regType, int address, int count, unsigne
     const int type = typeCode(regType);
     if (type < 0)
         return 1;
-    const Device device = deviceOf(station, type);
-    int guess = m_records.size();
+    RecordTable::Run run(m_records, station, type);
     for (int i = 0; i < count; ++i, out += 2) {
-        const int position = m_records.positionOf(device, address + i, guess);
-        const _DATA_ &record = m_records.at(position);
+        const _DATA_ &record = run[address + i];
         const unsigned char *shown = record.writePending ? record.writeValue : record.value;
         out[0] = shown[0];
         out[1] = shown[1];
-        guess = position + 1;
     }
     return 1;
 }
@@ -232,12 +224,11 @@ void Limit::write(int station, QString regType, int address, const unsigned char
     var.data[0] = data[0];
     var.data[1] = data[1];
 
-    const Device device = deviceOf(station, type);
-    _DATA_ &record = m_records.at(m_records.positionOf(device, address, m_records.size()));
+    _DATA_ &record = RecordTable::Run(m_records, station, type)[address];
     const unsigned char *shown = record.writePending ? record.writeValue : record.value;
     lendName(type);
     if (shown[0] != data[0] || shown[1] != data[1])
-        report(record, device);
+        report(record);
     record.writeValue[0] = data[0];
     record.writeValue[1] = data[1];
     record.writePending = 1;
@@ -245,8 +236,7 @@ void Limit::write(int station, QString regType, int address, const unsigned char
 
 void Limit::settle(const VARIABLE &var)
 {
-    const Device device = deviceOf(var.station, typeCode(var.regType));
-    _DATA_ &record = m_records.at(m_records.positionOf(device, var.address, m_records.size()));
+    _DATA_ &record = RecordTable::Run(m_records, var.station, typeCode(var.regType))[var.address];
     record.writePending = 0;
     record.value[0] = record.writeValue[0];
     record.value[1] = record.writeValue[1];

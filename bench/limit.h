@@ -41,8 +41,8 @@ private:
     void serve(const VARIABLE &var);
     void encode();
     void storeRegisters(const QByteArray &reply);
-    void store(_DATA_ &record, unsigned char low, unsigned char high, const Device &device);
-    void report(const _DATA_ &record, const Device &device);
+    void store(_DATA_ &record, unsigned char low, unsigned char high);
+    void report(const _DATA_ &record);
     void lendName(int type);
     void settle(const VARIABLE &var);
     void markMonitored(const QList<KEY_ADDRESS> &addresses);

@@ -66,13 +66,9 @@ void Limit::markMonitored(const QList<KEY_ADDRESS> &addresses)
     for (int i = 0; i < m_records.size(); ++i)
         m_records.at(i).flags = m_records.at(i).bitMask = 0;
     for (const KEY_ADDRESS &key : addresses) {
-        const Device device = deviceOf(key.station, typeCode(key.regType));
-        int guess = m_records.size();
-        for (int i = 0; i < key.count; ++i) {
-            const int position = m_records.positionOf(device, key.address + i, guess);
-            m_records.at(position).flags |= 1;
-            guess = position + 1;
-        }
+        RecordTable::Run run(m_records, key.station, typeCode(key.regType));
+        for (int i = 0; i < key.count; ++i)
+            run[key.address + i].flags |= 1;
     }
 }
 

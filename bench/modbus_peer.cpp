@@ -9,17 +9,6 @@
 #include <modbus.h>
 
 namespace bench {
-namespace {
-
-uint64_t keyOf(int station, int type, int address)
-{
-    const auto device =
-        static_cast<uint64_t>(static_cast<unsigned>(station) * 8U + static_cast<unsigned>(type));
-    return device << 32 | static_cast<uint32_t>(address);
-}
-
-} // namespace
-
 void ModbusDeleter::operator()(modbus_t *client) const
 {
     modbus_free(client);
@@ -41,10 +30,10 @@ void RegisterMap::fill(const Poll &poll, ValueChangeCallback callback)
     m_callback = callback;
     const int type = typeCode(pollType);
     for (int address = 0; address < poll.cache; ++address)
-        m_entries[keyOf(pollStation, type, address)];
+        m_entries[{ pollStation, type, address }];
     for (int block = 0; block < poll.blocks; ++block) {
         for (int i = 0; i < poll.perBlock; ++i)
-            m_entries[keyOf(pollStation, type, poll.address(block) + i)].isMonitored = true;
+            m_entries[{ pollStation, type, poll.address(block) + i }].isMonitored = true;
     }
 }
 
@@ -53,7 +42,7 @@ void RegisterMap::store(int station, const QString &regType, int address, const 
 {
     const int type = typeCode(regType);
     for (int i = 0; i < count; ++i) {
-        Entry &entry = m_entries[keyOf(station, type, address + i)];
+        Entry &entry = m_entries[{ station, type, address + i }];
         if (entry.value == values[i])
             continue;
         entry.value = values[i];
@@ -69,7 +58,7 @@ int RegisterMap::getData(int station, QString regType, int address, int count,
 {
     const int type = typeCode(regType);
     for (int i = 0; i < count; ++i, out += 2) {
-        const auto entry = m_entries.find(keyOf(station, type, address + i));
+        const auto entry = m_entries.find({ station, type, address + i });
         const unsigned value = entry == m_entries.end() ? 0 : entry->second.value;
         out[0] = static_cast<unsigned char>(value);
         out[1] = static_cast<unsigned char>(value >> 8);

@@ -6,6 +6,7 @@
 #include "poll.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -37,12 +38,34 @@ public:
     int getData(int station, QString regType, int address, int count, unsigned char *out) const;
 
 private:
+    struct Key {
+        int station;
+        int type;
+        int address;
+
+        bool operator==(const Key &other) const
+        {
+            return station == other.station && type == other.type && address == other.address;
+        }
+    };
+
+    // The usual way to combine the hashes of several fields.
+    struct KeyHash {
+        std::size_t operator()(const Key &key) const
+        {
+            std::size_t hash = 0;
+            for (const int field : { key.station, key.type, key.address })
+                hash ^= std::hash<int>()(field) + 0x9E3779B9U + (hash << 6) + (hash >> 2);
+            return hash;
+        }
+    };
+
     struct Entry {
         uint16_t value = 0;
         bool isMonitored = false;
     };
 
-    std::unordered_map<uint64_t, Entry> m_entries;
+    std::unordered_map<Key, Entry, KeyHash> m_entries;
     ValueChangeCallback m_callback = nullptr;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The lower bound's cache: open addressing with linear probing, at most three quarters full.
+// The lower bound's cache: pages in a table with linear probing, at most three quarters full.
 #include "record_table.h"
 
 namespace bench {
@@ -11,11 +11,11 @@ constexpr int unknownType = -1;
 const QString names[] = { QLatin1String("F"),   QLatin1String("D"),  QLatin1String("CW"),
                           QLatin1String("FRE"), QLatin1String("SW"), QLatin1String("FU") };
 
-quint32 hashOf(const Device &device, int address)
+std::size_t hashOf(int station, int type, int number)
 {
-    quint64 bits = static_cast<quint32>(device.station) * 8U + static_cast<quint32>(device.type);
-    bits = (bits << 32 | static_cast<quint32>(address)) * 0x9E3779B97F4A7C15U;
-    return static_cast<quint32>(bits >> 32);
+    quint64 bits = static_cast<quint32>(station) * 8U + static_cast<quint32>(type);
+    bits = (bits << 32 | static_cast<quint32>(number)) * 0x9E3779B97F4A7C15U;
+    return bits >> 32;
 }
 
 } // namespace
@@ -42,56 +42,59 @@ const QString &typeName(int type)
     return names[type];
 }
 
-Device deviceOf(int station, int type)
-{
-    return { station, type, names[type].constData() };
-}
-
 void RecordTable::clear()
 {
     m_records.clear();
     m_records.shrink_to_fit();
     m_slots.clear();
     m_slots.shrink_to_fit();
+    m_pages = 0;
 }
 
-int RecordTable::search(const Device &device, int address)
+RecordTable::Page *RecordTable::pageOf(int station, int type, int number)
 {
-    const quint32 hash = hashOf(device, address);
-    if (!m_slots.empty()) {
-        const std::size_t mask = m_slots.size() - 1;
-        for (std::size_t i = hash & mask; m_slots[i].position >= 0; i = (i + 1) & mask) {
-            if (m_slots[i].hash == hash && holds(m_slots[i].position, device, address))
-                return m_slots[i].position;
-        }
-    }
-    auto record = std::make_unique<_DATA_>();
-    record->station = device.station;
-    record->regType = typeName(device.type);
-    record->address = address;
-    m_records.push_back(std::move(record));
-    if (m_records.size() * 4 > m_slots.size() * 3)
+    if (4 * (m_pages + 1) > 3 * m_slots.size())
         grow();
-    place({ hash, size() - 1 });
-    return size() - 1;
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t i = hashOf(station, type, number) & mask;
+    for (; m_slots[i]; i = (i + 1) & mask) {
+        Page *page = m_slots[i].get();
+        if (page->number == number && page->station == station && page->type == type)
+            return page;
+    }
+    m_slots[i].reset(new Page { station, type, number, {} });
+    ++m_pages;
+    return m_slots[i].get();
 }
 
-void RecordTable::place(Slot slot)
+_DATA_ *RecordTable::create(Page &page, int address)
+{
+    auto record = std::make_unique<_DATA_>();
+    record->station = page.station;
+    record->regType = typeName(page.type);
+    record->address = address;
+    _DATA_ *created = record.get();
+    page.records[static_cast<unsigned>(address) % pageSize] = created;
+    m_records.push_back(std::move(record));
+    return created;
+}
+
+void RecordTable::place(std::unique_ptr<Page> page)
 {
     const std::size_t mask = m_slots.size() - 1;
-    std::size_t i = slot.hash & mask;
-    while (m_slots[i].position >= 0)
+    std::size_t i = hashOf(page->station, page->type, page->number) & mask;
+    while (m_slots[i])
         i = (i + 1) & mask;
-    m_slots[i] = slot;
+    m_slots[i] = std::move(page);
 }
 
 void RecordTable::grow()
 {
-    const std::vector<Slot> old = std::move(m_slots);
-    m_slots.assign(old.empty() ? smallestTable : 2 * old.size(), Slot { 0, -1 });
-    for (const Slot &slot : old) {
-        if (slot.position >= 0)
-            place(slot);
+    std::vector<std::unique_ptr<Page>> old = std::move(m_slots);
+    m_slots = std::vector<std::unique_ptr<Page>>(old.empty() ? smallestTable : 2 * old.size());
+    for (std::unique_ptr<Page> &page : old) {
+        if (page)
+            place(std::move(page));
     }
 }
 
