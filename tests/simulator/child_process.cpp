@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -43,6 +44,8 @@ ChildProcess::ChildProcess(const std::vector<std::string> &command, bool withErr
     if (m_pid < 0)
         throw std::runtime_error("no process");
     if (m_pid == 0) {
+        // A test that crashes must not leave its child behind, holding the test's own output open.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         dup2(toChild[0], STDIN_FILENO);
         dup2(fromChild[1], STDOUT_FILENO);
         if (withErrors)
