@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Ctrl-C and a termination request, noted for the loop that runs.
+// Ctrl-C, a termination request and a reader that has gone, noted for the loop that runs.
 #include "cli/interrupt.h"
 
 #include <csignal>
+#include <poll.h>
+#include <unistd.h>
 
 namespace dx4::cli {
 namespace {
@@ -22,9 +24,26 @@ void watchForInterrupt()
     std::signal(SIGTERM, noteSignal);
 }
 
+void ignoreBrokenPipe()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
 bool interrupted()
 {
     return signalSeen != 0;
+}
+
+bool readerGone()
+{
+    pollfd output {};
+    output.fd = STDOUT_FILENO;
+    return poll(&output, 1, 0) > 0 && (output.revents & POLLERR);
+}
+
+bool shouldEnd()
+{
+    return interrupted() || readerGone();
 }
 
 } // namespace dx4::cli

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Ctrl-C and a termination request, noted for the loop that runs.
+// Ctrl-C, a termination request and a reader that has gone, noted for the loop that runs.
 #pragma once
 
 namespace dx4::cli {
@@ -7,7 +7,16 @@ namespace dx4::cli {
 /// From now on SIGINT and SIGTERM are noted instead of ending the program.
 void watchForInterrupt();
 
-/// Whether one has come.
+/// Writing to a pipe that nobody reads shall not end the program: a motor may have to be stopped.
+void ignoreBrokenPipe();
+
+/// Whether a signal has come.
 bool interrupted();
+
+/// Whether standard output is a pipe whose reader has gone.
+bool readerGone();
+
+/// Whether a loop should end: one of the two.
+bool shouldEnd();
 
 } // namespace dx4::cli

@@ -3,6 +3,7 @@
 #include "cli/commands/demo.h"
 
 #include "cli/commands/demo_view.h"
+#include "cli/driver_file.h"
 #include "cli/interrupt.h"
 #include "cli/simulator_process.h"
 #include "host/length.h"
@@ -115,7 +116,7 @@ public:
         setting.blocks = host::lengthOf(m_link.poll(m_list.addresses()));
         m_view.begin(setting);
         m_start = m_line.now();
-        while (elapsed() < m_length && m_line.isOpen() && !interrupted()) {
+        while (elapsed() < m_length && m_line.isOpen() && !shouldEnd()) {
             makeDueWrites();
             takeStep();
         }
@@ -231,6 +232,18 @@ int runDemo(const DemoOptions &options)
         return 0;
     return complain(line.isOpen() ? QStringLiteral("not every request was answered")
                                   : QStringLiteral("the line to the simulator broke"));
+}
+
+void addDemo(CommandLine &line)
+{
+    Command command = line.add("demo", "poll and write a simulated inverter");
+    const auto options = std::make_shared<DemoOptions>();
+    command.number("--seconds", options->seconds, "length of the show", 1, 3600);
+    command.text("--sim", options->simulator, "program of the simulator, dx4-sim", "FILE");
+    addDriverOption(command, options->driver);
+    command.flag("--json", options->json, "print one JSON object per line");
+    command.example(QStringLiteral("dx4 demo --seconds 3"), QStringLiteral("a short show"));
+    command.action([options] { return runDemo(*options); });
 }
 
 } // namespace dx4::cli

@@ -2,7 +2,7 @@
 // dx4 demo: the driver polling and writing a simulated inverter, for everyone to see.
 #pragma once
 
-#include <QString>
+#include "cli/command_line.h"
 
 namespace dx4::cli {
 
@@ -12,6 +12,9 @@ struct DemoOptions {
     QString driver; ///< path of the driver's file; empty: looked for
     bool json = false; ///< one JSON object per line instead of the table
 };
+
+/// Adds the command.
+void addDemo(CommandLine &line);
 
 /// Starts a simulated inverter as a process of its own, loads the driver by its file, polls and
 /// writes, and shows the values on standard output; what is missing goes to standard error.

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+// Commands, options and their help; the only place that knows the argument parser.
+#include "cli/command_line.h"
+
+#include "cli/exit_code.h"
+#include "cli/nearest_word.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace dx4::cli {
+namespace {
+
+QStringList commandNames(const CLI::App &app)
+{
+    QStringList names;
+    for (const CLI::App *command : app.get_subcommands([](const CLI::App *) { return true; }))
+        names.append(QString::fromStdString(command->get_name()));
+    return names;
+}
+
+QStringList optionNames(const CLI::App &app)
+{
+    QStringList names;
+    for (const CLI::Option *option : app.get_options()) {
+        for (const std::string &name : option->get_lnames())
+            names.append(QStringLiteral("--") + QString::fromStdString(name));
+    }
+    return names;
+}
+
+/// Follows the words down to the command that they name.
+struct Place {
+    const CLI::App *app;
+    QStringList path;
+    QStringList rest;
+};
+
+Place findPlace(const CLI::App &app, const QStringList &arguments)
+{
+    Place place { &app, {}, arguments };
+    while (!place.rest.isEmpty() && commandNames(*place.app).contains(place.rest.constFirst())) {
+        place.app = place.app->get_subcommand(place.rest.constFirst().toStdString());
+        place.path.append(place.rest.takeFirst());
+    }
+    return place;
+}
+
+/// What is wrong, in the words of this program where it knows better than the parser.
+QString explain(const Place &place, const CLI::ParseError &error)
+{
+    const QStringList commands = commandNames(*place.app);
+    if (!commands.isEmpty() && place.rest.isEmpty())
+        return QStringLiteral("a command is needed: %1").arg(commands.join(QStringLiteral(", ")));
+    if (!commands.isEmpty() && !place.rest.constFirst().startsWith(QLatin1Char('-'))) {
+        const QString word = place.rest.constFirst();
+        return QStringLiteral("no command \"%1\"%2").arg(word, suggestion(word, commands));
+    }
+    const QStringList options = optionNames(*place.app);
+    for (const QString &word : place.rest) {
+        const QString name = word.section(QLatin1Char('='), 0, 0);
+        if (name.startsWith(QLatin1String("--")) && name.size() > 2 && !options.contains(name))
+            return QStringLiteral("no option \"%1\"%2").arg(name, suggestion(name, options));
+    }
+    return QString::fromUtf8(error.what());
+}
+
+int refuse(const CLI::App &app, const CLI::ParseError &error, int argc, char **argv)
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const Place place = findPlace(app, arguments);
+    const QString command = place.path.join(QLatin1Char(' '));
+    const QString help =
+        (QStringList { QStringLiteral("dx4") } + place.path).join(QLatin1Char(' '));
+    return complain(
+        command,
+        { ExitUsage, QStringLiteral("%1; see %2 --help").arg(explain(place, error), help) });
+}
+
+} // namespace
+
+Command::Command(CLI::App &app, int &exitCode)
+    : m_app(app)
+    , m_exitCode(exitCode)
+{
+}
+
+void Command::words(const char *name, QStringList &value, const char *help, bool required)
+{
+    CLI::Option *option = m_app.add_option_function<std::vector<std::string>>(
+        name,
+        [&value](const std::vector<std::string> &words) {
+            for (const std::string &word : words)
+                value.append(QString::fromStdString(word));
+        },
+        help);
+    option->required(required)->type_name("");
+}
+
+void Command::number(const char *option, int &value, const char *help, int lowest, int highest)
+{
+    m_app.add_option(option, value, help)
+        ->check(CLI::Range(lowest, highest))
+        ->type_name("N")
+        ->capture_default_str();
+}
+
+void Command::text(const char *option, QString &value, const char *help, const char *placeholder)
+{
+    m_app
+        .add_option_function<std::string>(
+            option, [&value](const std::string &given) { value = QString::fromStdString(given); },
+            help)
+        ->type_name(placeholder)
+        ->default_str(value.toStdString());
+}
+
+void Command::choice(const char *option, QString &value, const char *help, const QStringList &valid)
+{
+    const auto check = [valid](const std::string &given) {
+        const QString word = QString::fromStdString(given);
+        if (valid.contains(word))
+            return std::string();
+        return QStringLiteral("\"%1\" is none of %2%3")
+            .arg(word, valid.join(QStringLiteral(", ")), suggestion(word, valid))
+            .toStdString();
+    };
+    m_app
+        .add_option_function<std::string>(
+            option, [&value](const std::string &given) { value = QString::fromStdString(given); },
+            help)
+        ->check(CLI::Validator(check, valid.join(QLatin1Char('|')).toStdString()))
+        ->type_name("")
+        ->default_str(value.toStdString());
+}
+
+void Command::flag(const char *option, bool &value, const char *help)
+{
+    m_app.add_flag(option, value, help);
+}
+
+void Command::example(const QString &line, const QString &meaning)
+{
+    std::string footer = m_app.get_footer();
+    if (footer.empty())
+        footer = "Examples:";
+    m_app.footer(footer + "\n  $ " + line.toStdString() + "\n      " + meaning.toStdString());
+}
+
+Command Command::sub(const char *name, const char *summary)
+{
+    m_app.require_subcommand(1);
+    return Command(*m_app.add_subcommand(name, summary), m_exitCode);
+}
+
+void Command::action(Action action)
+{
+    m_app.callback(
+        [action = std::move(action), this_exit = &m_exitCode] { *this_exit = action(); });
+}
+
+CommandLine::CommandLine(const char *version)
+    : m_app(std::make_unique<CLI::App>("Talks to a frequency inverter through its driver.", "dx4"))
+{
+    m_app->set_version_flag("--version", version);
+    m_app->require_subcommand(1);
+}
+
+CommandLine::~CommandLine() = default;
+
+Command CommandLine::add(const char *name, const char *summary)
+{
+    return Command(*m_app->add_subcommand(name, summary), m_exitCode);
+}
+
+int CommandLine::run(int argc, char **argv)
+{
+    m_app->footer("Addresses are written as the drive shows them: F c.13, D 0-9, SW, 2:D 4.\n"
+                  "Exit codes: 0 done, 1 device or line, 2 usage; dx4(1) lists them all.");
+    try {
+        m_app->parse(argc, argv);
+    } catch (const CLI::Success &wanted) { // --help and --version
+        return m_app->exit(wanted);
+    } catch (const CLI::ParseError &error) {
+        return refuse(*m_app, error, argc, argv);
+    }
+    return m_exitCode;
+}
+
+} // namespace dx4::cli

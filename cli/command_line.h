@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// Commands, options and their help; the only place that knows the argument parser.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+
+namespace CLI {
+class App;
+}
+
+namespace dx4::cli {
+
+/// One command while it is described. Variables bound to options must live as long as the command
+/// line; the action is a good place to keep them.
+class Command {
+public:
+    using Action = std::function<int()>;
+
+    Command(CLI::App &app, int &exitCode);
+
+    /// Bare words behind the options. @param required  at least one
+    void words(const char *name, QStringList &value, const char *help, bool required = true);
+
+    /// An option with a whole number within its limits.
+    void number(const char *option, int &value, const char *help, int lowest, int highest);
+
+    /// An option with a text. @param placeholder  how the help calls it
+    void text(const char *option, QString &value, const char *help, const char *placeholder);
+
+    /// An option with one of several texts.
+    void choice(const char *option, QString &value, const char *help, const QStringList &valid);
+    void flag(const char *option, bool &value, const char *help);
+
+    /// A command line that the help shows, with what it does.
+    void example(const QString &line, const QString &meaning);
+
+    /// A command of this one.
+    Command sub(const char *name, const char *summary);
+
+    /// What it does; the result is the exit code.
+    void action(Action action);
+
+private:
+    CLI::App &m_app;
+    int &m_exitCode;
+};
+
+/// The program's arguments.
+class CommandLine {
+public:
+    /// @param version  what --version prints
+    explicit CommandLine(const char *version);
+    ~CommandLine();
+    CommandLine(const CommandLine &) = delete;
+    CommandLine &operator=(const CommandLine &) = delete;
+
+    Command add(const char *name, const char *summary);
+
+    /// Parses, runs the command, gives the exit code. What is wrong with the arguments goes to
+    /// standard error with the nearest valid word.
+    int run(int argc, char **argv);
+
+private:
+    std::unique_ptr<CLI::App> m_app;
+    int m_exitCode = 0;
+};
+
+} // namespace dx4::cli

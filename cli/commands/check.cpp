@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// dx4 check: the driver's verdict on an address.
+#include "cli/commands/check.h"
+
+#include "cli/driver_file.h"
+#include "cli/nearest_word.h"
+#include "cli/output.h"
+#include "cli/target.h"
+#include "host/notation.h"
+
+namespace dx4::cli {
+namespace {
+
+constexpr int mostRegisters = 65535;
+
+struct Options {
+    QString driver;
+    QStringList words;
+    int count = 1;
+    bool read = false;
+    bool write = false;
+    bool json = false;
+};
+
+AccessMode accessMode(const Options &options)
+{
+    if (options.read && options.write)
+        return ReadWriteAccess;
+    return options.write ? WriteAccess : ReadAccess;
+}
+
+QString accessName(AccessMode mode)
+{
+    switch (mode) {
+    case ReadAccess:
+        return QStringLiteral("read");
+    case WriteAccess:
+        return QStringLiteral("write");
+    case ReadWriteAccess:
+        return QStringLiteral("read, write");
+    }
+    return QString();
+}
+
+struct Verdict {
+    QString regType;
+    QString addrText;
+    int address = 0;
+    int code = AddressAccepted;
+    QString words;
+};
+
+Verdict judge(const host::DriverApi &api, const Options &options)
+{
+    // The driver gets the text as it was typed: what it makes of it is the question.
+    const QStringList parts =
+        options.words.join(QLatin1Char(' ')).simplified().split(QLatin1Char(' '));
+    Verdict verdict;
+    verdict.regType = parts.constFirst();
+    verdict.addrText = parts.mid(1).join(QLatin1Char(' '));
+    verdict.code = api.checkAddr(verdict.regType, verdict.addrText, &verdict.address, 0,
+                                 options.count, accessMode(options));
+    const bool beyond = verdict.code == AddressOutOfRange;
+    verdict.words = verdictText(verdict.code, verdict.regType,
+                                verdict.address + (beyond ? options.count - 1 : 0));
+    if (!typeNames().contains(verdict.regType))
+        verdict.words += suggestion(verdict.regType, typeNames());
+    return verdict;
+}
+
+int runCheck(const Options &options)
+{
+    Failure failure;
+    const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
+    if (!plugin)
+        return complain(QStringLiteral("check"), failure);
+    const Verdict verdict = judge(plugin->api(), options);
+    const bool accepted = verdict.code == AddressAccepted;
+    if (options.json) {
+        QJsonObject object { { QStringLiteral("type"), verdict.regType },
+                             { QStringLiteral("text"), verdict.addrText },
+                             { QStringLiteral("count"), options.count },
+                             { QStringLiteral("access"), accessName(accessMode(options)) },
+                             { QStringLiteral("code"), verdict.code },
+                             { QStringLiteral("verdict"), verdict.words } };
+        if (accepted) {
+            object.insert(QStringLiteral("address"), verdict.address);
+            object.insert(QStringLiteral("register"),
+                          host::modbusRegister(verdict.regType, verdict.address));
+        }
+        printJson(object);
+    } else {
+        printLine(QStringLiteral("%1: %2, count %3, %4: %5")
+                      .arg(verdict.code)
+                      .arg((verdict.regType + QLatin1Char(' ') + verdict.addrText).trimmed())
+                      .arg(options.count)
+                      .arg(accessName(accessMode(options)), verdict.words));
+    }
+    return accepted ? ExitDone : ExitUsage;
+}
+
+} // namespace
+
+void addCheck(CommandLine &line)
+{
+    Command command = line.add("check", "ask the driver whether an address is acceptable");
+    const auto options = std::make_shared<Options>();
+    command.words("address", options->words, "type and address, such as F c.13");
+    command.number("--count", options->count, "registers from the address on", 1, mostRegisters);
+    command.flag("--read", options->read, "to be read; so it is when neither is given");
+    command.flag("--write", options->write, "to be written");
+    command.flag("--json", options->json, "print one JSON object");
+    addDriverOption(command, options->driver);
+    command.example(QStringLiteral("dx4 check F c.13 --write"),
+                    QStringLiteral("0 and the register: it can be written"));
+    command.example(QStringLiteral("dx4 check F c.13 --count 2"),
+                    QStringLiteral("2: the second register is past the end of the group"));
+    command.action([options] { return runCheck(*options); });
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// dx4 copies: stepped copies of an address.
+#include "cli/commands/copies.h"
+
+#include "cli/driver_file.h"
+#include "cli/output.h"
+#include "cli/target.h"
+#include "host/length.h"
+#include "host/notation.h"
+
+namespace dx4::cli {
+namespace {
+
+constexpr int mostCopies = 10000;
+constexpr int largestStep = 1000;
+
+struct Options {
+    QString driver;
+    QStringList words;
+    int count = 2;
+    int step = 1;
+    bool json = false;
+};
+
+/// The first copy. Copies of what can only be written count as well, so the check that asks for no
+/// access decides.
+std::optional<Target> firstCopy(const Options &options, const host::DriverApi &api,
+                                Failure *failure)
+{
+    for (const AccessMode mode : { ReadAccess, WriteAccess }) {
+        const auto targets = parseTargets(options.words, 1, mode, api, failure);
+        if (targets && targets->size() == 1)
+            return targets->constFirst();
+        if (targets)
+            *failure = { ExitUsage, QStringLiteral("one address is copied at a time") };
+    }
+    return std::nullopt;
+}
+
+void printCopy(const Options &options, const QString &regType, int number, int address)
+{
+    if (!options.json) {
+        printLine(host::fullAddress(regType, address));
+        return;
+    }
+    printJson({ { QStringLiteral("copy"), number },
+                { QStringLiteral("type"), regType },
+                { QStringLiteral("text"), host::addressText(regType, address) },
+                { QStringLiteral("address"), address },
+                { QStringLiteral("register"), host::modbusRegister(regType, address) } });
+}
+
+int runCopies(const Options &options)
+{
+    const QString name = QStringLiteral("copies");
+    Failure failure;
+    const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
+    if (!plugin)
+        return complain(name, failure);
+    const auto first = firstCopy(options, plugin->api(), &failure);
+    if (!first)
+        return complain(name, failure);
+    QVector<QString> texts;
+    QVector<int> addresses;
+    const int result = plugin->api().multiCopy(first->regType, first->address, options.count,
+                                               options.step, &texts, &addresses);
+    for (int i = 0; i < host::lengthOf(addresses); ++i)
+        printCopy(options, first->regType, i, addresses.at(i));
+    if (result == CopyClamped)
+        note(name, QStringLiteral("some copies reached the end and stay at the highest address"));
+    return ExitDone;
+}
+
+} // namespace
+
+void addCopies(CommandLine &line)
+{
+    Command command = line.add("copies", "list the addresses of stepped copies");
+    const auto options = std::make_shared<Options>();
+    command.words("address", options->words, "type and address of the first copy");
+    command.number("--count", options->count, "copies, the first one included", 1, mostCopies);
+    command.number("--step", options->step, "registers from one copy to the next", 1, largestStep);
+    command.flag("--json", options->json, "print one JSON object per copy");
+    addDriverOption(command, options->driver);
+    command.example(QStringLiteral("dx4 copies F 0.16 --count 5 --step 1"),
+                    QStringLiteral("on from the end of group 0 into group 1"));
+    command.action([options] { return runCopies(*options); });
+}
+
+} // namespace dx4::cli

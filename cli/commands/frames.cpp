@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+// dx4 frames: the driver's requests, byte by byte.
+#include "cli/commands/frames.h"
+
+#include "cli/commands/frames_decode.h"
+#include "cli/driver_file.h"
+#include "cli/frame_text.h"
+#include "cli/output.h"
+#include "cli/target.h"
+#include "cli/values.h"
+#include "host/length.h"
+#include "host/link.h"
+
+namespace dx4::cli {
+namespace {
+
+constexpr int lastStation = 247;
+constexpr int largestBlock = 123; // registers
+
+struct Options {
+    QString driver;
+    QStringList words;
+    int station = 1;
+    int count = 0; ///< 0: as the address says
+    int block = 16;
+    bool json = false;
+};
+
+host::LinkSettings oneTry(int block)
+{
+    host::LinkSettings settings;
+    settings.retryLimit = 1; // silence settles a request, the next one follows
+    settings.blockSize = block;
+    return settings;
+}
+
+void printFrame(const FRAME_PRO &frame, bool json)
+{
+    const QByteArray bytes(reinterpret_cast<const char *>(frame.frame), frame.sendLength);
+    const FrameText text = explainFrame(bytes);
+    if (json) {
+        printJson({ { QStringLiteral("frame"), bytesText(bytes) },
+                    { QStringLiteral("kind"), text.kind },
+                    { QStringLiteral("station"), text.station },
+                    { QStringLiteral("function"), text.function },
+                    { QStringLiteral("address"), registerText(text.firstRegister) },
+                    { QStringLiteral("count"), text.count },
+                    { QStringLiteral("replyLength"), frame.replyLength },
+                    { QStringLiteral("replyDataOffset"), frame.replyDataOffset } });
+        return;
+    }
+    printLine(bytesText(bytes));
+    printLines(fieldLines(text));
+    printLine(
+        QStringLiteral(" expects %1 bytes%2")
+            .arg(frame.replyLength)
+            .arg(frame.replyDataLength > 0
+                     ? QStringLiteral(", registers from byte %1 on").arg(frame.replyDataOffset)
+                     : QStringLiteral(", an echo")));
+}
+
+/// Prints every frame that the driver builds until it has no request left.
+int printFrames(host::Link &link, int expected, bool json)
+{
+    int printed = 0;
+    int idle = 0;
+    while (printed < expected && idle < 2) { // it pauses once after five writes
+        FRAME_PRO frame;
+        if (!link.nextFrame(frame)) {
+            ++idle;
+            continue;
+        }
+        idle = 0;
+        ++printed;
+        printFrame(frame, json);
+        link.handReply(QByteArray());
+    }
+    return printed;
+}
+
+int runRead(const Options &options)
+{
+    const QString name = QStringLiteral("frames read");
+    Failure failure;
+    auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
+    if (!plugin)
+        return complain(name, failure);
+    QStringList words = options.words;
+    const auto targets =
+        parseCounted(words, options.count, options.station, ReadAccess, plugin->api(), &failure);
+    if (!targets)
+        return complain(name, failure);
+    host::Link link(std::move(plugin), oneTry(options.block));
+    for (const Target &target : *targets) {
+        for (const Target &piece : pieces(target, options.block)) {
+            link.poll({ host::wanted(piece.station, piece.regType, piece.address, piece.count) });
+            printFrames(link, 1, options.json);
+        }
+    }
+    return ExitDone;
+}
+
+int runWrite(const Options &options)
+{
+    const QString name = QStringLiteral("frames write");
+    Failure failure;
+    auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
+    if (!plugin)
+        return complain(name, failure);
+    const auto setting = parseSetting(options.words, options.station, plugin->api(), &failure);
+    if (!setting)
+        return complain(name, failure);
+    host::Link link(std::move(plugin), oneTry(options.block));
+    const Target &target = setting->target;
+    link.write(target.station, target.regType, target.address, setting->values);
+    const int waiting = link.waitingWrites();
+    if (printFrames(link, waiting, options.json) == waiting)
+        return ExitDone;
+    return complain(name, { ExitUsage, QStringLiteral("the driver builds no frame for it") });
+}
+
+std::shared_ptr<Options> addCommon(Command &command, const char *help)
+{
+    const auto options = std::make_shared<Options>();
+    command.words("address", options->words, help);
+    command.number("--station", options->station, "station to ask", 1, lastStation);
+    command.number("--block", options->block, "most registers of one request", 1, largestBlock);
+    command.flag("--json", options->json, "print one JSON object per frame");
+    addDriverOption(command, options->driver);
+    return options;
+}
+
+} // namespace
+
+void addFrames(CommandLine &line)
+{
+    Command frames = line.add("frames", "show requests and explain frames; needs no line");
+    Command read = frames.sub("read", "show the requests that read these registers");
+    const auto reading = addCommon(read, "registers to read");
+    read.number("--count", reading->count, "registers from the address on", 1, largestBlock);
+    read.example(QStringLiteral("dx4 frames read D 0 --count 4 --station 3"),
+                 QStringLiteral("the request for four monitor values"));
+    read.action([reading] { return runRead(*reading); });
+
+    Command write = frames.sub("write", "show the requests that write these values");
+    const auto writing = addCommon(write, "address and values, such as F 8.2 20 15");
+    write.example(QStringLiteral("dx4 frames write F 8.2 20 15"),
+                  QStringLiteral("both ramps in one request"));
+    write.action([writing] { return runWrite(*writing); });
+    addFramesDecode(frames);
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+// dx4 frames decode: a request or a reply explained.
+#include "cli/commands/frames_decode.h"
+
+#include "cli/driver_file.h"
+#include "cli/frame_text.h"
+#include "cli/output.h"
+#include "cli/reply_text.h"
+#include "host/length.h"
+#include "host/link.h"
+#include "host/reply_check.h"
+
+#include <QJsonArray>
+
+namespace dx4::cli {
+namespace {
+
+struct Options {
+    QString driver;
+    QStringList words;
+    QString request;
+    bool json = false;
+};
+
+/// What the loaded driver makes of the frame.
+struct Opinion {
+    bool asked = false;
+    QString text;
+    ExitCode code = ExitDone;
+};
+
+/// Has the driver build the request that these bytes seem to be.
+bool buildAlike(host::Link &link, const FrameText &text, FRAME_PRO &frame)
+{
+    QString regType;
+    int address = 0;
+    if (!findRegister(text.firstRegister, &regType, &address))
+        return false;
+    if (text.values.isEmpty())
+        link.poll({ host::wanted(text.station, regType, address, text.count) });
+    else
+        link.write(text.station, regType, address, text.values);
+    return link.nextFrame(frame);
+}
+
+QByteArray bytesOf(const FRAME_PRO &frame)
+{
+    return QByteArray(reinterpret_cast<const char *>(frame.frame), frame.sendLength);
+}
+
+bool isRequest(const FrameText &text)
+{
+    return text.firstRegister >= 0 && (text.function == 3 || !text.values.isEmpty());
+}
+
+Opinion aboutRequest(host::Link &link, const QByteArray &bytes, const FrameText &text)
+{
+    FRAME_PRO built;
+    if (!buildAlike(link, text, built))
+        return { true, QStringLiteral("the driver builds no such request"), ExitDone };
+    const QByteArray own = bytesOf(built);
+    if (own == bytes)
+        return { true, QStringLiteral("the driver builds the same bytes"), ExitDone };
+    return { true, QStringLiteral("the driver builds %1").arg(bytesText(own)), ExitDone };
+}
+
+Opinion aboutReply(host::Link &link, const FrameText &request, const QByteArray &reply)
+{
+    FRAME_PRO built;
+    if (!isRequest(request) || !buildAlike(link, request, built))
+        return { true, QStringLiteral("the driver builds no such request"), ExitUsage };
+    const host::ReplyVerdict verdict = host::checkReply(built, reply);
+    QString errorText;
+    const bool accepted = link.handReply(reply, &errorText) == ReplyAccepted;
+    return { true,
+             QStringLiteral("the driver %1 it (%2); %3")
+                 .arg(accepted ? QStringLiteral("accepts") : QStringLiteral("refuses"), errorText,
+                      causeText(verdict)),
+             causeCode(verdict) };
+}
+
+void print(const QByteArray &bytes, const FrameText &text, const Opinion &opinion, bool json)
+{
+    if (!json) {
+        printLine(QStringLiteral("%1, %2 bytes").arg(text.kind).arg(bytes.size()));
+        printLines(fieldLines(text));
+        if (opinion.asked)
+            printLine(QStringLiteral(" ") + opinion.text);
+        return;
+    }
+    QJsonArray fields;
+    for (const FrameField &field : text.fields) {
+        fields.append(QJsonObject { { QStringLiteral("bytes"), bytesText(field.bytes) },
+                                    { QStringLiteral("name"), field.name },
+                                    { QStringLiteral("meaning"), field.meaning } });
+    }
+    QJsonObject object { { QStringLiteral("frame"), bytesText(bytes) },
+                         { QStringLiteral("kind"), text.kind },
+                         { QStringLiteral("crc"), text.crcIsRight },
+                         { QStringLiteral("fields"), fields } };
+    if (opinion.asked)
+        object.insert(QStringLiteral("driver"), opinion.text);
+    printJson(object);
+}
+
+int runDecode(const Options &options)
+{
+    const QString name = QStringLiteral("frames decode");
+    QString error;
+    const auto bytes = parseBytes(options.words, &error);
+    std::optional<QByteArray> request;
+    if (bytes && !options.request.isEmpty())
+        request = parseBytes({ options.request }, &error);
+    if (!error.isEmpty())
+        return complain(name, { ExitUsage, error });
+    Failure failure;
+    auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
+    if (!plugin)
+        return complain(name, failure);
+    host::LinkSettings settings;
+    settings.blockSize = 123; // any request that fits a frame
+    settings.retryLimit = 1;
+    host::Link link(std::move(plugin), settings);
+
+    const FrameText asked =
+        request ? explainFrame(*request) : FrameText(); // names the values of the reply
+    const FrameText text = explainFrame(*bytes, asked.firstRegister);
+    Opinion opinion;
+    if (request)
+        opinion = aboutReply(link, asked, *bytes);
+    else if (isRequest(text))
+        opinion = aboutRequest(link, *bytes, text);
+    print(*bytes, text, opinion, options.json);
+    if (opinion.code != ExitDone)
+        return opinion.code;
+    return text.crcIsRight ? ExitDone : ExitDamagedReply;
+}
+
+} // namespace
+
+void addFramesDecode(Command &frames)
+{
+    Command command = frames.sub("decode", "explain a request or a reply");
+    const auto options = std::make_shared<Options>();
+    command.words("bytes", options->words, "the frame, two hexadecimal digits per byte");
+    command.text("--request", options->request, "the request that it answers", "BYTES");
+    command.flag("--json", options->json, "print one JSON object");
+    addDriverOption(command, options->driver);
+    command.example(QStringLiteral("dx4 frames decode 01 03 D0 00 00 04 7C C9"),
+                    QStringLiteral("a read request"));
+    command.example(QStringLiteral("dx4 frames decode 01 83 02 C0 F1"),
+                    QStringLiteral("an exception: the register is not there"));
+    command.example(QStringLiteral("dx4 frames decode 01 03 02 00 11 78 48 \\\n"
+                                   "      --request \"01 03 20 00 00 01 8F CA\""),
+                    QStringLiteral("a reply with its request, and the driver's verdict on it"));
+    command.action([options] { return runDecode(*options); });
+}
+
+} // namespace dx4::cli

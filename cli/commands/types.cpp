@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+// dx4 types: the driver's catalogue of register types.
+#include "cli/commands/types.h"
+
+#include "cli/driver_file.h"
+#include "cli/output.h"
+#include "host/notation.h"
+#include "register_tables.h"
+
+#include <QJsonArray>
+
+namespace dx4::cli {
+namespace {
+
+constexpr int indexesPerGroup = 256;
+constexpr int everyType = 1;
+
+struct Options {
+    QString driver;
+    bool json = false;
+};
+
+QString accessText(const QString &code)
+{
+    if (code == QLatin1String("0"))
+        return QStringLiteral("read");
+    return code == QLatin1String("2") ? QStringLiteral("write") : QStringLiteral("read, write");
+}
+
+/// The last address from `first` on that the driver's check accepts, found by asking it.
+int lastAccepted(const host::DriverApi &api, const QString &regType, int first)
+{
+    int last = first;
+    int converted = 0;
+    while (api.checkAddrValidity(regType, host::addressText(regType, first), &converted,
+                                 last - first + 2, 1)
+           == AddressAccepted)
+        ++last;
+    return last;
+}
+
+/// First and last address of each run that the driver accepts.
+QVector<QPair<int, int>> acceptedRuns(const host::DriverApi &api, const QString &regType)
+{
+    QVector<QPair<int, int>> runs;
+    const int groups = regType == REG_LIST[0] ? parameterGroupCount : 1;
+    for (int group = 0; group < groups; ++group) {
+        const int first = group * indexesPerGroup;
+        runs.append({ first, lastAccepted(api, regType, first) });
+    }
+    return runs;
+}
+
+QStringList descriptionOf(const host::DriverApi &api, const QString &regType)
+{
+    QList<QString> texts;
+    api.getRegDiscription(regType, &texts);
+    return QStringList(texts);
+}
+
+void printAsJson(const host::DriverApi &api, const QString &regType)
+{
+    const QStringList texts = descriptionOf(api, regType);
+    QJsonArray runs;
+    for (const auto &run : acceptedRuns(api, regType)) {
+        runs.append(QJsonObject {
+            { QStringLiteral("first"), host::addressText(regType, run.first) },
+            { QStringLiteral("last"), host::addressText(regType, run.second) },
+            { QStringLiteral("firstRegister"), host::modbusRegister(regType, run.first) } });
+    }
+    printJson({ { QStringLiteral("type"), regType },
+                { QStringLiteral("format"), texts.value(FormatColumn) },
+                { QStringLiteral("lowest"), texts.value(LowestColumn) },
+                { QStringLiteral("highest"), texts.value(HighestColumn) },
+                { QStringLiteral("access"), accessText(texts.value(AccessColumn)) },
+                { QStringLiteral("accepted"), runs } });
+}
+
+void printAsTable(const host::DriverApi &api, const QList<QString> &types)
+{
+    QVector<QStringList> catalogue { { QStringLiteral("Type"), QStringLiteral("Format"),
+                                       QStringLiteral("Lowest"), QStringLiteral("Highest"),
+                                       QStringLiteral("Access") } };
+    QVector<QStringList> accepted { { QStringLiteral("Accepted from"), QStringLiteral("to") } };
+    for (const QString &regType : types) {
+        const QStringList texts = descriptionOf(api, regType);
+        catalogue.append({ regType, texts.value(FormatColumn), texts.value(LowestColumn),
+                           texts.value(HighestColumn), accessText(texts.value(AccessColumn)) });
+        for (const auto &run : acceptedRuns(api, regType))
+            accepted.append(
+                { host::fullAddress(regType, run.first), host::fullAddress(regType, run.second) });
+    }
+    printLines(columns(catalogue));
+    printLine(QString());
+    printLines(columns(accepted));
+}
+
+int runTypes(const Options &options)
+{
+    Failure failure;
+    const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
+    if (!plugin)
+        return complain(QStringLiteral("types"), failure);
+    QList<QString> types;
+    plugin->api().getRegListByType(everyType, &types);
+    if (!options.json)
+        printAsTable(plugin->api(), types);
+    for (const QString &regType : std::as_const(types)) {
+        if (options.json)
+            printAsJson(plugin->api(), regType);
+    }
+    return ExitDone;
+}
+
+} // namespace
+
+void addTypes(CommandLine &line)
+{
+    Command command = line.add("types", "list the register types with formats, ranges and rights");
+    const auto options = std::make_shared<Options>();
+    addDriverOption(command, options->driver);
+    command.flag("--json", options->json, "print one JSON object per type");
+    command.example(QStringLiteral("dx4 types"), QStringLiteral("the catalogue"));
+    command.example(QStringLiteral("dx4 types --json"), QStringLiteral("the same for a script"));
+    command.action([options] { return runTypes(*options); });
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// How the program ends, for the script that called it.
+#pragma once
+
+#include <QString>
+
+namespace dx4::cli {
+
+/// One code per kind of failure; the man page lists them.
+enum ExitCode {
+    ExitDone = 0,
+    ExitFailed = 1, ///< the driver, the simulator or a file is missing or broken
+    ExitUsage = 2, ///< the arguments or the configuration are wrong
+    ExitLine = 3, ///< the port does not open, or the line broke
+    ExitNoReply = 4, ///< the station is silent
+    ExitDamagedReply = 5, ///< replies arrive cut short or with a wrong CRC
+    ExitForeignReply = 6, ///< sound replies that do not belong to the request
+    ExitRefused = 7, ///< the station answers with an exception
+    ExitDiffers = 8, ///< values differ from those compared with
+    ExitInterrupted = 130, ///< ended by Ctrl-C before it was done
+};
+
+/// Why something did not work.
+struct Failure {
+    ExitCode code = ExitFailed;
+    QString text; ///< what, where, and what would be right
+};
+
+/// Says it on standard error, "dx4 get: ...".
+///
+/// @param command  words that called it, without the program's name
+/// @return the code, for the caller to end with
+int complain(const QString &command, const Failure &failure);
+
+/// A note on standard error that is no failure, "dx4 scan: ...".
+void note(const QString &command, const QString &text);
+
+} // namespace dx4::cli

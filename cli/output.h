@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// Standard output: data, as lines of text or as one JSON object per line.
+#pragma once
+
+#include <QJsonObject>
+#include <QStringList>
+
+namespace dx4::cli {
+
+/// Writes a line and hands it on at once, so that a reader at the other end of a pipe sees it.
+void printLine(const QString &line);
+void printLines(const QStringList &lines);
+
+/// One JSON object on a line of its own.
+void printJson(const QJsonObject &object);
+
+/// The object as printJson() writes it.
+QString jsonText(const QJsonObject &object);
+
+/// Rows of cells under their heads, each column as wide as its longest cell, two blanks between.
+///
+/// @param rows  the heads first; every row has as many cells
+/// @param rightAligned  numbers of the columns with numbers in them
+QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightAligned = {});
+
+/// "0x00FF", with at least `digits` digits.
+QString hex(unsigned value, int digits);
+
+} // namespace dx4::cli

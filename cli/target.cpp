@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+// Which registers of which station a user means.
+#include "cli/target.h"
+
+#include "cli/nearest_word.h"
+#include "host/address_range.h"
+#include "host/notation.h"
+#include "register_tables.h"
+
+#include <QRegularExpression>
+
+namespace dx4::cli {
+namespace {
+
+constexpr int lastStation = 247;
+constexpr int indexesPerGroup = 256;
+
+/// One word taken apart: "2:Fc.13" is station 2, letters "F", address "c.13".
+struct Word {
+    QString station;
+    QString letters; ///< empty when the word goes on with the run before
+    QString address;
+};
+
+Word takeApart(const QString &text)
+{
+    static const QRegularExpression shape(QStringLiteral("^(?:([0-9]+):)?([A-Za-z]*)(.*)$"));
+    const auto match = shape.match(text);
+    Word word { match.captured(1), match.captured(2), match.captured(3) };
+    // The group "c" is a letter too; it stands right before the point.
+    if (word.address.startsWith(QLatin1Char('.')) && !word.letters.isEmpty()) {
+        word.address.prepend(word.letters.at(word.letters.size() - 1));
+        word.letters.chop(1);
+    }
+    return word;
+}
+
+void tell(Failure *failure, const QString &text)
+{
+    if (failure)
+        *failure = { ExitUsage, text };
+}
+
+QString outOfRange(const QString &regType, int address)
+{
+    const QString where = host::fullAddress(regType, address);
+    if (regType == REG_LIST[1]) {
+        return QStringLiteral("%1 is out of range; D reaches from 0 to 31 (0xD01F)").arg(where);
+    }
+    const int group = address / indexesPerGroup;
+    if (regType != REG_LIST[0] || address < 0 || group >= parameterGroupCount)
+        return QStringLiteral("%1 is out of range; %2 has address 0 alone").arg(where, regType);
+    const int first = group * indexesPerGroup;
+    return QStringLiteral("%1 is out of range; the group reaches from %2 to %3")
+        .arg(where, host::fullAddress(regType, first + REG_F_ADDRESS[group][0]),
+             host::fullAddress(regType, first + REG_F_ADDRESS[group][1]));
+}
+
+bool checkType(const QString &regType, Failure *failure)
+{
+    if (typeNames().contains(regType))
+        return true;
+    tell(failure,
+         QStringLiteral("no register type \"%1\"; types are %2%3")
+             .arg(regType, typeNames().join(QStringLiteral(", ")),
+                  suggestion(regType, typeNames())));
+    return false;
+}
+
+std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
+                                  const host::DriverApi &api, Failure *failure)
+{
+    if (!checkType(text.text.section(QLatin1Char(' '), 0, 0), failure))
+        return std::nullopt;
+    QString reason;
+    const auto range = host::parseRange(text.text, &reason);
+    if (!range) {
+        tell(failure, QStringLiteral("\"%1\": %2").arg(text.text, reason));
+        return std::nullopt;
+    }
+    Target target { text.station, range->regType, 0, range->count };
+    const int code =
+        api.checkAddr(range->regType, range->firstText, &target.address, 0, range->count, mode);
+    if (code == AddressAccepted)
+        return target;
+    const int last = target.address + range->count - 1;
+    tell(failure, verdictText(code, range->regType, last));
+    return std::nullopt;
+}
+
+} // namespace
+
+QStringList typeNames()
+{
+    QStringList names;
+    for (const QString &name : REG_LIST)
+        names.append(name);
+    return names;
+}
+
+QString verdictText(int code, const QString &regType, int address)
+{
+    switch (code) {
+    case AddressAccepted:
+        return QStringLiteral("%1 is acceptable").arg(host::fullAddress(regType, address));
+    case AddressNotOffered:
+        return QStringLiteral("%1 is not offered").arg(regType);
+    case AddressOutOfRange:
+        return outOfRange(regType, address);
+    case AddressTypeUnknown:
+        return typeNames().contains(regType)
+            ? QStringLiteral("no such group; groups are 0 to 9 and c")
+            : QStringLiteral("no register type \"%1\"; types are %2")
+                  .arg(regType, typeNames().join(QStringLiteral(", ")));
+    case AddressReadOnly:
+        return QStringLiteral("%1 can only be read; F, CW and FRE can be written").arg(regType);
+    case AddressWriteOnly:
+        return QStringLiteral("%1 can only be written; F, D, SW and FU can be read").arg(regType);
+    case AddressTooLong:
+        return QStringLiteral("the address has too many characters");
+    default:
+        return QStringLiteral("not an address of type %1").arg(regType);
+    }
+}
+
+std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int station,
+                                                Failure *failure)
+{
+    QVector<TargetText> runs;
+    const QStringList parts = words.join(QLatin1Char(' ')).simplified().split(QLatin1Char(' '));
+    for (const QString &part : parts) {
+        const Word word = takeApart(part);
+        if (word.letters.isEmpty() && (runs.isEmpty() || !word.station.isEmpty())) {
+            tell(failure,
+                 QStringLiteral("\"%1\" names no register type; write \"F c.13\" or \"2:D 4\"")
+                     .arg(part));
+            return std::nullopt;
+        }
+        if (word.letters.isEmpty()) {
+            runs.last().text += QLatin1Char(' ') + word.address;
+            continue;
+        }
+        const int asked = word.station.isEmpty() ? station : word.station.toInt();
+        if (asked < 1 || asked > lastStation) {
+            tell(failure, QStringLiteral("no station %1; stations are 1 to 247").arg(asked));
+            return std::nullopt;
+        }
+        runs.append({ asked, (word.letters + QLatin1Char(' ') + word.address).trimmed() });
+    }
+    return runs;
+}
+
+std::optional<QVector<Target>> parseTargets(const QStringList &words, int station, AccessMode mode,
+                                            const host::DriverApi &api, Failure *failure)
+{
+    const auto texts = splitTargets(words, station, failure);
+    if (!texts)
+        return std::nullopt;
+    QVector<Target> targets;
+    for (const TargetText &text : *texts) {
+        const auto target = parseTarget(text, mode, api, failure);
+        if (!target)
+            return std::nullopt;
+        targets.append(*target);
+    }
+    return targets;
+}
+
+} // namespace dx4::cli

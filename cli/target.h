@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// Which registers of which station a user means.
+#pragma once
+
+#include "cli/exit_code.h"
+#include "host/plugin.h"
+
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+namespace dx4::cli {
+
+/// A run of registers that the driver accepts.
+struct Target {
+    int station = 1;
+    QString regType;
+    int address = 0; ///< internal address of the first register
+    int count = 1;
+};
+
+/// A run as it was written, not yet looked at.
+struct TargetText {
+    int station = 1;
+    QString text; ///< "F c.13"
+};
+
+/// Groups words into runs: a type name begins one, the words behind it belong to it. "F c.13",
+/// "Fc.13", "F" "8.0-8.3", "2:D" "4" and "SW" are all understood.
+///
+/// @param station  of the runs that name none
+std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int station,
+                                                Failure *failure);
+
+/// The same runs, checked by the driver for this kind of access.
+std::optional<QVector<Target>> parseTargets(const QStringList &words, int station, AccessMode mode,
+                                            const host::DriverApi &api, Failure *failure);
+
+/// The driver's verdict on an address in words, with what would be right.
+///
+/// @param code     of intf_checkAddr
+/// @param address  as the driver converted it; meant by AddressOutOfRange alone
+QString verdictText(int code, const QString &regType, int address);
+
+/// Names of all register types.
+QStringList typeNames();
+
+} // namespace dx4::cli
