@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// The last frames of a line with their times, kept at all times.
+#pragma once
+
+#include "host/line_settings.h"
+
+#include <QByteArray>
+#include <QVector>
+
+#include <deque>
+
+namespace dx4::host {
+
+/// One frame as the line carried it, CRC included, damaged or not.
+struct RecordedFrame {
+    Duration time { 0 }; ///< request: when it was handed to the line; reply: its last byte
+    bool isRequest = true;
+    QByteArray bytes;
+};
+
+bool operator==(const RecordedFrame &a, const RecordedFrame &b);
+
+/// Keeps the newest frames and forgets the oldest. Cheap enough to run always, so that the minute
+/// before a fault can still be looked at after it.
+class FrameRing {
+public:
+    /// @param capacity  frames, at least 1; 4096 are some minutes of a line at 9600 bit/s
+    explicit FrameRing(int capacity = 4096);
+
+    void addRequest(Duration time, const QByteArray &bytes);
+
+    /// Bytes that arrived; those that follow one another without a request between are one reply.
+    /// Nothing is kept for no bytes.
+    void addReplyBytes(Duration time, const QByteArray &bytes);
+
+    /// Oldest first.
+    QVector<RecordedFrame> frames() const;
+
+    /// Frames that were forgotten so far.
+    quint64 forgotten() const { return m_forgotten; }
+
+private:
+    void add(RecordedFrame frame);
+
+    std::size_t m_capacity;
+    quint64 m_forgotten = 0;
+    std::deque<RecordedFrame> m_frames;
+};
+
+} // namespace dx4::host

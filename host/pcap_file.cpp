@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// Recorded frames in a file that Wireshark decodes, and back.
+#include "host/pcap_file.h"
+
+#include "capture/pcap.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+#include <fstream>
+#include <sstream>
+
+namespace dx4::host {
+namespace {
+
+capture::Frame outward(const RecordedFrame &frame, Duration offset)
+{
+    capture::Frame result;
+    result.time = frame.time + offset;
+    result.sender = frame.isRequest ? capture::Sender::Master : capture::Sender::Station;
+    result.bytes.assign(frame.bytes.begin(), frame.bytes.end());
+    return result;
+}
+
+RecordedFrame inward(const capture::Frame &frame)
+{
+    return { frame.time, frame.sender == capture::Sender::Master,
+             QByteArray(reinterpret_cast<const char *>(frame.bytes.data()),
+                        static_cast<int>(frame.bytes.size())) };
+}
+
+void tell(QString *error, const QString &path, const QString &why)
+{
+    if (error)
+        *error = QStringLiteral("%1: %2").arg(path, why);
+}
+
+} // namespace
+
+Duration wallClockOffset(Duration lineNow)
+{
+    const auto wall = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<Duration>(wall) - lineNow;
+}
+
+bool writePcap(const QString &path, const QVector<RecordedFrame> &frames, Duration offset,
+               QString *error)
+{
+    std::ostringstream buffer;
+    capture::PcapWriter writer(buffer);
+    for (const RecordedFrame &frame : frames)
+        writer.add(outward(frame, offset));
+
+    QSaveFile file(path);
+    const QByteArray bytes = QByteArray::fromStdString(buffer.str());
+    const bool saved =
+        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    if (!saved)
+        tell(error, path, file.errorString());
+    return saved;
+}
+
+std::optional<QVector<RecordedFrame>> readPcap(const QString &path, QString *error)
+{
+    std::ifstream in(QFile::encodeName(path).toStdString(), std::ios::binary);
+    if (!in) {
+        tell(error, path, QStringLiteral("cannot be read"));
+        return std::nullopt;
+    }
+    std::string why;
+    const auto frames = capture::readPcap(in, &why);
+    if (!frames) {
+        tell(error, path, QString::fromStdString(why));
+        return std::nullopt;
+    }
+    QVector<RecordedFrame> result;
+    for (const capture::Frame &frame : *frames)
+        result.append(inward(frame));
+    return result;
+}
+
+} // namespace dx4::host

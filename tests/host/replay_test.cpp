@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+// A recording played once more gives the callbacks and the cache of the first time.
+#include "host/memory_line.h"
+#include "host/recording_line.h"
+#include "host/replay.h"
+
+#include "host_bytes.h"
+
+#include <gtest/gtest.h>
+
+using namespace dx4::host;
+using Texts = std::vector<std::string>;
+
+namespace {
+
+LinkSettings twoTries()
+{
+    LinkSettings settings;
+    settings.retryLimit = 2;
+    return settings;
+}
+
+/// A link that polls "D 0-1" and "SW" of station 1 and notes every change with the visible value.
+class WatchedLink {
+public:
+    WatchedLink()
+        : link(Plugin::load(QStringLiteral(KORVANE_PLUGIN_FILE), Plugin::Instance::PrivateCopy),
+               twoTries())
+    {
+        link.poll({ wanted(1, QStringLiteral("D"), 0, 2), wanted(1, QStringLiteral("SW"), 0) });
+        link.onChange([this](const ValueChange &change) {
+            const int value = link.registerState(change.station, change.name, change.address).value;
+            changes.push_back(std::to_string(change.station) + ' ' + change.name.toStdString() + ' '
+                              + std::to_string(change.address) + " = " + std::to_string(value));
+        });
+    }
+
+    Texts cache() const
+    {
+        Texts texts;
+        for (const _DATA_ &record : link.api().state->dataAreas)
+            texts.push_back(std::to_string(record.station) + ' ' + record.regType.toStdString()
+                            + ' ' + std::to_string(record.address) + " = " + toHex(record.value, 2)
+                            + (record.flag0 ? " failed" : ""));
+        return texts;
+    }
+
+    Texts changes;
+    Link link;
+};
+
+/// A session against a line that answers in order, recorded; then played into a second link.
+class ReplayTest : public ::testing::Test {
+protected:
+    /// One step of the first session, answered by `reply`.
+    void step(const QByteArray &reply)
+    {
+        answer = reply;
+        firstCycle.step();
+    }
+
+    ReplayResult play()
+    {
+        ReplayLine replayed(ring.frames(), LineSettings());
+        LineExchange exchange(replayed);
+        return replay(second.link, replayed, exchange);
+    }
+
+    QByteArray answer;
+    FrameRing ring;
+    WatchedLink first;
+    WatchedLink second;
+    MemoryLine line { [this](const QByteArray &) { return MemoryLine::Answer { answer }; } };
+    RecordingLine recording { line, ring };
+    LineExchange firstExchange { recording };
+    Cycle firstCycle { first.link, firstExchange };
+
+    const QByteArray monitors = frameOf("01 03 04 12 34 00 07");
+    const QByteArray status = frameOf("01 03 02 00 21");
+};
+
+} // namespace
+
+TEST_F(ReplayTest, CyclicReadsGiveTheSameCallbacksAndCache)
+{
+    step(monitors);
+    step(status);
+    step(frameOf("01 03 04 12 35 00 07"));
+
+    const ReplayResult result = play();
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(result.played, 3);
+    EXPECT_EQ(result.unrecorded, 0);
+    EXPECT_EQ(second.changes,
+              (Texts { "1 D 0 = 4660", "1 D 1 = 7", "1 SW 0 = 33", "1 D 0 = 4661" }));
+    EXPECT_EQ(second.changes, first.changes);
+    EXPECT_EQ(second.cache(), first.cache());
+}
+
+TEST_F(ReplayTest, RetriesAndGivenUpRequestsHappenAgain)
+{
+    step({});
+    step(monitors.left(4));
+    step(status);
+
+    const ReplayResult result = play();
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(result.played, 3);
+    EXPECT_EQ(second.changes, first.changes);
+    EXPECT_EQ(second.cache(),
+              (Texts { "1 D 0 = 00 00 failed", "1 D 1 = 00 00 failed", "1 SW 0 = 21 00" }));
+    EXPECT_EQ(second.cache(), first.cache());
+}
+
+TEST_F(ReplayTest, WritesAreQueuedRightBeforeTheirTurn)
+{
+    step(monitors);
+    first.link.write(1, QStringLiteral("CW"), 0, { 5 });
+    step(frameOf("01 06 10 01 00 05"));
+    first.link.write(1, QStringLiteral("F"), 0x0A02, { 1, 2 });
+    step(frameOf("01 10 FC 02 00 02"));
+    step(status);
+
+    const ReplayResult result = play();
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(result.played, 4);
+    EXPECT_EQ(second.changes, first.changes);
+    EXPECT_EQ(second.cache(), first.cache());
+}
+
+TEST_F(ReplayTest, AReadOutsideTheRotationIsAConditionRead)
+{
+    step(monitors);
+    first.link.addConditionRead(1, QStringLiteral("F"), 0x0003, 1);
+    step(frameOf("01 03 02 00 09"));
+    step(status);
+
+    const ReplayResult result = play();
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(second.changes, first.changes);
+    EXPECT_EQ(second.cache(), first.cache());
+}
+
+TEST_F(ReplayTest, APolledBlockReadOutOfTurnIsAConditionRead)
+{
+    step(monitors);
+    first.link.addConditionRead(1, QStringLiteral("D"), 0, 2);
+    step(frameOf("01 03 04 12 35 00 07"));
+    step(status);
+
+    const ReplayResult result = play();
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(result.unrecorded, 0);
+    EXPECT_EQ(second.changes, first.changes);
+}
+
+TEST_F(ReplayTest, ABlockThatTheRecordingLeavesOutFails)
+{
+    FrameRing onlyStatus;
+    onlyStatus.addRequest(Duration(0), frameOf("01 03 20 00 00 01"));
+    onlyStatus.addReplyBytes(Duration(1), status);
+    ring = onlyStatus;
+
+    const ReplayResult result = play();
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(result.unrecorded, 2);
+    EXPECT_EQ(second.cache(),
+              (Texts { "1 D 0 = 00 00 failed", "1 D 1 = 00 00 failed", "1 SW 0 = 21 00" }));
+}
+
+TEST_F(ReplayTest, AReplyWhoseRequestWasForgottenIsLeftOut)
+{
+    FrameRing shortened(3);
+    shortened.addRequest(Duration(0), frameOf("01 03 D0 00 00 02"));
+    shortened.addReplyBytes(Duration(1), monitors);
+    shortened.addRequest(Duration(2), frameOf("01 03 D0 00 00 02"));
+    shortened.addReplyBytes(Duration(3), monitors);
+    ring = shortened;
+
+    const ReplayResult result = play();
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(result.played, 1);
+}
+
+TEST_F(ReplayTest, ARequestOfAnotherKindStopsTheReplayAndIsNamed)
+{
+    step(monitors);
+    ring.addRequest(Duration(0), bytesOf("01 2B 0E 01 00 70 77"));
+
+    const ReplayResult result = play();
+
+    EXPECT_FALSE(result.complete);
+    EXPECT_EQ(result.played, 1);
+    EXPECT_EQ(result.stoppedAt.toStdString(), "01 2B 0E 01 00 70 77");
+}
