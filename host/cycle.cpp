@@ -25,9 +25,11 @@ Cycle::Step Cycle::step()
 {
     if (!m_link.nextFrame(m_request))
         return Step::Idle;
-    ++m_counters.requests;
-    m_counters.bytesSent += static_cast<quint64>(m_request.sendLength);
     m_reply = m_exchange.run(m_request);
+    if (m_reply.kind != Reply::Kind::NotAsked) {
+        ++m_counters.requests;
+        m_counters.bytesSent += static_cast<quint64>(m_request.sendLength);
+    }
     m_counters.bytesReceived += static_cast<quint64>(m_reply.bytes.size());
 
     // A pulled cable says nothing about the station: the driver is not told, keeps its frame and
@@ -36,7 +38,14 @@ Cycle::Step Cycle::step()
         ++m_counters.lineDowns;
         return Step::LineDown;
     }
-    return settle(m_link.handReply(m_reply.bytes, &m_errorText));
+    ReplyResult result = m_link.handReply(m_reply.bytes, &m_errorText);
+    // The driver knows no other way to drop a request than to use up its tries; those left are
+    // failed here, without the line.
+    while (result == ReplyBad && !m_reply.canRetry) {
+        m_link.nextFrame(m_request);
+        result = m_link.handReply(QByteArray());
+    }
+    return settle(result);
 }
 
 Cycle::Step Cycle::settle(ReplyResult result)
@@ -45,7 +54,8 @@ Cycle::Step Cycle::settle(ReplyResult result)
         ++(isRead(m_request) ? m_counters.readsServed : m_counters.writesServed);
         return Step::Served;
     }
-    ++(m_reply.bytes.isEmpty() ? m_counters.silences : m_counters.badReplies);
+    if (m_reply.kind != Reply::Kind::NotAsked)
+        ++(m_reply.kind == Reply::Kind::Silence ? m_counters.silences : m_counters.badReplies);
     if (result == RequestGivenUp) {
         ++m_counters.givenUp;
         return Step::GivenUp;

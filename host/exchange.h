@@ -14,10 +14,12 @@ struct Reply {
         Incomplete, ///< some bytes, then nothing until the deadline
         Silence, ///< nothing until the deadline
         LineDown, ///< the line is closed or broke; the request may not have left
+        NotAsked, ///< the station is not to be asked; the line was not used
     };
 
     Kind kind = Kind::Silence;
     QByteArray bytes; ///< for the driver
+    bool canRetry = true; ///< false: asking again cannot bring another answer
     Duration turnaround { 0 }; ///< from the call that sent the request to the end of the wait
 };
 

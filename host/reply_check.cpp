@@ -49,8 +49,12 @@ ReplyCause checkPayload(const FRAME_PRO &request, const QByteArray &reply)
         return ReplyCause::WrongFunction;
     if (request.frame[functionByte] == readFunction) {
         const int announced = static_cast<int>(byteAt(reply, byteCountByte));
-        return announced == request.replyDataLength ? ReplyCause::Good : ReplyCause::WrongByteCount;
+        const bool fits =
+            announced == request.replyDataLength && reply.size() == request.replyLength;
+        return fits ? ReplyCause::Good : ReplyCause::WrongByteCount;
     }
+    if (reply.size() != request.replyLength)
+        return ReplyCause::WrongEcho;
     const bool isEcho = std::equal(request.frame, request.frame + echoedBytes, reply.begin(),
                                    [](unsigned char sent, char received) {
                                        return sent == static_cast<unsigned char>(received);
@@ -69,8 +73,10 @@ ReplyVerdict checkReply(const FRAME_PRO &request, const QByteArray &reply)
 {
     if (reply.isEmpty())
         return { ReplyCause::Silence, 0 };
-    const bool looksRefused = reply.size() == exceptionLength && isException(request, reply);
-    if (reply.size() < exceptionLength || (reply.size() < request.replyLength && !looksRefused))
+    const bool looksRefused = isException(request, reply);
+    const bool isShort = reply.size() < request.replyLength && !looksRefused;
+    // A short one whose CRC is right is whole: another request's reply, no remainder of ours.
+    if (reply.size() < exceptionLength || (isShort && !crcIsRight(reply)))
         return { ReplyCause::Truncated, 0 };
     if (!crcIsRight(reply))
         return { ReplyCause::BadCrc, 0 };

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// An exchange that lets only the request's own reply through to the driver.
+#pragma once
+
+#include "host/exchange.h"
+#include "host/reply_check.h"
+
+#include <map>
+#include <vector>
+
+namespace dx4::host {
+
+/// What one guarded exchange met, for counters and messages.
+struct ExchangeReport {
+    ReplyVerdict verdict; ///< of the bytes that were taken for the reply
+    int junkBytes = 0; ///< skipped before the reply; no frame
+    int foreignFrames = 0; ///< whole frames that answered another request
+    int foreignStation = 0; ///< station of the last of them; 0 when there was none
+    int lateReplies = 0; ///< replies that came after their request had timed out
+    bool echoStripped = false; ///< the adapter gave the request back before the reply
+    Duration answerDelay { 0 }; ///< turnaround less the wire time of request and reply
+};
+
+/// Finds the reply in what the line brings: strips the adapter's echo, skips junk and other
+/// stations' frames, recognises an exception at its fifth byte. What is not the request's own reply
+/// reaches the driver as no bytes at all.
+///
+/// A read reply names no register, so one that comes late would pass for the next read of the same
+/// station and length. After a timeout such a request waits until the missing reply has come, or
+/// until another response timeout has passed in silence; other requests need not wait, as their
+/// replies differ. A station must not be slower than twice the response timeout.
+///
+/// The reply of a single-register write equals its request. Whether the adapter echoes is learned
+/// from reads; as long as nothing was read, such a write waits for a second copy until the timeout.
+class GuardedExchange : public Exchange {
+public:
+    /// @param line  outlives the exchange
+    explicit GuardedExchange(Line &line);
+
+    /// Sends the request and waits for its reply for the line's response timeout.
+    Reply run(const FRAME_PRO &request) override;
+
+    /// As run(), with another response timeout.
+    Reply runWithin(const FRAME_PRO &request, Duration timeout);
+
+    /// Of the last exchange.
+    const ExchangeReport &report() const { return m_report; }
+
+    /// Silence that a station needs before a request, on top of the line's own gap.
+    void setExtraGap(int station, Duration extra) { m_extraGaps[station] = extra; }
+
+private:
+    enum class Echo { Unknown, Absent, Present };
+
+    /// A request whose replies may still come.
+    struct Unanswered {
+        FRAME_PRO request;
+        int replies = 1;
+        Duration until { 0 }; ///< moment after which none is expected
+    };
+
+    void awaitLateReplies(const FRAME_PRO &request);
+    void awaitGap(const FRAME_PRO &request);
+    void collect(const FRAME_PRO &request, Duration deadline);
+    bool findReply(const FRAME_PRO &request);
+    bool stripEcho(const FRAME_PRO &request);
+    bool learnEcho(const FRAME_PRO &request, Duration deadline);
+    void noteSkipped(const QByteArray &bytes);
+    void noteUnanswered(const FRAME_PRO &request, Duration until);
+    void prolongUnanswered(const FRAME_PRO &request, Duration until);
+    Reply finish(const FRAME_PRO &request, Duration start);
+
+    Line &m_line;
+    ExchangeReport m_report;
+    QByteArray m_heard; ///< of this exchange, without what was skipped; then the reply alone
+    Echo m_echo = Echo::Unknown;
+    std::vector<Unanswered> m_unanswered;
+    std::map<int, Duration> m_extraGaps;
+};
+
+} // namespace dx4::host

@@ -1,0 +1,312 @@
+// SPDX-License-Identifier: MIT
+// What the guard lets through to the driver, and under which cause it holds the rest back.
+#include "host/counters.h"
+#include "host/cycle.h"
+#include "scripted_line.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace dx4::host;
+using std::chrono::milliseconds;
+
+namespace {
+
+/// 10000 bit/s: a character takes 1 ms; 100 ms response timeout.
+LineSettings slow()
+{
+    LineSettings settings;
+    settings.speed = 10000;
+    settings.responseTimeout = milliseconds(100);
+    return settings;
+}
+
+LinkSettings threeTries()
+{
+    LinkSettings settings;
+    settings.retryLimit = 3;
+    return settings;
+}
+
+/// Polls D 0 and 1 of station 1, which hold 0x1234 and 0x5678.
+class GuardedExchangeTest : public ::testing::Test {
+protected:
+    GuardedExchangeTest()
+    {
+        link.poll({ wanted(1, QStringLiteral("D"), 0, 2) });
+        inverter.registers = { { { 1, 0xD000 }, 0x1234 }, { { 1, 0xD001 }, 0x5678 } };
+    }
+
+    /// One step, counted; gives its cause and code, such as "bad crc" or "exception 2".
+    std::string step()
+    {
+        lastStep = cycle.step();
+        counters.countExchange(cycle.request(), guard.report(), cycle.reply().turnaround);
+        return causeName(guard.report().verdict);
+    }
+
+    static std::string causeName(const ReplyVerdict &verdict)
+    {
+        static const char *const names[] = { "good",       "silence", "truncated",
+                                             "bad crc",    "foreign", "function",
+                                             "byte count", "echo",    "exception " };
+        const std::string name = names[static_cast<int>(verdict.cause)];
+        return verdict.exceptionCode ? name + std::to_string(verdict.exceptionCode) : name;
+    }
+
+    void write(const char *type, int address, const QVector<quint16> &values)
+    {
+        link.write(1, QString::fromLatin1(type), address, values);
+    }
+
+    int value(const char *type, int address)
+    {
+        return link.registerState(1, QString::fromLatin1(type), address).value;
+    }
+
+    ScriptedLine inverter { slow() };
+    Link link { Plugin::load(QStringLiteral(KORVANE_PLUGIN_FILE), Plugin::Instance::PrivateCopy),
+                threeTries() };
+    GuardedExchange guard { inverter.line };
+    Cycle cycle { link, guard };
+    CounterSet counters;
+    Cycle::Step lastStep = Cycle::Step::Idle;
+    const QByteArray trueReply = framed("01 03 04 12 34 56 78");
+};
+
+} // namespace
+
+TEST_F(GuardedExchangeTest, TheRequestsOwnReplyReachesTheDriver)
+{
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(value("D", 0), 0x1234);
+    EXPECT_EQ(value("D", 1), 0x5678);
+}
+
+TEST_F(GuardedExchangeTest, NoFlippedBitOfAReadReplyReachesTheCache)
+{
+    for (int bit = 0; bit < trueReply.size() * 8; ++bit) {
+        SCOPED_TRACE("bit " + std::to_string(bit));
+        QByteArray flipped = trueReply;
+        flipped[bit / 8] = static_cast<char>(flipped.at(bit / 8) ^ (1 << (bit % 8)));
+        inverter.changes.push_back(instead(flipped));
+
+        const std::string bad = step();
+        const int shown = value("D", 0);
+        const std::string next = step();
+
+        ASSERT_EQ(bad, "bad crc");
+        ASSERT_EQ(shown, bit == 0 ? 0 : 0x1234);
+        ASSERT_EQ(next, "good");
+        ASSERT_EQ(value("D", 1), 0x5678);
+    }
+    EXPECT_EQ(counters.total().badCrc, 72U);
+    EXPECT_EQ(counters.total().good, 72U);
+}
+
+TEST_F(GuardedExchangeTest, EveryTruncatedReplyIsCountedAsSuch)
+{
+    for (int length = 1; length < trueReply.size(); ++length) {
+        SCOPED_TRACE(std::to_string(length) + " bytes");
+        inverter.changes.push_back(instead(trueReply.left(length)));
+
+        ASSERT_EQ(step(), "truncated");
+        ASSERT_EQ(step(), "good");
+        ASSERT_EQ(value("D", 0), 0x1234);
+    }
+    EXPECT_EQ(counters.total().truncated, 8U);
+}
+
+TEST_F(GuardedExchangeTest, NoFlippedBitConfirmsAWrite)
+{
+    step();
+    for (const std::string hex : { "01 06 FC 0D 01 90", "01 10 F0 00 00 02" }) {
+        const QByteArray echo = framed(hex);
+        for (int bit = 0; bit < echo.size() * 8; ++bit) {
+            SCOPED_TRACE(hex + " bit " + std::to_string(bit));
+            QByteArray flipped = echo;
+            flipped[bit / 8] = static_cast<char>(flipped.at(bit / 8) ^ (1 << (bit % 8)));
+            inverter.changes.push_back(instead(flipped));
+            if (hex.at(4) == '6')
+                write("F", 2573, { 400 });
+            else
+                write("F", 0, { 7, 8 });
+
+            ASSERT_EQ(step(), "bad crc");
+            ASSERT_EQ(lastStep, Cycle::Step::Retry);
+            ASSERT_EQ(step(), "good");
+            ASSERT_EQ(step(), "good"); // a read, so that the writes never use up their turns
+        }
+    }
+}
+
+TEST_F(GuardedExchangeTest, RepliesOfOthersEachHaveTheirCause)
+{
+    const std::pair<std::string, std::string> rows[] = {
+        { "02 03 04 66 66 66 66", "foreign" }, { "01 04 04 66 66 66 66", "function" },
+        { "01 03 02 66 66", "byte count" },    { "01 03 06 66 66 66 66 66 66", "byte count" },
+        { "02 03 02 66 66", "foreign" },       { "02 83 02", "foreign" },
+        { "01 06 D0 00 66 66", "function" },
+    };
+    for (const auto &[hex, cause] : rows) {
+        SCOPED_TRACE(hex);
+        inverter.changes.push_back(instead(framed(hex)));
+
+        ASSERT_EQ(step(), cause);
+        ASSERT_NE(value("D", 0), 0x6666);
+        ASSERT_EQ(step(), "good");
+        ASSERT_EQ(value("D", 0), 0x1234);
+    }
+    EXPECT_EQ(counters.total().foreign, 3U);
+    EXPECT_EQ(counters.total().wrongReplies, 4U);
+}
+
+TEST_F(GuardedExchangeTest, TheEchoOfAnotherWriteConfirmsNothing)
+{
+    step();
+    write("CW", 0, { 1 });
+    inverter.changes.push_back(instead(framed("01 06 10 01 00 00")));
+
+    EXPECT_EQ(step(), "echo");
+    EXPECT_EQ(lastStep, Cycle::Step::Retry);
+}
+
+TEST_F(GuardedExchangeTest, AForeignReplyBeforeTheTrueOneIsSkipped)
+{
+    inverter.changes.push_back(instead(framed("02 03 04 66 66 66 66") + trueReply));
+
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(value("D", 0), 0x1234);
+    EXPECT_EQ(guard.report().foreignStation, 2);
+    EXPECT_EQ(guard.report().foreignFrames, 1);
+}
+
+TEST_F(GuardedExchangeTest, JunkBeforeAReplyIsSkipped)
+{
+    inverter.changes.push_back(instead(QByteArray("\x00\xFF\x01", 3) + trueReply));
+
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(value("D", 1), 0x5678);
+    EXPECT_EQ(counters.total().junkBytes, 3U);
+}
+
+TEST_F(GuardedExchangeTest, AnExceptionEndsTheWaitAtItsFifthByte)
+{
+    inverter.changes.push_back(instead(framed("01 83 04")));
+
+    const std::string cause = step();
+
+    EXPECT_EQ(cause, "exception 4");
+    EXPECT_EQ(lastStep, Cycle::Step::Retry);
+    EXPECT_EQ(cycle.reply().turnaround, milliseconds(8 + 5));
+}
+
+TEST_F(GuardedExchangeTest, ARefusalThatWillNotChangeIsNotRetried)
+{
+    for (const int code : { 1, 2, 3 }) {
+        SCOPED_TRACE(code);
+        inverter.changes.push_back(instead(framed("01 83 0" + std::to_string(code))));
+        const auto before = inverter.line.sent().size();
+
+        ASSERT_EQ(step(), "exception " + std::to_string(code));
+        ASSERT_EQ(lastStep, Cycle::Step::GivenUp);
+        ASSERT_EQ(inverter.line.sent().size(), before + 1);
+        ASSERT_TRUE(link.registerState(1, QStringLiteral("D"), 0).failed);
+        ASSERT_EQ(step(), "good");
+    }
+    EXPECT_EQ(counters.total().exceptions,
+              (std::map<int, quint64> { { 1, 1 }, { 2, 1 }, { 3, 1 } }));
+}
+
+TEST_F(GuardedExchangeTest, AnAdaptersEchoIsStripped)
+{
+    inverter.echoes = true;
+    write("CW", 0, { 1 });
+    write("F", 0, { 7, 8 });
+
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(value("D", 0), 0x1234);
+    EXPECT_EQ(counters.total().echoes, 3U);
+}
+
+TEST_F(GuardedExchangeTest, AnEchoingAdapterDoesNotConfirmTheWriteOfADeadStation)
+{
+    inverter.echoes = true;
+    step();
+    inverter.dead = { 1 };
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(step(), "silence");
+    EXPECT_EQ(lastStep, Cycle::Step::Retry);
+}
+
+TEST_F(GuardedExchangeTest, AnEchoAloneIsSilence)
+{
+    inverter.echoes = true;
+    inverter.dead = { 1 };
+
+    EXPECT_EQ(step(), "silence");
+    EXPECT_TRUE(guard.report().echoStripped);
+}
+
+TEST_F(GuardedExchangeTest, ALateReplyIsNeverTakenForTheNextReadOfTheSameLength)
+{
+    link.poll({ wanted(1, QStringLiteral("D"), 0, 2), wanted(1, QStringLiteral("D"), 8, 2) });
+    for (int delay = 96; delay <= 190; ++delay) {
+        SCOPED_TRACE(std::to_string(delay) + " ms late");
+        inverter.registers[{ 1, 0xD000 }] = delay;
+        inverter.registers[{ 1, 0xD008 }] = 1000 + delay;
+        for (int i = 0; i < 3; ++i)
+            inverter.changes.push_back(late(milliseconds(delay)));
+
+        for (int i = 0; i < 12; ++i) {
+            step();
+            ASSERT_LT(value("D", 0), 1000);
+            ASSERT_TRUE(value("D", 8) == 0 || value("D", 8) >= 1000);
+        }
+
+        ASSERT_EQ(value("D", 0), delay);
+        ASSERT_EQ(value("D", 8), 1000 + delay);
+    }
+    EXPECT_GT(counters.total().lateReplies, 0U);
+}
+
+TEST_F(GuardedExchangeTest, ALateReplyOfAnotherStationIsToldFromTheRightOne)
+{
+    link.poll({ wanted(1, QStringLiteral("D"), 0, 2), wanted(2, QStringLiteral("D"), 8, 2) });
+    inverter.registers[{ 2, 0xD008 }] = 0x2222;
+    inverter.changes = { silence(), silence(), late(milliseconds(120)), late(milliseconds(50)) };
+    step();
+    step();
+    step();
+
+    const std::string next = step();
+
+    EXPECT_EQ(next, "good");
+    EXPECT_EQ(link.registerState(2, QStringLiteral("D"), 8).value, 0x2222);
+    EXPECT_EQ(guard.report().lateReplies, 1);
+}
+
+TEST_F(GuardedExchangeTest, AStationsExtraGapIsKept)
+{
+    guard.setExtraGap(1, milliseconds(30));
+    step();
+    const Duration before = inverter.line.now();
+
+    step();
+
+    EXPECT_EQ(inverter.line.now() - before, Duration(33500) + milliseconds(8 + 9));
+}
+
+TEST_F(GuardedExchangeTest, AClosedLineIsNoFaultOfTheStation)
+{
+    inverter.line.unplug();
+
+    const Cycle::Step down = cycle.step();
+
+    EXPECT_EQ(down, Cycle::Step::LineDown);
+    EXPECT_FALSE(link.registerState(1, QStringLiteral("D"), 0).failed);
+}
