@@ -4,7 +4,15 @@
 #include "cli/commands/copies.h"
 #include "cli/commands/demo.h"
 #include "cli/commands/frames.h"
+#include "cli/commands/get.h"
+#include "cli/commands/plan.h"
+#include "cli/commands/run.h"
+#include "cli/commands/scan.h"
+#include "cli/commands/set.h"
+#include "cli/commands/stats.h"
+#include "cli/commands/stop.h"
 #include "cli/commands/types.h"
+#include "cli/commands/watch.h"
 #include "cli/interrupt.h"
 
 #include <QCoreApplication>
@@ -19,5 +27,13 @@ int main(int argc, char **argv)
     dx4::cli::addCheck(line);
     dx4::cli::addCopies(line);
     dx4::cli::addFrames(line);
+    dx4::cli::addGet(line);
+    dx4::cli::addSet(line);
+    dx4::cli::addWatch(line);
+    dx4::cli::addPlan(line);
+    dx4::cli::addScan(line);
+    dx4::cli::addStats(line);
+    dx4::cli::addRun(line);
+    dx4::cli::addStop(line);
     return line.run(argc, argv);
 }

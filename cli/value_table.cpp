@@ -23,6 +23,16 @@ QString age(const WatchRow &row, host::Duration now)
     return QStringLiteral("%1 s").arg(static_cast<double>(tenths) / 10.0, 0, 'f', 1);
 }
 
+/// The age's column, with "!" for one that is too old to rely on.
+QString ageCell(const WatchRow &row, host::Duration now, host::Duration staleAfter,
+                const Terminal &terminal)
+{
+    const bool stale = row.answeredAt && now - *row.answeredAt >= staleAfter;
+    const QString mark = stale ? QStringLiteral("!") : QString();
+    const QString text = (age(row, now) + mark).rightJustified(ageWidth);
+    return stale ? terminal.styled(text, Terminal::Style::Warning) : text;
+}
+
 QString valueText(const WatchRow &row)
 {
     if (row.state.failed)
@@ -44,13 +54,14 @@ QString valueCell(const WatchRow &row, host::Duration now, const Terminal &termi
     return changed ? terminal.styled(text, Terminal::Style::Changed) : text;
 }
 
-QString rowLine(const WatchRow &row, host::Duration now, const Terminal &terminal)
+QString rowLine(const WatchRow &row, host::Duration now, const Terminal &terminal,
+                host::Duration staleAfter)
 {
     const WatchedValue &what = row.what;
     return QString::number(what.station).leftJustified(stationWidth + 1)
         + what.name.leftJustified(nameWidth + 1, QLatin1Char(' '), true)
         + host::fullAddress(what.regType, what.address).leftJustified(addressWidth)
-        + valueCell(row, now, terminal) + age(row, now).rightJustified(ageWidth);
+        + valueCell(row, now, terminal) + ageCell(row, now, staleAfter, terminal);
 }
 
 QString headLine()
@@ -64,11 +75,12 @@ QString headLine()
 
 } // namespace
 
-QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal)
+QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal,
+                       host::Duration staleAfter)
 {
     QStringList lines { terminal.styled(headLine(), Terminal::Style::Bold) };
     for (const WatchRow &row : rows)
-        lines.append(rowLine(row, now, terminal));
+        lines.append(rowLine(row, now, terminal, staleAfter));
     return lines;
 }
 

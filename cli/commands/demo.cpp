@@ -5,6 +5,7 @@
 #include "cli/commands/demo_view.h"
 #include "cli/driver_file.h"
 #include "cli/interrupt.h"
+#include "cli/register_names.h"
 #include "cli/simulator_process.h"
 #include "host/length.h"
 #include "host/serial_line.h"
@@ -18,8 +19,6 @@ namespace {
 
 constexpr int lineSpeed = 19200; // bit/s
 constexpr unsigned char readFunction = 3;
-constexpr quint16 runWord = 1; // CW of the simulated inverter
-constexpr quint16 stopWord = 0;
 
 constexpr int parameter(int group, int index)
 {
@@ -35,33 +34,28 @@ struct PlannedWrite {
     QString meaning;
 };
 
-// The meanings of these registers are the simulated inverter's own choice.
 QVector<WatchedValue> demoValues()
 {
     const QString f = QStringLiteral("F");
     const QString d = QStringLiteral("D");
     const QString sw = QStringLiteral("SW");
     const QString fu = QStringLiteral("FU");
-    const QString hertz = QStringLiteral("Hz");
-    const QString volts = QStringLiteral("V");
-    const QString seconds = QStringLiteral("s");
-    const QString none;
     return {
-        { 1, d, 0, QStringLiteral("Output frequency"), hertz, 2, false },
-        { 1, d, 1, QStringLiteral("Set frequency"), hertz, 2, false },
-        { 1, d, 2, QStringLiteral("Output current"), QStringLiteral("A"), 1, false },
-        { 1, d, 3, QStringLiteral("Output voltage"), volts, 0, false },
-        { 1, d, 4, QStringLiteral("DC link voltage"), volts, 0, false },
-        { 1, d, 6, QStringLiteral("Output power"), QStringLiteral("kW"), 2, false },
-        { 1, sw, 0, QStringLiteral("Status word"), none, 0, true },
-        { 1, fu, 0, QStringLiteral("Fault code"), none, 0, false },
-        { 1, f, parameter(0, 5), QStringLiteral("Parameter 0.5"), none, 0, false },
-        { 1, f, parameter(8, 2), QStringLiteral("Acceleration time"), seconds, 1, false },
-        { 1, f, parameter(8, 3), QStringLiteral("Deceleration time"), seconds, 1, false },
-        { 1, f, parameter(10, 13), QStringLiteral("Parameter c.13"), none, 0, false },
-        { 2, d, 4, QStringLiteral("DC link voltage"), volts, 0, false },
-        { 2, sw, 0, QStringLiteral("Status word"), none, 0, true },
-        { 2, fu, 0, QStringLiteral("Fault code"), none, 0, false },
+        namedValue(1, d, 0),
+        namedValue(1, d, 1),
+        namedValue(1, d, 2),
+        namedValue(1, d, 3),
+        namedValue(1, d, 4),
+        namedValue(1, d, 6),
+        namedValue(1, sw, 0),
+        namedValue(1, fu, 0),
+        namedValue(1, f, parameter(0, 5)),
+        namedValue(1, f, parameter(8, 2)),
+        namedValue(1, f, parameter(8, 3)),
+        namedValue(1, f, parameter(10, 13)),
+        namedValue(2, d, 4),
+        namedValue(2, sw, 0),
+        namedValue(2, fu, 0),
     };
 }
 

@@ -2,6 +2,7 @@
 // How the demonstration is shown: a live table, plain lines, or JSON.
 #include "cli/commands/demo_view.h"
 
+#include "cli/counters_text.h"
 #include "cli/value_table.h"
 #include "host/length.h"
 #include "host/notation.h"
@@ -41,15 +42,6 @@ QStringList headLines(const DemoSetting &setting)
              QStringLiteral("polls   %1 registers, merged into %2 block reads")
                  .arg(setting.registers)
                  .arg(setting.blocks) };
-}
-
-QString countersText(const host::Counters &counters)
-{
-    return QStringLiteral("%1 reads, %2 writes, %3 retries, %4 given up")
-        .arg(counters.readsServed)
-        .arg(counters.writesServed)
-        .arg(counters.retries)
-        .arg(counters.givenUp);
 }
 
 QString summaryText(const host::Counters &counters, host::Duration elapsed)

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// dx4 get: reads registers once.
+#include "cli/commands/get.h"
+
+#include "cli/output.h"
+#include "cli/reply_text.h"
+#include "cli/session.h"
+#include "cli/value_output.h"
+#include "cli/values.h"
+
+namespace dx4::cli {
+namespace {
+
+struct Options {
+    LineOptions line;
+    QStringList words;
+    int count = 0; ///< 0: as the addresses say
+    bool names = false;
+};
+
+void printFailure(const Session &session, const Target &target, const Failure &failure)
+{
+    complain(QStringLiteral("get"), failure);
+    if (!session.options().json)
+        return;
+    QJsonObject object = registerJson(target.station, target.regType, target.address);
+    object.insert(QStringLiteral("error"), causeName(session.verdict().cause));
+    printJson(object);
+}
+
+int runGet(const Options &options)
+{
+    const QString name = QStringLiteral("get");
+    Failure failure;
+    const auto session = Session::open(options.line, &failure);
+    if (!session)
+        return complain(name, failure);
+    const auto targets = parseCounted(options.words, options.count, options.line.station,
+                                      ReadAccess, session->link().api(), &failure);
+    if (!targets)
+        return complain(name, failure);
+    int exitCode = ExitDone;
+    for (const Target &target : *targets) {
+        const auto values = session->read(target, &failure);
+        if (values) {
+            printValues(target, *values, options.line.json, options.names);
+            continue;
+        }
+        printFailure(*session, target, failure);
+        exitCode = exitCode == ExitDone ? failure.code : exitCode;
+        // What one station or register refuses says nothing about the next one.
+        if (failure.code == ExitLine || failure.code == ExitInterrupted)
+            break;
+    }
+    return exitCode;
+}
+
+} // namespace
+
+void addGet(CommandLine &line)
+{
+    Command command = line.add("get", "read registers once");
+    const auto options = std::make_shared<Options>();
+    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW");
+    command.number("--count", options->count, "registers from one address on", 1, 123);
+    command.flag("--names", options->names, "with names and units of the simulated inverter");
+    addLineOptions(command, options->line);
+    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 F 8.2-8.3 D 4"),
+                    QStringLiteral("both ramps and a monitor value of station 1"));
+    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --json 2:SW 2:FU"),
+                    QStringLiteral("status and fault of station 2, for a script"));
+    command.action([options] { return runGet(*options); });
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// dx4 run: sets a frequency and starts the motor.
+#pragma once
+
+#include "cli/command_line.h"
+
+namespace dx4::cli {
+
+/// Adds the command.
+void addRun(CommandLine &line);
+
+} // namespace dx4::cli

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// dx4 stop: stops the motor.
+#pragma once
+
+#include "cli/command_line.h"
+
+namespace dx4::cli {
+
+/// Adds the command.
+void addStop(CommandLine &line);
+
+} // namespace dx4::cli

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// How watched registers are shown: a live table, plain lines, CSV or JSON.
+#pragma once
+
+#include "cli/terminal.h"
+#include "cli/watch_list.h"
+
+#include <memory>
+
+namespace dx4::cli {
+
+/// One way to show them.
+class WatchView {
+public:
+    enum class Form { Text, Csv, Json };
+
+    WatchView() = default;
+    virtual ~WatchView() = default;
+    WatchView(const WatchView &) = delete;
+    WatchView &operator=(const WatchView &) = delete;
+
+    /// Called after each exchange.
+    ///
+    /// @param now, elapsed  the line's clock, and the time since the start
+    virtual void values(const WatchList &list, const host::Counters &counters, host::Duration now,
+                        host::Duration elapsed) = 0;
+    virtual void end(const WatchList &list, const host::Counters &counters, host::Duration now,
+                     host::Duration elapsed) = 0;
+
+    /// The table where the terminal can be drawn over and text was asked for, else a line for every
+    /// value that became another, failed or came back.
+    ///
+    /// @param staleAfter  age from which the table marks a value
+    static std::unique_ptr<WatchView> create(Form form, const Terminal &terminal,
+                                             host::Duration staleAfter);
+};
+
+} // namespace dx4::cli

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// How far a scan has come, kept in a file between two runs.
+#include "cli/scan_state.h"
+
+#include "cli/output.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSaveFile>
+
+namespace dx4::cli {
+
+std::optional<ScanState> loadScanState(const QString &file)
+{
+    QFile source(file);
+    if (!source.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QJsonObject object = QJsonDocument::fromJson(source.readAll()).object();
+    if (!object.contains(QStringLiteral("next")))
+        return std::nullopt;
+    ScanState state;
+    state.next = object.value(QStringLiteral("next")).toInt();
+    const QJsonArray found = object.value(QStringLiteral("found")).toArray();
+    for (const QJsonValue &station : found)
+        state.found.append(station.toInt());
+    return state;
+}
+
+bool saveScanState(const QString &file, const ScanState &state)
+{
+    QJsonArray found;
+    for (const int station : state.found)
+        found.append(station);
+    QSaveFile target(file);
+    const QString text =
+        jsonText({ { QStringLiteral("next"), state.next }, { QStringLiteral("found"), found } });
+    return target.open(QIODevice::WriteOnly) && target.write(text.toUtf8() + '\n') > 0
+        && target.commit();
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// A line with the driver at work on it, as the commands that need one have it.
+#pragma once
+
+#include "cli/command_line.h"
+#include "cli/exit_code.h"
+#include "cli/target.h"
+#include "host/cycle.h"
+#include "host/reply_check.h"
+#include "host/serial_line.h"
+
+#include <memory>
+
+namespace dx4::cli {
+
+/// What every command with a line lets a user set.
+struct LineOptions {
+    QString driver;
+    QString port;
+    QString format = QStringLiteral("8N1");
+    int speed = 9600; ///< bit/s
+    int station = 1; ///< of addresses that name none
+    int timeout = 300; ///< ms from the end of a request to the first byte of its reply
+    int retries = 2; ///< repetitions of a request that was not answered
+    int block = 16; ///< most registers of one request
+    bool json = false;
+};
+
+/// Adds the options of a line to a command; they must live as long as the command line.
+void addLineOptions(Command &command, LineOptions &options);
+
+/// The settings that follow from the options.
+host::LineSettings lineSettings(const LineOptions &options);
+host::LinkSettings linkSettings(const LineOptions &options);
+
+/// One line, open, and one driver on it.
+class Session {
+public:
+    /// Loads the driver and opens the port. @return null with the failure told
+    static std::unique_ptr<Session> open(const LineOptions &options, Failure *failure);
+
+    const LineOptions &options() const { return m_options; }
+    host::Link &link() { return *m_link; }
+    host::Line &line() { return *m_line; }
+    const host::Cycle &cycle() const { return *m_cycle; }
+
+    /// One exchange. Afterwards verdict() says what came back.
+    host::Cycle::Step step();
+
+    /// The reply of the last exchange, looked at closely.
+    const host::ReplyVerdict &verdict() const { return m_verdict; }
+
+    /// Reads a run, request by request; each that fails is tried as often as the options say.
+    ///
+    /// @return one value per register, or nothing with the failure told
+    std::optional<QVector<quint16>> read(const Target &target, Failure *failure);
+
+    /// Writes a run and waits until every echo has come.
+    bool write(const Target &target, const QVector<quint16> &values, Failure *failure);
+
+private:
+    explicit Session(const LineOptions &options);
+    bool settle(const Target &target, Failure *failure);
+    Failure failureOf(host::Cycle::Step step, const Target &target) const;
+
+    LineOptions m_options;
+    std::unique_ptr<host::Line> m_line;
+    std::unique_ptr<host::Exchange> m_exchange;
+    std::unique_ptr<host::Link> m_link;
+    std::unique_ptr<host::Cycle> m_cycle;
+    host::ReplyVerdict m_verdict;
+};
+
+} // namespace dx4::cli

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// Register values that were read or written, as text and as JSON.
+#include "cli/value_output.h"
+
+#include "cli/output.h"
+#include "cli/register_names.h"
+#include "host/length.h"
+#include "host/notation.h"
+
+namespace dx4::cli {
+namespace {
+
+constexpr int addressWidth = 16;
+constexpr int valueWidth = 6;
+
+QString valueLine(const WatchedValue &what, quint16 value, bool names, const QString &outcome)
+{
+    QString line =
+        QStringLiteral("%1  %2 %3  %4")
+            .arg(what.station, 3)
+            .arg(host::fullAddress(what.regType, what.address).leftJustified(addressWidth))
+            .arg(QString::number(value).rightJustified(valueWidth))
+            .arg(hex(value, 4));
+    if (names && !what.name.isEmpty())
+        line += QStringLiteral("  %1 %2 %3").arg(what.name, formatValue(what, value), what.unit);
+    if (!outcome.isEmpty())
+        line += QStringLiteral("  ") + outcome;
+    return line.trimmed();
+}
+
+} // namespace
+
+QJsonObject registerJson(int station, const QString &regType, int address)
+{
+    return { { QStringLiteral("station"), station },
+             { QStringLiteral("type"), regType },
+             { QStringLiteral("text"), host::addressText(regType, address) },
+             { QStringLiteral("register"), host::modbusRegister(regType, address) } };
+}
+
+void printValues(const Target &target, const QVector<quint16> &values, bool json, bool names,
+                 const QString &outcome)
+{
+    for (int i = 0; i < host::lengthOf(values); ++i) {
+        const WatchedValue what = namedValue(target.station, target.regType, target.address + i);
+        const quint16 value = values.at(i);
+        if (!json) {
+            printLine(valueLine(what, value, names, outcome));
+            continue;
+        }
+        QJsonObject object = registerJson(what.station, what.regType, what.address);
+        object.insert(QStringLiteral("value"), value);
+        if (names && !what.name.isEmpty()) {
+            object.insert(QStringLiteral("name"), what.name);
+            object.insert(QStringLiteral("scaled"), formatValue(what, value));
+            object.insert(QStringLiteral("unit"), what.unit);
+        }
+        if (!outcome.isEmpty())
+            object.insert(QStringLiteral("outcome"), outcome);
+        printJson(object);
+    }
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+// Register values that were read or written, as text and as JSON.
+#pragma once
+
+#include "cli/target.h"
+
+#include <QJsonObject>
+
+namespace dx4::cli {
+
+/// Station, type, address and register of one register.
+QJsonObject registerJson(int station, const QString &regType, int address);
+
+/// Prints one line, or one object, per register of the run.
+///
+/// @param names    with name and unit, as the simulated inverter has them
+/// @param outcome  put behind each, such as "confirmed"; empty for none
+void printValues(const Target &target, const QVector<quint16> &values, bool json, bool names,
+                 const QString &outcome = QString());
+
+} // namespace dx4::cli
