@@ -5,6 +5,8 @@
 #include "korvane_dx4/request_list.h"
 #include "wire/register_type.h"
 
+#include <cstring>
+
 using namespace dx4;
 
 namespace {
@@ -24,7 +26,8 @@ int intf_addConditionRead(KEY_ADDRESS address, int varKind)
     const bool fitsOneRequest = limit >= address.count;
     const Pieces pieces = fitsOneRequest ? Pieces::whole(address.address, address.count)
                                          : Pieces::cut(address.address, address.count, limit);
-    queuePieces(driver.conditionList, var, pieces, [](qint64) {});
+    queuePieces(driver.conditionList, var, pieces,
+                [](VARIABLE &entry, qint64) { std::memset(entry.data, 0, sizeof entry.data); });
     // Deliberate: only the last piece is remembered, so that a read in pieces reports one outcome.
     if (pieces.size() > 0) {
         var.address = pieces.address(pieces.size() - 1);

@@ -33,8 +33,7 @@ void closeWrite()
         return;
     settleWrite(rangeOf(driver.writeList.constFirst()),
                 hasFailed() ? WriteOutcome::Failed : WriteOutcome::Confirmed);
-    if (!driver.writeList.isEmpty())
-        driver.writeList.removeFirst();
+    removeHeadRequest(driver.writeList);
 }
 
 // Deliberate: a failed condition read takes all that wait with it, those of the callback included.
@@ -49,15 +48,24 @@ void closeConditionRead()
     }
     if (hasFailed())
         driver.conditionList.clear();
-    else if (!driver.conditionList.isEmpty())
-        driver.conditionList.removeFirst();
+    else
+        removeHeadRequest(driver.conditionList);
 }
+
+// Moving the head shifts every entry once the list's room behind the end is used up. Beyond this
+// length an entry of its own at the end is cheaper, whose place the head takes.
+constexpr int longList = 512;
 
 void closeCyclicRead()
 {
     const int count = static_cast<int>(driver.readList.size());
-    if (count > 1)
-        driver.readList.move(0, count - 1);
+    if (count < 2)
+        return;
+    if (count < longList)
+        return driver.readList.move(0, count - 1);
+    driver.readList.append(VARIABLE());
+    driver.readList.swapItemsAt(0, count);
+    driver.readList.removeFirst();
 }
 
 void closeRecipeTransfer(int flagPosition)

@@ -4,30 +4,18 @@
 
 #include "korvane_dx4.h"
 #include "korvane_dx4/record_copy.h"
+#include "korvane_dx4/spare_record.h"
 
 namespace dx4 {
 namespace {
 
-// A list of one served frame, kept to be filled again: a request has one frame as a rule, and a
-// 2 KB record would otherwise be allocated and freed with every request.
-QList<FRAME_PRO> parkedFrame;
-
-void park()
-{
-    parkedFrame.clear();
-    driver.sendFrames.swap(parkedFrame);
-}
+SpareRecord<FRAME_PRO> spareFrame;
 
 } // namespace
 
 FRAME_PRO &appendFrame(const VARIABLE &var, ExpectedReply reply)
 {
-    const bool canReuse = driver.sendFrames.isEmpty() && parkedFrame.size() == 1;
-    if (canReuse)
-        driver.sendFrames.swap(parkedFrame);
-    else
-        driver.sendFrames.append(FRAME_PRO());
-    FRAME_PRO &frame = driver.sendFrames.last();
+    FRAME_PRO &frame = spareFrame.appendTo(driver.sendFrames);
     frame.replyLength = reply.length;
     frame.replyDataOffset = reply.dataOffset;
     frame.replyDataLength = reply.dataLength;
@@ -37,18 +25,12 @@ FRAME_PRO &appendFrame(const VARIABLE &var, ExpectedReply reply)
 
 void removeHeadFrame()
 {
-    if (driver.sendFrames.size() == 1)
-        park();
-    else if (!driver.sendFrames.isEmpty())
-        driver.sendFrames.removeFirst();
+    spareFrame.removeHead(driver.sendFrames);
 }
 
 void dropFrames()
 {
-    if (driver.sendFrames.size() == 1)
-        park();
-    else
-        driver.sendFrames.clear();
+    spareFrame.clear(driver.sendFrames);
 }
 
 } // namespace dx4

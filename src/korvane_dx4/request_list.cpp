@@ -3,6 +3,7 @@
 #include "korvane_dx4/request_list.h"
 
 #include "korvane_dx4/record_copy.h"
+#include "korvane_dx4/spare_record.h"
 #include "wire/register_type.h"
 #include "wire/wrap.h"
 
@@ -11,6 +12,8 @@
 
 namespace dx4 {
 namespace {
+
+SpareRecord<VARIABLE> spareRequest;
 
 // Position to overwrite, or the size of the list to append.
 int positionFor(const QList<VARIABLE> &list, const VARIABLE &request)
@@ -82,13 +85,17 @@ int Pieces::count(qint64 j) const
     return isRest ? m_rest : m_limit;
 }
 
-void queueRequest(QList<VARIABLE> &list, const VARIABLE &request)
+VARIABLE &placeRequest(QList<VARIABLE> &list, const VARIABLE &request)
 {
     const int position = positionFor(list, request);
-    if (position == list.size())
-        list.append(request);
-    else
-        copyVariable(list[position], request);
+    VARIABLE &entry = position == list.size() ? spareRequest.appendTo(list) : list[position];
+    copyHead(entry, request);
+    return entry;
+}
+
+void removeHeadRequest(QList<VARIABLE> &list)
+{
+    spareRequest.removeHead(list);
 }
 
 std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const VARIABLE &request,

@@ -67,11 +67,17 @@ private:
 /// Whether two requests ask for the same registers.
 bool sameRegisters(const VARIABLE &a, const VARIABLE &b);
 
-/// Puts a request into a list: in place of the last one for the same registers, else at the end.
+/// Gives a request its place in a list: that of the last one for the same registers, else the end.
 ///
 /// The head is never replaced, it may be on the line. A list of 513 entries does not grow: its last
 /// entry is replaced.
-void queueRequest(QList<VARIABLE> &list, const VARIABLE &request);
+///
+/// @param request  every field but `data` is copied
+/// @return the entry, whose `data` is to be filled; valid until the list changes
+VARIABLE &placeRequest(QList<VARIABLE> &list, const VARIABLE &request);
+
+/// Removes the head; nothing happens to an empty list.
+void removeHeadRequest(QList<VARIABLE> &list);
 
 /// Requests of a run that still count after the whole run was queued into a full list, in order.
 ///
@@ -86,15 +92,14 @@ std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const VARIABLE &r
 /// entry or replaces the last one, and of those that replace it only the newest stays.
 ///
 /// @param request  station, type and kind of the run; address and count are set for each request
-/// @param fill     called with the number of the request, to set its data
+/// @param fill     called with each entry and the number of its request, to set all of its data
 template <typename Fill>
 void queuePieces(QList<VARIABLE> &list, VARIABLE &request, const Pieces &pieces, Fill fill)
 {
     const auto queuePiece = [&](qint64 j) {
         request.address = pieces.address(j);
         request.count = pieces.count(j);
-        fill(j);
-        queueRequest(list, request);
+        fill(placeRequest(list, request), j);
     };
     qint64 next = 0;
     while (next < pieces.size() && list.size() < fullListSize)

@@ -17,11 +17,14 @@ namespace {
 
 constexpr int bytesPerRegister = 2;
 
-// The values of one queued write, as many as a record holds.
-void takeValues(unsigned char (&target)[recordBytes], const unsigned char *data, int count)
+// Fills a record with the values of one queued write, as many as it holds, and zeroes behind them.
+void takeValues(VARIABLE &entry, const unsigned char *data)
 {
-    const qint64 bytes = std::min<qint64>(qint64 { count } * bytesPerRegister, recordBytes);
-    std::memcpy(target, data, static_cast<std::size_t>(bytes));
+    const qint64 wanted = qint64 { entry.count } * bytesPerRegister;
+    const auto bytes = static_cast<std::size_t>(std::clamp<qint64>(wanted, 0, recordBytes));
+    if (bytes > 0)
+        std::memcpy(entry.data, data, bytes);
+    std::memset(entry.data + bytes, 0, recordBytes - bytes);
 }
 
 void queueWrite(const RegisterRange &range, const unsigned char *data, int varKind)
@@ -32,11 +35,10 @@ void queueWrite(const RegisterRange &range, const unsigned char *data, int varKi
     var.regType = REG_LIST[range.type];
     const Pieces pieces =
         Pieces::cut(range.address, range.count, splitLimit(driver.writeBlockSize));
-    queuePieces(driver.writeList, var, pieces, [&](qint64 j) {
-        if (j > 0)
-            std::memset(var.data, 0, sizeof var.data);
-        if (var.count > 0)
-            takeValues(var.data, data + pieces.registersBefore(j) * bytesPerRegister, var.count);
+    queuePieces(driver.writeList, var, pieces, [&](VARIABLE &entry, qint64 j) {
+        const bool hasValues = entry.count > 0;
+        takeValues(entry,
+                   hasValues ? data + pieces.registersBefore(j) * bytesPerRegister : nullptr);
     });
 }
 
@@ -58,7 +60,7 @@ void showWritten(const RegisterRange &range, const unsigned char *data)
         const int position = finder.positionOf(address);
         const int before = shownValue(driver.dataAreas.at(position));
         const int after = wordOf(data[0], data[1]);
-        reportWordChange(position, before, after, range.station, name, address);
+        reportWordChange(position, before, after, { range.station, name, range.type, address });
         storeWritten(finder.positionAgain(position, address), data);
     }
 }
@@ -95,7 +97,8 @@ void dx4::settleWrite(const RegisterRange &range, WriteOutcome outcome)
         // After a confirmation both are equal and nothing is reported: the host sees the value
         // already.
         const SettledValues values = endPending(position, outcome);
-        reportWordChange(position, values.device, values.written, range.station, name, address);
+        reportWordChange(position, values.device, values.written,
+                         { range.station, name, range.type, address });
     }
 }
 
