@@ -26,7 +26,8 @@ LentName lentNames[registerTypeCount] = { { REG_LIST[0] }, { REG_LIST[1] }, { RE
 
 void callWithCopy(int linkId, int station, QString name, int address)
 {
-    driver.valueChangeCallback(linkId, station, name, address);
+    if (driver.valueChangeCallback)
+        driver.valueChangeCallback(linkId, station, name, address);
 }
 
 bool hasBit(int value, int bit)
@@ -34,84 +35,76 @@ bool hasBit(int value, int bit)
     return (static_cast<unsigned>(value) >> bit) & 1U;
 }
 
-// A register's marks, taken before the host is called: it may add records meanwhile.
-struct Marks {
-    int flags;
-    int bitMask;
-};
-
-Marks marksAt(int position)
+bool isReportedBit(int bitMask, int valueA, int valueB, int bit)
 {
-    const _DATA_ &area = driver.dataAreas.at(position);
-    return { area.flags, area.bitMask };
+    return hasBit(bitMask, bit) && hasBit(valueA, bit) != hasBit(valueB, bit);
 }
 
-bool isReportedBit(const Marks &marks, int valueA, int valueB, int bit)
+Q_DECL_COLD_FUNCTION void reportBits(int bitMask, int valueA, int valueB,
+                                     const ChangedRegister &changed)
 {
-    return hasBit(marks.bitMask, bit) && hasBit(valueA, bit) != hasBit(valueB, bit);
-}
-
-void reportBits(const Marks &marks, int valueA, int valueB, int station, const QString &regType,
-                int address)
-{
-    if (marks.bitMask == 0)
-        return;
-    const QString name = regType + QLatin1String("_bit");
+    const QString name = changed.regType + QLatin1String("_bit");
     for (int bit = 0; bit < bitsPerWord; ++bit) {
-        if (isReportedBit(marks, valueA, valueB, bit))
-            notifyHost(driver.linkId, station, name, wrapAdd(wrapMul(address, bitsPerWord), bit));
+        if (isReportedBit(bitMask, valueA, valueB, bit))
+            callWithCopy(driver.linkId, changed.station, name,
+                         wrapAdd(wrapMul(changed.address, bitsPerWord), bit));
     }
+}
+
+void reportRegister(const ChangedRegister &changed)
+{
+    const bool canLend = changed.type != UnknownType && !lentNames[changed.type].isOut;
+    if (!canLend)
+        return callWithCopy(driver.linkId, changed.station, changed.regType, changed.address);
+    LentName &lent = lentNames[changed.type];
+    lent.isOut = true;
+    driver.valueChangeCallback(driver.linkId, changed.station, lent.text, changed.address);
+    assignText(lent.text, REG_LIST[changed.type]); // the host may have changed it
+    lent.isOut = false;
 }
 
 // A value of two registers is known by its first one. Address 0 has none before it.
-void reportDoubles(const Marks &marks, int station, const QString &regType, int address)
+Q_DECL_COLD_FUNCTION void reportDoubles(int flags, const ChangedRegister &changed)
 {
-    for (int bit : { MonitoredDoubleStart, MonitoredDoubleEnd }) {
-        if (address < 0)
-            return;
-        if (hasBit(marks.flags, bit))
-            notifyHost(driver.linkId, station, regType + QLatin1String("_double"), address);
-        --address;
-    }
+    const QString name = changed.regType + QLatin1String("_double");
+    if (changed.address >= 0 && hasBit(flags, MonitoredDoubleStart))
+        callWithCopy(driver.linkId, changed.station, name, changed.address);
+    if (changed.address > 0 && hasBit(flags, MonitoredDoubleEnd))
+        callWithCopy(driver.linkId, changed.station, name, changed.address - 1);
 }
 
 } // namespace
 
 void dx4::notifyHost(int linkId, int station, const QString &name, int address)
 {
-    if (!driver.valueChangeCallback)
-        return;
-    const RegisterType type = registerType(name);
-    if (type == UnknownType || lentNames[type].isOut)
-        return callWithCopy(linkId, station, name, address);
-    LentName &lent = lentNames[type];
-    lent.isOut = true;
-    driver.valueChangeCallback(linkId, station, lent.text, address);
-    assignText(lent.text, REG_LIST[type]); // the host may have changed it
-    lent.isOut = false;
+    callWithCopy(linkId, station, name, address);
 }
 
-void dx4::reportWordChange(int position, int valueA, int valueB, int station,
-                           const QString &regType, int address, BitReports bits)
+void dx4::reportWordChange(int position, int valueA, int valueB, const ChangedRegister &changed,
+                           BitReports bits)
 {
-    if (valueA == valueB)
+    if (valueA == valueB || !driver.valueChangeCallback)
         return;
-    const Marks marks = marksAt(position);
-    if (bits == BitReports::Included)
-        reportBits(marks, valueA, valueB, station, regType, address);
-    if (hasBit(marks.flags, MonitoredWord))
-        notifyHost(driver.linkId, station, regType, address);
-    reportDoubles(marks, station, regType, address);
+    // Taken before the host is called: it may add records meanwhile.
+    const int flags = driver.dataAreas.at(position).flags;
+    const int bitMask = driver.dataAreas.at(position).bitMask;
+    if (bitMask != 0 && bits == BitReports::Included)
+        reportBits(bitMask, valueA, valueB, changed);
+    if (hasBit(flags, MonitoredWord))
+        reportRegister(changed);
+    if (hasBit(flags, MonitoredDoubleStart) || hasBit(flags, MonitoredDoubleEnd))
+        reportDoubles(flags, changed);
 }
 
 void _wordDataChange(int *valueA, int *valueB, int station, QString regType, int address,
                      int noBits)
 {
     const CacheWriting writing;
-    const int position = RegisterFinder(station, sharedName(regType)).positionOf(address);
+    const QString &name = sharedName(regType);
+    const int position = RegisterFinder(station, name).positionOf(address);
     if (!valueA || !valueB)
         return;
-    reportWordChange(position, *valueA, *valueB, station, regType, address,
+    reportWordChange(position, *valueA, *valueB, { station, name, registerType(name), address },
                      noBits == 0 ? BitReports::Included : BitReports::LeftOut);
 }
 
@@ -119,13 +112,14 @@ void _byteDataChange(unsigned char *byteA, unsigned char *byteB, int station, QS
                      int address)
 {
     const CacheWriting writing;
-    const Marks marks = marksAt(RegisterFinder(station, sharedName(regType)).positionOf(address));
+    const int position = RegisterFinder(station, sharedName(regType)).positionOf(address);
+    const int bitMask = driver.dataAreas.at(position).bitMask;
     if (!byteA || !byteB)
         return;
     const int valueA = *byteA;
     const int valueB = *byteB;
     for (int bit = 0; bit < bitsPerByte; ++bit) {
-        if (isReportedBit(marks, valueA, valueB, bit))
+        if (isReportedBit(bitMask, valueA, valueB, bit))
             notifyHost(driver.linkId, station, regType, wrapAdd(address, bit));
     }
 }

@@ -2,6 +2,8 @@
 // Tells the host that a cached value has changed.
 #pragma once
 
+#include "wire/register_type.h"
+
 #include <QString>
 
 namespace dx4 {
@@ -14,12 +16,19 @@ void notifyHost(int linkId, int station, const QString &name, int address);
 /// Whether a changed register reports its single bits as well.
 enum class BitReports { Included, LeftOut };
 
+/// A register whose value has changed; the name must outlive it.
+struct ChangedRegister {
+    int station;
+    const QString &regType;
+    RegisterType type; ///< of the name
+    int address;
+};
+
 /// What _wordDataChange does once the record is found. Equal values report nothing.
 ///
 /// @param position  the register's record in driver.dataAreas
-/// @param regType   must outlive the call
-void reportWordChange(int position, int valueA, int valueB, int station, const QString &regType,
-                      int address, BitReports bits = BitReports::Included);
+void reportWordChange(int position, int valueA, int valueB, const ChangedRegister &changed,
+                      BitReports bits = BitReports::Included);
 
 } // namespace dx4
 

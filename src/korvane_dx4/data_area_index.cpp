@@ -2,10 +2,12 @@
 // Finds the record of a register in driver.dataAreas at a cost that does not grow with the cache.
 #include "korvane_dx4/data_area_index.h"
 
-#include "korvane_dx4.h"
-#include "korvane_dx4/record_copy.h"
 #include "wire/register_type.h"
 
+#include <QtAlgorithms>
+
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace dx4 {
@@ -14,6 +16,7 @@ namespace {
 constexpr std::size_t smallestTable = 4; // buckets, a power of two
 constexpr quint32 slotBits = 3; // an address's low bits, which the bucket does not depend on
 constexpr quint32 slotMask = (1U << slotBits) - 1;
+constexpr unsigned wordBits = 64; // of the marks of records that stand side by side
 
 // Three quarters of the slots may be taken: 10.7 to 21.3 bytes per register.
 constexpr std::size_t entriesPerBucket = 6;
@@ -58,81 +61,146 @@ DataAreaIndex dataAreaIndex;
 int DataAreaIndex::findOrAppend(const RegisterKey &key)
 {
     const quint32 tag = tagOf(key);
-    int position = probe(key, tag);
-    if (position == emptySlot && !isComplete()) {
+    Place place = probe(key, tag);
+    if (place.position == emptySlot && !isComplete()) {
         rebuild();
-        position = probe(key, tag);
+        place = probe(key, tag);
     }
-    return position == emptySlot ? append(key, tag) : position;
+    return place.position == emptySlot ? append(key, tag, place) : place.position;
 }
 
-int DataAreaIndex::append(const RegisterKey &key, quint32 tag)
+int DataAreaIndex::append(const RegisterKey &key, quint32 tag, Place place)
 {
-    letGo();
+    if (!m_writing)
+        letGo();
     const int position = static_cast<int>(driver.dataAreas.size());
     driver.dataAreas.append(_DATA_());
     _DATA_ &record = driver.dataAreas.last();
     record.station = key.station;
     record.regType = key.regType;
     record.address = key.address;
-    insert(tag, position);
+    const bool hasRoom = static_cast<std::size_t>(m_entries) < m_buckets.size() * entriesPerBucket;
+    if (!hasRoom) {
+        insert(tag, position);
+        return position;
+    }
+    place.bucket->tags[place.slot] = tag;
+    place.bucket->positions[place.slot] = position;
+    ++m_entries;
     return position;
 }
 
-_DATA_ &DataAreaIndex::edit(int position)
+void DataAreaIndex::join(int position)
 {
-    letGo();
-    return driver.dataAreas[position];
+    const std::size_t word = static_cast<std::size_t>(position) / wordBits;
+    if (word >= m_joined.size())
+        m_joined.resize(word + 1);
+    m_joined[word] |= quint64 { 1 } << (static_cast<unsigned>(position) % wordBits);
+}
+
+int DataAreaIndex::joinedFrom(int position, int most) const
+{
+    int count = 1;
+    while (count < most) {
+        const unsigned next = static_cast<unsigned>(position + count);
+        if (next / wordBits >= m_joined.size())
+            break;
+        const unsigned bit = next % wordBits;
+        const int ones =
+            static_cast<int>(qCountTrailingZeroBits(~(m_joined[next / wordBits] >> bit)));
+        count += ones;
+        const bool reachesNextWord = static_cast<unsigned>(ones) + bit == wordBits;
+        if (!reachesNextWord)
+            break;
+    }
+    return std::min(count, most);
 }
 
 void DataAreaIndex::forget()
 {
-    m_buckets = {};
+    std::vector<Bucket>().swap(m_buckets);
+    std::vector<quint64>().swap(m_joined);
     m_entries = 0;
+    m_complete = true;
     m_seen = driver.dataAreas;
-    m_stale = false;
     m_writing = false;
+}
+
+void DataAreaIndex::beginCall()
+{
+    if (isTouched())
+        dropKnowledge();
+}
+
+void DataAreaIndex::endCall()
+{
+    if (isTouched())
+        dropKnowledge();
+    if (m_writing)
+        m_seen = driver.dataAreas;
+    m_writing = false;
+}
+
+void DataAreaIndex::letGo()
+{
+    if (isTouched())
+        dropKnowledge();
+    m_seen = {};
+    m_writing = true;
+}
+
+// Whether somebody but the driver has changed the list. While the driver writes, only a host that
+// changes it from inside its callback could, and its length is all that tells.
+bool DataAreaIndex::isTouched() const
+{
+    if (m_writing)
+        return m_complete && m_entries != driver.dataAreas.size();
+    return !m_seen.isSharedWith(driver.dataAreas);
+}
+
+void DataAreaIndex::dropKnowledge()
+{
+    m_complete = false;
+    m_joined.clear();
+    if (!m_writing)
+        m_seen = driver.dataAreas;
 }
 
 bool DataAreaIndex::isComplete() const
 {
-    if (m_stale)
-        return false;
-    return m_writing ? m_entries == driver.dataAreas.size() : m_seen.isSharedWith(driver.dataAreas);
+    return m_complete && !isTouched();
 }
 
 // Buckets are probed in steps of 1, 2, 3, ..., which reaches each bucket of a power of two. A
 // bucket with an empty slot ends the search, because nothing is ever removed.
-int DataAreaIndex::probe(const RegisterKey &key, quint32 tag) const
+DataAreaIndex::Place DataAreaIndex::probe(const RegisterKey &key, quint32 tag)
 {
-    if (m_buckets.empty())
-        return emptySlot;
+    const QList<_DATA_> &areas = driver.dataAreas;
     const std::size_t mask = m_buckets.size() - 1;
-    std::size_t bucket = tag >> slotBits;
-    for (std::size_t step = 1; step <= m_buckets.size(); bucket += step++) {
-        const Bucket &candidates = m_buckets[bucket & mask];
+    std::size_t at = tag >> slotBits;
+    for (std::size_t step = 1; step <= m_buckets.size(); at += step++) {
+        Bucket &bucket = m_buckets[at & mask];
         for (int slot = 0; slot < bucketSlots; ++slot) {
-            const int position = candidates.positions[slot];
+            const int position = bucket.positions[slot];
             if (position == emptySlot)
-                return emptySlot;
-            const bool isLikely =
-                candidates.tags[slot] == tag && position < driver.dataAreas.size();
-            if (isLikely && hasKey(driver.dataAreas.at(position), key))
-                return position;
+                return { &bucket, slot, emptySlot };
+            const bool isLikely = bucket.tags[slot] == tag && position < areas.size();
+            if (isLikely && hasKey(areas.at(position), key))
+                return { &bucket, slot, position };
         }
     }
-    return emptySlot;
+    return {};
 }
 
 void DataAreaIndex::rebuild()
 {
-    m_buckets = {};
+    m_buckets.clear();
     m_entries = 0;
     const QList<_DATA_> &areas = driver.dataAreas;
     const int count = static_cast<int>(areas.size());
     for (int position = 0; position < count; ++position)
         insert(tagOf(keyOf(areas.at(position))), position);
-    m_stale = false;
+    m_complete = true;
     if (!m_writing)
         m_seen = areas;
 }
@@ -156,43 +224,19 @@ void DataAreaIndex::insert(quint32 tag, int position)
     if (static_cast<std::size_t>(m_entries) >= m_buckets.size() * entriesPerBucket)
         grow();
     const std::size_t mask = m_buckets.size() - 1;
-    std::size_t bucket = tag >> slotBits;
-    for (std::size_t step = 1;; bucket += step++) {
-        Bucket &target = m_buckets[bucket & mask];
-        for (int slot = 0; slot < bucketSlots; ++slot) {
-            if (target.positions[slot] != emptySlot)
-                continue;
-            target.tags[slot] = tag;
-            target.positions[slot] = position;
-            ++m_entries;
-            return;
-        }
+    std::size_t at = tag >> slotBits;
+    for (std::size_t step = 1;; at += step++) {
+        Bucket &bucket = m_buckets[at & mask];
+        const auto *slot =
+            std::find(std::begin(bucket.positions), std::end(bucket.positions), emptySlot);
+        if (slot == std::end(bucket.positions))
+            continue;
+        const std::ptrdiff_t free = slot - std::begin(bucket.positions);
+        bucket.tags[free] = tag;
+        bucket.positions[free] = position;
+        ++m_entries;
+        return;
     }
-}
-
-void DataAreaIndex::letGo()
-{
-    if (m_writing)
-        return;
-    m_stale = !isComplete();
-    m_seen = {};
-    m_writing = true;
-}
-
-void DataAreaIndex::endWriting()
-{
-    if (!m_writing)
-        return;
-    m_stale = !isComplete();
-    m_writing = false;
-    if (!m_stale)
-        m_seen = driver.dataAreas;
-}
-
-CacheWriting::~CacheWriting()
-{
-    if (--dataAreaIndex.m_depth == 0)
-        dataAreaIndex.endWriting();
 }
 
 } // namespace dx4

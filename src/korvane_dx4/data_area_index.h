@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host_records.h"
+#include "korvane_dx4.h"
 #include "wire/register_type.h"
 
 #include <QList>
@@ -28,12 +29,13 @@ inline bool hasKey(const _DATA_ &record, const RegisterKey &key)
 /// Hash index over driver.dataAreas.
 ///
 /// The list is the truth and the host may change it between two calls, so the index is never
-/// believed:
+/// believed blindly:
 /// - A position it gives is checked against the record that stands there. As no two records share a
 ///   key, a record with the wanted key is the right one, however it was found.
-/// - That a key is missing is believed only while the index is known to be complete. For this it
-///   keeps a copy of the list. Qt shares the two until somebody touches the list other than for
-///   reading, so "still shared" means "nobody has touched it". Otherwise the index is made anew.
+/// - That a key is missing, and that records stand side by side, is believed only while nobody else
+///   has touched the list. To know that, a copy of the list is kept: Qt shares the two until
+///   somebody touches the list other than for reading. Then what was known is dropped and learnt
+///   again.
 ///
 /// The driver's own writes let go of the copy first, or they would copy the whole list.
 /// CacheWriting takes it again when the outermost call ends.
@@ -43,9 +45,20 @@ public:
     int findOrAppend(const RegisterKey &key);
 
     /// The record at a position of the list, to be written. Valid until the list changes.
-    _DATA_ &edit(int position);
+    _DATA_ &edit(int position)
+    {
+        if (!m_writing)
+            letGo();
+        return driver.dataAreas[position];
+    }
 
-    /// Empties the index along with the list, and frees the copy.
+    /// Notes that the record at a position is that of the register behind the one before it.
+    void join(int position);
+
+    /// Records from a position on that are known to be those of consecutive registers: 1 to `most`.
+    int joinedFrom(int position, int most) const;
+
+    /// Empties the index along with the list, and frees its memory.
     void forget();
 
 private:
@@ -60,31 +73,50 @@ private:
         qint32 positions[bucketSlots];
     };
 
+    // Where a search ended: at a record, or at the slot that a new one would take.
+    struct Place {
+        Bucket *bucket = nullptr;
+        int slot = 0;
+        int position = emptySlot;
+    };
+
+    void beginCall();
+    void endCall();
+    void letGo();
+    bool isTouched() const;
+    void dropKnowledge();
     bool isComplete() const;
-    int probe(const RegisterKey &key, quint32 tag) const;
-    int append(const RegisterKey &key, quint32 tag);
+    Place probe(const RegisterKey &key, quint32 tag);
+    int append(const RegisterKey &key, quint32 tag, Place place);
     void rebuild();
     void grow();
     void insert(quint32 tag, int position);
-    void letGo();
-    void endWriting();
 
     std::vector<Bucket> m_buckets;
     int m_entries = 0;
+    bool m_complete = true; // every record of the list has its entry
+    std::vector<quint64> m_joined; // bit p: record p continues record p - 1
     QList<_DATA_> m_seen; // shares with driver.dataAreas while nobody else has touched that
-    bool m_stale = false; // the host has touched the list since the index was made
     bool m_writing = false; // the copy is let go of; only the driver touches the list
     int m_depth = 0; // nested CacheWriting
 };
 
 extern DataAreaIndex dataAreaIndex;
 
-/// Scope in which the driver may write to its cache. Entry points nest when a callback calls back
-/// in; the outermost scope takes the copy of the list again.
+/// Scope of a call that looks into the cache or writes to it. Calls nest when a callback calls back
+/// in; the outermost scope finds out what the host did to the list before and takes its copy after.
 class CacheWriting {
 public:
-    CacheWriting() { ++dataAreaIndex.m_depth; }
-    ~CacheWriting();
+    CacheWriting()
+    {
+        if (dataAreaIndex.m_depth++ == 0)
+            dataAreaIndex.beginCall();
+    }
+    ~CacheWriting()
+    {
+        if (--dataAreaIndex.m_depth == 0)
+            dataAreaIndex.endCall();
+    }
     CacheWriting(const CacheWriting &) = delete;
     CacheWriting &operator=(const CacheWriting &) = delete;
 };

@@ -6,13 +6,10 @@
 #include "wire/byte_order.h"
 #include "wire/wrap.h"
 
-#include <limits>
-
 using namespace dx4;
 
 namespace {
 
-constexpr int nowhere = std::numeric_limits<int>::max();
 constexpr unsigned intBits = 32;
 
 int findOrAppend(const RegisterKey &key, QList<_DATA_> &list)
@@ -31,23 +28,21 @@ int findOrAppend(const RegisterKey &key, QList<_DATA_> &list)
     return count;
 }
 
+void copyShown(const RecordRun &run, unsigned char *out)
+{
+    const QList<_DATA_> &areas = driver.dataAreas;
+    for (int i = 0; i < run.count; ++i) {
+        const unsigned char *shown = shownBytes(areas.at(run.position + i));
+        out[2 * i] = shown[0];
+        out[2 * i + 1] = shown[1];
+    }
+}
+
 } // namespace
 
 RegisterRange dx4::rangeOf(const VARIABLE &var)
 {
     return { var.station, registerType(var.regType), var.address, var.count };
-}
-
-RegisterFinder::RegisterFinder(int station, const QString &regType)
-    : m_station(station)
-    , m_regType(regType)
-    , m_expected(nowhere)
-{
-}
-
-int RegisterFinder::lookUp(int address) const
-{
-    return dataAreaIndex.findOrAppend({ m_station, m_regType, address });
 }
 
 int dx4::shownValue(const _DATA_ &area)
@@ -115,13 +110,11 @@ int intf_getData(int station, QString regType, int address, int count, unsigned 
         return alwaysDone;
     const CacheWriting writing;
     RegisterFinder finder(station, REG_LIST[type]);
-    for (int i = 0; i < count; ++i) {
-        const int position = finder.positionOf(wrapAdd(address, i));
-        if (!out)
-            continue;
-        const unsigned char *shown = shownBytes(driver.dataAreas.at(position));
-        *out++ = shown[0];
-        *out++ = shown[1];
+    for (int i = 0; i < count;) {
+        const RecordRun run = finder.runFrom(wrapAdd(address, i), count - i);
+        if (out)
+            copyShown(run, out + 2 * static_cast<std::ptrdiff_t>(i));
+        i += run.count;
     }
     return alwaysDone;
 }

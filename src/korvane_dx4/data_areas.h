@@ -6,6 +6,7 @@
 #include "korvane_dx4.h"
 #include "korvane_dx4/data_area_index.h"
 #include "wire/register_type.h"
+#include "wire/wrap.h"
 
 #include <QList>
 #include <QString>
@@ -31,46 +32,77 @@ struct RegisterRange {
 /// The registers of a variable.
 RegisterRange rangeOf(const VARIABLE &var);
 
-/// Finds the records of one station and type, quickest in ascending order of address.
+/// Records that stand side by side and belong to consecutive registers.
+struct RecordRun {
+    int position; ///< of the first in driver.dataAreas
+    int count; ///< at least 1
+};
+
+/// Finds the records of one station and type, quickest in ascending order of address. Needs a
+/// CacheWriting scope.
 ///
-/// Registers that are used together were mostly created together, so the record behind the one
-/// found last is looked at first.
+/// Registers that are used together were mostly created together, so a record is first looked for
+/// where it stands if it does so in order.
 class RegisterFinder {
 public:
     /// @param regType  must outlive the finder; records created get this string, so that
     /// sharedName()
     ///                 of it makes later comparisons cheap
-    RegisterFinder(int station, const QString &regType);
-
-    /// Position in driver.dataAreas of the register's record, which is created when it is missing.
-    /// Needs a CacheWriting scope. Stays valid until the link is started anew.
-    int positionOf(int address)
+    RegisterFinder(int station, const QString &regType)
+        : m_station(station)
+        , m_regType(regType)
     {
-        const int position = standsAt(m_expected, address) ? m_expected : lookUp(address);
-        m_expected = position + 1;
-        return position;
     }
+
+    /// The records of the register and of those behind it, as far as they stand side by side. The
+    /// first is created when it is missing.
+    ///
+    /// @param most  at least 1
+    RecordRun runFrom(int address, int most)
+    {
+        const int expected = m_position + wrapSub(address, m_address);
+        const int position = standsAt(expected, address) ? expected : lookUp(address);
+        if (position == m_behind && position == expected)
+            dataAreaIndex.join(position);
+        m_position = position;
+        m_address = address;
+        const int count = most > 1 ? dataAreaIndex.joinedFrom(position, most) : 1;
+        m_behind = position + count;
+        return { position, count };
+    }
+
+    /// Position of the register's record, which is created when it is missing. Positions stay valid
+    /// until the link is started anew.
+    int positionOf(int address) { return runFrom(address, 1).position; }
 
     /// The position found before, after the host was called: found again if the link was started
     /// anew.
     int positionAgain(int position, int address)
     {
-        return standsAt(position, address) ? position : lookUp(address);
+        return standsAt(position, address) ? position : positionOf(address);
     }
 
 private:
     bool standsAt(int position, int address) const
     {
         const QList<_DATA_> &areas = driver.dataAreas;
-        return position < areas.size()
-            && hasKey(areas.at(position), { m_station, m_regType, address });
+        const bool isInside = position >= 0 && position < areas.size();
+        return isInside && hasKey(areas.at(position), { m_station, m_regType, address });
     }
 
-    int lookUp(int address) const;
+    int lookUp(int address) const
+    {
+        return dataAreaIndex.findOrAppend({ m_station, m_regType, address });
+    }
 
     int m_station;
     const QString &m_regType;
-    int m_expected; // position that the next register is looked for at
+    int m_position = nowhere; // of the last run
+    int m_address = 0; // of the last run
+    int m_behind = nowhere; // position behind the last run
+
+    // Far from any position, and from the ends of the numbers.
+    static constexpr int nowhere = -0x40000000;
 };
 
 /// The 16-bit value that a register shows: the written one while its write is pending.

@@ -34,39 +34,71 @@ ReadRequest readRequestOf(const FRAME_PRO &frame)
     return { range, frame.replyDataOffset };
 }
 
-void storeChange(int position, unsigned char low, unsigned char high, const RegisterRange &range,
-                 int address)
+void storeChange(int position, int value, const RegisterRange &range, int address)
 {
     _DATA_ &area = dataAreaIndex.edit(position);
     area.flag0 = 0;
     const int before = wordOf(area.value[0], area.value[1]);
-    const int after = wordOf(low, high);
-    if (before == after)
+    if (before == value)
         return;
     const bool endsPendingWrite = area.writePending != 0 && area.word1 == 0;
     if (endsPendingWrite)
         area.writePending = 0;
-    area.value[0] = low;
-    area.value[1] = high;
-    reportWordChange(position, before, after, range.station, REG_LIST[range.type], address);
+    area.value[0] = lowByte(value);
+    area.value[1] = highByte(value);
+    reportWordChange(position, before, value,
+                     { range.station, REG_LIST[range.type], range.type, address });
 }
 
-// Each register is found, stored and reported before the next is looked at, so that a callback that
-// reads ahead sees old values.
+// How many registers at the start of a run have answered with the value they have.
+int unchangedRegisters(const RecordRun &run, const QByteArray &reply, int offset)
+{
+    const QList<_DATA_> &areas = driver.dataAreas;
+    int count = 0;
+    while (count < run.count) {
+        const _DATA_ &area = areas.at(run.position + count);
+        const int answer = replyRegister(reply, wrapAdd(offset, 2 * count));
+        const bool isSame = wordOf(area.value[0], area.value[1]) == answer && area.flag0 == 0;
+        if (!isSame)
+            break;
+        ++count;
+    }
+    return count;
+}
+
+// A host that starts the link anew from inside its callback takes the records away.
+bool isStillThere(const RecordRun &run)
+{
+    return run.position + run.count <= driver.dataAreas.size();
+}
+
+// Stores the registers of a run. Each is stored and reported before the next is looked at, so that
+// a callback that reads ahead sees old values.
+void storeRun(RecordRun run, const RegisterRange &range, int address, const QByteArray &reply,
+              int offset)
+{
+    while (isStillThere(run)) {
+        const int unchanged = unchangedRegisters(run, reply, offset);
+        if (unchanged == run.count)
+            return;
+        const int answer = replyRegister(reply, wrapAdd(offset, 2 * unchanged));
+        storeChange(run.position + unchanged, answer, range, wrapAdd(address, unchanged));
+        const int done = unchanged + 1;
+        run = { run.position + done, run.count - done };
+        offset = wrapAdd(offset, 2 * done);
+        address = wrapAdd(address, done);
+    }
+}
+
 void storeRegisters(const ReadRequest &request, const QByteArray &reply)
 {
     const RegisterRange &range = request.range;
     RegisterFinder finder(range.station, REG_LIST[range.type]);
-    for (int i = 0; i < range.count; ++i) {
-        const int at = wrapAdd(request.dataOffset, wrapMul(2, i));
-        const unsigned char high = replyByte(reply, at);
-        const unsigned char low = replyByte(reply, wrapAdd(at, 1));
+    for (int i = 0; i < range.count;) {
         const int address = wrapAdd(range.address, i);
-        const int position = finder.positionOf(address);
-        const _DATA_ &area = driver.dataAreas.at(position);
-        const bool isKnown = area.value[0] == low && area.value[1] == high && area.flag0 == 0;
-        if (!isKnown)
-            storeChange(position, low, high, range, address);
+        const RecordRun run = finder.runFrom(address, range.count - i);
+        storeRun(run, range, address, reply, wrapAdd(request.dataOffset, wrapMul(2, i)));
+        i += run.count;
     }
 }
 
