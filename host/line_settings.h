@@ -20,6 +20,7 @@ struct LineSettings {
     Parity parity = Parity::None;
     int stopBits = 1; ///< 1 or 2
     Duration responseTimeout = std::chrono::milliseconds(300); ///< end of request to first byte
+    bool kernelSwitchesDirection = false; ///< RS-485 driver switched by the kernel over RTS
 
     /// Time of one character: start bit, 8 data bits, parity and stop bits.
     Duration characterTime() const;

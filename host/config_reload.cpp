@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// Another configuration for a link that runs.
+#include "host/config_reload.h"
+
+#include <utility>
+
+namespace dx4::host {
+namespace {
+
+QStringList differences(const Config &running, const Config &wanted)
+{
+    QStringList keys;
+    const auto compare = [&keys](bool same, const QString &key) {
+        if (!same)
+            keys.append(key);
+    };
+    const LineSettings &a = running.line;
+    const LineSettings &b = wanted.line;
+    compare(a.port == b.port, QStringLiteral("line.port"));
+    compare(a.speed == b.speed, QStringLiteral("line.speed"));
+    compare(a.parity == b.parity, QStringLiteral("line.parity"));
+    compare(a.stopBits == b.stopBits, QStringLiteral("line.stop_bits"));
+    compare(a.responseTimeout == b.responseTimeout, QStringLiteral("line.timeout_ms"));
+    compare(a.kernelSwitchesDirection == b.kernelSwitchesDirection, QStringLiteral("line.rs485"));
+    compare(running.link.retryLimit == wanted.link.retryLimit, QStringLiteral("link.tries"));
+    compare(running.link.blockSize == wanted.link.blockSize, QStringLiteral("link.block_size"));
+    return keys;
+}
+
+} // namespace
+
+ConfigReload::ConfigReload(Link &link, Planner &planner, const Config &current)
+    : m_link(link)
+    , m_planner(planner)
+    , m_current(current)
+{
+}
+
+bool ConfigReload::prepare(const QString &path, QVector<ConfigError> *errors)
+{
+    auto config = loadConfig(path, errors);
+    if (!config)
+        return false;
+    auto plan = planOf(*config, m_planner, errors);
+    if (!plan)
+        return false;
+    m_needRestart = differences(m_current, *config);
+    config->line = m_current.line;
+    config->link = m_current.link;
+    m_waiting = std::move(config);
+    m_waitingPlan = std::move(*plan);
+    return true;
+}
+
+bool ConfigReload::apply()
+{
+    const bool requestInProgress = !m_link.api().state->sendFrames.isEmpty();
+    if (!m_waiting || requestInProgress)
+        return false;
+    m_link.poll(m_waitingPlan.addresses);
+    m_current = std::move(*m_waiting);
+    m_plan = std::move(m_waitingPlan);
+    m_waiting.reset();
+    return true;
+}
+
+} // namespace dx4::host

@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: MIT
+// Configuration files: what they say, and what is said about a wrong one.
+#include "host/config.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace dx4::host;
+using std::chrono::milliseconds;
+using Texts = std::vector<std::string>;
+
+namespace {
+
+struct ConfigRow {
+    const char *name;
+    const char *text;
+    Texts errors;
+};
+
+std::string nameOf(const ::testing::TestParamInfo<ConfigRow> &row)
+{
+    return row.param.name;
+}
+
+Texts textsOf(const QVector<ConfigError> &errors)
+{
+    Texts texts;
+    for (const ConfigError &error : errors)
+        texts.push_back(error.in(QStringLiteral("a.toml")).toStdString());
+    return texts;
+}
+
+std::unique_ptr<Plugin> privateCopy()
+{
+    return Plugin::load(QStringLiteral(KORVANE_PLUGIN_FILE), Plugin::Instance::PrivateCopy);
+}
+
+Texts planErrors(const char *text)
+{
+    QVector<ConfigError> errors;
+    const auto config = parseConfig(text, &errors);
+    Planner planner(privateCopy(), LinkSettings());
+    if (config)
+        planOf(*config, planner, &errors);
+    return textsOf(errors);
+}
+
+class ConfigErrors : public ::testing::TestWithParam<ConfigRow> { };
+
+} // namespace
+
+TEST(Config, TheExampleIsRead)
+{
+    QVector<ConfigError> errors;
+
+    const auto config = loadConfig(QStringLiteral(KORVANE_EXAMPLES "/two-drives.toml"), &errors);
+
+    ASSERT_TRUE(config.has_value()) << textsOf(errors).at(0);
+    EXPECT_EQ(config->line.speed, 19200);
+    EXPECT_EQ(config->line.parity, Parity::Even);
+    EXPECT_EQ(config->line.responseTimeout, milliseconds(200));
+    EXPECT_EQ(config->link.retryLimit, 3);
+    EXPECT_EQ(config->stop.controlWord, 0);
+    ASSERT_EQ(config->stations.size(), 2);
+    EXPECT_EQ(config->stations.at(0).name, QStringLiteral("feed pump"));
+    EXPECT_EQ(config->stations.at(0).registers.at(0).scaling.text(4998),
+              QStringLiteral("49.98 Hz"));
+    EXPECT_EQ(config->stations.at(0).registers.at(1).scaling.text(0xFFFE), QStringLiteral("-2 °C"));
+    EXPECT_EQ(config->stations.at(1).extraGap, milliseconds(5));
+}
+
+TEST(Config, TheExampleCanBePlanned)
+{
+    QVector<ConfigError> errors;
+    const auto config = loadConfig(QStringLiteral(KORVANE_EXAMPLES "/two-drives.toml"), &errors);
+    Planner planner(privateCopy(), config->link);
+
+    const auto plan = planOf(*config, planner, &errors);
+
+    ASSERT_TRUE(plan.has_value()) << textsOf(errors).at(0);
+    EXPECT_EQ(plan->wantedRegisters, 18);
+}
+
+TEST(Config, WhatIsNotSaidStaysAtItsDefault)
+{
+    const auto config =
+        parseConfig("[line]\nport = \"/dev/ttyS0\"\n[[station]]\naddress = 9\n", nullptr);
+
+    ASSERT_TRUE(config.has_value());
+    EXPECT_EQ(config->line.speed, 9600);
+    EXPECT_EQ(config->line.parity, Parity::None);
+    EXPECT_EQ(config->line.responseTimeout, milliseconds(300));
+    EXPECT_FALSE(config->line.kernelSwitchesDirection);
+    EXPECT_EQ(config->link.blockSize, 16);
+    EXPECT_FALSE(config->stop.controlWord.has_value());
+    EXPECT_TRUE(config->stations.at(0).registers.isEmpty());
+}
+
+TEST(Config, AMissingFileIsAnErrorOfTheFile)
+{
+    QVector<ConfigError> errors;
+
+    const auto config = loadConfig(QStringLiteral(KORVANE_EXAMPLES "/none.toml"), &errors);
+
+    EXPECT_FALSE(config.has_value());
+    ASSERT_EQ(errors.size(), 1);
+    EXPECT_EQ(errors.at(0).line, 0);
+    EXPECT_EQ(textsOf(errors).at(0), "a.toml: No such file or directory");
+}
+
+TEST_P(ConfigErrors, AreNamedWithTheirLine)
+{
+    QVector<ConfigError> errors;
+
+    const auto config = parseConfig(GetParam().text, &errors);
+
+    EXPECT_FALSE(config.has_value());
+    EXPECT_EQ(textsOf(errors), GetParam().errors);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Config, ConfigErrors,
+    ::testing::Values(
+        ConfigRow { "APortIsNeeded",
+                    "[line]\nspeed = 9600\n[[station]]\naddress = 1\n",
+                    { "a.toml:1: port: is missing; give the device under [line]" } },
+        ConfigRow { "AStationIsNeeded",
+                    "line.port = \"a\"\n",
+                    { "a.toml: no station; begin one by [[station]]" } },
+        ConfigRow { "StationsEndAt247",
+                    "line.port = \"a\"\n[[station]]\naddress = 248\n",
+                    { "a.toml:3: address: expected a whole number from 1 to 247" } },
+        ConfigRow { "AStationStandsOnce",
+                    "line.port = \"a\"\n[[station]]\naddress = 2\n[[station]]\naddress = 2\n",
+                    { "a.toml:5: address: station 2 stands here twice" } },
+        ConfigRow { "AStationNeedsItsAddress",
+                    "line.port = \"a\"\n[[station]]\nname = \"x\"\n",
+                    { "a.toml:2: address: is missing; expected a whole number from 1 to 247" } },
+        ConfigRow { "AnUnknownKeyNamesTheKnown",
+                    "[line]\nport = \"a\"\n[link]\nretries = 3\n[[station]]\naddress = 1\n",
+                    { "a.toml:4: retries: no such key; expected one of tries, block_size" } },
+        ConfigRow { "ParityIsAWord",
+                    "[line]\nport = \"a\"\nparity = \"E\"\n[[station]]\naddress = 1\n",
+                    { "a.toml:3: parity: expected \"none\", \"even\", \"odd\"" } },
+        ConfigRow { "TheBlockSizeEndsAt123",
+                    "line.port = \"a\"\nlink.block_size = 124\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: block_size: expected a whole number from 1 to 123" } },
+        ConfigRow { "ARangeHasNoName",
+                    "line.port = \"a\"\n[[station]]\naddress = 1\n[[station.register]]\n"
+                    "at = \"D 0-3\"\nname = \"x\"\n",
+                    { "a.toml:6: name: stands for one register; give each its own entry" } },
+        ConfigRow {
+            "ANameIsTakenOnce",
+            "line.port = \"a\"\n[[station]]\naddress = 1\n"
+            "register = [ { at = \"D 0\", name = \"x\" },\n{ at = \"D 1\", name = \"x\" } ]\n",
+            { "a.toml:5: name: \"x\" is taken within the station" } },
+        ConfigRow { "AScaleOfZeroHasNoWayBack",
+                    "line.port = \"a\"\n[[station]]\naddress = 1\n[[station.register]]\n"
+                    "at = \"D 0\"\nscale = 0\n",
+                    { "a.toml:6: scale: expected a number other than 0" } },
+        ConfigRow { "AnAddressInNoNotation",
+                    "line.port = \"a\"\n[[station]]\naddress = 1\n[[station.register]]\n"
+                    "at = \"F 17\"\n",
+                    { "a.toml:5: at: not an address; write \"F 8.2\" or \"F 8.2-8.5\", with groups "
+                      "0 to 9 and c" } },
+        ConfigRow { "EveryErrorIsToldInTheOrderOfTheFile",
+                    "[[station]]\naddress = 0\n[line]\nport = 5\nspeed = \"fast\"\n",
+                    { "a.toml:2: address: expected a whole number from 1 to 247",
+                      "a.toml:4: port: expected a text such as \"/dev/serial/by-id/usb-...\"",
+                      "a.toml:5: speed: expected a whole number from 300 to 4000000" } }),
+    nameOf);
+
+TEST(Config, TextThatIsNoTomlIsAnErrorOfItsLine)
+{
+    QVector<ConfigError> errors;
+
+    parseConfig("[line]\nport = \n", &errors);
+
+    ASSERT_EQ(errors.size(), 1);
+    EXPECT_EQ(errors.at(0).line, 2);
+}
+
+TEST(Config, AnEntryThatTheDriverRefusesIsNamedWithItsLine)
+{
+    const Texts errors = planErrors("line.port = \"a\"\n[[station]]\naddress = 1\n"
+                                    "[[station.register]]\nat = \"D 40\"\n"
+                                    "[[station.register]]\nat = \"CW\"\n");
+
+    EXPECT_EQ(
+        errors,
+        (Texts { "a.toml:4: station 1, \"D 40\": out of range; D reaches from 0 to 31",
+                 "a.toml:6: station 1, \"CW\": CW can only be written; F, D, SW and FU can be "
+                 "read" }));
+}
+
+TEST(Scaling, AQuantityGoesBackToTheNearestRegisterValue)
+{
+    Scaling scaling;
+    scaling.factor = 0.01;
+    scaling.offset = -10.0;
+
+    EXPECT_EQ(scaling.registerValue(-10.0), 0);
+    EXPECT_EQ(scaling.registerValue(39.996), 5000);
+    EXPECT_EQ(scaling.registerValue(645.35), 65535);
+}
+
+TEST(Scaling, AQuantityOutOfReachHasNoRegisterValue)
+{
+    Scaling scaling;
+    Scaling withSign;
+    withSign.isSigned = true;
+
+    EXPECT_EQ(scaling.registerValue(-0.6), std::nullopt);
+    EXPECT_EQ(scaling.registerValue(65535.6), std::nullopt);
+    EXPECT_EQ(withSign.registerValue(-32768.0), 0x8000);
+    EXPECT_EQ(withSign.registerValue(32768.0), std::nullopt);
+}
