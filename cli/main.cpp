@@ -6,6 +6,8 @@
 #include "cli/commands/frames.h"
 #include "cli/commands/get.h"
 #include "cli/commands/plan.h"
+#include "cli/commands/record.h"
+#include "cli/commands/replay.h"
 #include "cli/commands/run.h"
 #include "cli/commands/scan.h"
 #include "cli/commands/set.h"
@@ -35,5 +37,7 @@ int main(int argc, char **argv)
     dx4::cli::addStats(line);
     dx4::cli::addRun(line);
     dx4::cli::addStop(line);
+    dx4::cli::addRecord(line);
+    dx4::cli::addReplay(line);
     return line.run(argc, argv);
 }

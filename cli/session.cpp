@@ -7,6 +7,7 @@
 #include "cli/reply_text.h"
 #include "cli/values.h"
 #include "host/notation.h"
+#include "host/recording_line.h"
 
 namespace dx4::cli {
 namespace {
@@ -63,14 +64,17 @@ host::LinkSettings linkSettings(const LineOptions &options)
     return settings;
 }
 
-Session::Session(const LineOptions &options)
+Session::Session(const LineOptions &options, host::FrameRing *ring)
     : m_options(options)
     , m_line(std::make_unique<host::SerialLine>(lineSettings(options)))
-    , m_exchange(std::make_unique<host::LineExchange>(*m_line))
+    , m_recorder(ring ? std::make_unique<host::RecordingLine>(*m_line, *ring) : nullptr)
+    , m_usedLine(m_recorder ? m_recorder.get() : m_line.get())
+    , m_exchange(std::make_unique<host::GuardedExchange>(*m_usedLine))
 {
 }
 
-std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *failure)
+std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *failure,
+                                       host::FrameRing *ring)
 {
     if (options.port.isEmpty()) {
         *failure = { ExitUsage,
@@ -81,7 +85,7 @@ std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *fail
     auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, failure);
     if (!plugin)
         return nullptr;
-    std::unique_ptr<Session> session(new Session(options));
+    std::unique_ptr<Session> session(new Session(options, ring));
     QString error;
     if (!session->m_line->open(&error)) {
         *failure = { ExitLine, QStringLiteral("cannot open %1").arg(error) };
@@ -93,38 +97,39 @@ std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *fail
     return session;
 }
 
-host::Cycle::Step Session::step()
+host::ReplyVerdict Session::verdict() const
 {
-    const host::Cycle::Step step = m_cycle->step();
-    if (step != host::Cycle::Step::Idle && step != host::Cycle::Step::LineDown)
-        m_verdict = host::checkReply(m_cycle->request(), m_cycle->reply().bytes);
-    return step;
+    const host::ExchangeReport &report = m_exchange->report();
+    // Nothing of the station's own came, but others were heard.
+    const bool foreignAlone =
+        report.verdict.cause == host::ReplyCause::Silence && report.foreignFrames > 0;
+    return foreignAlone ? host::ReplyVerdict { host::ReplyCause::ForeignStation, 0 }
+                        : report.verdict;
 }
 
-Failure Session::failureOf(host::Cycle::Step step, const Target &target) const
+Failure Session::failureOf(host::Cycle::Step step, const Target &target, int tries) const
 {
+    const QString where = whereText(target);
     if (step == host::Cycle::Step::LineDown)
-        return { ExitLine,
-                 QStringLiteral("%1: the line %2 broke").arg(whereText(target), m_options.port) };
-    const QString tries = m_options.retries > 0
-        ? QStringLiteral(" after %1 tries").arg(m_options.retries + 1)
-        : QString();
-    return { causeCode(m_verdict),
-             QStringLiteral("%1: %2%3").arg(whereText(target), causeText(m_verdict), tries) };
+        return { ExitLine, QStringLiteral("%1: the line %2 broke").arg(where, m_options.port) };
+    const QString often = tries > 1 ? QStringLiteral(" after %1 tries").arg(tries) : QString();
+    return { causeCode(verdict()),
+             QStringLiteral("%1: %2%3").arg(where, causeText(verdict()), often) };
 }
 
 /// Steps until the request of this piece is answered or given up.
 bool Session::settle(const Target &target, Failure *failure)
 {
     using Step = host::Cycle::Step;
+    const quint64 before = m_cycle->counters().requests;
     while (!shouldEnd()) {
         const Step taken = step();
-        const bool answered = taken == Step::Served && m_verdict.cause == host::ReplyCause::Good;
-        if (answered)
+        if (taken == Step::Served)
             return true;
         if (taken == Step::Idle || taken == Step::Retry)
             continue;
-        *failure = failureOf(taken, target);
+        const auto tries = static_cast<int>(m_cycle->counters().requests - before);
+        *failure = failureOf(taken, target, tries);
         return false;
     }
     *failure = { ExitInterrupted, QStringLiteral("interrupted") };

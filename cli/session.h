@@ -6,7 +6,8 @@
 #include "cli/exit_code.h"
 #include "cli/target.h"
 #include "host/cycle.h"
-#include "host/reply_check.h"
+#include "host/frame_ring.h"
+#include "host/guarded_exchange.h"
 #include "host/serial_line.h"
 
 #include <memory>
@@ -36,19 +37,24 @@ host::LinkSettings linkSettings(const LineOptions &options);
 /// One line, open, and one driver on it.
 class Session {
 public:
-    /// Loads the driver and opens the port. @return null with the failure told
-    static std::unique_ptr<Session> open(const LineOptions &options, Failure *failure);
+    /// Loads the driver and opens the port.
+    ///
+    /// @param ring  keeps what passes over the line, and outlives the session; null: nothing is
+    /// kept
+    /// @return null with the failure told
+    static std::unique_ptr<Session> open(const LineOptions &options, Failure *failure,
+                                         host::FrameRing *ring = nullptr);
 
     const LineOptions &options() const { return m_options; }
     host::Link &link() { return *m_link; }
-    host::Line &line() { return *m_line; }
+    host::Line &line() { return *m_usedLine; }
     const host::Cycle &cycle() const { return *m_cycle; }
 
     /// One exchange. Afterwards verdict() says what came back.
-    host::Cycle::Step step();
+    host::Cycle::Step step() { return m_cycle->step(); }
 
-    /// The reply of the last exchange, looked at closely.
-    const host::ReplyVerdict &verdict() const { return m_verdict; }
+    /// What came back in the last exchange.
+    host::ReplyVerdict verdict() const;
 
     /// Reads a run, request by request; each that fails is tried as often as the options say.
     ///
@@ -59,16 +65,17 @@ public:
     bool write(const Target &target, const QVector<quint16> &values, Failure *failure);
 
 private:
-    explicit Session(const LineOptions &options);
+    Session(const LineOptions &options, host::FrameRing *ring);
     bool settle(const Target &target, Failure *failure);
-    Failure failureOf(host::Cycle::Step step, const Target &target) const;
+    Failure failureOf(host::Cycle::Step step, const Target &target, int tries) const;
 
     LineOptions m_options;
     std::unique_ptr<host::Line> m_line;
-    std::unique_ptr<host::Exchange> m_exchange;
+    std::unique_ptr<host::Line> m_recorder; ///< around the line; null when nothing is kept
+    host::Line *m_usedLine;
+    std::unique_ptr<host::GuardedExchange> m_exchange;
     std::unique_ptr<host::Link> m_link;
     std::unique_ptr<host::Cycle> m_cycle;
-    host::ReplyVerdict m_verdict;
 };
 
 } // namespace dx4::cli

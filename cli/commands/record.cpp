@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+// dx4 record: the frames of a line in a file.
+#include "cli/commands/record.h"
+
+#include "cli/interrupt.h"
+#include "cli/output.h"
+#include "cli/session.h"
+#include "cli/watch_plan.h"
+#include "host/length.h"
+#include "host/pcap_file.h"
+
+namespace dx4::cli {
+namespace {
+
+constexpr int mostFrames = 1000000; // some hours of a busy line
+
+struct Options {
+    LineOptions line;
+    QStringList words; ///< file, then addresses
+    int rounds = 0; ///< 0: until Ctrl-C
+};
+
+/// Polls until it has had enough; gives whether the line held.
+bool poll(Session &session, qint64 requests)
+{
+    qint64 settled = 0;
+    while (!shouldEnd() && (requests == 0 || settled < requests)) {
+        const host::Cycle::Step step = session.step();
+        if (step == host::Cycle::Step::LineDown)
+            return false;
+        const bool over = step == host::Cycle::Step::Served || step == host::Cycle::Step::GivenUp;
+        settled += over ? 1 : 0;
+    }
+    return true;
+}
+
+void report(const QString &file, const host::FrameRing &ring, bool json)
+{
+    const int frames = host::lengthOf(ring.frames());
+    if (json) {
+        printJson({ { QStringLiteral("file"), file },
+                    { QStringLiteral("frames"), frames },
+                    { QStringLiteral("forgotten"), static_cast<qint64>(ring.forgotten()) } });
+        return;
+    }
+    printLine(QStringLiteral("%1 frames in %2").arg(frames).arg(file));
+    if (ring.forgotten() > 0)
+        note(QStringLiteral("record"),
+             QStringLiteral("the first %1 frames were forgotten").arg(ring.forgotten()));
+}
+
+int runRecord(const Options &options)
+{
+    const QString name = QStringLiteral("record");
+    if (options.words.size() < 2)
+        return complain(name, { ExitUsage, QStringLiteral("name the file, then the registers") });
+    const QString file = options.words.constFirst();
+    Failure failure;
+    const auto plan = makePlan(options.words.mid(1), options.line, &failure);
+    if (!plan)
+        return complain(name, failure);
+    host::FrameRing ring(mostFrames);
+    const auto session = Session::open(options.line, &failure, &ring);
+    if (!session)
+        return complain(name, failure);
+    const qint64 blocks = host::lengthOf(session->link().poll(plan->addresses));
+    const bool lineHeld = poll(*session, options.rounds * blocks);
+    QString error;
+    // What was heard until the line broke is worth most.
+    if (!host::writePcap(file, ring.frames(), host::wallClockOffset(session->line().now()), &error))
+        return complain(name, { ExitFailed, error });
+    report(file, ring, options.line.json);
+    if (lineHeld)
+        return ExitDone;
+    return complain(name, { ExitLine, QStringLiteral("%1 broke").arg(options.line.port) });
+}
+
+} // namespace
+
+void addRecord(CommandLine &line)
+{
+    Command command = line.add("record", "poll and keep every frame in a file");
+    const auto options = std::make_shared<Options>();
+    command.words("file", options->words, "a capture to write, then the registers to poll");
+    command.number("--rounds", options->rounds, "through all registers; 0 until Ctrl-C", 0,
+                   1000000);
+    addLineOptions(command, options->line);
+    command.example(QStringLiteral("dx4 record --port /dev/ttyUSB0 --rounds 5 line.pcap D 0-3 SW"),
+                    QStringLiteral("five rounds; the file opens in protocol analysers"));
+    command.action([options] { return runRecord(*options); });
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// dx4 record: the frames of a line in a file.
+#pragma once
+
+#include "cli/command_line.h"
+
+namespace dx4::cli {
+
+/// Adds the command: polls and keeps every frame in a network capture.
+void addRecord(CommandLine &line);
+
+} // namespace dx4::cli

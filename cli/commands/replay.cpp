@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// dx4 replay: a recording through the driver once more.
+#include "cli/commands/replay.h"
+
+#include "cli/driver_file.h"
+#include "cli/frame_text.h"
+#include "cli/output.h"
+#include "cli/session.h"
+#include "cli/target.h"
+#include "cli/value_output.h"
+#include "cli/watch_plan.h"
+#include "host/pcap_file.h"
+#include "host/replay.h"
+
+#include <algorithm>
+
+namespace dx4::cli {
+namespace {
+
+struct Options {
+    LineOptions line;
+    QStringList words; ///< file, then addresses
+};
+
+/// What the recording's reads ask for, each once, as it seems to have been polled.
+QList<KEY_ADDRESS> recordedReads(const QVector<host::RecordedFrame> &frames)
+{
+    QList<KEY_ADDRESS> reads;
+    for (const host::RecordedFrame &frame : frames) {
+        const FrameText text = explainFrame(frame.bytes);
+        QString regType;
+        int address = 0;
+        const bool isRead = frame.isRequest && text.function == 3
+            && findRegister(text.firstRegister, &regType, &address);
+        const bool known = std::any_of(reads.cbegin(), reads.cend(), [&](const KEY_ADDRESS &read) {
+            return read.station == text.station && read.regType == regType
+                && read.address == address && read.count == text.count;
+        });
+        if (isRead && !known)
+            reads.append(host::wanted(text.station, regType, address, text.count));
+    }
+    return reads;
+}
+
+void printChange(host::Link &link, const host::ValueChange &change, bool json)
+{
+    if (!typeNames().contains(change.name))
+        return; // the outcome of a condition read
+    const Target target { change.station, change.name, change.address, 1 };
+    printValues(target, link.values(change.station, change.name, change.address), json, false);
+}
+
+int report(const host::ReplayResult &result)
+{
+    const QString name = QStringLiteral("replay");
+    note(name, QStringLiteral("%1 requests played").arg(result.played));
+    if (result.complete)
+        return ExitDone;
+    return complain(name,
+                    { ExitFailed,
+                      QStringLiteral("the driver does not send %1; name the registers that "
+                                     "were polled")
+                          .arg(result.stoppedAt) });
+}
+
+int runReplay(const Options &options)
+{
+    const QString name = QStringLiteral("replay");
+    QString error;
+    const auto frames = host::readPcap(options.words.constFirst(), &error);
+    if (!frames)
+        return complain(name, { ExitFailed, error });
+    Failure failure;
+    QList<KEY_ADDRESS> addresses = recordedReads(*frames);
+    if (options.words.size() > 1) {
+        const auto plan = makePlan(options.words.mid(1), options.line, &failure);
+        if (!plan)
+            return complain(name, failure);
+        addresses = plan->addresses;
+    }
+    auto plugin = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    if (!plugin)
+        return complain(name, failure);
+    host::ReplayLine line(*frames, lineSettings(options.line));
+    host::GuardedExchange exchange(line);
+    host::Link link(std::move(plugin), linkSettings(options.line));
+    link.onChange([&link, &options](const host::ValueChange &change) {
+        printChange(link, change, options.line.json);
+    });
+    link.poll(addresses);
+    return report(host::replay(link, line, exchange));
+}
+
+} // namespace
+
+void addReplay(CommandLine &line)
+{
+    Command command = line.add("replay", "play a recording through the driver once more");
+    const auto options = std::make_shared<Options>();
+    command.words("file", options->words, "a capture, then the registers that were polled");
+    addLineOptions(command, options->line);
+    command.example(QStringLiteral("dx4 replay line.pcap"),
+                    QStringLiteral("every change of a value, without a line"));
+    command.action([options] { return runReplay(*options); });
+}
+
+} // namespace dx4::cli
