@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: MIT
+// One line with everything a host must do for it: the object that tools and panels stand on.
+#include "host/runtime.h"
+
+#include "host/length.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <thread>
+
+namespace dx4::host {
+namespace {
+
+constexpr Duration longestIdle = std::chrono::milliseconds(100);
+constexpr Duration firstOpenDelay = std::chrono::milliseconds(50);
+constexpr Duration longestOpenDelay = std::chrono::seconds(2);
+
+void sleepFor(Duration span)
+{
+    std::this_thread::sleep_for(span);
+}
+
+QString stationList(const QVector<int> &stations)
+{
+    QStringList names;
+    for (int station : stations)
+        names.append(QString::number(station));
+    return names.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+Runtime::Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettings &settings)
+    : m_line(line)
+    , m_settings(settings)
+    , m_link(std::move(plugin), settings.link)
+    , m_guard(line)
+    , m_breaker(settings.breaker)
+    , m_exchange(line, m_guard, m_breaker)
+    , m_cycle(m_link, m_exchange)
+    , m_desk(m_link)
+    , m_stop(m_link, settings.stops)
+    , m_start(line.now())
+    , m_lastUser(line.now())
+{
+    if (!m_settings.pause)
+        m_settings.pause = sleepFor;
+    m_desk.setGate([this](const WriteWish &wish) { return gate(wish); });
+}
+
+Runtime::~Runtime() = default;
+
+void Runtime::setPlan(const Plan &plan)
+{
+    m_nextPlan = plan;
+    applyPlan();
+}
+
+/// A reply is stored against the lists that its request came from: they change between two
+/// requests.
+void Runtime::applyPlan()
+{
+    if (!m_nextPlan || !m_link.api().state->sendFrames.isEmpty())
+        return;
+    m_blocks = lengthOf(m_link.poll(m_nextPlan->addresses));
+    m_nextPlan.reset();
+}
+
+Refusal Runtime::gate(const WriteWish &wish) const
+{
+    const bool isCommand = wish.regType == QLatin1String("CW");
+    if (m_stopping)
+        return Refusal::Stopping;
+    if (!m_line.isOpen() || m_breaker.isLeftAlone(wish.station))
+        return Refusal::NotConnected;
+    // A drive that has never been heard must not be started blindly; stopping it does no harm.
+    if (isCommand && !m_stop.isStop(wish.station, wish.values)
+        && !m_breaker.hasAnswered(wish.station))
+        return Refusal::NotAnswered;
+    return Refusal::None;
+}
+
+bool Runtime::ensureOpen()
+{
+    if (m_line.isOpen())
+        return true;
+    if (m_line.now() < m_openAt)
+        return false;
+    if (m_line.open(nullptr)) {
+        m_openDelay = Duration { 0 };
+        m_stop.tryNow();
+        return true;
+    }
+    m_openDelay = std::clamp(2 * m_openDelay, firstOpenDelay, longestOpenDelay);
+    m_openAt = m_line.now() + m_openDelay;
+    return false;
+}
+
+Runtime::Step Runtime::step()
+{
+    watchUser();
+    if (!ensureOpen())
+        return Step::LineDown;
+    if (m_stopping)
+        m_stop.prepare(m_line.now());
+    const int mostPassedOver = m_blocks + m_link.waitingWrites() + m_link.waitingConditionReads();
+    for (int passed = 0; passed <= mostPassedOver; ++passed) {
+        const Step step = m_cycle.step();
+        if (step == Step::Idle)
+            break;
+        settle(step);
+        if (m_cycle.reply().kind != Reply::Kind::NotAsked)
+            return step;
+    }
+    applyPlan();
+    return Step::Idle;
+}
+
+void Runtime::settle(Step step)
+{
+    if (m_cycle.reply().kind == Reply::Kind::NotAsked) {
+        m_counters.countNotAsked(m_cycle.request());
+        m_desk.afterStep(m_cycle, step, ReplyVerdict {});
+    } else if (step == Step::LineDown) {
+        lineWentDown();
+    } else {
+        settleAsked(step);
+    }
+    applyPlan();
+}
+
+void Runtime::settleAsked(Step step)
+{
+    const FRAME_PRO &request = m_cycle.request();
+    m_counters.countExchange(request, m_guard.report(), m_cycle.reply().turnaround);
+    if (step == Step::Retry)
+        m_counters.countRetry(request);
+    if (step == Step::GivenUp) {
+        m_counters.countGiveUp(request);
+        if (!isAnswer(m_guard.report().verdict.cause))
+            m_breaker.noteGiveUp(request.var.station, m_line.now());
+    }
+    if (step == Step::Served)
+        noteValues();
+    if (m_stopping) {
+        m_stop.afterStep(m_cycle, step, m_line.now());
+        followStop();
+    }
+    m_desk.afterStep(m_cycle, step, m_guard.report().verdict);
+}
+
+void Runtime::noteValues()
+{
+    const BlockKey key = blockOf(m_cycle.request());
+    if (!key.isWrite)
+        m_reads[key] = m_line.now();
+}
+
+/// A command that waited while the line was down must not start a drive minutes later.
+void Runtime::lineWentDown()
+{
+    m_counters.countLineDown();
+    m_openAt = m_line.now();
+    m_desk.abandon(WriteEnd::TimedOut, Refusal::None, QStringLiteral("the line went down"));
+    FRAME_PRO waiting;
+    while (m_link.waitingWrites() > 0 && m_link.nextFrame(waiting))
+        m_link.handReply(QByteArray());
+}
+
+void Runtime::run(const std::function<bool()> &enough)
+{
+    while (!enough()) {
+        const Step done = step();
+        if (done == Step::Idle || done == Step::LineDown)
+            m_settings.pause(idleTime());
+    }
+}
+
+Duration Runtime::idleTime() const
+{
+    const std::optional<Duration> probe = m_breaker.nextProbe();
+    Duration next = m_line.now() + longestIdle;
+    if (!m_line.isOpen())
+        next = std::min(next, m_openAt);
+    else if (probe)
+        next = std::min(next, *probe);
+    return std::max(next - m_line.now(), Duration { 1000 });
+}
+
+std::optional<Duration> Runtime::readAt(int station, const QString &regType, int address) const
+{
+    std::optional<Duration> latest;
+    for (const auto &[key, time] : m_reads) {
+        const bool isInside = key.station == station && key.regType == regType
+            && address >= key.address && address < key.address + key.count;
+        if (isInside && (!latest || time > *latest))
+            latest = time;
+    }
+    return latest;
+}
+
+Value Runtime::value(int station, const QString &regType, int address) const
+{
+    const RegisterState state = m_link.registerState(station, regType, address);
+    const std::optional<Duration> time = readAt(station, regType, address);
+    Value value;
+    value.value = state.value;
+    value.known = time.has_value();
+    value.failed = state.failed;
+    value.writePending = state.writePending;
+    value.age = time ? m_line.now() - *time : Duration { 0 };
+    value.stale = !time || value.age > m_settings.staleAfter || !m_line.isOpen()
+        || m_breaker.isLeftAlone(station);
+    return value;
+}
+
+void Runtime::beginStop()
+{
+    m_desk.abandon(WriteEnd::Refused, Refusal::Stopping,
+                   QStringLiteral("dropped: a stop goes first"));
+    m_stop.begin();
+    m_stopping = m_stop.isPending();
+}
+
+StopReport Runtime::stop(Duration budget)
+{
+    beginStop();
+    const Duration end = m_line.now() + budget;
+    run([&] { return !m_stopping || m_line.now() >= end; });
+    StopReport report { m_stop.unconfirmed(), QStringLiteral("all stops confirmed") };
+    if (report.unconfirmed.isEmpty())
+        return report;
+    report.text = QStringLiteral("STOP NOT CONFIRMED by station %1: it may still run")
+                      .arg(stationList(report.unconfirmed));
+    alarm(report.text);
+    return report;
+}
+
+/// Brings a station that answers again to its stop, and ends with the last confirmation.
+void Runtime::followStop()
+{
+    const VARIABLE &served = m_cycle.request().var;
+    if (served.varKind != safeStopTag && isAnswer(m_guard.report().verdict.cause))
+        m_stop.tryStation(served.station);
+    if (m_stop.isPending())
+        return;
+    m_stopping = false;
+    alarm(QStringLiteral("all stops confirmed"));
+}
+
+void Runtime::noteUser()
+{
+    m_lastUser = m_line.now();
+    m_userGone = false;
+}
+
+void Runtime::watchUser()
+{
+    const bool isLate = m_settings.userPatience > Duration { 0 }
+        && m_line.now() - m_lastUser > m_settings.userPatience;
+    if (!isLate || m_userGone)
+        return;
+    m_userGone = true;
+    alarm(QStringLiteral("the user interface is silent: stopping"));
+    beginStop();
+}
+
+void Runtime::alarm(const QString &text)
+{
+    if (m_alarm)
+        m_alarm(text);
+}
+
+} // namespace dx4::host

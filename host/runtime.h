@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+// One line with everything a host must do for it: the object that tools and panels stand on.
+#pragma once
+
+#include "host/breaker.h"
+#include "host/counters.h"
+#include "host/plan.h"
+#include "host/safe_stop.h"
+#include "host/write_desk.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace dx4::host {
+
+/// How one line is run.
+struct RuntimeSettings {
+    LinkSettings link;
+    BreakerSettings breaker;
+    QVector<StopCommand> stops; ///< sent by stop(); a station without one is left as it is
+    Duration staleAfter = std::chrono::seconds(5); ///< age from which a value counts as old
+    Duration userPatience { 0 }; ///< silence of the user that leads to a stop; 0: never
+    std::function<void(Duration)> pause; ///< lets time pass; null: the thread sleeps
+};
+
+/// What is known of one register.
+struct Value {
+    quint16 value = 0; ///< the written one while its write waits
+    bool known = false; ///< read at least once; else `value` means nothing
+    bool failed = false; ///< the last read of it was given up
+    bool stale = false; ///< unknown, too old, or its line or station is not there
+    bool writePending = false;
+    Duration age { 0 }; ///< since the reply that brought it; 0 when unknown
+};
+
+/// How a stop ended.
+struct StopReport {
+    QVector<int> unconfirmed; ///< stations that may still run; empty: all is well
+    QString text; ///< one line for the user
+};
+
+/// Runs one line: plan, link, guarded exchange, breaker, writes, safe stop and counters.
+///
+/// All calls come from one thread, one Runtime per thread and line; handlers run inside step(),
+/// write() or stop(). Lines in one process need private copies of the driver.
+class Runtime {
+public:
+    using Step = Cycle::Step;
+    using AlarmHandler = std::function<void(const QString &)>;
+
+    /// @param plugin    a private copy where the process has another line
+    /// @param line      outlives the runtime; opened by step() when it is closed
+    Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettings &settings);
+    ~Runtime();
+
+    /// Replaces the cyclic reads, at once or when the request on the line has ended. Values stay.
+    void setPlan(const Plan &plan);
+
+    /// One exchange. A closed line is opened first, with pauses that grow to 2 s. Stations that are
+    /// left alone are passed over.
+    ///
+    /// @return Idle: there is nothing to ask for now; LineDown: the line is closed. In both cases
+    ///         call again after idleTime()
+    Step step();
+
+    /// Steps until `enough` says so, and pauses where there is nothing to do. `enough` is asked
+    /// before each step.
+    void run(const std::function<bool()> &enough);
+
+    /// How long the next step would find nothing to do after Idle or LineDown; at most 100 ms, so
+    /// that a write is not kept waiting.
+    Duration idleTime() const;
+
+    /// State of one register.
+    Value value(int station, const QString &regType, int address) const;
+
+    /// Takes a write; its outcome is reported once. @return its id
+    int write(const WriteWish &wish) { return m_desk.submit(wish); }
+    int pendingWrites() const { return m_desk.pending(); }
+
+    void onOutcome(WriteDesk::OutcomeHandler handler) { m_desk.onOutcome(std::move(handler)); }
+    void onChange(Link::ChangeHandler handler) { m_link.onChange(std::move(handler)); }
+
+    /// Called with what must not go unheard: a stop that was not confirmed, or was at last.
+    void onAlarm(AlarmHandler handler) { m_alarm = std::move(handler); }
+
+    /// Drops all waiting writes, sends the configured stops and waits for their echoes. What is
+    /// unconfirmed after `budget` is reported by an alarm and sent first by the steps that follow;
+    /// until then other writes are refused.
+    StopReport stop(Duration budget);
+
+    /// The user is there. With a patience set, a user who is silent for longer stops the drives.
+    void noteUser();
+
+    const CounterSet &counters() const { return m_counters; }
+    QJsonObject countersJson() const { return m_counters.toJson(m_start, m_line.now()); }
+    bool isLeftAlone(int station) const { return m_breaker.isLeftAlone(station); }
+
+    /// Of the last step that used the line, for traces and messages.
+    const Cycle &cycle() const { return m_cycle; }
+    const ExchangeReport &report() const { return m_guard.report(); }
+    GuardedExchange &guard() { return m_guard; }
+    Link &link() { return m_link; }
+
+private:
+    Refusal gate(const WriteWish &wish) const;
+    bool ensureOpen();
+    void applyPlan();
+    void settle(Step step);
+    void settleAsked(Step step);
+    void noteValues();
+    void lineWentDown();
+    void beginStop();
+    void watchUser();
+    void followStop();
+    void alarm(const QString &text);
+    std::optional<Duration> readAt(int station, const QString &regType, int address) const;
+
+    Line &m_line;
+    RuntimeSettings m_settings;
+    Link m_link;
+    GuardedExchange m_guard;
+    Breaker m_breaker;
+    BreakerExchange m_exchange;
+    Cycle m_cycle;
+    CounterSet m_counters;
+    WriteDesk m_desk;
+    SafeStop m_stop;
+    AlarmHandler m_alarm;
+    std::optional<Plan> m_nextPlan;
+    int m_blocks = 0;
+    std::map<BlockKey, Duration> m_reads; // when each block was last answered
+    Duration m_start;
+    Duration m_lastUser;
+    Duration m_openAt { 0 };
+    Duration m_openDelay { 0 };
+    bool m_stopping = false; // until the last stop is confirmed
+    bool m_userGone = false;
+};
+
+} // namespace dx4::host
