@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+// Registers read and written over a link and its cycle.
+#include "host/cycle_access.h"
+
+#include "host/notation.h"
+
+#include <utility>
+
+namespace dx4::host {
+namespace {
+
+constexpr int firstTag = 0; // counted downwards, apart from the tags that others count upwards
+
+QString accessText(int station, const QString &regType, int address)
+{
+    return QStringLiteral("station %1, %2").arg(station).arg(fullAddress(regType, address));
+}
+
+} // namespace
+
+CycleAccess::CycleAccess(Link &link, Cycle &cycle, Verdict verdict)
+    : m_link(link)
+    , m_cycle(cycle)
+    , m_verdict(std::move(verdict))
+    , m_lastTag(firstTag)
+{
+    if (!m_verdict)
+        m_verdict = [&cycle] { return checkReply(cycle.request(), cycle.reply().bytes); };
+}
+
+AccessResult CycleAccess::read(int station, const QString &regType, int address, int count)
+{
+    m_link.addConditionRead(station, regType, address, count, --m_lastTag);
+    AccessResult result =
+        await(accessText(station, regType, address), m_lastTag, &Link::waitingConditionReads);
+    if (result.kind == AccessResult::Kind::Done)
+        result.values = m_link.values(station, regType, address, count);
+    return result;
+}
+
+AccessResult CycleAccess::write(int station, const QString &regType, int address, quint16 value)
+{
+    m_link.write(station, regType, address, { value }, --m_lastTag);
+    return await(accessText(station, regType, address), m_lastTag, &Link::waitingWrites);
+}
+
+AccessResult CycleAccess::await(const QString &what, int tag, int (Link::*waiting)() const)
+{
+    // One idle step is the driver's pause after some requests in a row; a second one means that a
+    // request stands in the way which it cannot encode.
+    for (int idleSteps = 0; idleSteps < 2;) {
+        const Cycle::Step step = m_cycle.step();
+        idleSteps = step == Cycle::Step::Idle ? idleSteps + 1 : 0;
+        if (step == Cycle::Step::LineDown)
+            return { AccessResult::Kind::LineDown,
+                     what + QStringLiteral(": the line is down"),
+                     {} };
+        const bool ended = step == Cycle::Step::Served || step == Cycle::Step::GivenUp;
+        if (ended && m_cycle.request().var.varKind == tag)
+            return outcome(what, step);
+        // A condition read that fails takes those behind it along.
+        if ((m_link.*waiting)() == 0)
+            break;
+    }
+    return { AccessResult::Kind::NoAnswer, what + QStringLiteral(": dropped"), {} };
+}
+
+AccessResult CycleAccess::outcome(const QString &what, Cycle::Step step) const
+{
+    if (step == Cycle::Step::Served)
+        return {};
+    const ReplyVerdict verdict = m_verdict();
+    if (verdict.cause == ReplyCause::Exception)
+        return { AccessResult::Kind::Refused,
+                 QStringLiteral("%1: exception %2").arg(what).arg(verdict.exceptionCode),
+                 {} };
+    return { AccessResult::Kind::NoAnswer, what + QStringLiteral(": no answer"), {} };
+}
+
+} // namespace dx4::host

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+// Parameter sets read from a station and restored, over link, cycle and the line in memory.
+#include "host/cycle_access.h"
+#include "host/memory_line.h"
+#include "host/parameter_transfer.h"
+
+#include "host_bytes.h"
+
+#include <QSet>
+
+#include <gtest/gtest.h>
+
+using namespace dx4::host;
+
+namespace {
+
+int word(const QByteArray &frame, int offset)
+{
+    return static_cast<unsigned char>(frame.at(offset)) * 256
+        + static_cast<unsigned char>(frame.at(offset + 1));
+}
+
+QByteArray sealed(const std::vector<unsigned char> &payload)
+{
+    QByteArray frame;
+    for (unsigned char byte : withCrc(payload))
+        frame.append(static_cast<char>(byte));
+    return frame;
+}
+
+/// Parameters behind the line, by Modbus register; each starts as its own index.
+class FakeDrive {
+public:
+    QByteArray answer(const QByteArray &request)
+    {
+        const int first = word(request, 2);
+        const bool isRead = request.at(1) == 3;
+        const int count = isRead ? word(request, 4) : 1;
+        if (silentAfter-- <= 0)
+            return {};
+        for (int i = 0; i < count; ++i) {
+            if (missing.contains(first + i) || (!isRead && locked.contains(first + i)))
+                return sealed({ 1, static_cast<unsigned char>(request.at(1) | 0x80), 2 });
+        }
+        return isRead ? registers(first, count) : write(request);
+    }
+
+    int value(int modbusRegister) const
+    {
+        return values.value(modbusRegister, modbusRegister & 0xFF);
+    }
+
+    QMap<int, int> values;
+    QSet<int> missing;
+    QSet<int> locked;
+    QVector<int> written; ///< registers in the order they were written
+    int silentAfter = 1'000'000; ///< requests answered before the drive falls silent
+
+private:
+    QByteArray registers(int first, int count) const
+    {
+        std::vector<unsigned char> payload = { 1, 3, static_cast<unsigned char>(2 * count) };
+        for (int i = 0; i < count; ++i) {
+            payload.push_back(static_cast<unsigned char>(value(first + i) >> 8));
+            payload.push_back(static_cast<unsigned char>(value(first + i) & 0xFF));
+        }
+        return sealed(payload);
+    }
+
+    QByteArray write(const QByteArray &request)
+    {
+        const bool isMany = request.at(1) == 16;
+        written.append(word(request, 2));
+        values.insert(word(request, 2), word(request, isMany ? 7 : 4));
+        return isMany ? sealed({ 1, 16, static_cast<unsigned char>(request.at(2)),
+                                 static_cast<unsigned char>(request.at(3)), 0, 1 })
+                      : request;
+    }
+};
+
+class ParameterTransfer : public ::testing::Test {
+protected:
+    FakeDrive drive;
+    Link link { Plugin::load(QStringLiteral(KORVANE_PLUGIN_FILE), Plugin::Instance::PrivateCopy),
+                LinkSettings() };
+    MemoryLine line { [this](const QByteArray &request) {
+        return MemoryLine::Answer { drive.answer(request) };
+    } };
+    LineExchange exchange { line };
+    Cycle cycle { link, exchange };
+    CycleAccess access { link, cycle };
+    ParameterSet set;
+    QString error;
+};
+
+} // namespace
+
+TEST_F(ParameterTransfer, AllParametersAreRead)
+{
+    const bool read = readParameters(access, set, &error);
+
+    EXPECT_TRUE(read) << error.toStdString();
+    EXPECT_TRUE(isComplete(set));
+    EXPECT_EQ(set.values.size(), 203);
+    EXPECT_EQ(set.values.value(0x0A0D), 13);
+    EXPECT_EQ(set.values.value(0x041C), 28);
+}
+
+TEST_F(ParameterTransfer, PollingGoesOnMeanwhile)
+{
+    link.poll({ wanted(1, QStringLiteral("D"), 7) });
+
+    readParameters(access, set, &error);
+
+    EXPECT_EQ(link.registerState(1, QStringLiteral("D"), 7).value, 7);
+}
+
+TEST_F(ParameterTransfer, ARegisterThatTheStationLacksIsNoted)
+{
+    drive.missing = { 0xF802, 0xFC0D };
+
+    const bool read = readParameters(access, set, &error);
+
+    EXPECT_TRUE(read) << error.toStdString();
+    EXPECT_EQ(set.refused, (QVector<int> { 0x0802, 0x0A0D }));
+    EXPECT_EQ(set.values.size(), 201);
+    EXPECT_TRUE(isComplete(set));
+}
+
+TEST_F(ParameterTransfer, AReadThatBrokeOffGoesOnWhereItWas)
+{
+    drive.silentAfter = 4;
+    const bool first = readParameters(access, set, &error);
+    const auto kept = set.values.size();
+    drive.silentAfter = 1'000'000;
+    const auto sentBefore = line.sent().size();
+
+    const bool second = readParameters(access, set, nullptr);
+
+    EXPECT_FALSE(first);
+    EXPECT_EQ(error.toStdString(), "station 1, F 2.0 (0xF200): no answer");
+    EXPECT_EQ(kept, 38);
+    EXPECT_TRUE(second);
+    EXPECT_EQ(set.values.size(), 203);
+    EXPECT_EQ(line.sent().at(sentBefore), frameOf("01 03 F2 00 00 10"));
+}
+
+TEST_F(ParameterTransfer, AClosedLineBreaksTheReadOff)
+{
+    line.unplug();
+
+    const bool read = readParameters(access, set, &error);
+
+    EXPECT_FALSE(read);
+    EXPECT_EQ(error.toStdString(), "station 1, F 0.0 (0xF000): the line is down");
+}
+
+TEST_F(ParameterTransfer, ProgressCountsRegisters)
+{
+    QVector<int> done;
+
+    readParameters(access, set, &error, [&done](int settled, int) { done.append(settled); });
+
+    EXPECT_EQ(done.mid(0, 3), (QVector<int> { 16, 19, 35 }));
+    EXPECT_EQ(done.constLast(), 203);
+}
+
+TEST_F(ParameterTransfer, OnlyWhatDiffersIsWritten)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 }, { 0xFC0D, 98 } };
+
+    const RestoreReport report = restoreParameters(access, 1, set);
+
+    EXPECT_TRUE(report.isRestored());
+    EXPECT_EQ(report.compared, 203);
+    EXPECT_EQ(report.written, 2);
+    EXPECT_EQ(drive.written, (QVector<int> { 0xF105, 0xFC0D }));
+    EXPECT_EQ(drive.value(0xF105), 5);
+    EXPECT_EQ(drive.value(0xFC0D), 13);
+}
+
+TEST_F(ParameterTransfer, AnEqualStationIsNotWrittenAtAll)
+{
+    readParameters(access, set, &error);
+
+    const RestoreReport report = restoreParameters(access, 1, set);
+
+    EXPECT_TRUE(report.isRestored());
+    EXPECT_TRUE(drive.written.isEmpty());
+}
+
+TEST_F(ParameterTransfer, ARefusedWriteIsToldAndRemains)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 }, { 0xF106, 97 } };
+    drive.locked = { 0xF105 };
+
+    const RestoreReport report = restoreParameters(access, 1, set);
+
+    EXPECT_FALSE(report.isRestored());
+    EXPECT_EQ(report.written, 1);
+    ASSERT_EQ(report.refused.size(), 1);
+    EXPECT_EQ(report.refused.at(0).toStdString(), "station 1, F 1.5 (0xF105): exception 2");
+    ASSERT_EQ(report.remaining.size(), 1);
+    EXPECT_EQ(report.remaining.at(0).text().toStdString(), "F 1.5 (0xF105): 5 | 99");
+}
+
+TEST_F(ParameterTransfer, ARestoreThatBrokeOffIsTakenUpByTheNext)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 }, { 0xF106, 97 } };
+    drive.silentAfter = 20; // all reads of the comparison and the first write
+    const RestoreReport first = restoreParameters(access, 1, set);
+    drive.silentAfter = 1'000'000;
+
+    const RestoreReport second = restoreParameters(access, 1, set);
+
+    EXPECT_EQ(first.written, 1);
+    EXPECT_EQ(first.interrupted.toStdString(), "station 1, F 1.6 (0xF106): no answer");
+    EXPECT_FALSE(first.isRestored());
+    EXPECT_TRUE(second.isRestored());
+    EXPECT_EQ(drive.written, (QVector<int> { 0xF105, 0xF106 }));
+}
+
+TEST_F(ParameterTransfer, TheRecipeBytesStayDown)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 } };
+
+    restoreParameters(access, 1, set);
+
+    EXPECT_EQ(link.api().state->hostBlock[60115], 0);
+    EXPECT_EQ(link.api().state->hostBlock[60116], 0);
+}
