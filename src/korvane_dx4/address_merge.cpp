@@ -4,11 +4,11 @@
 
 #include "driver_api.h"
 #include "korvane_dx4/data_areas.h"
+#include "korvane_dx4/record_copy.h"
 #include "wire/register_type.h"
 #include "wire/wrap.h"
 
 #include <algorithm>
-#include <tuple>
 #include <vector>
 
 using namespace dx4;
@@ -96,11 +96,22 @@ void joinNeighbours(std::vector<Run> &runs, QList<int> *starts)
     runs.erase(runs.begin() + static_cast<std::ptrdiff_t>(blocks), runs.end());
 }
 
+// Sorts ascending by weight; equal weights keep their order. Keys of eight bytes are sorted in
+// place of runs: weight above, position in the list below.
 void sortByWeight(std::vector<Run> &runs)
 {
-    std::sort(runs.begin(), runs.end(), [](const Run &a, const Run &b) {
-        return std::tie(a.weight, a.source) < std::tie(b.weight, b.source);
-    });
+    std::vector<quint64> keys;
+    keys.reserve(runs.size());
+    for (const Run &run : runs)
+        keys.push_back(quint64 { run.weight } << 32 | static_cast<quint32>(run.source));
+    if (std::is_sorted(keys.begin(), keys.end()))
+        return;
+    std::sort(keys.begin(), keys.end());
+    std::vector<Run> sorted;
+    sorted.reserve(runs.size());
+    for (const quint64 key : keys)
+        sorted.push_back(runs[static_cast<quint32>(key)]);
+    runs.swap(sorted);
 }
 
 std::vector<Run> runsOf(const QList<KEY_ADDRESS> &list)
@@ -125,15 +136,18 @@ QList<KEY_ADDRESS> blocksOf(const QList<KEY_ADDRESS> &list, const std::vector<Ru
     return blocks;
 }
 
-void appendCyclicRead(const KEY_ADDRESS &block)
+void makeCyclicReads(const QList<KEY_ADDRESS> &blocks)
 {
     VARIABLE var;
     var.varKind = cyclicReadKind;
-    var.station = block.station;
-    var.regType = sharedName(block.regType);
-    var.address = block.address;
-    var.count = block.count;
-    driver.readList.append(var);
+    driver.readList.reserve(blocks.size());
+    for (const KEY_ADDRESS &block : blocks) {
+        var.station = block.station;
+        assignText(var.regType, sharedName(block.regType));
+        var.address = block.address;
+        var.count = block.count;
+        driver.readList.append(var);
+    }
 }
 
 } // namespace
@@ -171,7 +185,6 @@ int intf_addrMerge(QList<KEY_ADDRESS> &addresses)
         markMonitored(key.station, key.regType, key.address, key.count);
     driver.readList.clear();
     addrMerge(addresses, 1);
-    for (const KEY_ADDRESS &block : wanted)
-        appendCyclicRead(block);
+    makeCyclicReads(wanted);
     return static_cast<int>(driver.readList.size());
 }

@@ -101,7 +101,7 @@ void _wordDataChange(int *valueA, int *valueB, int station, QString regType, int
 {
     const CacheWriting writing;
     const QString &name = sharedName(regType);
-    const int position = RegisterFinder(station, name).positionOf(address);
+    const int position = RegisterFinder({ station, name }).positionOf(address);
     if (!valueA || !valueB)
         return;
     reportWordChange(position, *valueA, *valueB, { station, name, registerType(name), address },
@@ -112,7 +112,7 @@ void _byteDataChange(unsigned char *byteA, unsigned char *byteB, int station, QS
                      int address)
 {
     const CacheWriting writing;
-    const int position = RegisterFinder(station, sharedName(regType)).positionOf(address);
+    const int position = RegisterFinder({ station, sharedName(regType) }).positionOf(address);
     const int bitMask = driver.dataAreas.at(position).bitMask;
     if (!byteA || !byteB)
         return;

@@ -21,14 +21,6 @@ constexpr unsigned wordBits = 64; // of the marks of records that stand side by 
 // Three quarters of the slots may be taken: 10.7 to 21.3 bytes per register.
 constexpr std::size_t entriesPerBucket = 6;
 
-// Spreads 32 bits over 32 bits so that neighbouring inputs end far apart.
-constexpr quint32 scatter(quint32 bits)
-{
-    bits = (bits ^ (bits >> 16)) * 0x85EBCA6BU;
-    bits = (bits ^ (bits >> 13)) * 0xC2B2AE35U;
-    return bits ^ (bits >> 16);
-}
-
 quint32 nameBits(const QString &name)
 {
     const RegisterType type = registerType(name);
@@ -40,21 +32,26 @@ quint32 nameBits(const QString &name)
     return bits;
 }
 
-// High bits: the bucket of eight neighbouring addresses. Low bits: which of them.
+// High bits: the bucket of eight neighbouring addresses, scattered so that neighbouring groups end
+// far apart. Low bits: which of the eight.
 quint32 tagOf(const RegisterKey &key)
 {
-    const quint32 device = scatter(static_cast<quint32>(key.station) * 8U + nameBits(key.regType));
+    const quint32 owner = static_cast<quint32>(key.owner.station) * 8U + key.owner.typeBits;
     const quint32 address = static_cast<quint32>(key.address);
-    const quint32 group = scatter(device ^ (address >> slotBits));
-    return (group & ~slotMask) | (address & slotMask);
-}
-
-RegisterKey keyOf(const _DATA_ &record)
-{
-    return { record.station, record.regType, record.address };
+    quint64 bits = (quint64 { owner } << 32) | (address >> slotBits);
+    bits *= 0x9E3779B97F4A7C15ULL;
+    bits = (bits ^ (bits >> 32)) * 0xD6E8FEB86659FD93ULL;
+    return (static_cast<quint32>(bits >> 32) & ~slotMask) | (address & slotMask);
 }
 
 } // namespace
+
+RegisterOwner::RegisterOwner(int stationNumber, const QString &name)
+    : station(stationNumber)
+    , regType(name)
+    , typeBits(nameBits(name))
+{
+}
 
 DataAreaIndex dataAreaIndex;
 
@@ -76,8 +73,8 @@ int DataAreaIndex::append(const RegisterKey &key, quint32 tag, Place place)
     const int position = static_cast<int>(driver.dataAreas.size());
     driver.dataAreas.append(_DATA_());
     _DATA_ &record = driver.dataAreas.last();
-    record.station = key.station;
-    record.regType = key.regType;
+    record.station = key.owner.station;
+    record.regType = key.owner.regType;
     record.address = key.address;
     const bool hasRoom = static_cast<std::size_t>(m_entries) < m_buckets.size() * entriesPerBucket;
     if (!hasRoom) {
@@ -198,8 +195,10 @@ void DataAreaIndex::rebuild()
     m_entries = 0;
     const QList<_DATA_> &areas = driver.dataAreas;
     const int count = static_cast<int>(areas.size());
-    for (int position = 0; position < count; ++position)
-        insert(tagOf(keyOf(areas.at(position))), position);
+    for (int position = 0; position < count; ++position) {
+        const _DATA_ &record = areas.at(position);
+        insert(tagOf({ { record.station, record.regType }, record.address }), position);
+    }
     m_complete = true;
     if (!m_writing)
         m_seen = areas;

@@ -12,18 +12,36 @@
 
 namespace dx4 {
 
-/// Key of a cached register; the name must outlive the key.
-struct RegisterKey {
+/// Station and type of cached registers; the name must outlive it.
+struct RegisterOwner {
+    /// @param name  records created get this string, so that sharing it with the records there are
+    ///              makes comparisons cheap
+    RegisterOwner(int stationNumber, const QString &name);
+
+    /// As above for one of the six types.
+    RegisterOwner(int stationNumber, RegisterType type)
+        : station(stationNumber)
+        , regType(REG_LIST[type])
+        , typeBits(static_cast<quint32>(type))
+    {
+    }
+
     int station;
     const QString &regType;
+    quint32 typeBits; ///< of the name, for hashing
+};
+
+/// Key of a cached register.
+struct RegisterKey {
+    const RegisterOwner &owner;
     int address;
 };
 
 /// Whether a record has this key.
 inline bool hasKey(const _DATA_ &record, const RegisterKey &key)
 {
-    return record.address == key.address && record.station == key.station
-        && sameText(record.regType, key.regType);
+    return record.address == key.address && record.station == key.owner.station
+        && sameText(record.regType, key.owner.regType);
 }
 
 /// Hash index over driver.dataAreas.

@@ -21,8 +21,8 @@ int findOrAppend(const RegisterKey &key, QList<_DATA_> &list)
             return i;
     }
     _DATA_ record;
-    record.station = key.station;
-    record.regType = key.regType;
+    record.station = key.owner.station;
+    record.regType = key.owner.regType;
     record.address = key.address;
     list.append(record);
     return count;
@@ -71,7 +71,7 @@ void dx4::markMonitored(int station, const QString &regType, int address, int co
     if (type == UnknownType)
         return;
     const CacheWriting writing;
-    RegisterFinder finder(station, REG_LIST[type]);
+    RegisterFinder finder({ station, type });
     for (int i = 0; i < count; ++i) {
         const int position = finder.positionOf(wrapAdd(address, i));
         const int marks = _setBitValue(driver.dataAreas.at(position).flags, MonitoredWord, 1);
@@ -84,9 +84,9 @@ int getIndexOfDataArea(int station, QString regType, int address, QList<_DATA_> 
 {
     const bool isCache = &list == &driver.dataAreas;
     if (!isCache)
-        return findOrAppend({ station, regType, address }, list);
+        return findOrAppend({ { station, regType }, address }, list);
     const CacheWriting writing;
-    return RegisterFinder(station, sharedName(regType)).positionOf(address);
+    return RegisterFinder({ station, sharedName(regType) }).positionOf(address);
 }
 
 int _setDataAreaMonitorFlag(int station, QString regType, int address, int count)
@@ -109,7 +109,7 @@ int intf_getData(int station, QString regType, int address, int count, unsigned 
     if (type == UnknownType)
         return alwaysDone;
     const CacheWriting writing;
-    RegisterFinder finder(station, REG_LIST[type]);
+    RegisterFinder finder({ station, type });
     for (int i = 0; i < count;) {
         const RecordRun run = finder.runFrom(wrapAdd(address, i), count - i);
         if (out)

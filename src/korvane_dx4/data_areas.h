@@ -45,12 +45,8 @@ struct RecordRun {
 /// where it stands if it does so in order.
 class RegisterFinder {
 public:
-    /// @param regType  must outlive the finder; records created get this string, so that
-    /// sharedName()
-    ///                 of it makes later comparisons cheap
-    RegisterFinder(int station, const QString &regType)
-        : m_station(station)
-        , m_regType(regType)
+    explicit RegisterFinder(const RegisterOwner &owner)
+        : m_owner(owner)
     {
     }
 
@@ -87,16 +83,12 @@ private:
     {
         const QList<_DATA_> &areas = driver.dataAreas;
         const bool isInside = position >= 0 && position < areas.size();
-        return isInside && hasKey(areas.at(position), { m_station, m_regType, address });
+        return isInside && hasKey(areas.at(position), { m_owner, address });
     }
 
-    int lookUp(int address) const
-    {
-        return dataAreaIndex.findOrAppend({ m_station, m_regType, address });
-    }
+    int lookUp(int address) const { return dataAreaIndex.findOrAppend({ m_owner, address }); }
 
-    int m_station;
-    const QString &m_regType;
+    RegisterOwner m_owner;
     int m_position = nowhere; // of the last run
     int m_address = 0; // of the last run
     int m_behind = nowhere; // position behind the last run

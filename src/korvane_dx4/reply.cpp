@@ -93,7 +93,7 @@ void storeRun(RecordRun run, const RegisterRange &range, int address, const QByt
 void storeRegisters(const ReadRequest &request, const QByteArray &reply)
 {
     const RegisterRange &range = request.range;
-    RegisterFinder finder(range.station, REG_LIST[range.type]);
+    RegisterFinder finder({ range.station, range.type });
     for (int i = 0; i < range.count;) {
         const int address = wrapAdd(range.address, i);
         const RecordRun run = finder.runFrom(address, range.count - i);
@@ -136,7 +136,7 @@ void markFailed(const RegisterRange &range)
 {
     if (range.type == UnknownType)
         return;
-    RegisterFinder finder(range.station, REG_LIST[range.type]);
+    RegisterFinder finder({ range.station, range.type });
     for (int i = 0; i < range.count; ++i) {
         const int position = finder.positionOf(wrapAdd(range.address, i));
         if (driver.dataAreas.at(position).flag0 != 1)

@@ -54,7 +54,7 @@ void showWritten(const RegisterRange &range, const unsigned char *data)
 {
     const CacheWriting writing;
     const QString &name = REG_LIST[range.type];
-    RegisterFinder finder(range.station, name);
+    RegisterFinder finder({ range.station, range.type });
     for (int i = 0; i < range.count; ++i, data += bytesPerRegister) {
         const int address = wrapAdd(range.address, i);
         const int position = finder.positionOf(address);
@@ -90,7 +90,7 @@ void dx4::settleWrite(const RegisterRange &range, WriteOutcome outcome)
         return;
     const CacheWriting writing;
     const QString &name = REG_LIST[range.type];
-    RegisterFinder finder(range.station, name);
+    RegisterFinder finder({ range.station, range.type });
     for (int i = 0; i < range.count; ++i) {
         const int address = wrapAdd(range.address, i);
         const int position = finder.positionOf(address);
