@@ -7,7 +7,8 @@
 namespace dx4::host {
 namespace {
 
-constexpr int probeShare = 25; // of the time between two probes
+constexpr int probeShare = 40; // of the time between two probes
+constexpr int patientProbe = 8; // every so many wait for the full response timeout
 
 } // namespace
 
@@ -27,7 +28,10 @@ Breaker::Verdict Breaker::judge(int station, Duration now) const
 Duration Breaker::probeTimeout(int station, Duration responseTimeout) const
 {
     const auto found = m_stations.find(station);
-    if (found == m_stations.end() || found->second.showedLife)
+    if (found == m_stations.end())
+        return responseTimeout;
+    const int probes = found->second.givenUp - m_settings.giveUps + 1;
+    if (found->second.showedLife || probes % patientProbe == 0)
         return responseTimeout;
     return std::min(responseTimeout, found->second.delay / probeShare);
 }

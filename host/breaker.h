@@ -31,8 +31,9 @@ public:
 
     Verdict judge(int station, Duration now) const;
 
-    /// Response timeout of a probe: a twenty-fifth of the delay before it, so that probes take 4 %
-    /// of the line at most; the full one after a sign of life.
+    /// Response timeout of a probe: a fortieth of the delay before it, so that probes take 2.5 % of
+    /// the line; the full one for every eighth probe, as the station may be slow, and after a sign
+    /// of life.
     Duration probeTimeout(int station, Duration responseTimeout) const;
 
     /// The station answered, be it with an exception: it is asked as ever.
@@ -53,7 +54,7 @@ public:
 
 private:
     struct Station {
-        int givenUp = 0;
+        int givenUp = 0; ///< in a row
         bool answered = false;
         bool showedLife = false;
         Duration delay { 0 }; ///< before the next probe; 0 while the station is asked

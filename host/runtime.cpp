@@ -83,12 +83,17 @@ Refusal Runtime::gate(const WriteWish &wish) const
 
 bool Runtime::ensureOpen()
 {
-    if (m_line.isOpen())
+    if (m_line.isOpen()) {
+        m_wasOpen = true;
         return true;
+    }
+    if (m_wasOpen)
+        lineWentDown();
     if (m_line.now() < m_openAt)
         return false;
     if (m_line.open(nullptr)) {
         m_openDelay = Duration { 0 };
+        m_wasOpen = true;
         m_stop.tryNow();
         return true;
     }
@@ -161,6 +166,7 @@ void Runtime::noteValues()
 void Runtime::lineWentDown()
 {
     m_counters.countLineDown();
+    m_wasOpen = false;
     m_openAt = m_line.now();
     m_desk.abandon(WriteEnd::TimedOut, Refusal::None, QStringLiteral("the line went down"));
     FRAME_PRO waiting;

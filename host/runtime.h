@@ -135,6 +135,7 @@ private:
     Duration m_lastUser;
     Duration m_openAt { 0 };
     Duration m_openDelay { 0 };
+    bool m_wasOpen = false;
     bool m_stopping = false; // until the last stop is confirmed
     bool m_userGone = false;
 };

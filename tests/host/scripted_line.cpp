@@ -49,7 +49,7 @@ ScriptedLine::ScriptedLine(const dx4::host::LineSettings &settings)
         [this](const QByteArray &request) {
             MemoryLine::Answer heard;
             if (dead.count(byteAt(request, 0)) == 0)
-                heard.bytes = answer(request);
+                heard = { answer(request), slow[byteAt(request, 0)] };
             if (!changes.empty()) {
                 heard = changes.front()(heard.bytes);
                 changes.pop_front();

@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: MIT
+// A dead station: left alone, probed, taken back, and no burden to the others.
+#include "runtime_fixture.h"
+
+using namespace dx4::host;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+namespace {
+
+constexpr int deadStation = 4;
+
+LineSettings oneSecondTimeout()
+{
+    LineSettings settings;
+    settings.speed = 19200;
+    settings.responseTimeout = seconds(1);
+    return settings;
+}
+
+/// Eight stations with one block each; three tries.
+class EightStations : public ::testing::Test {
+protected:
+    EightStations()
+    {
+        QVector<PlanEntry> entries;
+        for (int station = 1; station <= 8; ++station)
+            entries.append({ station, QStringLiteral("D 0-9") });
+        host.host.setPlan(planOf(entries));
+    }
+
+    /// Requests to station 1 in a time: rotations of those that answer.
+    int rotationsWithin(Duration span)
+    {
+        const int before = host.sent(1, 3);
+        host.runFor(span);
+        return host.sent(1, 3) - before;
+    }
+
+    RuntimeUnderTest host { RuntimeSettings(), oneSecondTimeout() };
+};
+
+} // namespace
+
+TEST_F(EightStations, OneDeadSlowsTheOthersByLessThanATwentieth)
+{
+    const int allAlive = rotationsWithin(seconds(300));
+    host.stations.dead = { deadStation };
+
+    const int withDetection = rotationsWithin(seconds(300));
+    const int afterwards = rotationsWithin(seconds(300));
+
+    RecordProperty("rotationsAllAlive", allAlive);
+    RecordProperty("rotationsWithDetection", withDetection);
+    RecordProperty("rotationsAfterwards", afterwards);
+    EXPECT_GT(withDetection * 105, allAlive * 100);
+    EXPECT_GT(afterwards * 105, allAlive * 100);
+    EXPECT_TRUE(host.host.isLeftAlone(deadStation));
+}
+
+TEST_F(EightStations, OneDeadCostsTheOthersLessThanATwentiethOfTheirOwnRotation)
+{
+    QVector<PlanEntry> others;
+    for (int station = 1; station <= 8; ++station) {
+        if (station != deadStation)
+            others.append({ station, QStringLiteral("D 0-9") });
+    }
+    RuntimeUnderTest seven({}, oneSecondTimeout());
+    seven.host.setPlan(planOf(others));
+    seven.runFor(seconds(300));
+    host.stations.dead = { deadStation };
+    host.runFor(seconds(60));
+
+    const int rotations = rotationsWithin(seconds(300));
+
+    RecordProperty("rotationsOfSevenAlone", seven.sent(1, 3));
+    EXPECT_GT(rotations * 105, seven.sent(1, 3) * 100);
+}
+
+TEST_F(EightStations, ProbesTakeNoMoreThanATwentiethOfTheLine)
+{
+    host.stations.dead = { deadStation };
+    host.runFor(seconds(60));
+    const Duration before = host.host.counters().station(deadStation).busy;
+
+    host.runFor(seconds(300));
+
+    const Duration busy = host.host.counters().station(deadStation).busy - before;
+    EXPECT_LT(busy, seconds(15));
+    EXPECT_GT(busy, seconds(0));
+}
+
+TEST_F(EightStations, ARevivedOneIsBackWithinTenSeconds)
+{
+    for (int offset = 0; offset < 10; ++offset) {
+        SCOPED_TRACE(std::to_string(offset) + " s after the last");
+        host.stations.dead = { deadStation };
+        host.runFor(seconds(60 + offset));
+        ASSERT_TRUE(host.host.isLeftAlone(deadStation));
+        host.stations.dead.clear();
+        host.stations.registers[{ deadStation, 0xD000 }] = 500 + offset;
+
+        host.runFor(seconds(10));
+
+        ASSERT_FALSE(host.host.isLeftAlone(deadStation));
+        ASSERT_EQ(host.value(deadStation, "D", 0), 500 + offset);
+    }
+}
+
+TEST_F(EightStations, ReadsOfADeadOneFailWithoutTheLine)
+{
+    host.stations.dead = { deadStation };
+    host.runFor(seconds(30));
+    const int before = host.sent(deadStation, 3);
+
+    host.steps(7);
+
+    EXPECT_EQ(host.sent(deadStation, 3), before);
+    EXPECT_GT(host.host.counters().station(deadStation).notAsked, 0U);
+    EXPECT_TRUE(host.host.value(deadStation, QStringLiteral("D"), 0).failed);
+    EXPECT_TRUE(host.host.value(deadStation, QStringLiteral("D"), 0).stale);
+    EXPECT_FALSE(host.host.value(1, QStringLiteral("D"), 0).stale);
+}
+
+TEST_F(EightStations, AllDeadLeavesTheLineQuietBetweenProbes)
+{
+    host.stations.dead = { 1, 2, 3, 4, 5, 6, 7, 8 };
+    host.runFor(seconds(120));
+    const auto before = host.stations.line.sent().size();
+
+    host.runFor(seconds(9));
+
+    EXPECT_GE(host.stations.line.sent().size() - before, 7);
+    EXPECT_LE(host.stations.line.sent().size() - before, 9);
+}
+
+TEST(Breaker, DelaysDoubleUpToTheLongest)
+{
+    Breaker breaker;
+    Texts delays;
+    Duration now { 0 };
+
+    for (int i = 0; i < 7; ++i) {
+        breaker.noteGiveUp(1, now);
+        const Duration next = breaker.nextProbe().value_or(now);
+        delays.push_back(std::to_string((next - now) / milliseconds(1)));
+        now = next;
+    }
+
+    EXPECT_EQ(delays, (Texts { "0", "1000", "2000", "4000", "8000", "9000", "9000" }));
+}
+
+TEST(Breaker, AnAnswerStartsTheCountAnew)
+{
+    Breaker breaker;
+    breaker.noteGiveUp(1, seconds(0));
+    breaker.noteAnswer(1);
+    breaker.noteGiveUp(1, seconds(1));
+
+    EXPECT_EQ(breaker.judge(1, seconds(1)), Breaker::Verdict::Ask);
+}
+
+TEST(Breaker, AProbeIsShortUntilTheStationShowsLife)
+{
+    Breaker breaker;
+    breaker.noteGiveUp(1, seconds(0));
+    breaker.noteGiveUp(1, seconds(0));
+
+    const Duration before = breaker.probeTimeout(1, seconds(1));
+    breaker.noteSignOfLife(1, milliseconds(500));
+
+    EXPECT_EQ(before, milliseconds(25));
+    EXPECT_EQ(breaker.probeTimeout(1, seconds(1)), seconds(1));
+    EXPECT_EQ(breaker.judge(1, milliseconds(500)), Breaker::Verdict::Probe);
+}
+
+TEST(Breaker, AStationSlowerThanAShortProbeIsTakenBackByALongOne)
+{
+    RuntimeUnderTest host({}, oneSecondTimeout());
+    host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") }, { 2, QStringLiteral("D 8-9") } }));
+    host.stations.dead = { 2 };
+    host.runFor(seconds(60));
+    host.stations.dead.clear();
+    host.stations.slow[2] = milliseconds(700);
+
+    host.runFor(seconds(80));
+
+    EXPECT_FALSE(host.host.isLeftAlone(2));
+}

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// The stop goes first, is repeated until its echo came, and is never silently missing.
+#include "runtime_fixture.h"
+
+using namespace dx4::host;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+namespace {
+
+constexpr int controlWord = 0x1001;
+
+RuntimeSettings withStops()
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 }, { 2, 4 } };
+    return settings;
+}
+
+class SafeStopTest : public ::testing::Test {
+protected:
+    SafeStopTest()
+    {
+        host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") }, { 2, QStringLiteral("D 8") } }));
+        host.steps(2);
+        host.write(1, "CW", 0, { 1 });
+        host.write(2, "CW", 0, { 1 });
+        host.steps(2);
+        host.outcomes.clear();
+    }
+
+    int command(int station) { return host.stations.registers[{ station, controlWord }]; }
+
+    RuntimeUnderTest host { withStops() };
+};
+
+} // namespace
+
+TEST_F(SafeStopTest, EveryStationIsStoppedAndHeard)
+{
+    const StopReport report = host.host.stop(seconds(5));
+
+    EXPECT_TRUE(report.unconfirmed.isEmpty());
+    EXPECT_EQ(command(1), 0);
+    EXPECT_EQ(command(2), 4);
+    EXPECT_EQ(host.alarms, Texts { "all stops confirmed" });
+}
+
+TEST_F(SafeStopTest, WaitingWritesAreDroppedNotSent)
+{
+    host.write(1, "FRE", 0, { 3000 });
+    host.write(1, "CW", 0, { 3 });
+
+    host.host.stop(seconds(5));
+
+    EXPECT_EQ(host.outcomes, (Texts { "1002 refused", "1003 refused" }));
+    EXPECT_EQ(host.outcomeRecords.back().refusal, Refusal::Stopping);
+    EXPECT_EQ(command(1), 0);
+    EXPECT_EQ(host.stations.registers.count({ 1, 0x1002 }), 0U);
+}
+
+TEST_F(SafeStopTest, TheStopIsTheNextFrameOnTheLine)
+{
+    const auto before = host.stations.line.sent().size();
+
+    host.host.stop(seconds(5));
+
+    EXPECT_EQ(host.stations.line.sent().at(before), framed("01 06 10 01 00 00"));
+    EXPECT_EQ(host.stations.line.sent().at(before + 1), framed("02 06 10 01 00 04"));
+}
+
+TEST_F(SafeStopTest, AnUnconfirmedStopIsSaidLoudly)
+{
+    host.stations.dead = { 2 };
+
+    const StopReport report = host.host.stop(seconds(3));
+
+    EXPECT_EQ(report.unconfirmed, QVector<int> { 2 });
+    EXPECT_EQ(host.alarms, Texts { "STOP NOT CONFIRMED by station 2: it may still run" });
+    EXPECT_EQ(command(1), 0);
+}
+
+TEST_F(SafeStopTest, AnUnconfirmedStopIsSentFirstOnceTheLineIsBack)
+{
+    host.stations.line.unplug();
+    const StopReport report = host.host.stop(seconds(1));
+    const auto before = host.stations.line.sent().size();
+    host.stations.line.plugIn();
+
+    host.runFor(seconds(5));
+
+    EXPECT_EQ(report.unconfirmed, (QVector<int> { 1, 2 }));
+    EXPECT_EQ(host.stations.line.sent().at(before), framed("01 06 10 01 00 00"));
+    EXPECT_EQ(host.stations.line.sent().at(before + 1), framed("02 06 10 01 00 04"));
+    EXPECT_EQ(host.alarms.back(), "all stops confirmed");
+    EXPECT_EQ(command(2), 4);
+}
+
+TEST_F(SafeStopTest, AStationThatComesBackIsStoppedAtLast)
+{
+    host.stations.dead = { 2 };
+    host.host.stop(seconds(3));
+    host.stations.dead.clear();
+
+    host.runFor(seconds(20));
+
+    EXPECT_EQ(command(2), 4);
+    EXPECT_EQ(host.alarms.back(), "all stops confirmed");
+}
+
+TEST_F(SafeStopTest, NoOtherWritePassesBeforeTheStopIsConfirmed)
+{
+    host.stations.dead = { 2 };
+    host.host.stop(seconds(3));
+
+    host.write(1, "CW", 0, { 1 });
+
+    EXPECT_EQ(host.outcomeRecords.back().refusal, Refusal::Stopping);
+}
+
+TEST_F(SafeStopTest, TheEchoOfAnotherValueDoesNotConfirm)
+{
+    host.stations.changes = { instead(framed("01 06 10 01 00 01")),
+                              instead(framed("01 06 10 01 00 01")) };
+
+    const StopReport report = host.host.stop(seconds(5));
+
+    EXPECT_TRUE(report.unconfirmed.isEmpty());
+    EXPECT_EQ(host.sent(1, 6), 1 + 3);
+}
+
+TEST(SafeStop, AUserWhoGoesAwayStopsTheDrives)
+{
+    RuntimeSettings settings = withStops();
+    settings.userPatience = seconds(2);
+    RuntimeUnderTest host(settings);
+    host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+    host.stations.registers[{ 2, controlWord }] = 1;
+    host.host.noteUser();
+    host.runFor(milliseconds(1900));
+    const int before = host.sent(2, 6);
+
+    host.runFor(milliseconds(500));
+
+    EXPECT_EQ(before, 0);
+    EXPECT_EQ(host.stations.registers.at({ 2, controlWord }), 4);
+    EXPECT_EQ(host.alarms,
+              (Texts { "the user interface is silent: stopping", "all stops confirmed" }));
+}
+
+TEST(SafeStop, AStopMayGoToAStationThatNeverAnswered)
+{
+    RuntimeUnderTest host(withStops());
+
+    host.write(2, "CW", 0, { 4 });
+    host.write(2, "CW", 0, { 1 });
+
+    EXPECT_EQ(host.outcomes, Texts { "1001 refused" });
+    EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::NotAnswered);
+}

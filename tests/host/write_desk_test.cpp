@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+// Every write ends exactly once, and nothing that blocks the driver gets in.
+#include "runtime_fixture.h"
+
+using namespace dx4::host;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+namespace {
+
+/// Station 1 polled for D 0 and answered once; tests write to it.
+class WriteDeskTest : public ::testing::Test {
+protected:
+    WriteDeskTest()
+    {
+        host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+        host.steps(1);
+    }
+
+    int reg(int modbusRegister) { return host.stations.registers[{ 1, modbusRegister }]; }
+
+    RuntimeUnderTest host;
+};
+
+} // namespace
+
+TEST_F(WriteDeskTest, ACommandIsConfirmedByItsEcho)
+{
+    host.write(1, "CW", 0, { 1 });
+
+    host.steps(1);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 confirmed" });
+    EXPECT_EQ(reg(0x1001), 1);
+    EXPECT_EQ(host.host.pendingWrites(), 0);
+}
+
+TEST_F(WriteDeskTest, AParameterThatDiffersIsReadThenWritten)
+{
+    host.stations.registers[{ 1, 0xFC0D }] = 7;
+    host.write(1, "F", 2573, { 8 });
+
+    host.steps(5);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 confirmed" });
+    EXPECT_EQ(reg(0xFC0D), 8);
+    EXPECT_EQ(host.sent(1, 6), 1);
+}
+
+TEST_F(WriteDeskTest, AParameterThatIsHeldAlreadyIsNotWritten)
+{
+    host.stations.registers[{ 1, 0xF000 }] = 7;
+    host.stations.registers[{ 1, 0xF001 }] = 8;
+    host.write(1, "F", 0, { 7, 8 });
+
+    host.steps(5);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 confirmed (held)" });
+    EXPECT_EQ(host.sent(1, 16), 0);
+}
+
+TEST_F(WriteDeskTest, AParameterIsWrittenAllTheSameWhenAskedTo)
+{
+    host.host.write({ 1, QStringLiteral("F"), 0, { 0 }, true, false });
+
+    host.steps(3);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 confirmed" });
+    EXPECT_EQ(host.sent(1, 6), 1);
+}
+
+TEST_F(WriteDeskTest, ReadBackTellsAValueThatWasNotTaken)
+{
+    host.host.write({ 1, QStringLiteral("F"), 0, { 9 }, true, true });
+    host.host.write({ 1, QStringLiteral("F"), 1, { 9 }, true, true });
+    host.steps(1);
+    host.stations.registers[{ 1, 0xF000 }] = 5;
+
+    host.steps(8);
+
+    EXPECT_EQ(host.outcomes, (Texts { "1000 not taken", "1001 confirmed" }));
+}
+
+TEST_F(WriteDeskTest, AnExceptionRejectsWithItsCodeAndWithoutRetry)
+{
+    host.stations.changes = { instead(framed("01 86 03")) };
+    host.write(1, "FRE", 0, { 60000 });
+
+    host.steps(2);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 rejected (exception 3)" });
+    EXPECT_EQ(host.sent(1, 6), 1);
+}
+
+TEST_F(WriteDeskTest, SilenceTimesOutAfterAllTries)
+{
+    host.stations.changes = { silence(), silence(), silence() };
+    host.write(1, "FRE", 0, { 100 });
+
+    host.steps(4);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
+    EXPECT_EQ(host.sent(1, 6), 3);
+}
+
+TEST_F(WriteDeskTest, ANewerValueReplacesOneThatWaits)
+{
+    host.write(1, "CW", 0, { 1 });
+    host.write(1, "FRE", 0, { 100 });
+    host.write(1, "FRE", 0, { 200 });
+
+    host.steps(4);
+
+    EXPECT_EQ(host.outcomes, (Texts { "1001 replaced", "1000 confirmed", "1002 confirmed" }));
+    EXPECT_EQ(reg(0x1002), 200);
+}
+
+TEST_F(WriteDeskTest, ANewerParameterReplacesOneThatIsBeingCompared)
+{
+    host.write(1, "F", 0, { 1 });
+    host.write(1, "F", 0, { 2 });
+
+    host.steps(6);
+
+    EXPECT_EQ(host.outcomes, (Texts { "1000 replaced", "1001 confirmed" }));
+    EXPECT_EQ(reg(0xF000), 2);
+}
+
+TEST_F(WriteDeskTest, AComparisonIsNotBelievedWhileAnOlderWriteWaits)
+{
+    host.stations.registers[{ 1, 0xF000 }] = 5;
+    host.host.write({ 1, QStringLiteral("F"), 0, { 6 }, true, false });
+    host.write(1, "F", 0, { 5 });
+
+    host.steps(8);
+
+    EXPECT_EQ(host.outcomes, (Texts { "1000 confirmed", "1001 confirmed" }));
+    EXPECT_EQ(reg(0xF000), 5);
+}
+
+TEST_F(WriteDeskTest, AFailedReadTakesNoOtherWriteWithIt)
+{
+    host.write(1, "F", 0, { 1 });
+    host.write(1, "F", 1, { 2 });
+    host.stations.changes = { instead(framed("01 83 02")) };
+
+    host.steps(8);
+
+    EXPECT_EQ(host.outcomes, (Texts { "1000 rejected (exception 2)", "1001 confirmed" }));
+    EXPECT_EQ(reg(0xF001), 2);
+}
+
+TEST_F(WriteDeskTest, AWriteThatWaitsWhenTheLineGoesDownIsNeverSent)
+{
+    host.write(1, "CW", 0, { 1 });
+    host.stations.line.unplug();
+    host.steps(3);
+    host.stations.line.plugIn();
+
+    host.runFor(seconds(5));
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
+    EXPECT_EQ(host.sent(1, 6), 0);
+}
+
+TEST_F(WriteDeskTest, AThousandWritesEndOnceEach)
+{
+    for (int i = 0; i < 1000; ++i) {
+        host.stations.changes.push_back(i % 7 == 0 ? silence() : late(milliseconds(0)));
+        host.write(1, i % 3 ? "F" : "CW", i % 3 ? i % 10 : 0, { static_cast<quint16>(i) });
+        host.steps(i % 2);
+    }
+
+    host.runFor(seconds(60));
+
+    std::set<int> ids;
+    for (const WriteOutcome &outcome : host.outcomeRecords)
+        ids.insert(outcome.id);
+    EXPECT_EQ(host.outcomeRecords.size(), 1000U);
+    EXPECT_EQ(ids.size(), 1000U);
+    EXPECT_EQ(host.host.pendingWrites(), 0);
+}
+
+namespace {
+
+struct RefusalCase {
+    const char *name;
+    WriteWish wish;
+    Refusal refusal;
+};
+
+class WriteRefusal : public ::testing::TestWithParam<RefusalCase> { };
+
+QVector<quint16> zeros(int count)
+{
+    return QVector<quint16>(count, 0);
+}
+
+} // namespace
+
+TEST_P(WriteRefusal, IsReportedBeforeTheDriverSeesIt)
+{
+    RuntimeUnderTest host;
+    host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+    host.steps(1);
+
+    host.host.write(GetParam().wish);
+
+    ASSERT_EQ(host.outcomes, Texts { "1000 refused" });
+    EXPECT_EQ(host.outcomeRecords.front().refusal, GetParam().refusal);
+    EXPECT_EQ(host.host.link().waitingWrites(), 0);
+    EXPECT_EQ(host.host.link().waitingConditionReads(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, WriteRefusal,
+    ::testing::Values(
+        RefusalCase { "MonitorValue", { 1, QStringLiteral("D"), 0, zeros(1) }, Refusal::Access },
+        RefusalCase { "StatusWord", { 1, QStringLiteral("SW"), 0, zeros(1) }, Refusal::Access },
+        RefusalCase { "UnknownType", { 1, QStringLiteral("X"), 0, zeros(1) }, Refusal::Access },
+        RefusalCase { "TwoCommands", { 1, QStringLiteral("CW"), 0, zeros(2) }, Refusal::Count },
+        RefusalCase { "NoValue", { 1, QStringLiteral("CW"), 0, {} }, Refusal::Count },
+        RefusalCase { "MoreThanABlock", { 1, QStringLiteral("F"), 0, zeros(17) }, Refusal::Count },
+        RefusalCase { "PastTheGroup", { 1, QStringLiteral("F"), 18, zeros(2) }, Refusal::Range },
+        RefusalCase { "C14", { 1, QStringLiteral("F"), 2574, zeros(1) }, Refusal::Range },
+        RefusalCase {
+            "GroupThatIsNone", { 1, QStringLiteral("F"), 2816, zeros(1) }, Refusal::Range },
+        RefusalCase { "NegativeAddress", { 1, QStringLiteral("F"), -1, zeros(1) }, Refusal::Range },
+        RefusalCase {
+            "SecondCommandWord", { 1, QStringLiteral("CW"), 1, zeros(1) }, Refusal::Range },
+        RefusalCase { "Station0", { 0, QStringLiteral("CW"), 0, zeros(1) }, Refusal::Station },
+        RefusalCase { "Station248", { 248, QStringLiteral("CW"), 0, zeros(1) }, Refusal::Station },
+        RefusalCase { "CommandToASilentStation",
+                      { 2, QStringLiteral("CW"), 0, { 1 } },
+                      Refusal::NotAnswered }),
+    [](const auto &tested) { return tested.param.name; });
+
+TEST_F(WriteDeskTest, AClosedLineRefuses)
+{
+    host.stations.line.unplug();
+
+    host.write(1, "CW", 0, { 1 });
+
+    ASSERT_EQ(host.outcomes, Texts { "1000 refused" });
+    EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::NotConnected);
+}
+
+TEST_F(WriteDeskTest, AStationThatIsLeftAloneRefuses)
+{
+    host.stations.dead = { 1 };
+    host.runFor(seconds(3));
+
+    host.write(1, "FRE", 0, { 1 });
+
+    ASSERT_EQ(host.outcomes, Texts { "1000 refused" });
+    EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::NotConnected);
+}
+
+TEST_F(WriteDeskTest, AFullQueueRefuses)
+{
+    for (int i = 0; i < 513; ++i)
+        host.host.write({ 1 + i % 247, QStringLiteral("F"), i / 247, { 1 }, true, false });
+
+    ASSERT_EQ(host.outcomes, Texts { "1512 refused" });
+    EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::QueueFull);
+}
