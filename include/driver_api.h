@@ -71,8 +71,7 @@ KORVANE_EXPORT void intf_setAddrValueChangeCallBack(ValueChangeCallback callback
 /// @param hostBlock     shared bytes, at least hostBlockBytes (60117) of them; recipe transfers are
 ///                      requested at recipeWriteFlag and recipeReadFlag. Null: no request is seen
 /// @param hostParam     stored, not used
-/// @param recipeBuffer  recipe values, 16-bit units; null: recipe values are neither read nor
-/// stored
+/// @param recipeBuffer  recipe values, 16-bit units; null: none is read, none is stored
 /// @param result        out: 0
 /// @param propertyText  Latin-1, fields between "#": link number, writes stay local (0 or 1), a
 ///                      stored field, retry limit in bad replies, block size in registers. Decimal;
@@ -107,7 +106,7 @@ KORVANE_EXPORT int intf_getRegDiscription(QString regType, QList<QString> *list)
 /// [editor]
 /// @param regType   type name, case-sensitive
 /// @param addrText  "h.dd" for F, else a decimal number; any "-" or "+" is malformed
-/// @param address   out: internal address; written by every path that converts, also when it fails
+/// @param address   out: internal address; written whenever the text is converted, failing or not
 /// @param count     registers from the address on
 /// @param typeFlag  0 refuses every known type with 1
 /// @return 0 acceptable, 1 refused before parsing, 2 out of range, 3 unknown type, 4 malformed
@@ -119,8 +118,7 @@ KORVANE_EXPORT int intf_checkAddrValidity(QString regType, QString addrText, int
 /// [editor]
 /// @param regType     type name, case-sensitive
 /// @param addrText    at most 4 characters for F ("h.dd"), 2 for D ("dd"), 1 for the others
-/// @param address     out: internal address; written by every path that converts, also when it
-/// fails
+/// @param address     out: internal address; written whenever the text is converted, failing or not
 /// @param subIndex    -1 refuses every known type with 1
 /// @param count       registers from the address on
 /// @param accessMode  AccessMode: 0 read, 1 write, 2 both
@@ -193,8 +191,7 @@ KORVANE_EXPORT int intf_addConditionRead(KEY_ADDRESS address, int varKind);
 ///
 /// @param reply      the bytes received, none added and none missing
 /// @param errorText  out: "station#type address(count)(bytes received)" without blanks; empty when
-/// no
-///                   request was pending
+///                   no request was pending
 /// @return 0 no request pending, 1 accepted, 2 given up, 8 bad: send the same frame again
 KORVANE_EXPORT int intf_dealRcvFrame(QByteArray &reply, QString &errorText);
 
@@ -224,7 +221,8 @@ KORVANE_EXPORT int intf_getData(int station, QString regType, int address, int c
 /// @param regType  type name; nothing is done for an unknown one
 /// @param address  internal address of the first register
 /// @param count    registers
-/// @param data     2 * count bytes; null with a count of 1 or more does nothing
+/// @param data     2 * count bytes, none of them inside a list of `driver`; null with a count of 1
+///                 or more does nothing
 /// @param varKind  tag for VARIABLE::varKind
 /// @return 1
 KORVANE_EXPORT int intf_setData(int station, QString regType, int address, int count,

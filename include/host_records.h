@@ -25,8 +25,7 @@ struct VARIABLE {
     QString regType; ///< register type, one of REG_LIST
     int address = 0; ///< internal address of the first register: "F" (group << 8) + index
     int count = 0; ///< consecutive 16-bit registers
-    unsigned char
-        data[dx4::recordBytes] = {}; ///< 2 bytes per register, low byte first; input of a write
+    unsigned char data[dx4::recordBytes] = {}; ///< values of a write, 2 bytes each, low byte first
 };
 
 /// One recipe variable as the host lists it.
@@ -42,8 +41,7 @@ struct _RCP_VAR_PRO {
 
 /// One request, ready to send, with what its reply must look like.
 struct FRAME_PRO {
-    unsigned char
-        frame[dx4::recordBytes] = {}; ///< request bytes; those behind sendLength mean nothing
+    unsigned char frame[dx4::recordBytes] = {}; ///< sendLength bytes of request; the rest is unused
     int sendLength = 0; ///< bytes of `frame` to send
     int replyLength = 0; ///< bytes of the reply that answers it: read 2 * count + 5, write 8
     int replyDataOffset = 0; ///< first register byte in the reply: read 3, write 0

@@ -28,8 +28,11 @@ using ValueChangeCallback = void (*)(int linkId, int station, QString &name, int
 /// All state of the driver between two calls.
 ///
 /// A host may read everything between two calls, and may clear, append to, replace or edit the
-/// lists; the next call works on the lists as they then are. The one condition: no two records of
-/// `dataAreas` share a key.
+/// lists; the next call works on the lists as they then are. Not from inside the callback, and not
+/// through a reference or pointer kept across a call. No two records of `dataAreas` share a key.
+///
+/// Lists are best read with `at()`, `constFirst()` or `std::as_const`: the driver keeps a copy that
+/// shares with `dataAreas`, so that reading this as a non-const list copies the whole cache.
 class korvane_dx4 {
 public:
     korvane_dx4();
@@ -43,15 +46,13 @@ public:
     int property2 = 0; ///< property field 2: stored only
     int retryLimit = 0; ///< property field 3: bad replies after which a request is given up
     int blockSize = 0; ///< property field 4: registers in one merged block
-    unsigned char
-        *hostBlock; ///< host's shared bytes, at least hostBlockBytes; guarded by hostMutex
+    unsigned char *hostBlock; ///< host's bytes, hostBlockBytes or more; guarded by hostMutex
     int hostParam = 0; ///< stored only
     unsigned short *recipeBuffer = nullptr; ///< host's recipe values, 16-bit units
     QMutex *hostMutex = nullptr; ///< host's lock around hostBlock
     QList<VARIABLE> readList; ///< cyclic reads, served in turn
     QList<VARIABLE> writeList; ///< waiting writes, at most 513; the head may be on the line
-    QList<VARIABLE>
-        conditionList; ///< waiting one-off reads, at most 513; the head may be on the line
+    QList<VARIABLE> conditionList; ///< waiting one-off reads; bound and head as in writeList
     QList<_DATA_> dataAreas; ///< the cache, one record per register, in order of first use
     QVector<_RCP_VAR_PRO> rcpVars; ///< this link's recipe variables
     QVector<_RCP_VAR_PRO> rcpSendVars; ///< recipe transfers; filled by the host only

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The inverter's register types: names, descriptions, ranges and places in the Modbus register
-// space.
+// The inverter's register types: names, descriptions, ranges and Modbus registers.
 //
-// Tables indexed by type follow the order of REG_LIST. The figures are the drive's own register
-// map.
+// Tables indexed by type follow the order of REG_LIST. The figures are the drive's register map.
 #pragma once
 
 #include <QString>

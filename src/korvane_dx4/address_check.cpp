@@ -76,8 +76,8 @@ int longestText(RegisterType type)
     }
 }
 
-// The drive has no groups a and b; read as hexadecimal digits they would stand for group c and
-// beyond.
+// The drive has no groups a and b. Read as hexadecimal digits, a would be the number of group c and
+// b a number that no group has.
 bool namesMissingGroup(const QString &text)
 {
     const QString group = text.split(QLatin1Char('.')).constFirst();

@@ -20,8 +20,7 @@ enum MonitorBit {
     MonitoredDoubleEnd = 2, ///< it is the second
 };
 
-/// A run of registers of one of the six types, by value: it outlives the list entry it was read
-/// from.
+/// A run of registers by value: it outlives the list entry it was read from.
 struct RegisterRange {
     int station;
     RegisterType type;
@@ -71,8 +70,7 @@ public:
     /// until the link is started anew.
     int positionOf(int address) { return runFrom(address, 1).position; }
 
-    /// The position found before, after the host was called: found again if the link was started
-    /// anew.
+    /// A position found before the host was called; looked up again if the record has left it.
     int positionAgain(int position, int address)
     {
         return standsAt(position, address) ? position : positionOf(address);

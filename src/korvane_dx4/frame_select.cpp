@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Which encoder serves which register type.
 //
-// Deliberate: what a type is not meant for is not refused here. A read of "CW" or "FRE" goes to the
-// monitor values, a write of "D", "SW" or "FU" to register 0. The address checks keep hosts from
-// it.
+// Deliberate: what a type is not meant for is not refused. A read of "CW" or "FRE" goes to the
+// monitor values, a write of "D", "SW" or "FU" to register 0. Access is the business of the address
+// checks.
 #include "korvane_dx4/frame_select.h"
 
 #include "readframe/readframe.h"

@@ -6,8 +6,8 @@ namespace {
 
 constexpr int serialProtocol = 0;
 
-// Port, speed in bit/s, data bits, parity, stop bits, two flags, IP address and port, driver,
-// types.
+// Port, speed in bit/s, data bits, parity, stop bits, two flags, IP address and port, driver name,
+// register types.
 constexpr char defaultParameter[] =
     "0,9600,8,NONE,1,0,1,192.168.0.1,8888,korvane_dx4,F,D,CW,SW,FRE,FU";
 

@@ -21,7 +21,6 @@ void storeRecipeValues(const QByteArray &reply, int dataOffset);
 /// Makes the variable of a recipe transfer; `varKind` is left as it is.
 ///
 /// @param withData  nonzero copies the values from the recipe buffer, at most 1024 bytes, as they
-/// lie there; the
-///                  rest of `data` is zeroed. Nothing is copied for a negative count or offset or
-///                  without a buffer
+///                  lie there. The rest of `data` is zeroed, all of it for a negative count or
+///                  offset or without a buffer
 void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE &var, int withData);

@@ -94,8 +94,7 @@ void dx4::settleWrite(const RegisterRange &range, WriteOutcome outcome)
     for (int i = 0; i < range.count; ++i) {
         const int address = wrapAdd(range.address, i);
         const int position = finder.positionOf(address);
-        // After a confirmation both are equal and nothing is reported: the host sees the value
-        // already.
+        // Both are equal after a confirmation, and nothing is reported: the value is shown already.
         const SettledValues values = endPending(position, outcome);
         reportWordChange(position, values.device, values.written,
                          { range.station, name, range.type, address });

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Bytes and 16-bit words: the wire sends the high byte first, host and cache keep the low byte
-// first.
+// Bytes and 16-bit words: the wire has the high byte first, host and cache the low byte.
 #pragma once
 
 namespace dx4 {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// CRC-16 of Modbus RTU, eight bytes a step: a reply of 245 bytes costs a twentieth of the bitwise
-// way.
+// CRC-16 of Modbus RTU, eight bytes a step instead of one bit.
 #include "wire/crc16.h"
 
 #include <array>

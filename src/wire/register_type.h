@@ -16,8 +16,7 @@ enum RegisterType { UnknownType = -1, TypeF, TypeD, TypeCw, TypeFre, TypeSw, Typ
 /// The type with this name, case-sensitive.
 RegisterType registerType(const QString &name);
 
-/// Whether two texts are equal; without a call into Qt, and at once when they share their
-/// characters.
+/// Whether two texts are equal; without a call into Qt, and at once when they share characters.
 inline bool sameText(const QString &a, const QString &b)
 {
     return a.size() == b.size()
