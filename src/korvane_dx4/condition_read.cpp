@@ -28,7 +28,7 @@ int intf_addConditionRead(KEY_ADDRESS address, int varKind)
                                          : Pieces::cut(address.address, address.count, limit);
     queuePieces(driver.conditionList, var, pieces,
                 [](VARIABLE &entry, qint64) { std::memset(entry.data, 0, sizeof entry.data); });
-    // Deliberate: only the last piece is remembered, so that a read in pieces reports one outcome.
+    // Deliberate: the last piece alone stands here, so that a cut request reports one outcome.
     if (pieces.size() > 0) {
         var.address = pieces.address(pieces.size() - 1);
         var.count = pieces.count(pieces.size() - 1);

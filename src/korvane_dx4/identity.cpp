@@ -29,7 +29,7 @@ void intf_getDriverPropertyPage(QString &text)
     text = QLatin1String("0_0");
 }
 
-// Deliberate: it hands an empty text out instead of taking one in.
+// Deliberate: it takes nothing from the host and empties the text it is given.
 void intf_SetDriverPropertyPage(QString &text)
 {
     text = QLatin1String("");
