@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+// What a tool sees of a running line: values with their age, counters, plans and two lines at once.
+#include "runtime_fixture.h"
+
+#include <QJsonArray>
+
+using namespace dx4::host;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+namespace {
+
+class RuntimeTest : public ::testing::Test {
+protected:
+    RuntimeTest()
+    {
+        host.host.setPlan(planOf({ { 1, QStringLiteral("D 0-1") } }));
+        host.stations.registers[{ 1, 0xD000 }] = 17;
+    }
+
+    Value shown() const { return host.host.value(1, QStringLiteral("D"), 0); }
+
+    RuntimeUnderTest host;
+};
+
+} // namespace
+
+TEST_F(RuntimeTest, AValueIsUnknownAndStaleBeforeItWasRead)
+{
+    EXPECT_FALSE(shown().known);
+    EXPECT_TRUE(shown().stale);
+}
+
+TEST_F(RuntimeTest, AReadValueHasAnAgeAndGrowsStale)
+{
+    host.steps(1);
+    const Value fresh = shown();
+    host.stations.line.advance(seconds(5) + milliseconds(1));
+
+    EXPECT_EQ(fresh.value, 17);
+    EXPECT_TRUE(fresh.known);
+    EXPECT_FALSE(fresh.stale);
+    EXPECT_EQ(fresh.age, Duration { 0 });
+    EXPECT_EQ(shown().age, milliseconds(5001));
+    EXPECT_TRUE(shown().stale);
+}
+
+TEST_F(RuntimeTest, AGivenUpReadKeepsItsValueAndIsMarked)
+{
+    host.steps(1);
+    host.stations.changes = { silence(), silence(), silence() };
+
+    host.steps(3);
+
+    EXPECT_EQ(shown().value, 17);
+    EXPECT_TRUE(shown().failed);
+}
+
+TEST_F(RuntimeTest, APulledPlugMarksValuesStaleAndAReturningLineIsReopened)
+{
+    host.steps(1);
+    host.stations.line.unplug();
+    host.runFor(seconds(3));
+    const Value during = shown();
+    host.stations.line.plugIn();
+
+    host.runFor(seconds(3));
+
+    EXPECT_EQ(during.value, 17);
+    EXPECT_TRUE(during.stale);
+    EXPECT_FALSE(shown().stale);
+    EXPECT_EQ(host.host.counters().lineDowns(), 1U);
+}
+
+TEST_F(RuntimeTest, APlanChangesOnlyBetweenTwoRequests)
+{
+    host.stations.changes = { silence() };
+    host.steps(1);
+    host.host.setPlan(planOf({ { 1, QStringLiteral("D 8") } }));
+
+    host.steps(2);
+
+    EXPECT_EQ(host.stations.line.sent(),
+              (QVector<QByteArray> { framed("01 03 D0 00 00 02"), framed("01 03 D0 00 00 02"),
+                                     framed("01 03 D0 08 00 01") }));
+}
+
+TEST_F(RuntimeTest, CountersTellBlocksStationsAndTheLine)
+{
+    host.stations.changes = { silence(), instead(framed("01 83 04")) };
+
+    host.steps(3);
+
+    const QJsonObject json = host.host.countersJson();
+    const QJsonObject station = json.value(QStringLiteral("stations")).toArray().at(0).toObject();
+    const QJsonObject block = station.value(QStringLiteral("blocks")).toArray().at(0).toObject();
+    EXPECT_EQ(block.value(QStringLiteral("address")).toString(), QStringLiteral("D 0"));
+    EXPECT_EQ(block.value(QStringLiteral("requests")).toInt(), 3);
+    EXPECT_EQ(block.value(QStringLiteral("good")).toInt(), 1);
+    EXPECT_EQ(block.value(QStringLiteral("timeouts")).toInt(), 1);
+    EXPECT_EQ(block.value(QStringLiteral("retries")).toInt(), 2);
+    EXPECT_EQ(
+        block.value(QStringLiteral("exceptions")).toObject().value(QStringLiteral("4")).toInt(), 1);
+    EXPECT_EQ(
+        json.value(QStringLiteral("total")).toObject().value(QStringLiteral("requests")).toInt(),
+        3);
+    EXPECT_GT(
+        json.value(QStringLiteral("line")).toObject().value(QStringLiteral("load")).toDouble(),
+        0.5);
+}
+
+TEST_F(RuntimeTest, TurnaroundsFallIntoTheirClass)
+{
+    host.stations.slow[1] = milliseconds(7);
+
+    host.steps(4);
+
+    const RequestCounts counts = host.host.counters().station(1);
+    EXPECT_EQ(counts.turnaround.at(3), 4U); // above 5 ms, up to 10 ms
+}
+
+TEST_F(RuntimeTest, AGivenUpRequestIsCountedOnce)
+{
+    host.stations.changes = { silence(), silence(), silence() };
+
+    host.steps(4);
+
+    EXPECT_EQ(host.host.counters().total().giveUps, 1U);
+    EXPECT_EQ(host.host.counters().total().retries, 2U);
+    EXPECT_EQ(host.host.counters().total().timeouts, 3U);
+}
+
+TEST(TwoRuntimes, ADeadLineDoesNotDisturbTheOther)
+{
+    RuntimeUnderTest dead;
+    RuntimeUnderTest live;
+    RuntimeUnderTest alone;
+    for (RuntimeUnderTest *host : { &dead, &live, &alone }) {
+        host->host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+        host->stations.registers[{ 1, 0xD000 }] = 17;
+    }
+    dead.stations.dead = { 1 };
+    const int id = live.write(1, "FRE", 0, { 500 });
+    alone.write(1, "FRE", 0, { 500 });
+
+    for (int i = 0; i < 200; ++i) {
+        dead.steps(1);
+        live.steps(1);
+    }
+    alone.steps(200);
+
+    EXPECT_EQ(id, 1000);
+    EXPECT_EQ(live.outcomes, Texts { "1000 confirmed" });
+    EXPECT_EQ(dead.outcomes, Texts {});
+    EXPECT_EQ(live.value(1, "D", 0), 17);
+    EXPECT_TRUE(dead.host.value(1, QStringLiteral("D"), 0).failed);
+    EXPECT_EQ(live.stations.line.sent(), alone.stations.line.sent());
+    EXPECT_EQ(live.stations.line.now(), alone.stations.line.now());
+}
