@@ -15,7 +15,7 @@ enum class Parity { None, Even, Odd };
 
 /// Settings of one line; data bits are always 8, as Modbus RTU has them.
 struct LineSettings {
-    QString port; ///< device path, or a name as the system lists it
+    QString port; ///< device path, lasting name ("usb-...") or a name as the system lists it
     int speed = 9600; ///< bit/s
     Parity parity = Parity::None;
     int stopBits = 1; ///< 1 or 2

@@ -3,10 +3,14 @@
 #include "host/serial_line.h"
 
 #include "host/length.h"
+#include "host/port_claim.h"
+#include "host/port_list.h"
 
+#include <QFile>
 #include <QSerialPort>
 
 #include <poll.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -50,16 +54,37 @@ bool SerialLine::open(QString *error)
 {
     if (isOpen())
         return true;
-    m_port->setPortName(m_settings.port);
-    if (m_port->open(QIODevice::ReadWrite) && configure()) {
+    // Resolved each time: an adapter that comes back may be another device under its lasting name.
+    const QString device = portDevice(m_settings.port);
+    m_port->setPortName(device);
+    const QString refusal = tryOpen(device);
+    if (refusal.isEmpty()) {
         m_port->clear();
         noteActivity();
         return true;
     }
     if (error)
-        *error = QStringLiteral("%1: %2").arg(m_settings.port, m_port->errorString());
+        *error = QStringLiteral("%1: %2").arg(m_settings.port, refusal);
     m_port->close();
     return false;
+}
+
+/// Opens the port as the settings say; gives the reason when that fails.
+QString SerialLine::tryOpen(const QString &device)
+{
+    const bool opened = m_port->open(QIODevice::ReadWrite);
+    // One that this user may open but cannot is held: in exclusive mode, or by a lock file.
+    const bool isHeld = opened ? !claimPort(m_port->handle())
+                               : m_port->error() == QSerialPort::PermissionError
+            && access(QFile::encodeName(device).constData(), R_OK | W_OK) == 0;
+    if (isHeld)
+        return QStringLiteral("in use by %1").arg(holderText(holdersOf(device)));
+    if (!opened || !configure())
+        return m_port->errorString();
+    if (m_settings.kernelSwitchesDirection && !switchDirectionByKernel(m_port->handle()))
+        return QStringLiteral("its driver cannot switch the RS-485 direction; leave that to the "
+                              "adapter");
+    return {};
 }
 
 bool SerialLine::configure()

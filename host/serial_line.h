@@ -11,6 +11,9 @@ class QSerialPort;
 namespace dx4::host {
 
 /// A serial port driven without an event loop: every call blocks its thread until its deadline.
+///
+/// An open port is held exclusively; open() names the program that has it already. A port that goes
+/// away is closed by the call that notices, and open() finds it again under its lasting name.
 class SerialLine : public Line {
 public:
     /// The port is opened by open(), not here.
@@ -28,6 +31,7 @@ public:
     bool awaitSilence(Duration gap, Duration deadline) override;
 
 private:
+    QString tryOpen(const QString &device);
     bool configure();
     bool waitForInput(Duration deadline);
     bool broken() const;

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// Ports of the machine: lasting names and holders.
+#include "host/port_list.h"
+
+#include "pseudo_terminal.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace dx4::host;
+
+TEST(PortList, ANameOfTheFolderLeadsToItsDevice)
+{
+    const QTemporaryDir folder;
+    const PseudoTerminal adapter;
+    QFile::link(adapter.path(), folder.filePath(QStringLiteral("usb-adapter")));
+
+    const QString device = portDevice(QStringLiteral("usb-adapter"), folder.path());
+
+    EXPECT_EQ(device, adapter.path());
+}
+
+TEST(PortList, ANameThatLeadsNowhereIsADevice)
+{
+    const QTemporaryDir folder;
+
+    EXPECT_EQ(portDevice(QStringLiteral("ttyNone9"), folder.path()),
+              QStringLiteral("/dev/ttyNone9"));
+    EXPECT_EQ(portDevice(QStringLiteral("/dev/ttyNone9"), folder.path()),
+              QStringLiteral("/dev/ttyNone9"));
+}
+
+TEST(PortList, AHolderIsNamedOnce)
+{
+    const PseudoTerminal adapter;
+    const QByteArray path = adapter.path().toLatin1();
+    const int first = open(path.constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const int second = open(path.constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+
+    const QVector<PortHolder> holders = holdersOf(adapter.path());
+    close(first);
+    close(second);
+    const QVector<PortHolder> afterwards = holdersOf(adapter.path());
+
+    ASSERT_EQ(holders.size(), 1);
+    EXPECT_EQ(holders.at(0).process, getpid());
+    EXPECT_EQ(holders.at(0).program, QStringLiteral("korvane_host_test"));
+    EXPECT_TRUE(afterwards.isEmpty());
+}
+
+TEST(PortList, WhatIsNoDeviceHasNoHolder)
+{
+    EXPECT_TRUE(holdersOf(QStringLiteral("/proc/self/exe")).isEmpty());
+    EXPECT_TRUE(holdersOf(QStringLiteral("/dev/ttyNone9")).isEmpty());
+}
+
+TEST(PortList, HoldersAreTold)
+{
+    EXPECT_EQ(holderText({ { 812, QStringLiteral("dx4") }, { 901, QStringLiteral("minicom") } }),
+              QStringLiteral("dx4 (process 812), minicom (process 901)"));
+    EXPECT_EQ(holderText({}), QStringLiteral("a program of another user"));
+}
+
+TEST(PortList, EveryPortOfTheMachineHasADevice)
+{
+    const QVector<PortInfo> ports = listPorts();
+
+    for (const PortInfo &port : ports)
+        EXPECT_TRUE(port.device.startsWith(QStringLiteral("/dev/"))) << port.device.toStdString();
+}

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// A pair of terminals in place of a serial adapter.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+/// The far end of a line, held by the test; the near end is opened by its path.
+class PseudoTerminal {
+public:
+    PseudoTerminal()
+        : m_far(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))
+    {
+        char name[128] = {};
+        const bool made = m_far >= 0 && grantpt(m_far) == 0 && unlockpt(m_far) == 0
+            && ptsname_r(m_far, name, sizeof name) == 0;
+        EXPECT_TRUE(made) << "no pseudo-terminal";
+        m_path = QString::fromLatin1(name);
+        termios raw {};
+        tcgetattr(m_far, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(m_far, TCSANOW, &raw);
+    }
+    ~PseudoTerminal() { unplug(); }
+    PseudoTerminal(const PseudoTerminal &) = delete;
+    PseudoTerminal &operator=(const PseudoTerminal &) = delete;
+
+    const QString &path() const { return m_path; }
+
+    void write(const QByteArray &bytes)
+    {
+        EXPECT_EQ(::write(m_far, bytes.constData(), static_cast<size_t>(bytes.size())),
+                  bytes.size());
+    }
+
+    /// Takes the adapter away; the near end hangs up.
+    void unplug()
+    {
+        if (m_far >= 0)
+            close(m_far);
+        m_far = -1;
+    }
+
+private:
+    int m_far;
+    QString m_path;
+};

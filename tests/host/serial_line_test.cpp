@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+// The serial line: exclusive use, lasting names, and an adapter that goes away.
+#include "host/port_list.h"
+#include "host/serial_line.h"
+
+#include "pseudo_terminal.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <unistd.h>
+
+using namespace dx4::host;
+using std::chrono::seconds;
+
+namespace {
+
+LineSettings on(const QString &port)
+{
+    LineSettings settings;
+    settings.port = port;
+    return settings;
+}
+
+/// Qt's serial port complains on a thread that has no application or event loop.
+class SerialLineTest : public ::testing::Test {
+protected:
+    int count = 1;
+    char program[5] = "test";
+    char *arguments[2] = { program, nullptr };
+    QCoreApplication application { count, arguments };
+};
+
+} // namespace
+
+TEST_F(SerialLineTest, APortInUseIsRefusedWithItsHolder)
+{
+    const PseudoTerminal adapter;
+    SerialLine first(on(adapter.path()));
+    SerialLine second(on(adapter.path()));
+    QString error;
+    ASSERT_TRUE(first.open(&error)) << error.toStdString();
+
+    const bool opened = second.open(&error);
+
+    EXPECT_FALSE(opened);
+    EXPECT_FALSE(second.isOpen());
+    EXPECT_TRUE(first.isOpen());
+    EXPECT_EQ(error.toStdString(),
+              adapter.path().toStdString() + ": in use by korvane_host_test (process "
+                  + std::to_string(getpid()) + ")");
+}
+
+TEST_F(SerialLineTest, AClosedPortIsFreeForTheNext)
+{
+    const PseudoTerminal adapter;
+    SerialLine first(on(adapter.path()));
+    SerialLine second(on(adapter.path()));
+    first.open(nullptr);
+    first.close();
+
+    QString error;
+    const bool opened = second.open(&error);
+
+    EXPECT_TRUE(opened) << error.toStdString();
+}
+
+TEST_F(SerialLineTest, APortThatDoesNotExistIsNamed)
+{
+    SerialLine line(on(QStringLiteral("/dev/none")));
+    QString error;
+
+    const bool opened = line.open(&error);
+
+    EXPECT_FALSE(opened);
+    EXPECT_TRUE(error.startsWith(QStringLiteral("/dev/none: "))) << error.toStdString();
+}
+
+TEST_F(SerialLineTest, ADriverThatCannotSwitchTheDirectionIsRefused)
+{
+    const PseudoTerminal adapter;
+    LineSettings settings = on(adapter.path());
+    settings.kernelSwitchesDirection = true;
+    SerialLine line(settings);
+    QString error;
+
+    const bool opened = line.open(&error);
+
+    EXPECT_FALSE(opened);
+    EXPECT_FALSE(line.isOpen());
+    EXPECT_EQ(error.toStdString(),
+              adapter.path().toStdString()
+                  + ": its driver cannot switch the RS-485 direction; leave that to the adapter");
+}
+
+TEST_F(SerialLineTest, AnAdapterThatGoesAwayClosesTheLineAtOnce)
+{
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+
+    adapter.unplug();
+    const Duration start = line.now();
+    const QByteArray bytes = line.receive(1, start + seconds(3600));
+
+    EXPECT_TRUE(bytes.isEmpty());
+    EXPECT_FALSE(line.isOpen());
+}
+
+TEST_F(SerialLineTest, AnAdapterThatComesBackAsAnotherDeviceIsFoundUnderItsName)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("usb-adapter"));
+    PseudoTerminal before;
+    PseudoTerminal after;
+    QFile::link(before.path(), name);
+    SerialLine line(on(name));
+    line.open(nullptr);
+    before.unplug();
+    line.receive(1, line.now() + seconds(3600));
+    QFile::remove(name);
+    QFile::link(after.path(), name);
+
+    QString error;
+    const bool opened = line.open(&error);
+    after.write("hello");
+    const QByteArray bytes = line.receive(5, line.now() + seconds(3600));
+
+    EXPECT_TRUE(opened) << error.toStdString();
+    EXPECT_EQ(bytes, "hello");
+}
+
+TEST_F(SerialLineTest, InputThatIsDiscardedIsNoReply)
+{
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    adapter.write("old");
+    const QByteArray first = line.receive(1, line.now() + seconds(3600));
+
+    const int dropped = line.discardInput();
+    adapter.write("new");
+    const QByteArray second = line.receive(3, line.now() + seconds(3600));
+
+    EXPECT_EQ(first, "o");
+    EXPECT_EQ(dropped, 2);
+    EXPECT_EQ(second, "new");
+}
