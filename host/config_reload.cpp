@@ -29,11 +29,14 @@ QStringList differences(const Config &running, const Config &wanted)
 
 } // namespace
 
-ConfigReload::ConfigReload(Link &link, Planner &planner, const Config &current)
+ConfigReload::ConfigReload(Link &link, Planner &planner, const Config &current, Poll poll)
     : m_link(link)
     , m_planner(planner)
     , m_current(current)
+    , m_poll(std::move(poll))
 {
+    if (!m_poll)
+        m_poll = [&link](const Plan &plan) { link.poll(plan.addresses); };
 }
 
 bool ConfigReload::prepare(const QString &path, QVector<ConfigError> *errors)
@@ -57,7 +60,7 @@ bool ConfigReload::apply()
     const bool requestInProgress = !m_link.api().state->sendFrames.isEmpty();
     if (!m_waiting || requestInProgress)
         return false;
-    m_link.poll(m_waitingPlan.addresses);
+    m_poll(m_waitingPlan);
     m_current = std::move(*m_waiting);
     m_plan = std::move(m_waitingPlan);
     m_waiting.reset();

@@ -4,6 +4,8 @@
 
 #include "host/config.h"
 
+#include <functional>
+
 namespace dx4::host {
 
 /// Takes a new configuration over between two requests.
@@ -13,9 +15,13 @@ namespace dx4::host {
 /// is wrong changes nothing.
 class ConfigReload {
 public:
+    /// Makes the link read what a plan says.
+    using Poll = std::function<void(const Plan &)>;
+
     /// @param link, planner  outlive this; the planner has the link's block size
     /// @param current        what the link runs with
-    ConfigReload(Link &link, Planner &planner, const Config &current);
+    /// @param poll           by default Link::poll; a runtime has a way of its own
+    ConfigReload(Link &link, Planner &planner, const Config &current, Poll poll = {});
 
     /// Reads and checks a file; it takes effect with apply(). One that already waits is replaced.
     ///
@@ -44,6 +50,7 @@ private:
     Link &m_link;
     Planner &m_planner;
     Config m_current;
+    Poll m_poll;
     Plan m_plan;
     std::optional<Config> m_waiting;
     Plan m_waitingPlan;

@@ -9,8 +9,6 @@
 namespace dx4::host {
 namespace {
 
-constexpr int firstTag = 0; // counted downwards, apart from the tags that others count upwards
-
 QString accessText(int station, const QString &regType, int address)
 {
     return QStringLiteral("station %1, %2").arg(station).arg(fullAddress(regType, address));
@@ -19,10 +17,16 @@ QString accessText(int station, const QString &regType, int address)
 } // namespace
 
 CycleAccess::CycleAccess(Link &link, Cycle &cycle, Verdict verdict)
+    : CycleAccess(
+        link, cycle, [&cycle] { return cycle.step(); }, std::move(verdict))
+{
+}
+
+CycleAccess::CycleAccess(Link &link, const Cycle &cycle, Stepper step, Verdict verdict)
     : m_link(link)
     , m_cycle(cycle)
+    , m_step(std::move(step))
     , m_verdict(std::move(verdict))
-    , m_lastTag(firstTag)
 {
     if (!m_verdict)
         m_verdict = [&cycle] { return checkReply(cycle.request(), cycle.reply().bytes); };
@@ -49,7 +53,7 @@ AccessResult CycleAccess::await(const QString &what, int tag, int (Link::*waitin
     // One idle step is the driver's pause after some requests in a row; a second one means that a
     // request stands in the way which it cannot encode.
     for (int idleSteps = 0; idleSteps < 2;) {
-        const Cycle::Step step = m_cycle.step();
+        const Cycle::Step step = m_step();
         idleSteps = step == Cycle::Step::Idle ? idleSteps + 1 : 0;
         if (step == Cycle::Step::LineDown)
             return { AccessResult::Kind::LineDown,

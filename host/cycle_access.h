@@ -26,14 +26,21 @@ public:
     AccessResult read(int station, const QString &regType, int address, int count) override;
     AccessResult write(int station, const QString &regType, int address, quint16 value) override;
 
+protected:
+    using Stepper = std::function<Cycle::Step()>;
+
+    /// @param step  one step of the cycle, with what else is to be done in one
+    CycleAccess(Link &link, const Cycle &cycle, Stepper step, Verdict verdict);
+
 private:
     AccessResult await(const QString &what, int tag, int (Link::*waiting)() const);
     AccessResult outcome(const QString &what, Cycle::Step step) const;
 
     Link &m_link;
-    Cycle &m_cycle;
+    const Cycle &m_cycle;
+    Stepper m_step;
     Verdict m_verdict;
-    int m_lastTag;
+    int m_lastTag = 0; // counted downwards, apart from the tags that others count upwards
 };
 
 } // namespace dx4::host

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+// Parameter sets over a runtime, with its guard and its rules for writes.
+#include "host/parameter_transfer.h"
+#include "host/runtime_access.h"
+
+#include "runtime_fixture.h"
+
+using namespace dx4::host;
+
+namespace {
+
+class RuntimeAccessTest : public ::testing::Test {
+protected:
+    RuntimeAccessTest() { under.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } })); }
+
+    int &reg(int modbusRegister) { return under.stations.registers[{ 1, modbusRegister }]; }
+
+    RuntimeUnderTest under;
+    Texts otherOutcomes;
+    RuntimeAccess access { under.host, [this](const WriteOutcome &outcome) {
+                              otherOutcomes.push_back(std::to_string(outcome.id) + ' '
+                                                      + writeEndName(outcome.end));
+                          } };
+    ParameterSet set;
+    QString error;
+};
+
+} // namespace
+
+TEST_F(RuntimeAccessTest, ASetIsReadAndRestored)
+{
+    reg(0xF105) = 5;
+    reg(0xFC0D) = 13;
+    const bool read = readParameters(access, set, &error);
+    reg(0xF105) = 99;
+
+    const RestoreReport report = restoreParameters(access, 1, set);
+
+    EXPECT_TRUE(read) << error.toStdString();
+    EXPECT_EQ(set.values.value(0x0A0D), 13);
+    EXPECT_TRUE(report.isRestored()) << report.interrupted.toStdString();
+    EXPECT_EQ(report.written, 1);
+    EXPECT_EQ(reg(0xF105), 5);
+    EXPECT_EQ(under.sent(1, 16) + under.sent(1, 6), 1);
+}
+
+TEST_F(RuntimeAccessTest, ARefusedReadIsRefused)
+{
+    under.stations.changes.push_back(instead(framed("01 83 02")));
+
+    const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::Refused);
+    EXPECT_EQ(result.reason.toStdString(), "station 1, F 1.5 (0xF105): exception 2");
+}
+
+TEST_F(RuntimeAccessTest, ADeadStationDoesNotAnswer)
+{
+    under.stations.dead = { 1 };
+
+    const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::NoAnswer);
+}
+
+TEST_F(RuntimeAccessTest, AWriteThatIsRefusedAtOnceIsOnlyReportedHere)
+{
+    const AccessResult result = access.write(1, QStringLiteral("D"), 0, 5);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::Refused);
+    EXPECT_TRUE(otherOutcomes.empty());
+}
+
+TEST_F(RuntimeAccessTest, WritesOfOthersAreReportedToThem)
+{
+    under.steps(1);
+    under.write(1, "CW", 0, { 1 });
+
+    const AccessResult result = access.write(1, QStringLiteral("F"), 0x0105, 5);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::Done);
+    EXPECT_EQ(otherOutcomes, Texts { "1000 confirmed" });
+    EXPECT_EQ(reg(0xF105), 5);
+}
+
+TEST_F(RuntimeAccessTest, AClosedLineIsToldApart)
+{
+    under.steps(1);
+    under.stations.line.unplug();
+
+    const AccessResult read = access.read(1, QStringLiteral("F"), 0x0105, 1);
+    const AccessResult written = access.write(1, QStringLiteral("F"), 0x0105, 5);
+
+    EXPECT_EQ(read.kind, AccessResult::Kind::LineDown);
+    EXPECT_EQ(written.kind, AccessResult::Kind::LineDown);
+}
