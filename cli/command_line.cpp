@@ -104,10 +104,10 @@ void Command::words(const char *name, QStringList &value, const char *help, bool
 
 void Command::number(const char *option, int &value, const char *help, int lowest, int highest)
 {
-    m_app.add_option(option, value, help)
-        ->check(CLI::Range(lowest, highest))
-        ->type_name("N")
-        ->capture_default_str();
+    CLI::Option *added =
+        m_app.add_option(option, value, help)->check(CLI::Range(lowest, highest))->type_name("N");
+    if (value >= lowest && value <= highest) // else it stands for "not given"
+        added->capture_default_str();
 }
 
 void Command::text(const char *option, QString &value, const char *help, const char *placeholder)
@@ -158,10 +158,18 @@ Command Command::sub(const char *name, const char *summary)
     return Command(*m_app.add_subcommand(name, summary), m_exitCode);
 }
 
+void Command::prepare(Action step)
+{
+    m_prepare = std::move(step);
+}
+
 void Command::action(Action action)
 {
-    m_app.callback(
-        [action = std::move(action), this_exit = &m_exitCode] { *this_exit = action(); });
+    m_app.callback([prepare = m_prepare, action = std::move(action), exitCode = &m_exitCode] {
+        *exitCode = prepare ? prepare() : 0;
+        if (*exitCode == 0)
+            *exitCode = action();
+    });
 }
 
 CommandLine::CommandLine(const char *version)

@@ -41,12 +41,16 @@ public:
     /// A command of this one.
     Command sub(const char *name, const char *summary);
 
-    /// What it does; the result is the exit code.
+    /// Done before the action; a result other than 0 ends the command with it.
+    void prepare(Action step);
+
+    /// What it does; the result is the exit code. Comes last.
     void action(Action action);
 
 private:
     CLI::App &m_app;
     int &m_exitCode;
+    Action m_prepare;
 };
 
 /// The program's arguments.

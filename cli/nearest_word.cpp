@@ -12,14 +12,14 @@
 namespace dx4::cli {
 namespace {
 
-constexpr int wholeChange = 2; // distances count in half changes, so that case can be one
-constexpr int halfChange = 1;
+constexpr int wholeChange = 4; // distances count in quarters of a change, so that case can be one
+constexpr int caseChange = 1;
 
 int changeCost(QChar left, QChar right)
 {
     if (left == right)
         return 0;
-    return left.toLower() == right.toLower() ? halfChange : wholeChange;
+    return left.toLower() == right.toLower() ? caseChange : wholeChange;
 }
 
 int distance(const QString &left, const QString &right)

@@ -8,7 +8,7 @@
 namespace dx4::cli {
 
 /// The closest of the valid words, counted in letters to change, add, drop or swap; case counts as
-/// half a change. Empty when none is close, that is within a third of the word's length, at
+/// a quarter of a change. Empty when none is close, that is within a third of the word's length, at
 /// least 1.
 QString nearestWord(const QString &word, const QStringList &valid);
 

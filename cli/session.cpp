@@ -12,9 +12,6 @@
 namespace dx4::cli {
 namespace {
 
-constexpr int lastStation = 247;
-constexpr int largestBlock = 123; // registers
-
 QString whereText(const Target &target)
 {
     return QStringLiteral("station %1, %2")
@@ -23,46 +20,6 @@ QString whereText(const Target &target)
 }
 
 } // namespace
-
-void addLineOptions(Command &command, LineOptions &options)
-{
-    if (options.port.isEmpty())
-        options.port = qEnvironmentVariable("DX4_PORT");
-    command.text("--port", options.port, "serial port; else the variable DX4_PORT", "DEVICE");
-    command.number("--speed", options.speed, "of the line, bit/s", 300, 921600);
-    command.choice("--format", options.format, "data bits, parity, stop bits",
-                   { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
-                     QStringLiteral("8E2"), QStringLiteral("8O1"), QStringLiteral("8O2") });
-    command.number("--station", options.station, "of addresses that name none", 1, lastStation);
-    command.number("--timeout", options.timeout, "ms until a reply must begin", 1, 60000);
-    command.number("--retries", options.retries, "repetitions of a failed request", 0, 100);
-    command.number("--block", options.block, "most registers of one request", 1, largestBlock);
-    command.flag("--json", options.json, "print one JSON object per line");
-    addDriverOption(command, options.driver);
-}
-
-host::LineSettings lineSettings(const LineOptions &options)
-{
-    host::LineSettings settings;
-    settings.port = options.port;
-    settings.speed = options.speed;
-    const QChar parity = options.format.at(1);
-    if (parity == QLatin1Char('E'))
-        settings.parity = host::Parity::Even;
-    if (parity == QLatin1Char('O'))
-        settings.parity = host::Parity::Odd;
-    settings.stopBits = options.format.endsWith(QLatin1Char('2')) ? 2 : 1;
-    settings.responseTimeout = std::chrono::milliseconds(options.timeout);
-    return settings;
-}
-
-host::LinkSettings linkSettings(const LineOptions &options)
-{
-    host::LinkSettings settings;
-    settings.retryLimit = options.retries + 1; // the driver counts the first try too
-    settings.blockSize = options.block;
-    return settings;
-}
 
 Session::Session(const LineOptions &options, host::FrameRing *ring)
     : m_options(options)
@@ -122,7 +79,7 @@ bool Session::settle(const Target &target, Failure *failure)
 {
     using Step = host::Cycle::Step;
     const quint64 before = m_cycle->counters().requests;
-    while (!shouldEnd()) {
+    while (m_stopping || !shouldEnd()) {
         const Step taken = step();
         if (taken == Step::Served)
             return true;
@@ -159,6 +116,27 @@ bool Session::write(const Target &target, const QVector<quint16> &values, Failur
             return false;
     }
     return true;
+}
+
+bool Session::stopSafely(const QString &command)
+{
+    if (!m_options.stopWord)
+        return true;
+    bool confirmed = true;
+    m_stopping = true; // the signal that led here must not end this too
+    for (const int station : m_options.stations) {
+        Failure failure;
+        const Target word { station, QStringLiteral("CW"), 0, 1 };
+        if (write(word, { *m_options.stopWord }, &failure)) {
+            note(command, QStringLiteral("station %1 stopped").arg(station));
+            continue;
+        }
+        failure.text += QStringLiteral("; the motor may still turn");
+        complain(command, failure);
+        confirmed = false;
+    }
+    m_stopping = false;
+    return confirmed;
 }
 
 } // namespace dx4::cli

@@ -2,8 +2,8 @@
 // A line with the driver at work on it, as the commands that need one have it.
 #pragma once
 
-#include "cli/command_line.h"
 #include "cli/exit_code.h"
+#include "cli/line_options.h"
 #include "cli/target.h"
 #include "host/cycle.h"
 #include "host/frame_ring.h"
@@ -13,26 +13,6 @@
 #include <memory>
 
 namespace dx4::cli {
-
-/// What every command with a line lets a user set.
-struct LineOptions {
-    QString driver;
-    QString port;
-    QString format = QStringLiteral("8N1");
-    int speed = 9600; ///< bit/s
-    int station = 1; ///< of addresses that name none
-    int timeout = 300; ///< ms from the end of a request to the first byte of its reply
-    int retries = 2; ///< repetitions of a request that was not answered
-    int block = 16; ///< most registers of one request
-    bool json = false;
-};
-
-/// Adds the options of a line to a command; they must live as long as the command line.
-void addLineOptions(Command &command, LineOptions &options);
-
-/// The settings that follow from the options.
-host::LineSettings lineSettings(const LineOptions &options);
-host::LinkSettings linkSettings(const LineOptions &options);
 
 /// One line, open, and one driver on it.
 class Session {
@@ -48,6 +28,7 @@ public:
     const LineOptions &options() const { return m_options; }
     host::Link &link() { return *m_link; }
     host::Line &line() { return *m_usedLine; }
+    host::Cycle &cycle() { return *m_cycle; }
     const host::Cycle &cycle() const { return *m_cycle; }
 
     /// One exchange. Afterwards verdict() says what came back.
@@ -64,6 +45,12 @@ public:
     /// Writes a run and waits until every echo has come.
     bool write(const Target &target, const QVector<quint16> &values, Failure *failure);
 
+    /// Sends the configured stop to every station of the configuration, and says what was not
+    /// confirmed. Without one nothing is sent.
+    ///
+    /// @return whether all were confirmed
+    bool stopSafely(const QString &command);
+
 private:
     Session(const LineOptions &options, host::FrameRing *ring);
     bool settle(const Target &target, Failure *failure);
@@ -76,6 +63,7 @@ private:
     std::unique_ptr<host::GuardedExchange> m_exchange;
     std::unique_ptr<host::Link> m_link;
     std::unique_ptr<host::Cycle> m_cycle;
+    bool m_stopping = false;
 };
 
 } // namespace dx4::cli

@@ -22,7 +22,10 @@ QString valueLine(const WatchedValue &what, quint16 value, bool names, const QSt
             .arg(QString::number(value).rightJustified(valueWidth))
             .arg(hex(value, 4));
     if (names && !what.name.isEmpty())
-        line += QStringLiteral("  %1 %2 %3").arg(what.name, formatValue(what, value), what.unit);
+        line += QStringLiteral("  %1 %2 %3")
+                    .arg(what.name, formatValue(what, value), what.unit)
+                    .trimmed()
+                    .prepend(QStringLiteral("  "));
     if (!outcome.isEmpty())
         line += QStringLiteral("  ") + outcome;
     return line.trimmed();

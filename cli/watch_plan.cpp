@@ -7,9 +7,20 @@
 
 namespace dx4::cli {
 
+QStringList wordsOrConfigured(const QStringList &words, const LineOptions &options)
+{
+    return words.isEmpty() ? options.registers : words;
+}
+
 std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &options,
                                    Failure *failure)
 {
+    if (words.isEmpty()) {
+        *failure = { ExitUsage,
+                     QStringLiteral("no registers; name some, such as F c.13 D 0-9, or a file with "
+                                    "--config") };
+        return std::nullopt;
+    }
     auto scratch = loadDriver(options.driver, host::Plugin::Instance::PrivateCopy, failure);
     if (!scratch)
         return std::nullopt;

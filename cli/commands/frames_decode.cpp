@@ -150,8 +150,8 @@ void addFramesDecode(Command &frames)
                     QStringLiteral("a read request"));
     command.example(QStringLiteral("dx4 frames decode 01 83 02 C0 F1"),
                     QStringLiteral("an exception: the register is not there"));
-    command.example(QStringLiteral("dx4 frames decode 01 03 02 00 11 78 48 \\\n"
-                                   "      --request \"01 03 20 00 00 01 8F CA\""),
+    command.example(QStringLiteral("dx4 frames decode 01 03 02 00 11 78 48 "
+                                   "--request \"01 03 20 00 00 01 8F CA\""),
                     QStringLiteral("a reply with its request, and the driver's verdict on it"));
     command.action([options] { return runDecode(*options); });
 }

@@ -2,6 +2,7 @@
 // dx4 get: reads registers once.
 #include "cli/commands/get.h"
 
+#include "cli/driver_file.h"
 #include "cli/output.h"
 #include "cli/reply_text.h"
 #include "cli/session.h"
@@ -32,12 +33,15 @@ int runGet(const Options &options)
 {
     const QString name = QStringLiteral("get");
     Failure failure;
-    const auto session = Session::open(options.line, &failure);
-    if (!session)
+    const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    if (!editor)
         return complain(name, failure);
     const auto targets = parseCounted(options.words, options.count, options.line.station,
-                                      ReadAccess, session->link().api(), &failure);
+                                      ReadAccess, editor->api(), &failure);
     if (!targets)
+        return complain(name, failure);
+    const auto session = Session::open(options.line, &failure);
+    if (!session)
         return complain(name, failure);
     int exitCode = ExitDone;
     for (const Target &target : *targets) {
@@ -64,7 +68,7 @@ void addGet(CommandLine &line)
     command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW");
     command.number("--count", options->count, "registers from one address on", 1, 123);
     command.flag("--names", options->names, "with names and units of the simulated inverter");
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("get"));
     command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 F 8.2-8.3 D 4"),
                     QStringLiteral("both ramps and a monitor value of station 1"));
     command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --json 2:SW 2:FU"),

@@ -68,7 +68,8 @@ void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::
 int runPlan(const Options &options)
 {
     Failure failure;
-    const auto plan = makePlan(options.words, options.line, &failure);
+    const auto plan =
+        makePlan(wordsOrConfigured(options.words, options.line), options.line, &failure);
     if (!plan)
         return complain(QStringLiteral("plan"), failure);
     const host::LineSettings line = lineSettings(options.line);
@@ -87,9 +88,9 @@ void addPlan(CommandLine &line)
 {
     Command command = line.add("plan", "show the blocks and the time that polling takes");
     const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW");
+    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
     command.number("--turnaround", options->turnaround, "ms from request to reply", 0, 10000);
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("plan"));
     command.example(QStringLiteral("dx4 plan --speed 19200 D 0-9 SW FU 2:D 0-9"),
                     QStringLiteral("two stations at 19200 bit/s"));
     command.action([options] { return runPlan(*options); });

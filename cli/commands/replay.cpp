@@ -98,7 +98,7 @@ void addReplay(CommandLine &line)
     Command command = line.add("replay", "play a recording through the driver once more");
     const auto options = std::make_shared<Options>();
     command.words("file", options->words, "a capture, then the registers that were polled");
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("replay"));
     command.example(QStringLiteral("dx4 replay line.pcap"),
                     QStringLiteral("every change of a value, without a line"));
     command.action([options] { return runReplay(*options); });

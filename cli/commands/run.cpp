@@ -72,7 +72,7 @@ void addRun(CommandLine &line)
     command.text("--frequency", options->frequency, "to run at; else the last one set", "HZ");
     command.flag("--reverse", options->reverse, "turn the other way");
     command.number("--word", options->word, "control word of a drive with other bits", 0, 65535);
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("run"));
     command.example(QStringLiteral("dx4 run --port /dev/ttyUSB0 --frequency 30.00"),
                     QStringLiteral("station 1 runs at 30 Hz"));
     command.action([options] { return runRun(*options); });

@@ -163,7 +163,7 @@ void addScan(CommandLine &line)
     command.number("--from", options->from, "first station to ask", 1, lastStation);
     command.number("--to", options->to, "last station to ask", 1, lastStation);
     command.text("--resume", options->resume, "keep the state here and go on from it", "FILE");
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("scan"));
     command.example(QStringLiteral("dx4 scan --port /dev/ttyUSB0 --to 3"),
                     QStringLiteral("the first three stations"));
     command.action([options] { return runScan(*options); });

@@ -2,6 +2,7 @@
 // dx4 set: writes registers once.
 #include "cli/commands/set.h"
 
+#include "cli/driver_file.h"
 #include "cli/session.h"
 #include "cli/value_output.h"
 #include "cli/values.h"
@@ -19,12 +20,14 @@ int runSet(const Options &options)
 {
     const QString name = QStringLiteral("set");
     Failure failure;
-    const auto session = Session::open(options.line, &failure);
-    if (!session)
+    const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    if (!editor)
         return complain(name, failure);
-    const auto setting =
-        parseSetting(options.words, options.line.station, session->link().api(), &failure);
-    if (!setting || !session->write(setting->target, setting->values, &failure))
+    const auto setting = parseSetting(options.words, options.line.station, editor->api(), &failure);
+    if (!setting)
+        return complain(name, failure);
+    const auto session = Session::open(options.line, &failure);
+    if (!session || !session->write(setting->target, setting->values, &failure))
         return complain(name, failure);
     printValues(setting->target, setting->values, options.line.json, options.names,
                 QStringLiteral("confirmed"));
@@ -39,7 +42,7 @@ void addSet(CommandLine &line)
     const auto options = std::make_shared<Options>();
     command.words("address", options->words, "address and values, such as F 8.2 20 15");
     command.flag("--names", options->names, "with names and units of the simulated inverter");
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("set"));
     command.example(QStringLiteral("dx4 set --port /dev/ttyUSB0 F 8.2 20 15"),
                     QStringLiteral("both ramps in one request"));
     command.example(QStringLiteral("dx4 set --port /dev/ttyUSB0 FRE 3000"),

@@ -102,8 +102,9 @@ void printRecord(const Record &record, const host::Counters &counters)
 int runStats(const Options &options)
 {
     const QString name = QStringLiteral("stats");
-    const QStringList words =
-        options.words.isEmpty() ? QStringList { QStringLiteral("SW") } : options.words;
+    const QStringList words = options.words.isEmpty() && options.line.registers.isEmpty()
+        ? QStringList { QStringLiteral("SW") }
+        : wordsOrConfigured(options.words, options.line);
     Failure failure;
     const auto plan = makePlan(words, options.line, &failure);
     if (!plan)
@@ -134,7 +135,7 @@ void addStats(CommandLine &line)
     const auto options = std::make_shared<Options>();
     command.words("address", options->words, "registers to poll, SW where none is named", false);
     command.number("--requests", options->requests, "to send, repeated ones included", 1, 1000000);
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("stats"));
     command.example(QStringLiteral("dx4 stats --port /dev/ttyUSB0 --requests 20 D 0-9"),
                     QStringLiteral("failures by kind, and how long an exchange takes"));
     command.action([options] { return runStats(*options); });

@@ -38,7 +38,7 @@ void addStop(CommandLine &line)
     Command command = line.add("stop", "stop the motor");
     const auto options = std::make_shared<Options>();
     command.number("--word", options->word, "control word of a drive with other bits", 0, 65535);
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("stop"));
     command.example(QStringLiteral("dx4 stop --port /dev/ttyUSB0"),
                     QStringLiteral("station 1 ramps down"));
     command.action([options] { return runStop(*options); });

@@ -82,14 +82,16 @@ int runWatch(const Options &options)
 {
     const QString name = QStringLiteral("watch");
     Failure failure;
-    const auto plan = makePlan(options.words, options.line, &failure);
+    const auto plan =
+        makePlan(wordsOrConfigured(options.words, options.line), options.line, &failure);
     if (!plan)
         return complain(name, failure);
     const auto session = Session::open(options.line, &failure);
     if (!session)
         return complain(name, failure);
-    const auto targets = parseTargets(options.words, options.line.station, ReadAccess,
-                                      session->link().api(), &failure);
+    const auto targets =
+        parseTargets(wordsOrConfigured(options.words, options.line), options.line.station,
+                     ReadAccess, session->link().api(), &failure);
     if (!targets)
         return complain(name, failure);
     WatchList list = watched(*targets, options.names);
@@ -98,7 +100,11 @@ int runWatch(const Options &options)
         staleRounds * host::cycleTime(*plan, settings, settings.responseTimeout), shortestStale);
     const qint64 blocks = host::lengthOf(session->link().poll(plan->addresses));
     const auto view = WatchView::create(formOf(options), Terminal::detect(), stale);
-    return outcome(*session, options, follow(*session, list, *view, options.rounds * blocks));
+    const bool lineHeld = follow(*session, list, *view, options.rounds * blocks);
+    // Whoever ends the watch by hand goes away; a watch that is over by itself was a look.
+    const bool stopped = !lineHeld || !shouldEnd() || session->stopSafely(name);
+    const int exitCode = outcome(*session, options, lineHeld);
+    return exitCode == ExitDone && !stopped ? ExitFailed : exitCode;
 }
 
 } // namespace
@@ -107,12 +113,12 @@ void addWatch(CommandLine &line)
 {
     Command command = line.add("watch", "poll registers and show them as they change");
     const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW");
+    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
     command.number("--rounds", options->rounds, "through all registers; 0 until Ctrl-C", 0,
                    1000000);
     command.flag("--csv", options->csv, "print comma-separated values");
     command.flag("--names", options->names, "with names and units of the simulated inverter");
-    addLineOptions(command, options->line);
+    addLineOptions(command, options->line, QStringLiteral("watch"));
     command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --names D 0-7 SW FU"),
                     QStringLiteral("a live table until Ctrl-C"));
     command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --csv --rounds 10 D 0-3 2:D 0-3"),

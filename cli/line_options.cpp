@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// The line that a command works on: options, and the configuration behind them.
+#include "cli/line_options.h"
+
+#include "cli/driver_file.h"
+#include "host/config.h"
+
+namespace dx4::cli {
+namespace {
+
+constexpr int lastStation = 247;
+constexpr int largestBlock = 123; // registers
+
+QString formatText(const host::LineSettings &line)
+{
+    const QString parity = line.parity == host::Parity::None ? QStringLiteral("N")
+        : line.parity == host::Parity::Even                  ? QStringLiteral("E")
+                                                             : QStringLiteral("O");
+    return QStringLiteral("8%1%2").arg(parity).arg(line.stopBits);
+}
+
+/// Fills in what was not given.
+void complete(LineOptions &options, const host::Config &config)
+{
+    if (options.port.isEmpty())
+        options.port = config.line.port;
+    if (options.port.isEmpty())
+        options.port = qEnvironmentVariable("DX4_PORT");
+    if (options.format.isEmpty())
+        options.format = formatText(config.line);
+    if (options.speed == 0)
+        options.speed = config.line.speed;
+    if (options.timeout == 0)
+        options.timeout =
+            static_cast<int>(config.line.responseTimeout / std::chrono::milliseconds(1));
+    if (options.retries < 0)
+        options.retries = config.link.retryLimit - 1; // the driver counts the first try too
+    if (options.block == 0)
+        options.block = config.link.blockSize;
+    options.stopWord = config.stop.controlWord;
+    for (const host::StationConfig &station : config.stations) {
+        options.stations.append(station.address);
+        for (const host::RegisterConfig &entry : station.registers)
+            options.registers.append(QStringLiteral("%1:%2").arg(station.address).arg(entry.at));
+    }
+}
+
+int readConfiguration(LineOptions &options, const QString &name)
+{
+    if (options.config.isEmpty()) {
+        complete(options, host::Config());
+        return ExitDone;
+    }
+    QVector<host::ConfigError> errors;
+    const auto config = host::loadConfig(options.config, &errors);
+    for (const host::ConfigError &error : std::as_const(errors))
+        complain(name, { ExitUsage, error.in(options.config) });
+    if (!config)
+        return ExitUsage;
+    complete(options, *config);
+    return ExitDone;
+}
+
+} // namespace
+
+void addLineOptions(Command &command, LineOptions &options, const QString &name)
+{
+    command.text("--config", options.config, "TOML file with line, stations and registers", "FILE");
+    command.text("--port", options.port, "serial port; else the variable DX4_PORT", "DEVICE");
+    command.number("--speed", options.speed, "bit/s; 9600 where none is given", 300, 921600);
+    command.choice("--format", options.format, "data bits, parity, stop bits; else 8N1",
+                   { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
+                     QStringLiteral("8E2"), QStringLiteral("8O1"), QStringLiteral("8O2") });
+    command.number("--station", options.station, "of addresses that name none", 1, lastStation);
+    command.number("--timeout", options.timeout, "ms until a reply must begin; else 300", 1, 60000);
+    command.number("--retries", options.retries, "repetitions of a failed request; else 2", 0, 100);
+    command.number("--block", options.block, "most registers of one request; else 16", 1,
+                   largestBlock);
+    command.flag("--json", options.json, "print one JSON object per line");
+    addDriverOption(command, options.driver);
+    command.prepare([&options, name] { return readConfiguration(options, name); });
+}
+
+host::LineSettings lineSettings(const LineOptions &options)
+{
+    host::LineSettings settings;
+    settings.port = options.port;
+    settings.speed = options.speed;
+    const QChar parity = options.format.at(1);
+    if (parity == QLatin1Char('E'))
+        settings.parity = host::Parity::Even;
+    if (parity == QLatin1Char('O'))
+        settings.parity = host::Parity::Odd;
+    settings.stopBits = options.format.endsWith(QLatin1Char('2')) ? 2 : 1;
+    settings.responseTimeout = std::chrono::milliseconds(options.timeout);
+    return settings;
+}
+
+host::LinkSettings linkSettings(const LineOptions &options)
+{
+    host::LinkSettings settings;
+    settings.retryLimit = options.retries + 1;
+    settings.blockSize = options.block;
+    return settings;
+}
+
+} // namespace dx4::cli

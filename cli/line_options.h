@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// The line that a command works on: options, and the configuration behind them.
+#pragma once
+
+#include "cli/command_line.h"
+#include "host/line_settings.h"
+#include "host/link.h"
+
+#include <QVector>
+
+#include <optional>
+
+namespace dx4::cli {
+
+/// What every command with a line lets a user set. Options go before the configuration file, that
+/// before what is usual.
+struct LineOptions {
+    QString driver;
+    QString config; ///< TOML file; empty: none
+    QString port;
+    QString format; ///< "8N1"
+    int speed = 0; ///< bit/s; 0: not given
+    int station = 1; ///< of addresses that name none
+    int timeout = 0; ///< ms from the end of a request to the first byte of its reply; 0: not given
+    int retries = -1; ///< repetitions of a request that was not answered; -1: not given
+    int block = 0; ///< most registers of one request; 0: not given
+    bool json = false;
+
+    QStringList registers; ///< of the configuration, as splitTargets() takes them
+    QVector<int> stations; ///< of the configuration
+    std::optional<quint16> stopWord; ///< control word of the configured stop
+};
+
+/// Adds the options of a line to a command, and the step that reads the configuration. `options`
+/// must live as long as the command line.
+///
+/// @param name  the command, for messages
+void addLineOptions(Command &command, LineOptions &options, const QString &name);
+
+/// The settings that follow from the options.
+host::LineSettings lineSettings(const LineOptions &options);
+host::LinkSettings linkSettings(const LineOptions &options);
+
+} // namespace dx4::cli

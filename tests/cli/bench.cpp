@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// The tool on a bench: a simulated inverter, a folder of its own, and shell commands.
+#include "bench.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+std::string contentOf(const std::string &path)
+{
+    std::ifstream stream(path);
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+Bench::Bench()
+{
+    std::string pattern = (std::filesystem::temp_directory_path() / "dx4-bench-XXXXXX").string();
+    m_folder = mkdtemp(pattern.data());
+}
+
+Bench::~Bench()
+{
+    std::filesystem::remove_all(m_folder);
+}
+
+void Bench::serve(const std::string &stations)
+{
+    m_simulator = std::make_unique<ChildProcess>(std::vector<std::string> {
+        SIMULATOR_FILE, "--pty", "--speed", "0", "--turnaround", "0", "--stations", stations });
+    const std::string first = m_simulator->readLine();
+    m_device = first.substr(first.find(' ') + 1);
+}
+
+std::string Bench::tell(const std::string &command)
+{
+    m_simulator->writeLine(command);
+    return m_simulator->readLine();
+}
+
+std::vector<std::string> Bench::shell(const std::string &command) const
+{
+    const std::string path = std::filesystem::path(TOOL_FILE).parent_path().string();
+    const std::string setting = "cd '" + m_folder + "' && export PATH='" + path
+        + "':$PATH NO_COLOR=1 KORVANE_DRIVER='" DRIVER_FILE "' DX4_PORT='" + m_device + "' && ";
+    return { "/bin/sh", "-c", setting + command };
+}
+
+Printed Bench::run(const std::string &command)
+{
+    const std::string errors = m_folder + ".err";
+    ChildProcess child(shell("{ " + command + "\n} 2>'" + errors + "'"));
+    child.closeInput();
+    Printed printed;
+    printed.out = child.readAll();
+    printed.code = child.wait();
+    printed.err = contentOf(errors);
+    std::filesystem::remove(errors);
+    return printed;
+}

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// The tool on a bench: a simulated inverter, a folder of its own, and shell commands.
+#pragma once
+
+#include "child_process.h"
+
+#include <memory>
+#include <string>
+
+/// What a shell command printed.
+struct Printed {
+    std::string out;
+    std::string err;
+    int code = 0;
+};
+
+/// Text of a file; empty when there is none.
+std::string contentOf(const std::string &path);
+
+/// Starts a simulator on first use and runs commands in an empty folder, with `dx4` on PATH and
+/// DX4_PORT naming the simulator's device.
+class Bench {
+public:
+    Bench();
+    ~Bench();
+    Bench(const Bench &) = delete;
+    Bench &operator=(const Bench &) = delete;
+
+    /// Starts the simulator. @param stations  between commas
+    void serve(const std::string &stations);
+
+    /// A command to the simulator; gives its answer.
+    std::string tell(const std::string &command);
+
+    /// Runs a shell command.
+    Printed run(const std::string &command);
+
+    /// The words to start a shell command in the bench's environment.
+    std::vector<std::string> shell(const std::string &command) const;
+
+    const std::string &device() const { return m_device; }
+    const std::string &folder() const { return m_folder; }
+
+private:
+    std::string m_folder;
+    std::string m_device;
+    std::unique_ptr<ChildProcess> m_simulator;
+};

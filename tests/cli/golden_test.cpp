@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// What the tool prints, command by command, against transcripts that are kept.
+//
+// A transcript is a text file. "$ command" runs in a shell; below stand its standard output, its
+// standard error with "! " in front, and "? code". "> command" goes to the simulator, which
+// "@ stations" starts. What differs from run to run is masked. With DX4_WRITE_GOLDEN set the files
+// are written instead.
+#include "bench.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+namespace {
+
+std::string replaced(std::string text, const std::string &what, const std::string &with)
+{
+    for (std::size_t at = 0; !what.empty() && (at = text.find(what, at)) != std::string::npos;
+         at += with.size())
+        text.replace(at, what.size(), with);
+    return text;
+}
+
+/// Takes out what no two runs have in common: paths and times.
+std::string masked(const std::string &text, const Bench &bench)
+{
+    std::string result = replaced(text, bench.device(), "DEVICE");
+    result = replaced(result, bench.folder(), "FOLDER");
+    const auto mask = [&result](const char *pattern, const char *with) {
+        result = std::regex_replace(result, std::regex(pattern), with);
+    };
+    mask("\"time\":[0-9.e-]+", "\"time\":TIME");
+    mask("(fastest|median|p99|slowest)Ms\":[0-9.e-]+", "$1Ms\":TIME");
+    mask("[0-9.]+ ms,", "TIME ms,");
+    mask("slowest [0-9.]+ ms", "slowest TIME ms");
+    mask("(^|\n)[0-9]+\\.[0-9]{3},", "$1TIME,");
+    mask("(^|\n)[0-9]+\\.[0-9]{3} s ", "$1TIME s ");
+    return result;
+}
+
+std::string prefixed(const std::string &text, const std::string &prefix)
+{
+    std::istringstream lines(text);
+    std::string line;
+    std::string result;
+    while (std::getline(lines, line))
+        result += prefix + line + "\n";
+    return result;
+}
+
+/// Plays the commands of a transcript and writes down what happens.
+std::string played(const std::string &transcript)
+{
+    Bench bench;
+    std::istringstream lines(transcript);
+    std::string line;
+    std::string result;
+    while (std::getline(lines, line)) {
+        const std::string rest = line.size() > 2 ? line.substr(2) : "";
+        if (line.rfind("# ", 0) == 0) {
+            result += line + "\n";
+        } else if (line.rfind("@ ", 0) == 0) {
+            result += line + "\n";
+            bench.serve(rest);
+        } else if (line.rfind("> ", 0) == 0) {
+            const std::string answer = bench.tell(rest);
+            result += line + "\n" + (answer == "ok" ? "" : "  " + answer + "\n");
+        } else if (line.rfind("$ ", 0) == 0) {
+            const Printed printed = bench.run(rest);
+            result += line + "\n" + masked(printed.out, bench)
+                + prefixed(masked(printed.err, bench), "! ") + "? " + std::to_string(printed.code)
+                + "\n";
+        }
+    }
+    return result;
+}
+
+std::vector<std::string> transcripts()
+{
+    std::vector<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(GOLDEN_FOLDER))
+        names.push_back(entry.path().stem().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class Golden : public testing::TestWithParam<std::string> { };
+
+} // namespace
+
+TEST_P(Golden, TranscriptIsAsItWas)
+{
+    const std::string file = std::string(GOLDEN_FOLDER "/") + GetParam() + ".txt";
+    const std::string expected = contentOf(file);
+    ASSERT_NE(expected, "");
+
+    const std::string actual = played(expected);
+
+    if (std::getenv("DX4_WRITE_GOLDEN"))
+        std::ofstream(file) << actual;
+    else
+        EXPECT_EQ(actual, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Tool, Golden, testing::ValuesIn(transcripts()),
+                         [](const auto &row) { return row.param; });

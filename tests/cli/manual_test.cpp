@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+// What the manual and the help show is what works.
+#include "bench.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <regex>
+#include <set>
+
+namespace {
+
+std::string unescaped(std::string line)
+{
+    line = std::regex_replace(line, std::regex("\\\\\\(dq"), "\"");
+    return std::regex_replace(line, std::regex("\\\\-"), "-");
+}
+
+/// The command lines of the manual, in order.
+std::vector<std::string> manualExamples()
+{
+    const std::string manual = contentOf(TOOL_MANUAL);
+    const std::regex example("\\.Dl \\$ (dx4 [^\n]+)");
+    std::vector<std::string> found;
+    for (std::sregex_iterator match(manual.begin(), manual.end(), example), end; match != end;
+         ++match)
+        found.push_back(unescaped((*match)[1]));
+    return found;
+}
+
+/// Names below a "Subcommands:" of a help.
+std::vector<std::string> commandsIn(const std::string &help)
+{
+    std::vector<std::string> names;
+    const std::size_t at = help.find("Subcommands:");
+    if (at == std::string::npos)
+        return names;
+    const std::string part = help.substr(at, help.find("\n\n", at) - at);
+    const std::regex name("\n  ([a-z]+) ");
+    for (std::sregex_iterator match(part.begin(), part.end(), name), end; match != end; ++match)
+        names.push_back((*match)[1]);
+    return names;
+}
+
+/// Every command with its help, "frames read" and the like among them.
+std::vector<std::pair<std::string, std::string>> helps(Bench &bench,
+                                                       const std::string &command = "")
+{
+    std::vector<std::pair<std::string, std::string>> found;
+    const std::string help = bench.run("dx4 " + command + " --help").out;
+    for (const std::string &name : commandsIn(help)) {
+        const auto below = helps(bench, command + name + " ");
+        found.insert(found.end(), below.begin(), below.end());
+    }
+    if (!command.empty())
+        found.emplace_back(command, help);
+    return found;
+}
+
+bool runsUntilInterrupted(const std::string &command)
+{
+    return command.find("dx4 watch") == 0 && command.find("--rounds") == std::string::npos;
+}
+
+} // namespace
+
+TEST(Manual, EveryExampleWorks)
+{
+    Bench bench;
+    bench.serve("1,2");
+    const std::vector<std::string> examples = manualExamples();
+    ASSERT_GT(examples.size(), 15U);
+
+    for (const std::string &example : examples) {
+        const std::string command =
+            std::regex_replace(example, std::regex("/dev/ttyUSB0"), bench.device());
+        if (runsUntilInterrupted(command)) {
+            ChildProcess child(bench.shell("exec " + command));
+            EXPECT_NE(child.readLine(), "") << example;
+            child.signal(SIGINT);
+            child.readAll();
+            EXPECT_EQ(child.wait(), 0) << example;
+            continue;
+        }
+        const Printed printed = bench.run(command);
+        const bool isRefusal = example.find("--count 2") != std::string::npos;
+        EXPECT_EQ(printed.code, isRefusal ? 2 : 0) << example << "\n" << printed.err;
+        EXPECT_NE(printed.out, "") << example;
+    }
+}
+
+TEST(Manual, HoldsTheExamplesOfEveryHelp)
+{
+    Bench bench;
+    const std::vector<std::string> examples = manualExamples();
+    const std::set<std::string> known(examples.begin(), examples.end());
+    const std::regex example("\n  \\$ (dx4 [^\n]+)");
+
+    for (const auto &[command, help] : helps(bench)) {
+        std::sregex_iterator match(help.begin(), help.end(), example);
+        if (commandsIn(help).empty()) {
+            EXPECT_NE(match, std::sregex_iterator()) << command << "shows no example";
+        }
+        for (; match != std::sregex_iterator(); ++match)
+            EXPECT_EQ(known.count((*match)[1]), 1U) << (*match)[1];
+    }
+}
+
+TEST(Manual, NamesEveryCommandAndOption)
+{
+    Bench bench;
+    const std::string manual = contentOf(TOOL_MANUAL);
+    const std::regex option("\n  [^\n]*?--([a-z]+)");
+
+    for (const auto &[command, help] : helps(bench)) {
+        const std::string name = command.substr(0, command.size() - 1);
+        EXPECT_NE(manual.find(name), std::string::npos) << name;
+        for (std::sregex_iterator match(help.begin(), help.end(), option), end; match != end;
+             ++match)
+            EXPECT_NE(manual.find("Fl Fl " + (*match)[1].str()), std::string::npos)
+                << command << (*match)[1];
+    }
+}
+
+TEST(Completion, KnowsEveryCommandAndOption)
+{
+    Bench bench;
+    const std::string bash = contentOf(COMPLETION_FOLDER "/dx4.bash");
+    const std::string zsh = contentOf(COMPLETION_FOLDER "/_dx4");
+    const std::regex option("\n  (?:-h,)?--([a-z]+)");
+
+    for (const auto &[command, help] : helps(bench)) {
+        for (std::sregex_iterator match(help.begin(), help.end(), option), end; match != end;
+             ++match) {
+            const std::string name = "--" + (*match)[1].str();
+            EXPECT_NE(bash.find(name), std::string::npos) << command << name;
+            EXPECT_NE(zsh.find(name), std::string::npos) << command << name;
+        }
+        const std::string last =
+            command.substr(command.rfind(' ', command.size() - 2) + 1, std::string::npos);
+        EXPECT_NE(bash.find(last.substr(0, last.size() - 1)), std::string::npos) << command;
+        EXPECT_NE(zsh.find(last.substr(0, last.size() - 1)), std::string::npos) << command;
+    }
+}
+
+TEST(Completion, BashOffersWhatFits)
+{
+    Bench bench;
+    const std::string ask = ". " COMPLETION_FOLDER "/dx4.bash; COMP_WORDS=(dx4 frames re) "
+                            "COMP_CWORD=2; _dx4; printf '%s\\n' \"${COMPREPLY[@]}\"";
+
+    const Printed printed =
+        bench.run("bash -c '" + std::regex_replace(ask, std::regex("'"), "'\\''") + "'");
+
+    EXPECT_EQ(printed.out, "read\n");
+}

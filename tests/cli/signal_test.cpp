@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// How the tool ends when somebody ends it.
+#include "bench.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace {
+
+/// Starts a command that prints, and interrupts it behind its first line.
+int codeAfterInterrupt(Bench &bench, const std::string &command)
+{
+    ChildProcess child(bench.shell("exec " + command));
+    EXPECT_NE(child.readLine(), "");
+    child.signal(SIGINT);
+    child.readAll();
+    return child.wait();
+}
+
+} // namespace
+
+TEST(Ending, InterruptIsTheUsualEndOfAWatch)
+{
+    Bench bench;
+    bench.serve("1");
+
+    EXPECT_EQ(codeAfterInterrupt(bench, "dx4 watch D 0-13"), 0);
+}
+
+TEST(Ending, InterruptedWatchSendsTheConfiguredStop)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("printf '[line]\\nport = \"%s\"\\n[stop]\\ncontrol_word = 0\\n[[station]]\\n"
+              "address = 1\\n[[station.register]]\\nat = \"D 4\"\\n' \"$DX4_PORT\" >plant.toml");
+    bench.run("dx4 run --frequency 30");
+
+    const int code = codeAfterInterrupt(bench, "dx4 watch --config plant.toml 2>talk.txt");
+
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(contentOf(bench.folder() + "/talk.txt"), "dx4 watch: station 1 stopped\n");
+}
+
+TEST(Ending, InterruptedScanSaysHowToGoOn)
+{
+    Bench bench;
+    bench.serve("1");
+
+    const int code =
+        codeAfterInterrupt(bench, "dx4 scan --timeout 20 --resume state.json 2>talk.txt");
+
+    EXPECT_EQ(code, 130);
+    EXPECT_NE(contentOf(bench.folder() + "/talk.txt").find("go on with --resume state.json"),
+              std::string::npos);
+    EXPECT_NE(contentOf(bench.folder() + "/state.json").find("\"found\":[1]"), std::string::npos);
+}
+
+TEST(Ending, RecordingIsWholeWhenTheCommandEnds)
+{
+    Bench bench;
+    bench.serve("1");
+
+    const Printed printed =
+        bench.run("dx4 record line.pcap SW --rounds 3 && dx4 replay line.pcap 2>/dev/null");
+
+    EXPECT_EQ(printed.code, 0);
+    EXPECT_EQ(printed.out, "6 frames in line.pcap\n1  SW 0 (0x2000)         1  0x0001\n");
+}
+
+TEST(Ending, WatchEndsWithTheReaderOfItsPipe)
+{
+    Bench bench;
+    bench.serve("1");
+
+    const Printed printed = bench.run("{ dx4 watch --csv D 0; echo \"code $?\" >&2; } | head -n 1");
+
+    EXPECT_EQ(printed.out, "time,station,type,address,register,value,state\n");
+    EXPECT_EQ(printed.err, "code 0\n");
+}
+
+TEST(Ending, DemoWithoutAReaderStillStopsTheMotor)
+{
+    Bench bench;
+
+    const Printed printed = bench.run("{ dx4 demo --seconds 3600 --sim '" SIMULATOR_FILE
+                                      "'; echo \"code $?\" >&2; } | head -n 1");
+
+    EXPECT_EQ(printed.out.rfind("driver ", 0), 0U);
+    EXPECT_EQ(printed.err, "code 0\n");
+}
