@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+// A runtime set up as a configuration says.
+#include "host/config_runtime.h"
+
+namespace dx4::host {
+
+RuntimeSettings runtimeSettings(const Config &config)
+{
+    RuntimeSettings settings;
+    settings.link = config.link;
+    for (const StationConfig &station : config.stations) {
+        if (config.stop.controlWord)
+            settings.stops.append({ station.address, *config.stop.controlWord });
+    }
+    return settings;
+}
+
+void setExtraGaps(GuardedExchange &guard, const Config &config)
+{
+    for (const StationConfig &station : config.stations)
+        guard.setExtraGap(station.address, station.extraGap);
+}
+
+} // namespace dx4::host
