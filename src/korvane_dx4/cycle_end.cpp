@@ -52,8 +52,8 @@ void closeConditionRead()
         removeHeadRequest(driver.conditionList);
 }
 
-// Moving the head shifts every entry once the list's room behind the end is used up. Beyond this
-// length an entry of its own at the end is cheaper, whose place the head takes.
+// Moving the head shifts every entry, with Qt 5 only once the room behind the end is used up. Above
+// this length an entry of its own at the end is cheaper, whose place the head takes.
 constexpr int longList = 512;
 
 void closeCyclicRead()
