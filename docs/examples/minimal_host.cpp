@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+// The least that a host does: poll one station for ten seconds, write once, stop, print the
+// counters.
+#include "host/runtime.h"
+#include "host/serial_line.h"
+
+#include <QJsonDocument>
+
+#include <cstdio>
+
+using namespace dx4::host;
+
+namespace {
+
+int fail(const QString &error)
+{
+    std::fprintf(stderr, "%s\n", qPrintable(error));
+    return 1;
+}
+
+int runHost(const QString &port, const QString &driver)
+{
+    LineSettings lineSettings;
+    lineSettings.port = port;
+    SerialLine line(lineSettings);
+
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 } }; // station 1 stops with CW 0
+
+    QString error;
+    auto scratch = Plugin::load(driver, Plugin::Instance::PrivateCopy, &error);
+    auto plugin = Plugin::load(driver, Plugin::Instance::Shared, &error);
+    if (!scratch || !plugin)
+        return fail(error);
+    Planner planner(std::move(scratch), settings.link);
+    const auto plan =
+        planner.make({ { 1, QStringLiteral("D 0-9") }, { 1, QStringLiteral("SW") } }, &error);
+    if (!plan)
+        return fail(error);
+
+    Runtime runtime(std::move(plugin), line, settings);
+    runtime.setPlan(*plan);
+    runtime.onOutcome([](const WriteOutcome &outcome) { std::puts(qPrintable(outcome.text)); });
+    runtime.onAlarm([](const QString &text) { std::fprintf(stderr, "%s\n", qPrintable(text)); });
+
+    const Duration end = line.now() + std::chrono::seconds(10);
+    bool written = false;
+    runtime.run([&] {
+        const Value status = runtime.value(1, QStringLiteral("SW"), 0);
+        if (status.known && !written) {
+            runtime.write({ 1, QStringLiteral("FRE"), 0, { 2500 } });
+            written = true;
+        }
+        return line.now() >= end;
+    });
+
+    const StopReport stop = runtime.stop(std::chrono::seconds(2));
+    std::puts(QJsonDocument(runtime.countersJson()).toJson().constData());
+    return stop.unconfirmed.isEmpty() ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: %s PORT DRIVER\n", argv[0]);
+        return 2;
+    }
+    return runHost(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]));
+}
