@@ -273,3 +273,24 @@ TEST_F(Guards, ALinkStartedAnewWhileAWriteIsTakenBackLosesNoRegister)
     EXPECT_EQ(calls, (Calls { "1 1 F 0" }));
     EXPECT_EQ(cacheKeys(), "1 F 1");
 }
+
+TEST_F(Guards, TheLongestErrorLineIsWhole)
+{
+    FRAME_PRO frame;
+    frame.var = variableOf(-2147483647 - 1, "FRE", -2147483647 - 1, -2147483647 - 1);
+    driver.sendFrames.append(frame);
+
+    const QString line = getErrorInfo(QByteArray(70000, '\0'));
+
+    EXPECT_EQ(line.toStdString(), "-2147483648#FRE-2147483648(-2147483648)(70000)");
+}
+
+TEST_F(Guards, MergingTakesTheLowestBitMarkToo)
+{
+    record(1, "D", 7).bitMask = 1;
+    QList<KEY_ADDRESS> none;
+
+    intf_addrMerge(none);
+
+    EXPECT_EQ(record(1, "D", 7).bitMask, 0);
+}
