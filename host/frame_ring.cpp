@@ -22,11 +22,12 @@ void FrameRing::addRequest(Duration time, const QByteArray &bytes)
     add({ time, true, bytes });
 }
 
-void FrameRing::addReplyBytes(Duration time, const QByteArray &bytes)
+void FrameRing::addReplyBytes(Duration time, const QByteArray &bytes, Duration longestPause)
 {
     if (bytes.isEmpty())
         return;
-    const bool continues = !m_frames.empty() && !m_frames.back().isRequest;
+    const bool continues = !m_frames.empty() && !m_frames.back().isRequest
+        && time - m_frames.back().time <= longestPause;
     if (!continues)
         return add({ time, false, bytes });
     m_frames.back().time = time;

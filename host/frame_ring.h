@@ -29,9 +29,12 @@ public:
 
     void addRequest(Duration time, const QByteArray &bytes);
 
-    /// Bytes that arrived; those that follow one another without a request between are one reply.
-    /// Nothing is kept for no bytes.
-    void addReplyBytes(Duration time, const QByteArray &bytes);
+    /// Bytes that arrived. They belong to the reply before when no request and no longer pause lies
+    /// between. Nothing is kept for no bytes.
+    ///
+    /// @param time          of the last byte
+    /// @param longestPause  from the last byte of the reply before to `time`
+    void addReplyBytes(Duration time, const QByteArray &bytes, Duration longestPause);
 
     /// Oldest first.
     QVector<RecordedFrame> frames() const;

@@ -2,7 +2,17 @@
 // A line that keeps what passes over it.
 #include "host/recording_line.h"
 
+#include "host/length.h"
+
+#include <algorithm>
+
 namespace dx4::host {
+namespace {
+
+/// USB adapters hand bytes over in lumps, by default up to 16 ms apart.
+constexpr Duration longestLump = std::chrono::milliseconds(20);
+
+} // namespace
 
 RecordingLine::RecordingLine(Line &line, FrameRing &ring)
     : m_line(line)
@@ -22,7 +32,9 @@ bool RecordingLine::send(const QByteArray &bytes)
 QByteArray RecordingLine::receive(int count, Duration deadline)
 {
     const QByteArray bytes = m_line.receive(count, deadline);
-    m_ring.addReplyBytes(m_line.now(), bytes);
+    // A wait that ends a little late still brought its bytes before the deadline.
+    m_ring.addReplyBytes(std::min(m_line.now(), deadline), bytes,
+                         settings().wireTime(lengthOf(bytes)) + longestLump);
     return bytes;
 }
 

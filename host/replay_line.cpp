@@ -21,7 +21,12 @@ QVector<RecordedFrame> fromFirstRequest(const QVector<RecordedFrame> &frames)
 
 ReplayLine::ReplayLine(const QVector<RecordedFrame> &frames, const LineSettings &settings)
     : m_frames(fromFirstRequest(frames))
-    , m_settings(settings)
+    , m_line(
+          [this](const QByteArray &request) {
+              answer(request);
+              return MemoryLine::Answer {};
+          },
+          settings)
 {
 }
 
@@ -39,42 +44,20 @@ QByteArray ReplayLine::requestAfterNext() const
     return {};
 }
 
-bool ReplayLine::send(const QByteArray &bytes)
+void ReplayLine::answer(const QByteArray &request)
 {
-    m_now += m_settings.wireTime(lengthOf(bytes));
-    m_input.clear();
-    if (bytes.isEmpty() || bytes != nextRequest()) {
+    if (request.isEmpty() || request != nextRequest()) {
         ++m_unrecorded;
-        return true;
+        return;
     }
     ++m_played;
-    for (++m_next; m_next < m_frames.size() && !m_frames.at(m_next).isRequest; ++m_next)
-        m_input += m_frames.at(m_next).bytes;
-    return true;
-}
-
-QByteArray ReplayLine::receive(int count, Duration deadline)
-{
-    const QByteArray bytes = m_input.left(count);
-    m_input.remove(0, lengthOf(bytes));
-    m_now += m_settings.wireTime(lengthOf(bytes));
-    if (bytes.size() < count)
-        m_now = std::max(m_now, deadline);
-    return bytes;
-}
-
-int ReplayLine::discardInput()
-{
-    const int dropped = lengthOf(m_input);
-    m_input.clear();
-    return dropped;
-}
-
-bool ReplayLine::awaitSilence(Duration gap, Duration)
-{
-    m_now += gap;
-    m_input.clear();
-    return true;
+    const Duration asked =
+        m_frames.at(m_next).time + settings().wireTime(lengthOf(request)); // its last byte
+    for (++m_next; m_next < m_frames.size() && !m_frames.at(m_next).isRequest; ++m_next) {
+        const RecordedFrame &reply = m_frames.at(m_next);
+        const Duration delay = reply.time - asked - settings().wireTime(lengthOf(reply.bytes));
+        m_line.inject(reply.bytes, std::max(delay, Duration { 0 }));
+    }
 }
 
 } // namespace dx4::host

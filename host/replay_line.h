@@ -3,12 +3,12 @@
 #pragma once
 
 #include "host/frame_ring.h"
-#include "host/line.h"
+#include "host/memory_line.h"
 
 namespace dx4::host {
 
-/// Answers each request as the recording did. Time is virtual and passes only while somebody
-/// waits.
+/// Answers each request as the recording did, after the time that it took then. Time is virtual
+/// and passes only while somebody waits.
 ///
 /// A request that is not the recording's next one is answered by silence and does not move the
 /// recording on: a host that keeps a dead station off the line fails such requests itself, and
@@ -16,17 +16,25 @@ namespace dx4::host {
 class ReplayLine : public Line {
 public:
     /// Replies ahead of the first request are left out, their request was forgotten.
+    ///
+    /// @param settings  those of the recorded line: with a shorter timeout replies come too late
     ReplayLine(const QVector<RecordedFrame> &frames, const LineSettings &settings);
 
-    bool open(QString *) override { return true; }
-    void close() override { }
-    bool isOpen() const override { return true; }
-    const LineSettings &settings() const override { return m_settings; }
-    Duration now() const override { return m_now; }
-    bool send(const QByteArray &bytes) override;
-    QByteArray receive(int count, Duration deadline) override;
-    int discardInput() override;
-    bool awaitSilence(Duration gap, Duration deadline) override;
+    bool open(QString *error) override { return m_line.open(error); }
+    void close() override { m_line.close(); }
+    bool isOpen() const override { return m_line.isOpen(); }
+    const LineSettings &settings() const override { return m_line.settings(); }
+    Duration now() const override { return m_line.now(); }
+    bool send(const QByteArray &bytes) override { return m_line.send(bytes); }
+    QByteArray receive(int count, Duration deadline) override
+    {
+        return m_line.receive(count, deadline);
+    }
+    int discardInput() override { return m_line.discardInput(); }
+    bool awaitSilence(Duration gap, Duration deadline) override
+    {
+        return m_line.awaitSilence(gap, deadline);
+    }
 
     /// The recording's next request; empty when all were played.
     QByteArray nextRequest() const;
@@ -41,13 +49,13 @@ public:
     int unrecorded() const { return m_unrecorded; }
 
 private:
+    void answer(const QByteArray &request);
+
     const QVector<RecordedFrame> m_frames;
-    LineSettings m_settings;
     int m_next = 0; ///< position of the next request
     int m_played = 0;
     int m_unrecorded = 0;
-    Duration m_now { 0 };
-    QByteArray m_input;
+    MemoryLine m_line;
 };
 
 } // namespace dx4::host

@@ -78,7 +78,7 @@ TEST(FrameRing, ForgetsTheOldestBeyondItsCapacity)
     FrameRing ring(2);
 
     ring.addRequest(milliseconds(1), "a");
-    ring.addReplyBytes(milliseconds(2), "b");
+    ring.addReplyBytes(milliseconds(2), "b", milliseconds(5));
     ring.addRequest(milliseconds(3), "c");
 
     EXPECT_EQ(ring.frames(),
@@ -87,14 +87,27 @@ TEST(FrameRing, ForgetsTheOldestBeyondItsCapacity)
     EXPECT_EQ(ring.forgotten(), 1U);
 }
 
+TEST(FrameRing, BytesAfterALongerPauseAreAnotherReply)
+{
+    FrameRing ring;
+
+    ring.addReplyBytes(milliseconds(2), "a", milliseconds(5));
+    ring.addReplyBytes(milliseconds(7), "b", milliseconds(5));
+    ring.addReplyBytes(milliseconds(13), "c", milliseconds(5));
+
+    EXPECT_EQ(ring.frames(),
+              (QVector<RecordedFrame> { { milliseconds(7), false, "ab" },
+                                        { milliseconds(13), false, "c" } }));
+}
+
 TEST(FrameRing, BytesWithoutARequestBetweenAreOneReply)
 {
     FrameRing ring;
 
     ring.addRequest(milliseconds(1), "a");
-    ring.addReplyBytes(milliseconds(2), "bc");
-    ring.addReplyBytes(milliseconds(4), "d");
-    ring.addReplyBytes(milliseconds(5), "");
+    ring.addReplyBytes(milliseconds(2), "bc", milliseconds(5));
+    ring.addReplyBytes(milliseconds(4), "d", milliseconds(5));
+    ring.addReplyBytes(milliseconds(5), "", milliseconds(5));
 
     EXPECT_EQ(ring.frames(),
               (QVector<RecordedFrame> { { milliseconds(1), true, "a" },

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A recording played once more gives the callbacks and the cache of the first time.
+#include "host/guarded_exchange.h"
 #include "host/memory_line.h"
 #include "host/recording_line.h"
 #include "host/replay.h"
@@ -67,6 +68,7 @@ protected:
     }
 
     QByteArray answer;
+    Duration delay { 0 };
     FrameRing ring;
     WatchedLink first;
     WatchedLink second;
@@ -111,6 +113,34 @@ TEST_F(ReplayTest, RetriesAndGivenUpRequestsHappenAgain)
     EXPECT_EQ(second.changes, first.changes);
     EXPECT_EQ(second.cache(),
               (Texts { "1 D 0 = 00 00 failed", "1 D 1 = 00 00 failed", "1 SW 0 = 21 00" }));
+    EXPECT_EQ(second.cache(), first.cache());
+}
+
+TEST_F(ReplayTest, WhatTheGuardMadeOfTheLineItMakesAgain)
+{
+    GuardedExchange guarded(recording);
+    Cycle guardedCycle(first.link, guarded);
+    const QByteArray another = frameOf("01 03 04 77 77 00 07");
+    const QVector<MemoryLine::Answer> answers = {
+        { another, std::chrono::milliseconds(400) }, // after the timeout of 300 ms
+        { bytesOf("FF FF") + monitors, Duration(0) },
+        { frameOf("01 83 02"), Duration(0) },
+        { frameOf("02 03 04 66 66 66 66"), Duration(0) },
+    };
+    for (const MemoryLine::Answer &next : answers) {
+        answer = next.bytes;
+        delay = next.delay;
+        guardedCycle.step();
+    }
+
+    ReplayLine replayed(ring.frames(), LineSettings());
+    GuardedExchange exchange(replayed);
+    const ReplayResult result = replay(second.link, replayed, exchange);
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(result.played, 4);
+    EXPECT_EQ(first.changes, (Texts { "1 D 0 = 30583", "1 D 1 = 7" }));
+    EXPECT_EQ(second.changes, first.changes);
     EXPECT_EQ(second.cache(), first.cache());
 }
 
@@ -163,7 +193,7 @@ TEST_F(ReplayTest, ABlockThatTheRecordingLeavesOutFails)
 {
     FrameRing onlyStatus;
     onlyStatus.addRequest(Duration(0), frameOf("01 03 20 00 00 01"));
-    onlyStatus.addReplyBytes(Duration(1), status);
+    onlyStatus.addReplyBytes(Duration(1), status, Duration(0));
     ring = onlyStatus;
 
     const ReplayResult result = play();
@@ -178,9 +208,9 @@ TEST_F(ReplayTest, AReplyWhoseRequestWasForgottenIsLeftOut)
 {
     FrameRing shortened(3);
     shortened.addRequest(Duration(0), frameOf("01 03 D0 00 00 02"));
-    shortened.addReplyBytes(Duration(1), monitors);
+    shortened.addReplyBytes(Duration(1), monitors, Duration(0));
     shortened.addRequest(Duration(2), frameOf("01 03 D0 00 00 02"));
-    shortened.addReplyBytes(Duration(3), monitors);
+    shortened.addReplyBytes(Duration(3), monitors, Duration(0));
     ring = shortened;
 
     const ReplayResult result = play();
