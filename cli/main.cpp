@@ -5,6 +5,7 @@
 #include "cli/commands/demo.h"
 #include "cli/commands/frames.h"
 #include "cli/commands/get.h"
+#include "cli/commands/line.h"
 #include "cli/commands/params.h"
 #include "cli/commands/plan.h"
 #include "cli/commands/record.h"
@@ -38,6 +39,7 @@ int main(int argc, char **argv)
     dx4::cli::addStats(line);
     dx4::cli::addRun(line);
     dx4::cli::addStop(line);
+    dx4::cli::addLine(line);
     dx4::cli::addParams(line);
     dx4::cli::addRecord(line);
     dx4::cli::addReplay(line);

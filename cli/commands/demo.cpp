@@ -116,8 +116,9 @@ public:
         }
         stopMotor();
         m_view.end(m_list, m_cycle.counters(), m_line.now(), elapsed());
-        return m_line.isOpen() && m_cycle.counters().readsServed > 0
-            && m_cycle.counters().givenUp == 0;
+        const bool hadTime = !shouldEnd();
+        return m_line.isOpen() && m_cycle.counters().givenUp == 0
+            && (m_cycle.counters().readsServed > 0 || !hadTime);
     }
 
 private:

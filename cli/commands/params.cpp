@@ -83,6 +83,18 @@ void printSet(const host::ParameterSet &set, bool json)
     }
 }
 
+void printKept(const QString &file, const host::ParameterSet &set, bool json)
+{
+    const int count = host::lengthOf(set.values);
+    if (json) {
+        printJson({ { QStringLiteral("file"), file },
+                    { QStringLiteral("parameters"), count },
+                    { QStringLiteral("complete"), host::isComplete(set) } });
+        return;
+    }
+    printLine(QStringLiteral("%1 parameters in %2").arg(count).arg(file));
+}
+
 int runDump(const Options &options)
 {
     const QString name = QStringLiteral("params dump");
@@ -103,10 +115,9 @@ int runDump(const Options &options)
         return complain(name, { ExitFailed, error });
     if (file.isEmpty())
         printSet(set, options.line.json);
-    if (!complete)
-        return complain(name, failure);
-    note(name, QStringLiteral("%1 parameters").arg(set.values.size()));
-    return ExitDone;
+    else if (!set.values.isEmpty())
+        printKept(file, set, options.line.json);
+    return complete ? ExitDone : complain(name, failure);
 }
 
 void printDifferences(const QVector<host::ParameterDifference> &differences, bool json)

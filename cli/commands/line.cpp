@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// dx4 line: serial ports, their lasting names, and who holds them.
+#include "cli/commands/line.h"
+
+#include "cli/exit_code.h"
+#include "cli/output.h"
+#include "host/port_list.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+
+#include <optional>
+
+namespace dx4::cli {
+namespace {
+
+struct Options {
+    QStringList devices; ///< empty: all
+    bool json = false;
+};
+
+/// A device that was asked for; pseudo-terminals are in no list of ports.
+std::optional<host::PortInfo> named(const QString &name, const QVector<host::PortInfo> &all)
+{
+    const QString device = host::portDevice(name);
+    for (const host::PortInfo &port : all) {
+        if (port.device == device)
+            return port;
+    }
+    if (!QFileInfo::exists(device))
+        return std::nullopt;
+    host::PortInfo port;
+    port.device = device;
+    port.holders = host::holdersOf(device);
+    return port;
+}
+
+void printPort(const host::PortInfo &port, bool json)
+{
+    if (json) {
+        QJsonArray holders;
+        for (const host::PortHolder &holder : port.holders) {
+            holders.append(QJsonObject { { QStringLiteral("process"), holder.process },
+                                         { QStringLiteral("program"), holder.program } });
+        }
+        printJson({ { QStringLiteral("device"), port.device },
+                    { QStringLiteral("lastingName"), port.lastingName },
+                    { QStringLiteral("description"), port.description },
+                    { QStringLiteral("holders"), holders } });
+        return;
+    }
+    printLine(port.device);
+    if (!port.lastingName.isEmpty())
+        printLine(QStringLiteral("  name  %1").arg(port.lastingName));
+    if (!port.description.isEmpty())
+        printLine(QStringLiteral("  is    %1").arg(port.description));
+    printLine(QStringLiteral("  held  %1")
+                  .arg(port.holders.isEmpty()
+                           ? QStringLiteral("by nobody seen")
+                           : QStringLiteral("by %1").arg(host::holderText(port.holders))));
+}
+
+int runLine(const Options &options)
+{
+    const QString name = QStringLiteral("line");
+    QVector<host::PortInfo> ports = host::listPorts();
+    if (!options.devices.isEmpty()) {
+        const QVector<host::PortInfo> all = ports;
+        ports.clear();
+        for (const QString &device : options.devices) {
+            const auto port = named(device, all);
+            if (!port)
+                return complain(name, { ExitLine, QStringLiteral("no port %1").arg(device) });
+            ports.append(*port);
+        }
+    }
+    for (const host::PortInfo &port : std::as_const(ports))
+        printPort(port, options.json);
+    if (ports.isEmpty())
+        note(name, QStringLiteral("this machine has no serial port"));
+    return ExitDone;
+}
+
+} // namespace
+
+void addLine(CommandLine &line)
+{
+    Command command = line.add("line", "list serial ports and who holds them");
+    const auto options = std::make_shared<Options>();
+    command.words("device", options->devices, "ports to look at, all where none is named", false);
+    command.flag("--json", options->json, "print one JSON object per port");
+    command.example(QStringLiteral("dx4 line /dev/ttyUSB0"),
+                    QStringLiteral("its lasting name and its holders"));
+    command.action([options] { return runLine(*options); });
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// dx4 line: serial ports, their lasting names, and who holds them.
+#pragma once
+
+#include "cli/command_line.h"
+
+namespace dx4::cli {
+
+/// Adds the command.
+void addLine(CommandLine &line);
+
+} // namespace dx4::cli
