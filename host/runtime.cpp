@@ -91,7 +91,8 @@ bool Runtime::ensureOpen()
         lineWentDown();
     if (m_line.now() < m_openAt)
         return false;
-    if (m_line.open(nullptr)) {
+    if (m_line.open(&m_lineError)) {
+        m_lineError.clear();
         m_openDelay = Duration { 0 };
         m_wasOpen = true;
         m_stop.tryNow();

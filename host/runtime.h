@@ -68,6 +68,9 @@ public:
     /// before each step.
     void run(const std::function<bool()> &enough);
 
+    /// Why the line could not be opened the last time; empty while it is open.
+    QString lineError() const { return m_lineError; }
+
     /// How long the next step would find nothing to do after Idle or LineDown; at most 100 ms, so
     /// that a write is not kept waiting.
     Duration idleTime() const;
@@ -135,6 +138,7 @@ private:
     Duration m_lastUser;
     Duration m_openAt { 0 };
     Duration m_openDelay { 0 };
+    QString m_lineError;
     bool m_wasOpen = false;
     bool m_stopping = false; // until the last stop is confirmed
     bool m_userGone = false;

@@ -4,6 +4,7 @@
 #include "host/runtime.h"
 #include "host/serial_line.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -56,6 +57,8 @@ int runHost(const QString &port, const QString &driver)
 
     const StopReport stop = runtime.stop(std::chrono::seconds(2));
     std::puts(QJsonDocument(runtime.countersJson()).toJson().constData());
+    if (!runtime.lineError().isEmpty())
+        return fail(runtime.lineError());
     return stop.unconfirmed.isEmpty() ? 0 : 1;
 }
 
@@ -63,6 +66,7 @@ int runHost(const QString &port, const QString &driver)
 
 int main(int argc, char **argv)
 {
+    const QCoreApplication application(argc, argv); // the serial port wants one, and no event loop
     if (argc != 3) {
         std::fprintf(stderr, "usage: %s PORT DRIVER\n", argv[0]);
         return 2;

@@ -62,12 +62,15 @@ TEST_F(RuntimeTest, APulledPlugMarksValuesStaleAndAReturningLineIsReopened)
     host.stations.line.unplug();
     host.runFor(seconds(3));
     const Value during = shown();
+    const QString error = host.host.lineError();
     host.stations.line.plugIn();
 
     host.runFor(seconds(3));
 
     EXPECT_EQ(during.value, 17);
     EXPECT_TRUE(during.stale);
+    EXPECT_EQ(error, QStringLiteral("memory line: unplugged"));
+    EXPECT_EQ(host.host.lineError(), QString());
     EXPECT_FALSE(shown().stale);
     EXPECT_EQ(host.host.counters().lineDowns(), 1U);
 }
