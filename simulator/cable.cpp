@@ -133,15 +133,22 @@ void Cable::carry(Passage &passage)
         if (damagesFrame(rule.kind) && rule.side == Side::Reply && canDamage(rule, passage))
             damage(passage.reply, rule, m_plan.dice());
     }
-    if (passage.echoed && passage.heard)
-        passage.reply.insert(passage.reply.begin(), passage.sent.begin(), passage.sent.end());
     if (!passage.answered || passage.end < m_silentUntil)
         passage.reply.clear();
+    // The adapter at the master's end gives the request back whatever becomes of it.
+    const Bytes echo = passage.echoed && !unplugged() ? passage.sent : Bytes();
+    deliver(passage, echo);
+}
 
-    if (passage.reply.empty())
+void Cable::deliver(const Passage &passage, const Bytes &echo)
+{
+    Bytes all = echo;
+    all.insert(all.end(), passage.reply.begin(), passage.reply.end());
+    if (all.empty())
         return tell(LineEvent::Kind::NoReply, passage.end, {});
     const Micros start = passage.end + m_settings.turnaround + passage.delay;
-    tell(LineEvent::Kind::Reply, start, passage.reply);
+    tell(LineEvent::Kind::Reply, echo.empty() ? start : passage.end, all);
+    putEchoOnLine(echo, passage.end);
     putOnLine(passage.reply, start);
 }
 
@@ -174,6 +181,18 @@ void Cable::putOnLine(const Bytes &bytes, Micros start)
     for (std::uint8_t byte : bytes) {
         time += m_settings.characterTime();
         m_arrivals.push_back({ time, byte });
+    }
+}
+
+void Cable::putEchoOnLine(const Bytes &bytes, Micros start)
+{
+    // The echo waits for nobody: a reply that is still to come does not hold it up.
+    const auto isEarlier = [](Micros time, const Arrival &arrival) { return time < arrival.time; };
+    Micros time = start;
+    for (std::uint8_t byte : bytes) {
+        time += m_settings.characterTime();
+        const auto place = std::upper_bound(m_arrivals.begin(), m_arrivals.end(), time, isEarlier);
+        m_arrivals.insert(place, { time, byte });
     }
 }
 

@@ -95,7 +95,9 @@ private:
     bool canDamage(const FaultRule &rule, const Passage &passage);
     void carry(Passage &passage);
     void obey(Passage &passage);
+    void deliver(const Passage &passage, const Bytes &echo);
     void putOnLine(const Bytes &bytes, Micros start);
+    void putEchoOnLine(const Bytes &bytes, Micros start);
     void tell(LineEvent::Kind kind, Micros time, const Bytes &bytes, const std::string &text = {});
 
     Bus &m_bus;

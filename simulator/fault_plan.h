@@ -25,7 +25,7 @@ enum class FaultKind {
     WrongStation, ///< the frame carries station `value`, with a good CRC
     WrongFunction, ///< the frame carries function `value`, with a good CRC
     Exception, ///< exception `value` comes instead of the reply; the station obeys nothing
-    Echo, ///< the master hears its own request, then the reply
+    Echo, ///< the master hears its own request, whatever becomes of it, then the reply
     Silence, ///< for `duration` the stations obey, but no reply reaches the master
     Unplug, ///< for `duration` nothing passes in either direction
     PowerCycle, ///< the drive is without power for `duration` and starts anew

@@ -240,6 +240,26 @@ TEST_F(FaultKinds, EchoStandsBeforeTheReply)
     EXPECT_EQ(read(), "01 03 F0 00 00 01 B7 0A " + good);
 }
 
+TEST_F(FaultKinds, EchoComesAlsoWhenNoReplyDoes)
+{
+    for (const FaultKind kind : { FaultKind::DropRequest, FaultKind::DropReply, FaultKind::Silence,
+                                  FaultKind::PowerCycle }) {
+        SCOPED_TRACE(faultKindName(kind));
+        cable.plan().add(once(FaultKind::Echo));
+        cable.plan().add(once(kind));
+
+        EXPECT_EQ(read(), "01 03 F0 00 00 01 B7 0A");
+    }
+}
+
+TEST_F(FaultKinds, EchoDoesNotPassAPulledPlug)
+{
+    cable.plan().add(once(FaultKind::Echo));
+    cable.plan().add(once(FaultKind::Unplug));
+
+    EXPECT_EQ(read(), "");
+}
+
 TEST_F(FaultKinds, SilenceLastsItsTimeWhileTheDriveObeys)
 {
     once(FaultKind::Silence).duration = std::chrono::milliseconds(1500);
