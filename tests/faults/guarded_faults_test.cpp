@@ -137,6 +137,41 @@ TEST_P(GuardedFaults, AtAnyRequestShowNothingWrongLoseNoWriteAndPass)
 INSTANTIATE_TEST_SUITE_P(EveryKind, GuardedFaults, ::testing::ValuesIn(rows()),
                          [](const auto &row) { return std::string(row.param.fault); });
 
+class FaultsBehindAnEcho : public ::testing::TestWithParam<FaultCase> { };
+
+/// Faults of an adapter that gives back every request anyway; the first request is a read, from
+/// which the guard learns of it.
+std::vector<FaultCase> allButTheEcho()
+{
+    std::vector<FaultCase> cases;
+    for (const FaultCase &fault : faultCases()) {
+        if (fault.rule.kind != dx4::sim::FaultKind::Echo)
+            cases.push_back(fault);
+    }
+    return cases;
+}
+
+TEST_P(FaultsBehindAnEcho, AtAnyRequestShowNothingWrongLoseNoWriteAndPass)
+{
+    dx4::sim::FaultRule echo;
+    echo.kind = dx4::sim::FaultKind::Echo;
+
+    for (int n = 1; n <= scenarioRequests; ++n) {
+        SCOPED_TRACE("at request " + std::to_string(n));
+        std::vector<dx4::sim::FaultRule> rules = GetParam().at(n);
+        rules.push_back(echo);
+        const RunResult run = play(Guard::Full, rules, static_cast<std::uint64_t>(n));
+
+        ASSERT_EQ(textOf(run.findings), "");
+        ASSERT_GT(run.line.echoes, 0U);
+        ASSERT_LE(run.stepsToRecover, scenarioBlocks);
+        ASSERT_EQ(run.confirmedWrites + run.failedWrites, scenarioWrites);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryKind, FaultsBehindAnEcho, ::testing::ValuesIn(allButTheEcho()),
+                         [](const auto &row) { return std::string(row.param.name); });
+
 TEST(FaultScenario, OnAGoodLineConfirmsEveryWriteAndReadsEverything)
 {
     const RunResult run = play(Guard::Full, {});

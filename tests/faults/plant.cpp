@@ -83,8 +83,11 @@ int Plant::heldNow(const Register &reg)
 {
     sim::Inverter &inverter = *m_bus.find(reg.station);
     inverter.advanceTo(m_clock.now());
-    if (reg.modbus == sim::controlWordRegister)
+    if (reg.modbus == sim::controlWordRegister) {
+        // The drive starts with its next step; the echo of an adapter may be heard before.
+        inverter.advanceTo(m_clock.now() + sim::Drive::step);
         return inverter.drive().running() ? 1 : 0;
+    }
     if (reg.modbus == sim::frequencyRegister)
         return static_cast<int>(std::lround(inverter.drive().setHertz() * 100.0));
     return inverter.read(reg.modbus);

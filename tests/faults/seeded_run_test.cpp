@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace dx4::faults;
 using dx4::sim::FaultRule;
 
@@ -21,6 +23,25 @@ std::vector<FaultRule> everythingNowAndThen()
         rules.back().probability = seldom;
     }
     return rules;
+}
+
+/// Without the echo: one that comes and goes cannot be told from the reply of a write.
+std::vector<FaultRule> everythingButTheEcho()
+{
+    std::vector<FaultRule> rules = everythingNowAndThen();
+    const auto isEcho = [](const FaultRule &rule) {
+        return rule.kind == dx4::sim::FaultKind::Echo;
+    };
+    rules.erase(std::remove_if(rules.begin(), rules.end(), isEcho), rules.end());
+    return rules;
+}
+
+/// Findings of other kinds than this one.
+std::vector<std::string> without(const std::string &kind, std::vector<std::string> findings)
+{
+    const auto isOfTheKind = [&](const std::string &finding) { return finding.find(kind) == 0; };
+    findings.erase(std::remove_if(findings.begin(), findings.end(), isOfTheKind), findings.end());
+    return findings;
 }
 
 class SeededRuns : public ::testing::TestWithParam<Guard> { };
@@ -60,3 +81,34 @@ INSTANTIATE_TEST_SUITE_P(BothExchanges, SeededRuns, ::testing::Values(Guard::Non
                          [](const auto &row) {
                              return std::string(row.param == Guard::Full ? "Guarded" : "Plain");
                          });
+
+TEST(FaultsTogether, ShowNothingWrongLoseNoWriteAndPassWithTheGuard)
+{
+    for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        const RunResult run = play(Guard::Full, everythingButTheEcho(), seed, 200);
+
+        ASSERT_GT(run.strikes, 10);
+        ASSERT_EQ(textOf(without("silent confirmation", run.findings)), "");
+        ASSERT_LE(run.stepsToRecover, scenarioBlocks + scenarioWrites);
+        ASSERT_EQ(run.confirmedWrites + run.failedWrites, scenarioWrites);
+    }
+}
+
+TEST(FaultsTogether, LetAReadEndAWriteThatIsThenConfirmedWithoutAReport)
+{
+    // The first read of F 0 and 1 of station 2 is put off until their write waits, and succeeds
+    // then. It brings the values from before the write, which end the pending one and are
+    // reported; the confirmation shows the written values and reports nothing.
+    std::vector<FaultRule> drops;
+    for (const int request : { 6, 7, 11, 12, 14, 15 }) {
+        drops.push_back(faultCase("DropReply").rule);
+        drops.back().frame = request;
+    }
+
+    const RunResult run = play(Guard::Full, drops);
+
+    EXPECT_EQ(run.findings,
+              (std::vector<std::string> { "silent confirmation: 2 F 0 shows 14904",
+                                          "silent confirmation: 2 F 1 shows 15904" }));
+}

@@ -87,6 +87,8 @@ void Witness::settleWrite(Write &write, Cycle::Step step)
         const std::size_t at = write.first + i;
         const Register &reg = m_plant.registers()[at];
         const int value = write.values[i];
+        if (confirmed)
+            m_confirmed.insert(at);
         if (confirmed && !m_plant.everHeld(at, value))
             find("lost write", reg, std::to_string(value) + " is confirmed and never arrived");
         const RegisterState state = m_link.registerState(reg.station, typeOf(reg), reg.address);
@@ -104,10 +106,12 @@ void Witness::lookAtValues()
         const bool isSilent = shown != m_shown[i] && m_reported.count(i) == 0;
         judge(i, shown, "after the step");
         if (isSilent && m_plant.registers()[i].isPolled)
-            find("silent change", m_plant.registers()[i], "shows " + std::to_string(shown));
+            find(m_confirmed.count(i) > 0 ? "silent confirmation" : "silent change",
+                 m_plant.registers()[i], "shows " + std::to_string(shown));
         m_shown[i] = shown;
     }
     m_reported.clear();
+    m_confirmed.clear();
 }
 
 void Witness::judge(std::size_t reg, int shown, const char *when)

@@ -28,8 +28,9 @@ public:
     /// To be called when the line was good for long enough: everything must be as it should.
     void lookAtTheEnd();
 
-    /// What went wrong, in words: "wrong value: ...", "lost write: ...", "silent change: ...",
-    /// "no recovery: ...".
+    /// What was found, in words: "wrong value: ...", "lost write: ...", "silent change: ...",
+    /// "no recovery: ...". A register that a read has shown as it was before its write was served
+    /// changes without a report once the write is confirmed: "silent confirmation: ...".
     const std::vector<std::string> &findings() const { return m_findings; }
 
     /// Writes with this outcome.
@@ -61,6 +62,7 @@ private:
     std::vector<int> m_shown; ///< per register: what the last look saw
     std::vector<bool> m_known; ///< per register: the device was read or has confirmed a write
     std::set<std::size_t> m_reported; ///< since the last look
+    std::set<std::size_t> m_confirmed; ///< since the last look
     std::vector<std::string> m_findings;
     int m_writeNumber = 0;
 };
