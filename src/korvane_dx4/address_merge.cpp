@@ -9,6 +9,7 @@
 #include "wire/wrap.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <vector>
 
 using namespace dx4;
@@ -178,7 +179,7 @@ void addrMerge(QList<KEY_ADDRESS> &list, int mode)
 
 int intf_addrMerge(QList<KEY_ADDRESS> &addresses)
 {
-    const CacheWriting writing;
+    const CacheScope scope;
     clearMonitorMarks();
     const QList<KEY_ADDRESS> &wanted = addresses;
     for (const KEY_ADDRESS &key : wanted)

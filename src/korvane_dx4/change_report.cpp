@@ -53,6 +53,8 @@ Q_DECL_COLD_FUNCTION void reportBits(int bitMask, int valueA, int valueB,
 
 void reportRegister(const ChangedRegister &changed)
 {
+    if (!driver.valueChangeCallback) // taken away by the report of a bit
+        return;
     const bool canLend = changed.type != UnknownType && !lentNames[changed.type].isOut;
     if (!canLend)
         return callWithCopy(driver.linkId, changed.station, changed.regType, changed.address);
@@ -99,7 +101,7 @@ void dx4::reportWordChange(int position, int valueA, int valueB, const ChangedRe
 void _wordDataChange(int *valueA, int *valueB, int station, QString regType, int address,
                      int noBits)
 {
-    const CacheWriting writing;
+    const CacheScope scope;
     const QString &name = sharedName(regType);
     const int position = RegisterFinder({ station, name }).positionOf(address);
     if (!valueA || !valueB)
@@ -111,7 +113,7 @@ void _wordDataChange(int *valueA, int *valueB, int station, QString regType, int
 void _byteDataChange(unsigned char *byteA, unsigned char *byteB, int station, QString regType,
                      int address)
 {
-    const CacheWriting writing;
+    const CacheScope scope;
     const int position = RegisterFinder({ station, sharedName(regType) }).positionOf(address);
     const int bitMask = driver.dataAreas.at(position).bitMask;
     if (!byteA || !byteB)

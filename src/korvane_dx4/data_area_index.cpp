@@ -7,6 +7,7 @@
 #include <QtAlgorithms>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <utility>
 
@@ -192,6 +193,7 @@ DataAreaIndex::Place DataAreaIndex::probe(const RegisterKey &key, quint32 tag)
 void DataAreaIndex::rebuild()
 {
     m_buckets.clear();
+    m_joined.clear();
     m_entries = 0;
     const QList<_DATA_> &areas = driver.dataAreas;
     const int count = static_cast<int>(areas.size());

@@ -12,13 +12,14 @@
 
 namespace dx4 {
 
-/// Station and type of cached registers; the name must outlive it.
+/// Station and type that cached registers belong to; the name must outlive it.
 struct RegisterOwner {
-    /// @param name  records created get this string, so that sharing it with the records there are
-    ///              makes comparisons cheap
+    /// @param name  records created get this string. With sharedName() of it they are found again
+    /// by
+    ///              comparing one pointer
     RegisterOwner(int stationNumber, const QString &name);
 
-    /// As above for one of the six types.
+    /// @param type  one of the six
     RegisterOwner(int stationNumber, RegisterType type)
         : station(stationNumber)
         , regType(REG_LIST[type])
@@ -56,7 +57,7 @@ inline bool hasKey(const _DATA_ &record, const RegisterKey &key)
 ///   again.
 ///
 /// The driver's own writes let go of the copy first, or they would copy the whole list.
-/// CacheWriting takes it again when the outermost call ends.
+/// CacheScope takes it again when the outermost call ends.
 class DataAreaIndex {
 public:
     /// Position of the record with this key; a missing one is appended, zeroed but for its key.
@@ -80,7 +81,7 @@ public:
     void forget();
 
 private:
-    friend class CacheWriting;
+    friend class CacheScope;
 
     // Registers with neighbouring addresses share a bucket, one cache line, filled from its start.
     static constexpr int bucketSlots = 8;
@@ -116,27 +117,27 @@ private:
     std::vector<quint64> m_joined; // bit p: record p continues record p - 1
     QList<_DATA_> m_seen; // shares with driver.dataAreas while nobody else has touched that
     bool m_writing = false; // the copy is let go of; only the driver touches the list
-    int m_depth = 0; // nested CacheWriting
+    int m_depth = 0; // nested CacheScope
 };
 
 extern DataAreaIndex dataAreaIndex;
 
 /// Scope of a call that looks into the cache or writes to it. Calls nest when a callback calls back
 /// in; the outermost scope finds out what the host did to the list before and takes its copy after.
-class CacheWriting {
+class CacheScope {
 public:
-    CacheWriting()
+    CacheScope()
     {
         if (dataAreaIndex.m_depth++ == 0)
             dataAreaIndex.beginCall();
     }
-    ~CacheWriting()
+    ~CacheScope()
     {
         if (--dataAreaIndex.m_depth == 0)
             dataAreaIndex.endCall();
     }
-    CacheWriting(const CacheWriting &) = delete;
-    CacheWriting &operator=(const CacheWriting &) = delete;
+    CacheScope(const CacheScope &) = delete;
+    CacheScope &operator=(const CacheScope &) = delete;
 };
 
 } // namespace dx4

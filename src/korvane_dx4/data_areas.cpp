@@ -6,6 +6,8 @@
 #include "wire/byte_order.h"
 #include "wire/wrap.h"
 
+#include <cstddef>
+
 using namespace dx4;
 
 namespace {
@@ -53,7 +55,7 @@ int dx4::shownValue(const _DATA_ &area)
 
 void dx4::clearMonitorMarks()
 {
-    const CacheWriting writing;
+    const CacheScope scope;
     const int count = static_cast<int>(driver.dataAreas.size());
     for (int position = 0; position < count; ++position) {
         const _DATA_ &area = driver.dataAreas.at(position);
@@ -70,7 +72,7 @@ void dx4::markMonitored(int station, const QString &regType, int address, int co
     const RegisterType type = registerType(regType);
     if (type == UnknownType)
         return;
-    const CacheWriting writing;
+    const CacheScope scope;
     RegisterFinder finder({ station, type });
     for (int i = 0; i < count; ++i) {
         const int position = finder.positionOf(wrapAdd(address, i));
@@ -85,7 +87,7 @@ int getIndexOfDataArea(int station, QString regType, int address, QList<_DATA_> 
     const bool isCache = &list == &driver.dataAreas;
     if (!isCache)
         return findOrAppend({ { station, regType }, address }, list);
-    const CacheWriting writing;
+    const CacheScope scope;
     return RegisterFinder({ station, sharedName(regType) }).positionOf(address);
 }
 
@@ -108,7 +110,7 @@ int intf_getData(int station, QString regType, int address, int count, unsigned 
     const RegisterType type = registerType(regType);
     if (type == UnknownType)
         return alwaysDone;
-    const CacheWriting writing;
+    const CacheScope scope;
     RegisterFinder finder({ station, type });
     for (int i = 0; i < count;) {
         const RecordRun run = finder.runFrom(wrapAdd(address, i), count - i);

@@ -38,7 +38,7 @@ struct RecordRun {
 };
 
 /// Finds the records of one station and type, quickest in ascending order of address. Needs a
-/// CacheWriting scope.
+/// CacheScope scope.
 ///
 /// Registers that are used together were mostly created together, so a record is first looked for
 /// where it stands if it does so in order.
@@ -55,9 +55,10 @@ public:
     /// @param most  at least 1
     RecordRun runFrom(int address, int most)
     {
-        const int expected = m_position + wrapSub(address, m_address);
+        const int expected = wrapAdd(m_position, wrapSub(address, m_address));
         const int position = standsAt(expected, address) ? expected : lookUp(address);
-        if (position == m_behind && position == expected)
+        const bool continuesRun = position == expected && position == m_behind;
+        if (continuesRun && standsAt(position - 1, wrapSub(address, 1)))
             dataAreaIndex.join(position);
         m_position = position;
         m_address = address;
@@ -91,7 +92,7 @@ private:
     int m_address = 0; // of the last run
     int m_behind = nowhere; // position behind the last run
 
-    // Far from any position, and from the ends of the numbers.
+    // No address of the drive leads to a position from here.
     static constexpr int nowhere = -0x40000000;
 };
 

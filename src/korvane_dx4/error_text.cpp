@@ -7,6 +7,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstddef>
 
 namespace dx4 {
 namespace {

@@ -29,7 +29,7 @@ static_assert(sizeof(korvane_dx4)
 namespace {
 
 constexpr int settingCount = 5;
-constexpr int registersPerBitBlock = 8; // a bit block may span this many blocks
+constexpr int blocksPerBitBlock = 8; // a bit block may span this many blocks
 
 // The five settings, or none of them when the text has fewer fields.
 void takeSettings(const char *propertyText)
@@ -62,7 +62,7 @@ void resetCounters()
     driver.failCount = 0;
     driver.lastFailed = 0;
     driver.writeBlockSize = driver.blockSize;
-    driver.bitBlockSize = wrapMul(driver.blockSize, registersPerBitBlock);
+    driver.bitBlockSize = wrapMul(driver.blockSize, blocksPerBitBlock);
     driver.spare2 = 0;
     driver.spare3 = 1;
 }

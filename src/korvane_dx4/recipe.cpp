@@ -9,6 +9,7 @@
 #include "wire/wrap.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 using namespace dx4;

@@ -191,7 +191,7 @@ int intf_dealRcvFrame(QByteArray &reply, QString &errorText)
         errorText.clear();
         return NoRequestPending;
     }
-    const CacheWriting writing;
+    const CacheScope scope;
     const int received = static_cast<int>(reply.size());
     writeErrorText(errorText, driver.sendFrames.constFirst().var, received);
     // Reading through a const array keeps it shared; the check does not write.

@@ -9,6 +9,7 @@
 #include "wire/wrap.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 using namespace dx4;
@@ -52,7 +53,7 @@ void storeWritten(int position, const unsigned char *bytes)
 
 void showWritten(const RegisterRange &range, const unsigned char *data)
 {
-    const CacheWriting writing;
+    const CacheScope scope;
     const QString &name = REG_LIST[range.type];
     RegisterFinder finder({ range.station, range.type });
     for (int i = 0; i < range.count; ++i, data += bytesPerRegister) {
@@ -88,7 +89,7 @@ void dx4::settleWrite(const RegisterRange &range, WriteOutcome outcome)
 {
     if (range.type == UnknownType)
         return;
-    const CacheWriting writing;
+    const CacheScope scope;
     const QString &name = REG_LIST[range.type];
     RegisterFinder finder({ range.station, range.type });
     for (int i = 0; i < range.count; ++i) {

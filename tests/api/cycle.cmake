@@ -15,4 +15,4 @@ korvane_cycle_test(api_reply_test
   reply_test.cpp reply_values_test.cpp)
 korvane_cycle_test(api_values_test
   callback_reentry_test.cpp change_report_test.cpp data_area_test.cpp host_edits_test.cpp
-  host_list_edits_test.cpp write_outcome_test.cpp write_test.cpp)
+  host_list_edits_test.cpp unruly_host_test.cpp write_outcome_test.cpp write_test.cpp)

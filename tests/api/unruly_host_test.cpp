@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// A host that goes to the ends of the numbers, or breaks the rules of its callback, harms nothing.
+#include "cycle_fixture.h"
+
+#include <limits>
+
+namespace {
+
+constexpr int lowest = std::numeric_limits<int>::min();
+constexpr int highest = std::numeric_limits<int>::max();
+
+class UnrulyHost : public CycleFixture {
+protected:
+    UnrulyHost() { init("1#0#0#3#10"); }
+};
+
+class AddressAtTheEnds : public UnrulyHost, public ::testing::WithParamInterface<int> { };
+
+} // namespace
+
+TEST_P(AddressAtTheEnds, IsReadAsZeroAndThenHoldsWhatIsWritten)
+{
+    EXPECT_EQ(data(1, "D", GetParam(), 1), "00 00");
+
+    set(1, "D", GetParam(), { 0x1234 });
+
+    EXPECT_EQ(data(1, "D", GetParam(), 1), "34 12");
+    EXPECT_EQ(state.dataAreas.size(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Addresses, AddressAtTheEnds,
+                         ::testing::Values(lowest, lowest + 1, -0x40000001, -0x40000000, -1,
+                                           0x40000000, highest - 1, highest));
+
+TEST_F(UnrulyHost, ARunPastTheHighestAddressGoesOnAtTheLowest)
+{
+    EXPECT_EQ(data(1, "D", highest, 2), "00 00 00 00");
+
+    set(1, "D", lowest, { 7 });
+
+    EXPECT_EQ(data(1, "D", highest, 2), "00 00 07 00");
+    EXPECT_EQ(state.dataAreas.size(), 2);
+}
+
+TEST_F(UnrulyHost, AStartOfTheLinkInsideTheCallbackLeavesNoRegisterUnderAnothersName)
+{
+    merge({ keyAddress(1, "D", 0, 3) });
+    insideCallback = [this](int, int, const QString &, int) {
+        insideCallback = nullptr;
+        init("1#0#0#3#10");
+        data(9, "F", 500, 1);
+    };
+    nextFrame();
+
+    replyWithCrc("01 03 06 00 11 66 77 66 77");
+
+    EXPECT_EQ(data(9, "F", 500, 2), "00 00 00 00");
+}
+
+TEST_F(UnrulyHost, ACallbackTakenAwayWhileABitIsReportedIsNotCalledForTheRegister)
+{
+    merge({ keyAddress(1, "D", 4, 1) });
+    state.dataAreas[0].bitMask = 1;
+    insideCallback = [this](int, int, const QString &, int) {
+        state.valueChangeCallback = nullptr;
+    };
+    nextFrame();
+
+    EXPECT_EQ(replyWithCrc("01 03 02 00 01"), dx4::ReplyAccepted);
+
+    EXPECT_EQ(calls, std::vector<std::string> { "1 1 D_bit 64" });
+}
