@@ -78,7 +78,7 @@ int DataAreaIndex::append(const RegisterKey &key, quint32 tag, Place place)
     record.regType = key.owner.regType;
     record.address = key.address;
     const bool hasRoom = static_cast<std::size_t>(m_entries) < m_buckets.size() * entriesPerBucket;
-    if (!hasRoom) {
+    if (!hasRoom || !place.bucket) {
         insert(tag, position);
         return position;
     }
