@@ -127,9 +127,17 @@ Reply GuardedExchange::runWithin(const FRAME_PRO &request, Duration timeout)
     const ReplyCause cause = m_report.verdict.cause;
     if (cause == ReplyCause::Good || cause == ReplyCause::Exception)
         prolongUnanswered(request, late);
-    else if (!beginsLikeReply(request, m_heard))
+    else if (!isDamagedReply(cause, request))
         noteUnanswered(request, late);
     return finish(request, start);
+}
+
+/// A damaged reply is still this request's own, so that no other is to be expected. A whole one of
+/// the same shape may be a late answer to another request.
+bool GuardedExchange::isDamagedReply(ReplyCause cause, const FRAME_PRO &request) const
+{
+    const bool isDamaged = cause == ReplyCause::BadCrc || cause == ReplyCause::Truncated;
+    return isDamaged && beginsLikeReply(request, m_heard);
 }
 
 Reply GuardedExchange::finish(const FRAME_PRO &request, Duration start)

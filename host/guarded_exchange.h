@@ -68,6 +68,7 @@ private:
     void noteSkipped(const QByteArray &bytes);
     void noteUnanswered(const FRAME_PRO &request, Duration until);
     void prolongUnanswered(const FRAME_PRO &request, Duration until);
+    bool isDamagedReply(ReplyCause cause, const FRAME_PRO &request) const;
     Reply finish(const FRAME_PRO &request, Duration start);
 
     Line &m_line;
