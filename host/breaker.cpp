@@ -100,7 +100,7 @@ Reply BreakerExchange::run(const FRAME_PRO &request)
     if (verdict == Breaker::Verdict::Leave)
         return { Reply::Kind::NotAsked, {}, false, Duration { 0 } };
 
-    const Reply reply = verdict == Breaker::Verdict::Probe ? probe(request) : m_guard.run(request);
+    Reply reply = verdict == Breaker::Verdict::Probe ? probe(request) : m_guard.run(request);
     if (m_guard.report().foreignStation != station)
         m_breaker.noteSignOfLife(m_guard.report().foreignStation, m_line.now());
     if (reply.kind != Reply::Kind::LineDown && isAnswer(m_guard.report().verdict.cause))

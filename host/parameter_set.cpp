@@ -207,7 +207,7 @@ std::optional<ParameterSet> loadParameterSet(const QString &path, QString *error
         return std::nullopt;
     }
     QString why;
-    const auto set = parseParameterSet(QString::fromUtf8(file.readAll()), &why);
+    auto set = parseParameterSet(QString::fromUtf8(file.readAll()), &why);
     if (!set)
         tell(error, QStringLiteral("%1: %2").arg(path, why));
     return set;

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace dx4::host {
 namespace {
@@ -42,8 +43,8 @@ timespec toTimespec(Duration span)
 
 } // namespace
 
-SerialLine::SerialLine(const LineSettings &settings)
-    : m_settings(settings)
+SerialLine::SerialLine(LineSettings settings)
+    : m_settings(std::move(settings))
     , m_port(std::make_unique<QSerialPort>())
 {
 }

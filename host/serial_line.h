@@ -17,7 +17,7 @@ namespace dx4::host {
 class SerialLine : public Line {
 public:
     /// The port is opened by open(), not here.
-    explicit SerialLine(const LineSettings &settings);
+    explicit SerialLine(LineSettings settings);
     ~SerialLine() override;
 
     bool open(QString *error) override;

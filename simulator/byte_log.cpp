@@ -6,7 +6,7 @@ namespace dx4::sim {
 
 std::string logLine(const LineEvent &event)
 {
-    const std::string number = std::to_string(event.number);
+    std::string number = std::to_string(event.number);
     switch (event.kind) {
     case LineEvent::Kind::Request:
         return number + " > " + toHex(event.bytes);

@@ -3,12 +3,12 @@
 #include "simulator/port.h"
 
 #include <fcntl.h>
-#include <stdlib.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
