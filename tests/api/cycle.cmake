@@ -16,3 +16,8 @@ korvane_cycle_test(api_reply_test
 korvane_cycle_test(api_values_test
   callback_reentry_test.cpp change_report_test.cpp data_area_test.cpp host_edits_test.cpp
   host_list_edits_test.cpp unruly_host_test.cpp write_outcome_test.cpp write_test.cpp)
+
+# Counts allocations by a malloc of its own, which the sanitizers need for themselves.
+if(NOT KORVANE_SANITIZE)
+  korvane_cycle_test(api_allocation_test allocation_test.cpp)
+endif()
