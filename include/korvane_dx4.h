@@ -46,8 +46,7 @@ public:
     int property2 = 0; ///< property field 2: stored only
     int retryLimit = 0; ///< property field 3: bad replies after which a request is given up
     int blockSize = 0; ///< property field 4: registers in one merged block
-    unsigned char *hostBlock =
-        nullptr; ///< host's bytes, hostBlockBytes or more; guarded by hostMutex
+    unsigned char *hostBlock = nullptr; ///< host's shared bytes, guarded by hostMutex
     int hostParam = 0; ///< stored only
     unsigned short *recipeBuffer = nullptr; ///< host's recipe values, 16-bit units
     QMutex *hostMutex = nullptr; ///< host's lock around hostBlock
