@@ -29,10 +29,10 @@ QStringList differences(const Config &running, const Config &wanted)
 
 } // namespace
 
-ConfigReload::ConfigReload(Link &link, Planner &planner, const Config &current, Poll poll)
+ConfigReload::ConfigReload(Link &link, Planner &planner, Config current, Poll poll)
     : m_link(link)
     , m_planner(planner)
-    , m_current(current)
+    , m_current(std::move(current))
     , m_poll(std::move(poll))
 {
     if (!m_poll)

@@ -21,7 +21,7 @@ public:
     /// @param link, planner  outlive this; the planner has the link's block size
     /// @param current        what the link runs with
     /// @param poll           by default Link::poll; a runtime has a way of its own
-    ConfigReload(Link &link, Planner &planner, const Config &current, Poll poll = {});
+    ConfigReload(Link &link, Planner &planner, Config current, Poll poll = {});
 
     /// Reads and checks a file; it takes effect with apply(). One that already waits is replaced.
     ///

@@ -43,7 +43,7 @@ int modbusRegister(const QString &regType, int address)
 
 QString fullAddress(const QString &regType, int address)
 {
-    const QString text = regType + QLatin1Char(' ') + addressText(regType, address);
+    QString text = regType + QLatin1Char(' ') + addressText(regType, address);
     const int wire = modbusRegister(regType, address);
     if (wire < 0)
         return text;

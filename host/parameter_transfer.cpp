@@ -45,7 +45,7 @@ public:
     {
         m_total = lengthOf(addresses);
         for (const Run &run : runsOf(addresses, std::max(m_access.blockSize(), 1))) {
-            const QString broken = readRun(run);
+            QString broken = readRun(run);
             if (!broken.isEmpty())
                 return broken;
         }

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <utility>
 
 namespace dx4::host {
 namespace {
@@ -117,8 +118,8 @@ DriverFile locateDriver(const QString &explicitPath)
     return found;
 }
 
-Plugin::Plugin(const QString &file, void *library)
-    : m_file(file)
+Plugin::Plugin(QString file, void *library)
+    : m_file(std::move(file))
     , m_library(library)
 {
 }

@@ -77,7 +77,7 @@ public:
     QString file() const { return m_file; }
 
 private:
-    Plugin(const QString &file, void *library);
+    Plugin(QString file, void *library);
 
     QString m_file;
     void *m_library;

@@ -31,7 +31,7 @@ bool RecordingLine::send(const QByteArray &bytes)
 
 QByteArray RecordingLine::receive(int count, Duration deadline)
 {
-    const QByteArray bytes = m_line.receive(count, deadline);
+    QByteArray bytes = m_line.receive(count, deadline);
     // A wait that ends a little late still brought its bytes before the deadline.
     m_ring.addReplyBytes(std::min(m_line.now(), deadline), bytes,
                          settings().wireTime(lengthOf(bytes)) + longestLump);

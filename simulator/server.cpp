@@ -3,12 +3,12 @@
 #include "simulator/server.h"
 
 #include <poll.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 
 namespace dx4::sim {

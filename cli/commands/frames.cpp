@@ -121,7 +121,7 @@ int runWrite(const Options &options)
 
 std::shared_ptr<Options> addCommon(Command &command, const char *help)
 {
-    const auto options = std::make_shared<Options>();
+    auto options = std::make_shared<Options>();
     command.words("address", options->words, help);
     command.number("--station", options->station, "station to ask", 1, lastStation);
     command.number("--block", options->block, "most registers of one request", 1, largestBlock);
