@@ -78,14 +78,14 @@ Failure Session::failureOf(host::Cycle::Step step, const Target &target, int tri
 bool Session::settle(const Target &target, Failure *failure)
 {
     using Step = host::Cycle::Step;
-    const quint64 before = m_cycle->counters().requests;
+    const quint64 before = m_cycle->counters().total().requests;
     while (m_stopping || !shouldEnd()) {
         const Step taken = step();
         if (taken == Step::Served)
             return true;
         if (taken == Step::Idle || taken == Step::Retry)
             continue;
-        const auto tries = static_cast<int>(m_cycle->counters().requests - before);
+        const auto tries = static_cast<int>(m_cycle->counters().total().requests - before);
         *failure = failureOf(taken, target, tries);
         return false;
     }

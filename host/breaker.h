@@ -76,6 +76,7 @@ public:
     BreakerExchange(Line &line, GuardedExchange &guard, Breaker &breaker);
 
     Reply run(const FRAME_PRO &request) override;
+    const ExchangeReport &report() const override { return m_guard.report(); }
 
 private:
     Reply probe(const FRAME_PRO &request);

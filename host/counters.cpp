@@ -101,6 +101,8 @@ void RequestCounts::add(const RequestCounts &other)
     lateReplies += other.lateReplies;
     echoes += other.echoes;
     junkBytes += other.junkBytes;
+    bytesSent += other.bytesSent;
+    bytesReceived += other.bytesReceived;
     for (size_t i = 0; i < turnaround.size(); ++i)
         turnaround[i] += other.turnaround[i];
     busy += other.busy;
@@ -123,6 +125,8 @@ QJsonObject RequestCounts::toJson() const
         { QStringLiteral("late_replies"), number(lateReplies) },
         { QStringLiteral("echoes"), number(echoes) },
         { QStringLiteral("junk_bytes"), number(junkBytes) },
+        { QStringLiteral("bytes_sent"), number(bytesSent) },
+        { QStringLiteral("bytes_received"), number(bytesReceived) },
         { QStringLiteral("turnaround"), turnaroundJson(*this) },
         { QStringLiteral("busy_ms"), milliseconds(busy) },
     };
@@ -137,6 +141,8 @@ void CounterSet::countExchange(const FRAME_PRO &request, const ExchangeReport &r
     counts.lateReplies += static_cast<quint64>(report.lateReplies);
     counts.junkBytes += static_cast<quint64>(report.junkBytes);
     counts.echoes += report.echoStripped ? 1U : 0U;
+    counts.bytesSent += static_cast<quint64>(request.sendLength);
+    counts.bytesReceived += static_cast<quint64>(report.bytesHeard);
     counts.busy += held;
     const ReplyCause cause = report.verdict.cause;
     if (cause == ReplyCause::Good || cause == ReplyCause::Exception)
@@ -149,22 +155,34 @@ RequestCounts CounterSet::block(const BlockKey &key) const
     return found == m_blocks.end() ? RequestCounts {} : found->second;
 }
 
-RequestCounts CounterSet::station(int station) const
+template <typename Wanted> RequestCounts CounterSet::sumOf(Wanted wanted) const
 {
     RequestCounts sum;
     for (const auto &[key, counts] : m_blocks) {
-        if (key.station == station)
+        if (wanted(key))
             sum.add(counts);
     }
     return sum;
 }
 
+RequestCounts CounterSet::station(int station) const
+{
+    return sumOf([station](const BlockKey &key) { return key.station == station; });
+}
+
+RequestCounts CounterSet::reads() const
+{
+    return sumOf([](const BlockKey &key) { return !key.isWrite; });
+}
+
+RequestCounts CounterSet::writes() const
+{
+    return sumOf([](const BlockKey &key) { return key.isWrite; });
+}
+
 RequestCounts CounterSet::total() const
 {
-    RequestCounts sum;
-    for (const auto &[key, counts] : m_blocks)
-        sum.add(counts);
-    return sum;
+    return sumOf([](const BlockKey &) { return true; });
 }
 
 double CounterSet::lineLoad(Duration since, Duration now) const

@@ -2,7 +2,7 @@
 // What happened on a line, per station and block: one set for every user of the host.
 #pragma once
 
-#include "host/guarded_exchange.h"
+#include "host/exchange.h"
 
 #include <QJsonObject>
 
@@ -38,7 +38,7 @@ inline constexpr std::array<int, 10> turnaroundBounds = {
 /// Counts of one block, or of several added up.
 struct RequestCounts {
     quint64 requests = 0; ///< frames sent, repeated ones included
-    quint64 good = 0; ///< answered in every byte
+    quint64 good = 0; ///< answered: in every byte where a guard looks, else to the driver's liking
     quint64 timeouts = 0; ///< no byte until the deadline
     quint64 truncated = 0; ///< a reply that ended early
     quint64 badCrc = 0;
@@ -51,6 +51,8 @@ struct RequestCounts {
     quint64 lateReplies = 0;
     quint64 echoes = 0; ///< the adapter's own, stripped
     quint64 junkBytes = 0; ///< skipped
+    quint64 bytesSent = 0;
+    quint64 bytesReceived = 0; ///< while a reply was awaited
     std::array<quint64, turnaroundBounds.size() + 1> turnaround = {}; ///< good and exceptions
     Duration busy { 0 }; ///< time that the line was held
 
@@ -72,6 +74,8 @@ public:
 
     RequestCounts block(const BlockKey &key) const;
     RequestCounts station(int station) const; ///< all blocks of a station
+    RequestCounts reads() const; ///< all blocks that are read
+    RequestCounts writes() const; ///< all blocks that are written
     RequestCounts total() const;
     quint64 lineDowns() const { return m_lineDowns; } ///< exchanges ended by the line itself
 
@@ -82,6 +86,8 @@ public:
     QJsonObject toJson(Duration since, Duration now) const;
 
 private:
+    template <typename Wanted> RequestCounts sumOf(Wanted wanted) const;
+
     std::map<BlockKey, RequestCounts> m_blocks;
     quint64 m_lineDowns = 0;
 };

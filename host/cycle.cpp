@@ -3,18 +3,6 @@
 #include "host/cycle.h"
 
 namespace dx4::host {
-namespace {
-
-constexpr int functionByte = 1;
-constexpr unsigned char readFunction = 3;
-
-bool isRead(const FRAME_PRO &request)
-{
-    return request.frame[functionByte] == readFunction;
-}
-
-} // namespace
-
 Cycle::Cycle(Link &link, Exchange &exchange)
     : m_link(link)
     , m_exchange(exchange)
@@ -26,16 +14,10 @@ Cycle::Step Cycle::step()
     if (!m_link.nextFrame(m_request))
         return Step::Idle;
     m_reply = m_exchange.run(m_request);
-    if (m_reply.kind != Reply::Kind::NotAsked) {
-        ++m_counters.requests;
-        m_counters.bytesSent += static_cast<quint64>(m_request.sendLength);
-    }
-    m_counters.bytesReceived += static_cast<quint64>(m_reply.bytes.size());
-
     // A pulled cable says nothing about the station: the driver is not told, keeps its frame and
     // gives it out again when the line is back.
     if (m_reply.kind == Reply::Kind::LineDown) {
-        ++m_counters.lineDowns;
+        m_counters.countLineDown();
         return Step::LineDown;
     }
     ReplyResult result = m_link.handReply(m_reply.bytes, &m_errorText);
@@ -45,23 +27,36 @@ Cycle::Step Cycle::step()
         m_link.nextFrame(m_request);
         result = m_link.handReply(QByteArray());
     }
-    return settle(result);
+    const Step step = stepOf(result);
+    count(step);
+    return step;
 }
 
-Cycle::Step Cycle::settle(ReplyResult result)
+Cycle::Step Cycle::stepOf(ReplyResult result)
 {
-    if (result == ReplyAccepted) {
-        ++(isRead(m_request) ? m_counters.readsServed : m_counters.writesServed);
+    switch (result) {
+    case ReplyAccepted:
         return Step::Served;
-    }
-    if (m_reply.kind != Reply::Kind::NotAsked)
-        ++(m_reply.kind == Reply::Kind::Silence ? m_counters.silences : m_counters.badReplies);
-    if (result == RequestGivenUp) {
-        ++m_counters.givenUp;
+    case RequestGivenUp:
         return Step::GivenUp;
+    default:
+        return Step::Retry;
     }
-    ++m_counters.retries;
-    return Step::Retry;
+}
+
+void Cycle::count(Step step)
+{
+    if (m_reply.kind == Reply::Kind::NotAsked)
+        return m_counters.countNotAsked(m_request);
+    ExchangeReport report = m_exchange.report();
+    // Without a guard the driver decides, and it believes more than a close look does.
+    if (step == Step::Served)
+        report.verdict = { ReplyCause::Good, 0 };
+    m_counters.countExchange(m_request, report, m_reply.turnaround);
+    if (step == Step::Retry)
+        m_counters.countRetry(m_request);
+    if (step == Step::GivenUp)
+        m_counters.countGiveUp(m_request);
 }
 
 } // namespace dx4::host

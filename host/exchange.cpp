@@ -45,6 +45,11 @@ Reply LineExchange::run(const FRAME_PRO &request)
         reply.bytes = m_line.receive(expected, deadline);
     reply.kind = sent ? judge(m_line, lengthOf(reply.bytes), expected) : Reply::Kind::LineDown;
     reply.turnaround = m_line.now() - start;
+    const Duration wire = settings.wireTime(lengthOf(frame) + lengthOf(reply.bytes));
+    m_report = {};
+    m_report.verdict = checkReply(request, reply.bytes);
+    m_report.bytesHeard = lengthOf(reply.bytes);
+    m_report.answerDelay = std::max(reply.turnaround - wire, Duration { 0 });
     return reply;
 }
 

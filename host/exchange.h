@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/line.h"
+#include "host/reply_check.h"
 #include "host_records.h"
 
 namespace dx4::host {
@@ -23,6 +24,18 @@ struct Reply {
     Duration turnaround { 0 }; ///< from the call that sent the request to the end of the wait
 };
 
+/// What one exchange met, for counters and messages.
+struct ExchangeReport {
+    ReplyVerdict verdict; ///< of the bytes that were taken for the reply
+    int bytesHeard = 0; ///< while the reply was awaited
+    int junkBytes = 0; ///< skipped before the reply; no frame
+    int foreignFrames = 0; ///< whole frames that answered another request
+    int foreignStation = 0; ///< station of the last of them; 0 when there was none
+    int lateReplies = 0; ///< replies that came after their request had timed out
+    bool echoStripped = false; ///< the adapter gave the request back before the reply
+    Duration answerDelay { 0 }; ///< turnaround less the wire time of request and reply
+};
+
 /// Carries one request to the station and its reply back. Checks that go beyond the driver's own
 /// and stations that are not to be asked are further implementations around this one.
 class Exchange {
@@ -34,6 +47,9 @@ public:
 
     /// Sends the request and waits for its reply.
     virtual Reply run(const FRAME_PRO &request) = 0;
+
+    /// Of the last run that used the line.
+    virtual const ExchangeReport &report() const = 0;
 };
 
 /// The plain exchange: silent gap, stale input dropped, send, collect `replyLength` bytes.
@@ -43,9 +59,11 @@ public:
     explicit LineExchange(Line &line);
 
     Reply run(const FRAME_PRO &request) override;
+    const ExchangeReport &report() const override { return m_report; }
 
 private:
     Line &m_line;
+    ExchangeReport m_report;
 };
 
 } // namespace dx4::host

@@ -194,6 +194,7 @@ void GuardedExchange::collect(const FRAME_PRO &request, Duration deadline)
         const int missing = missingBytes(request, m_heard);
         const QByteArray more = m_line.receive(missing, limit);
         m_heard += more;
+        m_report.bytesHeard += lengthOf(more);
         if (stripEcho(request)) {
             deadline += m_line.settings().wireTime(request.sendLength);
             continue;
@@ -254,6 +255,7 @@ bool GuardedExchange::learnEcho(const FRAME_PRO &request, Duration deadline)
         || m_report.verdict.cause != ReplyCause::Good)
         return false;
     const QByteArray more = m_line.receive(exceptionLength, deadline);
+    m_report.bytesHeard += lengthOf(more);
     if (more.isEmpty())
         return false;
     m_echo = Echo::Present;

@@ -3,23 +3,11 @@
 #pragma once
 
 #include "host/exchange.h"
-#include "host/reply_check.h"
 
 #include <map>
 #include <vector>
 
 namespace dx4::host {
-
-/// What one guarded exchange met, for counters and messages.
-struct ExchangeReport {
-    ReplyVerdict verdict; ///< of the bytes that were taken for the reply
-    int junkBytes = 0; ///< skipped before the reply; no frame
-    int foreignFrames = 0; ///< whole frames that answered another request
-    int foreignStation = 0; ///< station of the last of them; 0 when there was none
-    int lateReplies = 0; ///< replies that came after their request had timed out
-    bool echoStripped = false; ///< the adapter gave the request back before the reply
-    Duration answerDelay { 0 }; ///< turnaround less the wire time of request and reply
-};
 
 /// Finds the reply in what the line brings: strips the adapter's echo, skips junk and other
 /// stations' frames, recognises an exception at its fifth byte. What is not the request's own reply
@@ -43,8 +31,7 @@ public:
     /// As run(), with another response timeout.
     Reply runWithin(const FRAME_PRO &request, Duration timeout);
 
-    /// Of the last exchange.
-    const ExchangeReport &report() const { return m_report; }
+    const ExchangeReport &report() const override { return m_report; }
 
     /// Silence that a station needs before a request, on top of the line's own gap.
     void setExtraGap(int station, Duration extra) { m_extraGaps[station] = extra; }

@@ -87,8 +87,10 @@ bool Runtime::ensureOpen()
         m_wasOpen = true;
         return true;
     }
-    if (m_wasOpen)
+    if (m_wasOpen) {
+        m_cycle.noteLineDown();
         lineWentDown();
+    }
     if (m_line.now() < m_openAt)
         return false;
     if (m_line.open(&m_lineError)) {
@@ -126,7 +128,6 @@ Runtime::Step Runtime::step()
 void Runtime::settle(Step step)
 {
     if (m_cycle.reply().kind == Reply::Kind::NotAsked) {
-        m_counters.countNotAsked(m_cycle.request());
         m_desk.afterStep(m_cycle, step, ReplyVerdict {});
     } else if (step == Step::LineDown) {
         lineWentDown();
@@ -139,14 +140,8 @@ void Runtime::settle(Step step)
 void Runtime::settleAsked(Step step)
 {
     const FRAME_PRO &request = m_cycle.request();
-    m_counters.countExchange(request, m_guard.report(), m_cycle.reply().turnaround);
-    if (step == Step::Retry)
-        m_counters.countRetry(request);
-    if (step == Step::GivenUp) {
-        m_counters.countGiveUp(request);
-        if (!isAnswer(m_guard.report().verdict.cause))
-            m_breaker.noteGiveUp(request.var.station, m_line.now());
-    }
+    if (step == Step::GivenUp && !isAnswer(m_guard.report().verdict.cause))
+        m_breaker.noteGiveUp(request.var.station, m_line.now());
     if (step == Step::Served)
         noteValues();
     if (m_stopping) {
@@ -166,7 +161,6 @@ void Runtime::noteValues()
 /// A command that waited while the line was down must not start a drive minutes later.
 void Runtime::lineWentDown()
 {
-    m_counters.countLineDown();
     m_wasOpen = false;
     m_openAt = m_line.now();
     m_desk.abandon(WriteEnd::TimedOut, Refusal::None, QStringLiteral("the line went down"));

@@ -96,8 +96,8 @@ public:
     /// The user is there. With a patience set, a user who is silent for longer stops the drives.
     void noteUser();
 
-    const CounterSet &counters() const { return m_counters; }
-    QJsonObject countersJson() const { return m_counters.toJson(m_start, m_line.now()); }
+    const CounterSet &counters() const { return m_cycle.counters(); }
+    QJsonObject countersJson() const { return counters().toJson(m_start, m_line.now()); }
     bool isLeftAlone(int station) const { return m_breaker.isLeftAlone(station); }
 
     /// Of the last step that used the line, for traces and messages.
@@ -127,7 +127,6 @@ private:
     Breaker m_breaker;
     BreakerExchange m_exchange;
     Cycle m_cycle;
-    CounterSet m_counters;
     WriteDesk m_desk;
     SafeStop m_stop;
     AlarmHandler m_alarm;

@@ -117,8 +117,8 @@ public:
         stopMotor();
         m_view.end(m_list, m_cycle.counters(), m_line.now(), elapsed());
         const bool hadTime = !shouldEnd();
-        return m_line.isOpen() && m_cycle.counters().givenUp == 0
-            && (m_cycle.counters().readsServed > 0 || !hadTime);
+        return m_line.isOpen() && m_cycle.counters().total().giveUps == 0
+            && (m_cycle.counters().reads().good > 0 || !hadTime);
     }
 
 private:

@@ -44,13 +44,13 @@ QStringList headLines(const DemoSetting &setting)
                  .arg(setting.blocks) };
 }
 
-QString summaryText(const host::Counters &counters, host::Duration elapsed)
+QString summaryText(const host::CounterSet &counters, host::Duration elapsed)
 {
     return QStringLiteral("%1 in %2 s; %3 bytes sent, %4 received.")
         .arg(countersText(counters))
         .arg(inSeconds(elapsed), 0, 'f', 1)
-        .arg(counters.bytesSent)
-        .arg(counters.bytesReceived);
+        .arg(counters.total().bytesSent)
+        .arg(counters.total().bytesReceived);
 }
 
 /// Draws the table over itself.
@@ -79,7 +79,7 @@ public:
         m_lastWrite = QStringLiteral("%1  %2").arg(secondsText(elapsed), writeText(write));
     }
 
-    void values(const WatchList &list, const host::Counters &counters, host::Duration now,
+    void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
                 host::Duration elapsed) override
     {
         if (now - m_drawnAt < redrawAfter)
@@ -88,7 +88,7 @@ public:
         draw(list, counters, now, elapsed);
     }
 
-    void end(const WatchList &list, const host::Counters &counters, host::Duration now,
+    void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration elapsed) override
     {
         draw(list, counters, now, elapsed);
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    void draw(const WatchList &list, const host::Counters &counters, host::Duration now,
+    void draw(const WatchList &list, const host::CounterSet &counters, host::Duration now,
               host::Duration elapsed)
     {
         QStringList lines = tableLines(list.rows(), now, m_terminal);
@@ -143,7 +143,7 @@ public:
         m_out.flush();
     }
 
-    void values(const WatchList &list, const host::Counters &, host::Duration,
+    void values(const WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
     {
         if (elapsed < m_nextLine)
@@ -160,7 +160,7 @@ public:
         m_out.flush();
     }
 
-    void end(const WatchList &list, const host::Counters &counters, host::Duration now,
+    void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration elapsed) override
     {
         m_out << '\n';
@@ -204,7 +204,7 @@ public:
                 { QStringLiteral("confirmed"), write.confirmed } });
     }
 
-    void values(const WatchList &list, const host::Counters &, host::Duration now,
+    void values(const WatchList &list, const host::CounterSet &, host::Duration now,
                 host::Duration elapsed) override
     {
         for (const WatchRow &row : list.rows()) {
@@ -214,17 +214,18 @@ public:
         }
     }
 
-    void end(const WatchList &, const host::Counters &counters, host::Duration,
+    void end(const WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
     {
         print({ { QStringLiteral("event"), QStringLiteral("end") },
                 { QStringLiteral("time"), inSeconds(elapsed) },
-                { QStringLiteral("reads"), static_cast<qint64>(counters.readsServed) },
-                { QStringLiteral("writes"), static_cast<qint64>(counters.writesServed) },
-                { QStringLiteral("retries"), static_cast<qint64>(counters.retries) },
-                { QStringLiteral("givenUp"), static_cast<qint64>(counters.givenUp) },
-                { QStringLiteral("bytesSent"), static_cast<qint64>(counters.bytesSent) },
-                { QStringLiteral("bytesReceived"), static_cast<qint64>(counters.bytesReceived) } });
+                { QStringLiteral("reads"), static_cast<qint64>(counters.reads().good) },
+                { QStringLiteral("writes"), static_cast<qint64>(counters.writes().good) },
+                { QStringLiteral("retries"), static_cast<qint64>(counters.total().retries) },
+                { QStringLiteral("givenUp"), static_cast<qint64>(counters.total().giveUps) },
+                { QStringLiteral("bytesSent"), static_cast<qint64>(counters.total().bytesSent) },
+                { QStringLiteral("bytesReceived"),
+                  static_cast<qint64>(counters.total().bytesReceived) } });
     }
 
 private:

@@ -77,10 +77,10 @@ QJsonObject recordJson(const Record &record)
              { QStringLiteral("slowestMs"), percentile(record.turnarounds, 100) } };
 }
 
-void printRecord(const Record &record, const host::Counters &counters)
+void printRecord(const Record &record, const host::CounterSet &counters)
 {
     printLine(QStringLiteral("requests  %1 sent, %2 answered")
-                  .arg(counters.requests)
+                  .arg(counters.total().requests)
                   .arg(record.turnarounds.size()));
     QStringList failures;
     for (auto it = record.failures.cbegin(); it != record.failures.cend(); ++it)
@@ -90,8 +90,8 @@ void printRecord(const Record &record, const host::Counters &counters)
                                           : failures.join(QStringLiteral(", "))));
     printLine(QStringLiteral("driver    %1").arg(countersText(counters)));
     printLine(QStringLiteral("bytes     %1 sent, %2 received")
-                  .arg(counters.bytesSent)
-                  .arg(counters.bytesReceived));
+                  .arg(counters.total().bytesSent)
+                  .arg(counters.total().bytesReceived));
     printLine(QStringLiteral("exchange  fastest %1 ms, median %2 ms, 99 % %3 ms, slowest %4 ms")
                   .arg(percentile(record.turnarounds, 0), 0, 'f', 1)
                   .arg(percentile(record.turnarounds, 50), 0, 'f', 1)
@@ -114,7 +114,7 @@ int runStats(const Options &options)
         return complain(name, failure);
     session->link().poll(plan->addresses);
     const Record record = measure(*session, options.requests);
-    const host::Counters &counters = session->cycle().counters();
+    const host::CounterSet &counters = session->cycle().counters();
     if (options.line.json) {
         QJsonObject object = recordJson(record);
         object.insert(QStringLiteral("counters"), countersJson(counters));

@@ -71,7 +71,7 @@ int outcome(const Session &session, const Options &options, bool lineHeld)
     const QString name = QStringLiteral("watch");
     if (!lineHeld)
         return complain(name, { ExitLine, QStringLiteral("%1 broke").arg(options.line.port) });
-    if (session.cycle().counters().readsServed > 0 || shouldEnd())
+    if (session.cycle().counters().reads().good > 0 || shouldEnd())
         return ExitDone;
     return complain(name,
                     { causeCode(session.verdict()),

@@ -39,7 +39,7 @@ public:
         m_out.flush();
     }
 
-    void values(const WatchList &list, const host::Counters &counters, host::Duration now,
+    void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
                 host::Duration) override
     {
         if (m_drawnAt && now - *m_drawnAt < redrawAfter)
@@ -47,14 +47,14 @@ public:
         draw(list, counters, now);
     }
 
-    void end(const WatchList &list, const host::Counters &counters, host::Duration now,
+    void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration) override
     {
         draw(list, counters, now);
     }
 
 private:
-    void draw(const WatchList &list, const host::Counters &counters, host::Duration now)
+    void draw(const WatchList &list, const host::CounterSet &counters, host::Duration now)
     {
         m_drawnAt = now;
         QStringList lines = tableLines(list.rows(), now, m_terminal, m_staleAfter);
@@ -92,7 +92,7 @@ public:
             printLine(QStringLiteral("time,station,type,address,register,value,state"));
     }
 
-    void values(const WatchList &list, const host::Counters &, host::Duration,
+    void values(const WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
     {
         m_said.resize(list.rows().size());
@@ -109,7 +109,7 @@ public:
         }
     }
 
-    void end(const WatchList &, const host::Counters &counters, host::Duration,
+    void end(const WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
     {
         if (m_form == Form::Json) {

@@ -22,9 +22,9 @@ public:
     /// Called after each exchange.
     ///
     /// @param now, elapsed  the line's clock, and the time since the start
-    virtual void values(const WatchList &list, const host::Counters &counters, host::Duration now,
+    virtual void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
                         host::Duration elapsed) = 0;
-    virtual void end(const WatchList &list, const host::Counters &counters, host::Duration now,
+    virtual void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
                      host::Duration elapsed) = 0;
 
     /// The table where the terminal can be drawn over and text was asked for, else a line for every

@@ -126,7 +126,7 @@ TEST_P(GuardedFaults, AtAnyRequestShowNothingWrongLoseNoWriteAndPass)
         ASSERT_EQ(run.confirmedWrites + run.failedWrites, scenarioWrites);
         const bool isPinned = GetParam().perStrike != notPinned;
         ASSERT_EQ(sumOf(bad), isPinned ? GetParam().perStrike * run.strikes : sumOf(bad));
-        ASSERT_EQ(run.line.good + static_cast<unsigned>(sumOf(bad)), run.cycle.requests);
+        ASSERT_EQ(run.line.good + static_cast<unsigned>(sumOf(bad)), run.line.requests);
     }
 
     EXPECT_EQ(causes, GetParam().causes);
@@ -178,9 +178,8 @@ TEST(FaultScenario, OnAGoodLineConfirmsEveryWriteAndReadsEverything)
 
     EXPECT_EQ(textOf(run.findings), "");
     EXPECT_EQ(run.confirmedWrites, 6);
-    EXPECT_EQ(run.cycle.writesServed, 6U);
-    EXPECT_EQ(run.cycle.retries, 0U);
-    EXPECT_EQ(run.cycle.givenUp, 0U);
+    EXPECT_EQ(run.line.retries, 0U);
+    EXPECT_EQ(run.line.giveUps, 0U);
     EXPECT_EQ(run.stepsToRecover, 12);
 }
 

@@ -72,7 +72,6 @@ public:
         , line(cable, clock, hostSide())
         , guarded(line)
         , cycle(link, guard == Guard::Full ? static_cast<Exchange &>(guarded) : plain)
-        , isGuarded(guard == Guard::Full)
     {
         cable.observe(sim::ByteLog(log));
         cable.observe([this](const sim::LineEvent &event) { note(event); });
@@ -83,8 +82,6 @@ public:
     void step()
     {
         const Cycle::Step result = cycle.step();
-        if (isGuarded && result != Cycle::Step::Idle)
-            counters.countExchange(cycle.request(), guarded.report(), cycle.reply().turnaround);
         witness.look(result, cycle.request());
     }
 
@@ -101,9 +98,7 @@ public:
     LineExchange plain { line };
     GuardedExchange guarded;
     Cycle cycle;
-    CounterSet counters;
     Witness witness { link, plant };
-    bool isGuarded;
     Duration faultsUntil { 0 };
 
 private:
@@ -167,8 +162,7 @@ RunResult Stage::result(int stepsToRecover)
     RunResult result;
     result.findings = witness.findings();
     result.byteLog = log.str();
-    result.cycle = cycle.counters();
-    result.line = counters.total();
+    result.line = cycle.counters().total();
     result.confirmedWrites = witness.writes(Outcome::Confirmed);
     result.failedWrites = witness.writes(Outcome::Failed);
     result.stepsToRecover = stepsToRecover;

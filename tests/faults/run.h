@@ -22,8 +22,7 @@ enum class Guard {
 struct RunResult {
     std::vector<std::string> findings; ///< of the witness
     std::string byteLog; ///< every frame of the line, without times
-    host::Counters cycle;
-    host::RequestCounts line; ///< with Guard::Full
+    host::RequestCounts line;
     int strikes = 0; ///< how often a rule struck
     int confirmedWrites = 0;
     int failedWrites = 0;

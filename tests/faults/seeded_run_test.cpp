@@ -55,8 +55,8 @@ TEST_P(SeededRuns, WithTheSameSeedGiveTheIdenticalByteLogTwice)
 
     EXPECT_EQ(first.byteLog, second.byteLog);
     EXPECT_EQ(first.findings, second.findings);
-    EXPECT_EQ(first.cycle.retries, second.cycle.retries);
-    EXPECT_GT(first.cycle.retries, 0U);
+    EXPECT_EQ(first.line.retries, second.line.retries);
+    EXPECT_GT(first.line.retries, 0U);
 }
 
 TEST_P(SeededRuns, MeetEveryKindOfFault)

@@ -94,7 +94,7 @@ TEST_F(ConfigReloadTest, AWriteThatWaitsIsSentUnderTheNewPlan)
 
     EXPECT_EQ(written, Cycle::Step::Served);
     EXPECT_EQ(line.sent(), QVector<QByteArray> { frameOf("01 06 10 01 00 05") });
-    EXPECT_EQ(cycle.counters().writesServed, 1U);
+    EXPECT_EQ(cycle.counters().writes().good, 1U);
 }
 
 TEST_F(ConfigReloadTest, ABadFileLeavesTheOldPlanRunning)

@@ -73,7 +73,7 @@ TEST_F(CycleTest, NothingToSendIsIdleAndTouchesNoLine)
 
     EXPECT_EQ(step, Cycle::Step::Idle);
     EXPECT_EQ(line.sent().size(), 0);
-    EXPECT_EQ(cycle.counters().requests, 0U);
+    EXPECT_EQ(cycle.counters().total().requests, 0U);
 }
 
 TEST_F(CycleTest, ARequestWaitsForTheGapAfterTheReplyBefore)
@@ -116,7 +116,7 @@ TEST_F(CycleTest, AReplyThatMissesTheDeadlineByAByteIsIncomplete)
     EXPECT_EQ(step, Cycle::Step::Retry);
     EXPECT_EQ(cycle.reply().kind, Reply::Kind::Incomplete);
     EXPECT_EQ(cycle.reply().bytes.size(), 6);
-    EXPECT_EQ(cycle.counters().badReplies, 1U);
+    EXPECT_EQ(cycle.counters().total().truncated, 1U);
 }
 
 TEST_F(CycleTest, StaleInputIsDroppedBeforeTheRequest)
@@ -139,9 +139,9 @@ TEST_F(CycleTest, AWrongCrcIsABadReply)
 
     EXPECT_EQ(first, Cycle::Step::Retry);
     EXPECT_EQ(second, Cycle::Step::GivenUp);
-    EXPECT_EQ(cycle.counters().badReplies, 2U);
-    EXPECT_EQ(cycle.counters().retries, 1U);
-    EXPECT_EQ(cycle.counters().givenUp, 1U);
+    EXPECT_EQ(cycle.counters().total().badCrc, 2U);
+    EXPECT_EQ(cycle.counters().total().retries, 1U);
+    EXPECT_EQ(cycle.counters().total().giveUps, 1U);
     EXPECT_TRUE(link.registerState(1, QStringLiteral("D"), 0).failed);
 }
 
@@ -158,8 +158,8 @@ TEST_F(CycleTest, AnUnpluggedLineCountsAgainstNoRequest)
     EXPECT_EQ(first, Cycle::Step::LineDown);
     EXPECT_EQ(second, Cycle::Step::LineDown);
     EXPECT_EQ(third, Cycle::Step::Served);
-    EXPECT_EQ(cycle.counters().lineDowns, 2U);
-    EXPECT_EQ(cycle.counters().givenUp, 0U);
+    EXPECT_EQ(cycle.counters().lineDowns(), 2U);
+    EXPECT_EQ(cycle.counters().total().giveUps, 0U);
 }
 
 TEST_F(CycleTest, ALineThatBreaksInsideAReplyKeepsTheRequest)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the guard lets through to the driver, and under which cause it holds the rest back.
-#include "host/counters.h"
 #include "host/cycle.h"
+#include "host/guarded_exchange.h"
 #include "scripted_line.h"
 
 #include <gtest/gtest.h>
@@ -38,11 +38,10 @@ protected:
         inverter.registers = { { { 1, 0xD000 }, 0x1234 }, { { 1, 0xD001 }, 0x5678 } };
     }
 
-    /// One step, counted; gives its cause and code, such as "bad crc" or "exception 2".
+    /// One step; gives its cause and code, such as "bad crc" or "exception 2".
     std::string step()
     {
         lastStep = cycle.step();
-        counters.countExchange(cycle.request(), guard.report(), cycle.reply().turnaround);
         return causeName(guard.report().verdict);
     }
 
@@ -70,7 +69,6 @@ protected:
                 threeTries() };
     GuardedExchange guard { inverter.line };
     Cycle cycle { link, guard };
-    CounterSet counters;
     Cycle::Step lastStep = Cycle::Step::Idle;
     const QByteArray trueReply = framed("01 03 04 12 34 56 78");
 };
@@ -101,8 +99,8 @@ TEST_F(GuardedExchangeTest, NoFlippedBitOfAReadReplyReachesTheCache)
         ASSERT_EQ(next, "good");
         ASSERT_EQ(value("D", 1), 0x5678);
     }
-    EXPECT_EQ(counters.total().badCrc, 72U);
-    EXPECT_EQ(counters.total().good, 72U);
+    EXPECT_EQ(cycle.counters().total().badCrc, 72U);
+    EXPECT_EQ(cycle.counters().total().good, 72U);
 }
 
 TEST_F(GuardedExchangeTest, EveryTruncatedReplyIsCountedAsSuch)
@@ -115,7 +113,7 @@ TEST_F(GuardedExchangeTest, EveryTruncatedReplyIsCountedAsSuch)
         ASSERT_EQ(step(), "good");
         ASSERT_EQ(value("D", 0), 0x1234);
     }
-    EXPECT_EQ(counters.total().truncated, 8U);
+    EXPECT_EQ(cycle.counters().total().truncated, 8U);
 }
 
 TEST_F(GuardedExchangeTest, NoFlippedBitConfirmsAWrite)
@@ -158,8 +156,8 @@ TEST_F(GuardedExchangeTest, RepliesOfOthersEachHaveTheirCause)
         ASSERT_EQ(step(), "good");
         ASSERT_EQ(value("D", 0), 0x1234);
     }
-    EXPECT_EQ(counters.total().foreign, 3U);
-    EXPECT_EQ(counters.total().wrongReplies, 4U);
+    EXPECT_EQ(cycle.counters().total().foreign, 3U);
+    EXPECT_EQ(cycle.counters().total().wrongReplies, 4U);
 }
 
 TEST_F(GuardedExchangeTest, TheEchoOfAnotherWriteConfirmsNothing)
@@ -188,7 +186,7 @@ TEST_F(GuardedExchangeTest, JunkBeforeAReplyIsSkipped)
 
     EXPECT_EQ(step(), "good");
     EXPECT_EQ(value("D", 1), 0x5678);
-    EXPECT_EQ(counters.total().junkBytes, 3U);
+    EXPECT_EQ(cycle.counters().total().junkBytes, 3U);
 }
 
 TEST_F(GuardedExchangeTest, AnExceptionEndsTheWaitAtItsFifthByte)
@@ -215,7 +213,7 @@ TEST_F(GuardedExchangeTest, ARefusalThatWillNotChangeIsNotRetried)
         ASSERT_TRUE(link.registerState(1, QStringLiteral("D"), 0).failed);
         ASSERT_EQ(step(), "good");
     }
-    EXPECT_EQ(counters.total().exceptions,
+    EXPECT_EQ(cycle.counters().total().exceptions,
               (std::map<int, quint64> { { 1, 1 }, { 2, 1 }, { 3, 1 } }));
 }
 
@@ -229,7 +227,7 @@ TEST_F(GuardedExchangeTest, AnAdaptersEchoIsStripped)
     EXPECT_EQ(step(), "good");
     EXPECT_EQ(step(), "good");
     EXPECT_EQ(value("D", 0), 0x1234);
-    EXPECT_EQ(counters.total().echoes, 3U);
+    EXPECT_EQ(cycle.counters().total().echoes, 3U);
 }
 
 TEST_F(GuardedExchangeTest, AnEchoingAdapterDoesNotConfirmTheWriteOfADeadStation)
@@ -271,7 +269,7 @@ TEST_F(GuardedExchangeTest, ALateReplyIsNeverTakenForTheNextReadOfTheSameLength)
         ASSERT_EQ(value("D", 0), delay);
         ASSERT_EQ(value("D", 8), 1000 + delay);
     }
-    EXPECT_GT(counters.total().lateReplies, 0U);
+    EXPECT_GT(cycle.counters().total().lateReplies, 0U);
 }
 
 TEST_F(GuardedExchangeTest, ALateReplyOfAnotherStationIsToldFromTheRightOne)

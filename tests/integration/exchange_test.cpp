@@ -133,11 +133,12 @@ TEST_F(Integration, TheCountersAddUp)
 
     host.steps(3);
 
-    const dx4::host::Counters &counters = host.cycle.counters();
-    EXPECT_EQ(counters.requests, 3U);
-    EXPECT_EQ(counters.writesServed, 1U);
-    EXPECT_EQ(counters.readsServed, 2U);
-    EXPECT_EQ(counters.bytesSent, 24U);
-    EXPECT_EQ(counters.bytesReceived, 22U);
-    EXPECT_EQ(counters.retries + counters.givenUp, 0U);
+    const dx4::host::CounterSet &counters = host.cycle.counters();
+    const dx4::host::RequestCounts total = counters.total();
+    EXPECT_EQ(total.requests, 3U);
+    EXPECT_EQ(counters.writes().good, 1U);
+    EXPECT_EQ(counters.reads().good, 2U);
+    EXPECT_EQ(total.bytesSent, 24U);
+    EXPECT_EQ(total.bytesReceived, 22U);
+    EXPECT_EQ(total.retries + total.giveUps, 0U);
 }

@@ -14,8 +14,8 @@ TEST_F(Integration, AnExceptionCountsAsAFailedTry)
 
     EXPECT_EQ(steps, (Texts { "retry", "retry", "served" }));
     EXPECT_EQ(host.value("D", 0), 42);
-    EXPECT_EQ(host.cycle.counters().badReplies, 2U);
-    EXPECT_EQ(host.cycle.counters().retries, 2U);
+    EXPECT_EQ(host.cycle.counters().total().exceptions.at(2), 2U);
+    EXPECT_EQ(host.cycle.counters().total().retries, 2U);
 }
 
 TEST_F(Integration, SilenceCountsAsAFailedTry)
@@ -28,7 +28,7 @@ TEST_F(Integration, SilenceCountsAsAFailedTry)
 
     EXPECT_EQ(steps, (Texts { "retry", "retry", "served" }));
     EXPECT_EQ(host.value("D", 0), 42);
-    EXPECT_EQ(host.cycle.counters().silences, 2U);
+    EXPECT_EQ(host.cycle.counters().total().timeouts, 2U);
     EXPECT_EQ(host.cycle.errorText(), QStringLiteral("1#D0(1)(7)"));
 }
 
@@ -55,7 +55,7 @@ TEST_F(Integration, AReadIsGivenUpAtTheLimitAndTheRotationGoesOn)
     EXPECT_EQ(steps, (Texts { "retry", "retry", "given up", "served" }));
     EXPECT_TRUE(host.link.registerState(1, QStringLiteral("D"), 0).failed);
     EXPECT_EQ(host.value("SW", 0), 5);
-    EXPECT_EQ(host.cycle.counters().givenUp, 1U);
+    EXPECT_EQ(host.cycle.counters().total().giveUps, 1U);
 }
 
 TEST_F(Integration, AGivenUpReadRecoversWithItsNextTurn)
@@ -120,6 +120,6 @@ TEST_F(Integration, APulledLineLeavesTheRequestWithTheDriver)
     EXPECT_EQ(steps, (Texts { "line down", "line down" }));
     EXPECT_FALSE(host.line.isOpen());
     EXPECT_FALSE(host.link.registerState(1, QStringLiteral("D"), 0).failed);
-    EXPECT_EQ(host.cycle.counters().lineDowns, 2U);
-    EXPECT_EQ(host.cycle.counters().givenUp, 0U);
+    EXPECT_EQ(host.cycle.counters().lineDowns(), 2U);
+    EXPECT_EQ(host.cycle.counters().total().giveUps, 0U);
 }
