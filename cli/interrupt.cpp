@@ -2,26 +2,25 @@
 // Ctrl-C, a termination request and a reader that has gone, noted for the loop that runs.
 #include "cli/interrupt.h"
 
+#include "host/stop_signal.h"
+
 #include <csignal>
+#include <optional>
+
 #include <poll.h>
 #include <unistd.h>
 
 namespace dx4::cli {
 namespace {
 
-volatile std::sig_atomic_t signalSeen = 0;
-
-void noteSignal(int)
-{
-    signalSeen = 1;
-}
+std::optional<host::StopSignal> stopSignal;
 
 } // namespace
 
 void watchForInterrupt()
 {
-    std::signal(SIGINT, noteSignal);
-    std::signal(SIGTERM, noteSignal);
+    if (!stopSignal)
+        stopSignal.emplace();
 }
 
 void ignoreBrokenPipe()
@@ -31,7 +30,7 @@ void ignoreBrokenPipe()
 
 bool interrupted()
 {
-    return signalSeen != 0;
+    return stopSignal && stopSignal->hasCome();
 }
 
 bool readerGone()

@@ -4,7 +4,7 @@
 
 namespace dx4::cli {
 
-/// From now on SIGINT and SIGTERM are noted instead of ending the program.
+/// From now on SIGINT, SIGTERM and SIGHUP are noted instead of ending the program.
 void watchForInterrupt();
 
 /// Writing to a pipe that nobody reads shall not end the program: a motor may have to be stopped.

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The least that a host does: poll one station for ten seconds, write once, stop, print the
+// The least that a host does: poll one station until a signal comes, write once, stop, print the
 // counters.
 #include "host/runtime.h"
 #include "host/serial_line.h"
+#include "host/stop_signal.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -25,7 +26,9 @@ int runHost(const QString &port, const QString &driver)
     lineSettings.port = port;
     SerialLine line(lineSettings);
 
+    StopSignal signal;
     RuntimeSettings settings;
+    settings.pause = [&signal](Duration span) { signal.wait(span); };
     settings.stops = { { 1, 0 } }; // station 1 stops with CW 0
 
     QString error;
@@ -44,7 +47,6 @@ int runHost(const QString &port, const QString &driver)
     runtime.onOutcome([](const WriteOutcome &outcome) { std::puts(qPrintable(outcome.text)); });
     runtime.onAlarm([](const QString &text) { std::fprintf(stderr, "%s\n", qPrintable(text)); });
 
-    const Duration end = line.now() + std::chrono::seconds(10);
     bool written = false;
     runtime.run([&] {
         const Value status = runtime.value(1, QStringLiteral("SW"), 0);
@@ -52,7 +54,7 @@ int runHost(const QString &port, const QString &driver)
             runtime.write({ 1, QStringLiteral("FRE"), 0, { 2500 } });
             written = true;
         }
-        return line.now() >= end;
+        return signal.hasCome();
     });
 
     const StopReport stop = runtime.stop(std::chrono::seconds(2));

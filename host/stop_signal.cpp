@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// The signals that ask a program to end, turned into something its loop can see.
+#include "host/stop_signal.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <ctime>
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace dx4::host {
+namespace {
+
+constexpr std::array<int, 3> stopSignals = { SIGINT, SIGTERM, SIGHUP };
+
+// What the handler touches: lock-free, or constant while handlers are in place.
+volatile std::sig_atomic_t firstSignal = 0;
+std::atomic<int> wakeUp { -1 };
+static_assert(std::atomic<int>::is_always_lock_free);
+
+int users = 0;
+std::array<struct sigaction, stopSignals.size()> formerActions;
+
+void noteSignal(int number)
+{
+    const int savedError = errno; // of the call that was interrupted
+    if (firstSignal == 0)
+        firstSignal = number;
+    const std::uint64_t one = 1;
+    // A full counter is readable already; there is nobody to tell of another failure.
+    [[maybe_unused]] const auto written = write(wakeUp.load(), &one, sizeof one);
+    errno = savedError;
+}
+
+void install()
+{
+    firstSignal = 0;
+    wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    struct sigaction action = {};
+    action.sa_handler = noteSignal;
+    action.sa_flags = SA_RESTART; // reads and writes of the rest of the program go on
+    sigemptyset(&action.sa_mask);
+    for (std::size_t i = 0; i < stopSignals.size(); ++i) {
+        sigaction(stopSignals[i], nullptr, &formerActions[i]);
+        if (formerActions[i].sa_handler != SIG_IGN)
+            sigaction(stopSignals[i], &action, nullptr);
+    }
+}
+
+void remove()
+{
+    for (std::size_t i = 0; i < stopSignals.size(); ++i)
+        sigaction(stopSignals[i], &formerActions[i], nullptr);
+    close(wakeUp.exchange(-1));
+}
+
+timespec toTimespec(Duration span)
+{
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(span);
+    timespec time = {};
+    time.tv_sec = static_cast<time_t>(seconds.count());
+    time.tv_nsec = static_cast<long>(std::chrono::nanoseconds(span - seconds).count());
+    return time;
+}
+
+} // namespace
+
+StopSignal::StopSignal()
+{
+    if (users++ == 0)
+        install();
+}
+
+StopSignal::~StopSignal()
+{
+    if (--users == 0)
+        remove();
+}
+
+int StopSignal::number() const
+{
+    return firstSignal;
+}
+
+void StopSignal::wait(Duration span)
+{
+    const timespec time = toTimespec(std::max(span, Duration { 0 }));
+    if (m_hasWoken) {
+        nanosleep(&time, nullptr);
+        return;
+    }
+    pollfd wake = {};
+    wake.fd = wakeUp;
+    wake.events = POLLIN;
+    ppoll(&wake, 1, &time, nullptr);
+    m_hasWoken = hasCome();
+}
+
+int StopSignal::descriptor() const
+{
+    return wakeUp;
+}
+
+} // namespace dx4::host

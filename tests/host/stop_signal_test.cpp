@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+// A signal ends the loop, not the program: the stop goes out first.
+#include "host/stop_signal.h"
+
+#include "child_process.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include <poll.h>
+#include <unistd.h>
+
+using dx4::host::StopSignal;
+using std::chrono::hours;
+
+namespace {
+
+bool isReadable(int descriptor)
+{
+    pollfd wake {};
+    wake.fd = descriptor;
+    wake.events = POLLIN;
+    return poll(&wake, 1, 0) == 1;
+}
+
+/// The example host over a simulated inverter, once it has set a frequency.
+class SignalledHost : public ::testing::TestWithParam<int> {
+protected:
+    SignalledHost()
+        : inverter({ SIMULATOR_FILE, "--pty", "--json", "--speed", "0" })
+        , host({ MINIMAL_HOST_FILE, device(), DRIVER_FILE }, true)
+    {
+        EXPECT_NE(inverter.readLineWith("01 06 10 02"), "");
+    }
+
+    std::string device()
+    {
+        const std::string opened = inverter.readLine();
+        const std::size_t begin = opened.find("/dev/");
+        return opened.substr(begin, opened.find('"', begin) - begin);
+    }
+
+    ChildProcess inverter;
+    ChildProcess host;
+};
+
+} // namespace
+
+TEST_P(SignalledHost, SendsTheStopAndEndsWithItsConfirmation)
+{
+    host.signal(GetParam());
+
+    EXPECT_NE(inverter.readLineWith("01 06 10 01 00 00"), "");
+    EXPECT_NE(host.readLineWith("all stops confirmed"), "");
+    host.readAll();
+    EXPECT_EQ(host.wait(), 0);
+}
+
+class SignalledHostAlone : public SignalledHost { };
+
+TEST_P(SignalledHostAlone, SaysAndEndsWithAStopThatIsNotConfirmed)
+{
+    inverter.writeLine("unplug");
+    EXPECT_NE(inverter.readLineWith("unplugged"), "");
+
+    host.signal(GetParam());
+
+    EXPECT_NE(host.readLineWith("STOP NOT CONFIRMED by station 1: it may still run"), "");
+    host.readAll();
+    EXPECT_EQ(host.wait(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySignal, SignalledHost, ::testing::Values(SIGINT, SIGTERM, SIGHUP),
+                         [](const auto &row) {
+                             return std::string(row.param == SIGINT        ? "Interrupt"
+                                                    : row.param == SIGTERM ? "Terminate"
+                                                                           : "HangUp");
+                         });
+
+INSTANTIATE_TEST_SUITE_P(Terminate, SignalledHostAlone, ::testing::Values(SIGTERM));
+
+TEST(StopSignalTest, TheFirstSignalIsKept)
+{
+    const StopSignal signal;
+    const bool before = signal.hasCome();
+
+    std::raise(SIGTERM);
+    std::raise(SIGINT);
+
+    EXPECT_FALSE(before);
+    EXPECT_TRUE(signal.hasCome());
+    EXPECT_EQ(signal.number(), SIGTERM);
+}
+
+TEST(StopSignalTest, TheDescriptorBecomesReadable)
+{
+    const StopSignal signal;
+    const bool before = isReadable(signal.descriptor());
+
+    std::raise(SIGHUP);
+
+    EXPECT_FALSE(before);
+    EXPECT_TRUE(isReadable(signal.descriptor()));
+}
+
+TEST(StopSignalTest, ASignalEndsTheWait)
+{
+    StopSignal signal;
+    // It comes while the wait is on, or right before it: both end it.
+    std::signal(SIGALRM, [](int) { std::raise(SIGTERM); });
+    ualarm(10'000, 0);
+
+    signal.wait(hours(1));
+
+    std::signal(SIGALRM, SIG_DFL);
+    EXPECT_EQ(signal.number(), SIGTERM);
+}
+
+TEST(StopSignalTest, AnIgnoredSignalStaysIgnored)
+{
+    std::signal(SIGHUP, SIG_IGN);
+    {
+        const StopSignal signal;
+
+        std::raise(SIGHUP);
+
+        EXPECT_FALSE(signal.hasCome());
+    }
+    std::signal(SIGHUP, SIG_DFL);
+}
+
+TEST(StopSignalTest, TheLastOneGivesTheSignalsBack)
+{
+    struct sigaction action = {};
+    {
+        const StopSignal outer;
+        {
+            const StopSignal inner;
+        }
+        sigaction(SIGTERM, nullptr, &action);
+        EXPECT_NE(action.sa_handler, SIG_DFL);
+    }
+
+    sigaction(SIGTERM, nullptr, &action);
+
+    EXPECT_EQ(action.sa_handler, SIG_DFL);
+}
