@@ -8,12 +8,15 @@
 
 #include <QFile>
 #include <QSerialPort>
+#include <QSocketNotifier>
 
 #include <poll.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <utility>
 
 namespace dx4::host {
@@ -32,6 +35,11 @@ QSerialPort::Parity portParity(Parity parity)
     return QSerialPort::NoParity;
 }
 
+constexpr int wasteBytes = 256; // dropped at once
+
+// Less than one character at 115,200 bit/s: looking again would find what may as well come later.
+constexpr Duration momentAgo = std::chrono::microseconds(50);
+
 timespec toTimespec(Duration span)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(span);
@@ -39,6 +47,22 @@ timespec toTimespec(Duration span)
     result.tv_sec = seconds.count();
     result.tv_nsec = std::chrono::nanoseconds(span - seconds).count();
     return result;
+}
+
+// Of the steady clock, which now() reads.
+void sleepUntil(Duration moment)
+{
+    const timespec until = toTimespec(moment);
+    while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR)
+        ;
+}
+
+// An event loop in this thread would move what arrives into the port's own buffer.
+void keepFromEventLoop(const QSerialPort &port)
+{
+    const auto notifiers = port.findChildren<QSocketNotifier *>();
+    for (QSocketNotifier *notifier : notifiers)
+        notifier->setEnabled(false);
 }
 
 } // namespace
@@ -61,6 +85,8 @@ bool SerialLine::open(QString *error)
     const QString refusal = tryOpen(device);
     if (refusal.isEmpty()) {
         m_port->clear();
+        m_descriptor = m_port->handle();
+        keepFromEventLoop(*m_port);
         noteActivity();
         return true;
     }
@@ -99,12 +125,13 @@ bool SerialLine::configure()
 
 void SerialLine::close()
 {
+    m_descriptor = -1;
     m_port->close();
 }
 
 bool SerialLine::isOpen() const
 {
-    return m_port->isOpen();
+    return m_descriptor >= 0;
 }
 
 Duration SerialLine::now() const
@@ -117,39 +144,40 @@ bool SerialLine::send(const QByteArray &bytes)
 {
     if (!isOpen())
         return false;
-    bool sent = m_port->write(bytes) == bytes.size();
-    const int patience =
-        static_cast<int>(m_settings.wireTime(2 * lengthOf(bytes)) / std::chrono::milliseconds(1))
-        + 1000;
-    while (sent && m_port->bytesToWrite() > 0)
-        sent = m_port->waitForBytesWritten(patience);
+    const Duration onTheWire = m_settings.wireTime(lengthOf(bytes));
+    const bool sent = writeAll(bytes, now() + 2 * onTheWire + std::chrono::seconds(1));
     if (!sent)
         close();
     // The kernel holds the bytes now; the line is busy until the last one has left.
-    m_lastActivity = now() + m_settings.wireTime(lengthOf(bytes));
+    m_lastActivity = now() + onTheWire;
+    m_foundEmpty = {};
     return sent;
 }
 
 QByteArray SerialLine::receive(int count, Duration deadline)
 {
-    QByteArray received;
-    while (isOpen() && received.size() < count) {
-        if (m_port->bytesAvailable() == 0 && !waitForInput(deadline))
+    if (!isOpen() || count <= 0)
+        return {};
+    QByteArray received(count, Qt::Uninitialized);
+    int length = 0;
+    while (length < count) {
+        const int more = awaitInput(received.data() + length, count - length, deadline);
+        if (more == 0)
             break;
-        received.append(m_port->read(count - received.size()));
+        length += more;
     }
+    received.truncate(length);
     return received;
 }
 
 int SerialLine::discardInput()
 {
-    if (!isOpen())
+    if (!isOpen() || now() - m_foundEmpty < momentAgo)
         return 0;
-    // A deadline in the past collects what the kernel already holds and waits for nothing.
-    while (waitForInput(Duration { 0 }))
-        ;
-    const int dropped = static_cast<int>(m_port->bytesAvailable());
-    m_port->clear(QSerialPort::Input);
+    int dropped = 0;
+    char waste[wasteBytes];
+    while (const int more = readInto(waste, wasteBytes))
+        dropped += more;
     return dropped;
 }
 
@@ -157,41 +185,89 @@ bool SerialLine::awaitSilence(Duration gap, Duration deadline)
 {
     while (isOpen()) {
         const Duration silentAt = m_lastActivity + gap;
-        if (now() >= silentAt)
+        const Duration time = now();
+        if (time >= silentAt)
             return true;
-        if (now() >= deadline)
+        if (time >= deadline)
             return false;
-        if (waitForInput(std::min(silentAt, deadline)))
-            m_port->readAll();
+        // Watching the port meanwhile costs the kernel more than looking once at the end. What came
+        // at some time before counts as having come at the end, which makes the silence no shorter.
+        sleepUntil(std::min(silentAt, deadline));
+        discardInput();
     }
     return false;
 }
 
-/// Waits for bytes and takes them into the port's buffer. The port's own wait counts in
-/// milliseconds, too coarse for a gap of 1.75 ms, so the descriptor is watched here.
-bool SerialLine::waitForInput(Duration deadline)
+/// Hands bytes to the kernel, which may not have room for all of them at once.
+bool SerialLine::writeAll(const QByteArray &bytes, Duration deadline)
+{
+    qsizetype written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(m_descriptor, bytes.constData() + written,
+                                      static_cast<std::size_t>(bytes.size() - written));
+        if (count > 0)
+            written += count;
+        else if (count < 0 && errno == EINTR)
+            continue;
+        else if (count < 0 && errno != EAGAIN)
+            return false;
+        else if (waitFor(POLLOUT, deadline) != POLLOUT)
+            return false;
+    }
+    return true;
+}
+
+/// Waits until bytes come and takes them; closes the port when it broke.
+///
+/// @return number of bytes taken, 0 at the deadline and when the port broke
+int SerialLine::awaitInput(char *to, int most, Duration deadline)
+{
+    const int events = waitFor(POLLIN, deadline);
+    if (events == 0)
+        return 0;
+    // An unplugged adapter reports input as well; it still hands over what it had before.
+    const int count = readInto(to, most);
+    if (count == 0)
+        close();
+    return count;
+}
+
+/// Takes what the kernel holds without waiting; closes the port when it broke.
+///
+/// @return number of bytes taken
+int SerialLine::readInto(char *to, int most)
+{
+    if (!isOpen())
+        return 0;
+    ssize_t count = -1;
+    do {
+        count = ::read(m_descriptor, to, static_cast<std::size_t>(most));
+    } while (count < 0 && errno == EINTR);
+    if (count > 0)
+        noteActivity();
+    else if (count < 0 && errno != EAGAIN)
+        close();
+    else
+        m_foundEmpty = now();
+    return static_cast<int>(std::max<ssize_t>(count, 0));
+}
+
+/// Waits for one of poll's events on the port. The port's own waits count in milliseconds, too
+/// coarse for a gap of 1.75 ms, and note each arrival in a buffer of theirs, which costs more than
+/// the driver does: the descriptor is used directly.
+///
+/// @return the events that came, 0 at the deadline
+int SerialLine::waitFor(short event, Duration deadline)
 {
     pollfd watched {};
-    watched.fd = m_port->handle();
-    watched.events = POLLIN;
+    watched.fd = m_descriptor;
+    watched.events = event;
     int ready = -1;
     do {
         const timespec span = toTimespec(std::max(deadline - now(), Duration { 0 }));
         ready = ppoll(&watched, 1, &span, nullptr);
     } while (ready < 0 && errno == EINTR); // a signal is no reason to give up on a reply
-    if (ready <= 0)
-        return false;
-    const bool arrived = (watched.revents & POLLIN) && m_port->waitForReadyRead(0);
-    if (arrived)
-        noteActivity();
-    else if (broken() || (watched.revents & (POLLERR | POLLHUP | POLLNVAL)))
-        close();
-    return arrived;
-}
-
-bool SerialLine::broken() const
-{
-    return m_port->error() != QSerialPort::NoError && m_port->error() != QSerialPort::TimeoutError;
+    return ready > 0 ? watched.revents : 0;
 }
 
 void SerialLine::noteActivity()

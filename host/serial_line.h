@@ -33,13 +33,17 @@ public:
 private:
     QString tryOpen(const QString &device);
     bool configure();
-    bool waitForInput(Duration deadline);
-    bool broken() const;
+    bool writeAll(const QByteArray &bytes, Duration deadline);
+    int awaitInput(char *to, int most, Duration deadline);
+    int readInto(char *to, int most);
+    int waitFor(short event, Duration deadline);
     void noteActivity();
 
     LineSettings m_settings;
     std::unique_ptr<QSerialPort> m_port;
+    int m_descriptor = -1; // of the open port
     Duration m_lastActivity { 0 };
+    Duration m_foundEmpty { 0 }; // when the kernel last had no bytes
 };
 
 } // namespace dx4::host

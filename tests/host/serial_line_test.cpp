@@ -147,3 +147,34 @@ TEST_F(SerialLineTest, InputThatIsDiscardedIsNoReply)
     EXPECT_EQ(dropped, 2);
     EXPECT_EQ(second, "new");
 }
+
+TEST_F(SerialLineTest, AnEventLoopInTheSameThreadTakesNoBytesAway)
+{
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    adapter.write("reply");
+    const QByteArray first = line.receive(1, line.now() + seconds(3600));
+
+    QCoreApplication::processEvents();
+    const QByteArray rest = line.receive(4, line.now() + seconds(3600));
+
+    EXPECT_EQ(first, "r");
+    EXPECT_EQ(rest, "eply");
+}
+
+TEST_F(SerialLineTest, SilenceCountsFromTheLastByteThatCameMeanwhile)
+{
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    const Duration before = line.now();
+    adapter.write("chatter");
+
+    const bool silent =
+        line.awaitSilence(std::chrono::milliseconds(20), line.now() + seconds(3600));
+
+    EXPECT_TRUE(silent);
+    EXPECT_EQ(line.discardInput(), 0) << "what came meanwhile is dropped";
+    EXPECT_GE(line.now() - before, std::chrono::milliseconds(40));
+}
