@@ -4,6 +4,7 @@
 
 #include "wrap.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -20,7 +21,8 @@ void hear(int linkId, int station, QString &name, int address)
     listening->heard.push_back({ linkId, station, name, address });
     unsigned char seen[2];
     intf_getData(station, name, address, 1, seen);
-    name = QStringLiteral("altered");
+    static const QString altered = QStringLiteral("altered");
+    name = altered;
 }
 
 KEY_ADDRESS keyOf(const RequestPlan &plan)
@@ -36,6 +38,7 @@ KEY_ADDRESS keyOf(const RequestPlan &plan)
 void queueWrite(const RequestPlan &plan)
 {
     std::vector<unsigned char> data;
+    data.reserve(2 * static_cast<std::size_t>(std::max(plan.count, 0)));
     for (int i = 0; i < plan.count; ++i) {
         data.push_back(model::byteOf(plan.writtenValue + i, 0));
         data.push_back(model::byteOf(plan.writtenValue + i, 1));
@@ -125,17 +128,30 @@ void addCache(Digest &digest)
     }
 }
 
+// Each register costs a record of the cache.
+int drawCount(model::ByteSource &source, bool mayBeLong)
+{
+    if (!source.onceIn(8))
+        return 1 + source.below(6);
+    return (mayBeLong ? source.below(130) : source.below(13)) - 4;
+}
+
 } // namespace
 
-RequestPlan drawPlan(model::ByteSource &source)
+RequestPlan drawPlan(model::ByteSource &source, bool mayBeLong)
 {
-    static const char *const types[] = { "F", "D", "CW", "FRE", "SW", "FU", "F", "D", "XY" };
+    // Made once: every allocation counts at this rate.
+    static const QString types[] = { QStringLiteral("F"),  QStringLiteral("D"),
+                                     QStringLiteral("CW"), QStringLiteral("FRE"),
+                                     QStringLiteral("SW"), QStringLiteral("FU"),
+                                     QStringLiteral("F"),  QStringLiteral("D"),
+                                     QStringLiteral("XY") };
     RequestPlan plan;
     plan.kind = static_cast<RequestKind>(source.below(6));
-    plan.type = QString::fromLatin1(source.pick(types));
+    plan.type = source.pick(types);
     plan.station = source.onceIn(4) ? source.byte() : 1;
     plan.address = source.onceIn(2) ? source.below(3000) - 4 : source.below(32);
-    plan.count = source.onceIn(8) ? source.below(130) - 4 : 1 + source.below(6);
+    plan.count = drawCount(source, mayBeLong);
     plan.retryLimit = 1 + source.below(4);
     plan.badRepliesBefore = source.below(plan.retryLimit);
     plan.firstValue = source.byte() * 257;
@@ -181,11 +197,19 @@ void FuzzHost::queue(const RequestPlan &plan)
     heard.clear();
 }
 
-int shownValue(const RequestPlan &plan, int index)
+std::vector<int> shownValues(const RequestPlan &plan)
 {
-    unsigned char value[2] = {};
-    intf_getData(plan.station, plan.type, plan.address + index, 1, value);
-    return value[0] + 256 * value[1];
+    std::vector<int> values;
+    if (plan.count <= 0)
+        return values;
+    // Exactly as long as the driver may write.
+    const auto count = static_cast<std::size_t>(plan.count);
+    std::vector<unsigned char> bytes(2 * count, 0);
+    intf_getData(plan.station, plan.type, plan.address, plan.count, bytes.data());
+    values.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        values.push_back(bytes[2 * i] + 256 * bytes[2 * i + 1]);
+    return values;
 }
 
 std::size_t stateDigest()

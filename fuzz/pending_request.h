@@ -38,7 +38,8 @@ struct RequestPlan {
     bool isMonitored = false;
 };
 
-RequestPlan drawPlan(model::ByteSource &source);
+/// @param mayBeLong  counts go up to what a reply can carry, and beyond, else to 8 registers
+RequestPlan drawPlan(model::ByteSource &source, bool mayBeLong);
 
 /// The host around the driver: its memory and what its callback heard.
 struct FuzzHost {
@@ -54,8 +55,9 @@ struct FuzzHost {
     std::vector<Report> heard; ///< since the request was queued
 };
 
-/// The value of register `index` of the plan as 16 bits, through intf_getData.
-int shownValue(const RequestPlan &plan, int index);
+/// The values of the plan's registers as 16 bits each, through one intf_getData. Registers of an
+/// unknown type read as 0.
+std::vector<int> shownValues(const RequestPlan &plan);
 
 /// Number that depends on every member but failCount, on list contents too.
 std::size_t stateDigest();

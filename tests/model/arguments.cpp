@@ -67,6 +67,8 @@ int drawCount(ByteSource &source)
         return 0;
     if (kind < 243)
         return -source.between(1, 12);
+    if (kind < 250 && !source.mayCostMuch())
+        return source.between(24, 32);
     if (kind < 247)
         return source.between(100, 140);
     if (kind < 249)

@@ -6,15 +6,23 @@
 
 namespace model {
 
+/// What a play of bytes may cost: a full queue costs as much as hundreds of other operations.
+enum class Effort { Small, Any };
+
 /// Hands out the bytes of a buffer one after the other; behind its end there are zeros.
 class ByteSource {
 public:
     /// @param bytes  stays the caller's and must outlive the source
-    ByteSource(const unsigned char *bytes, std::size_t size)
+    /// @param effort  what the arguments that are drawn may cost
+    ByteSource(const unsigned char *bytes, std::size_t size, Effort effort = Effort::Any)
         : m_next(bytes)
         , m_end(bytes + size)
+        , m_effort(effort)
     {
     }
+
+    /// False when runs of a hundred registers and more are to be left out.
+    bool mayCostMuch() const { return m_effort == Effort::Any; }
 
     bool isEmpty() const { return m_next == m_end; }
 
@@ -38,6 +46,7 @@ public:
 private:
     const unsigned char *m_next;
     const unsigned char *m_end;
+    Effort m_effort;
 };
 
 } // namespace model

@@ -136,7 +136,7 @@ std::string editFrames(ByteSource &source, Pair &pair)
 {
     const int kind = source.below(6);
     int number = source.onceIn(4) ? source.between(0, 700) - 50 : source.below(12);
-    if (kind == 3 && source.onceIn(4))
+    if (kind == 3 && source.onceIn(4) && source.mayCostMuch())
         number += 65536; // the CRC covers a 16-bit number of bytes
     const VARIABLE drawn = drawVariable(source);
     if (pair.model.state.sendFrames.isEmpty())

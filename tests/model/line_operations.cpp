@@ -29,7 +29,7 @@ void Interpreter::sendFrameOnce(const char *description)
         const int result = side.dx4.getSendFrame(out);
         outcome.add("result", result);
         if (result == 1)
-            outcome.add("frame", describe(out));
+            outcome.add("frame", out);
         else
             outcome.add("frame's length", out.sendLength);
     });
@@ -43,14 +43,18 @@ void Interpreter::getSendFrame()
 void Interpreter::handIn(const QByteArray &bytes)
 {
     drawCallbackPlan();
-    both("reply " + bytes.left(64).toHex().toStdString() + " of " + std::to_string(bytes.size()),
-         [&](auto &side, Outcome &outcome) {
-             QByteArray received = bytes;
-             QString errorText = QStringLiteral("before");
-             outcome.add("result", side.dx4.dealRcvFrame(received, errorText));
-             outcome.add("error text", errorText);
-             outcome.add("reply", received);
-         });
+    both(
+        [&] {
+            return "reply " + bytes.left(64).toHex().toStdString() + " of "
+                + std::to_string(bytes.size());
+        },
+        [&](auto &side, Outcome &outcome) {
+            QByteArray received = bytes;
+            QString errorText = QStringLiteral("before");
+            outcome.add("result", side.dx4.dealRcvFrame(received, errorText));
+            outcome.add("error text", errorText);
+            outcome.add("reply", received);
+        });
 }
 
 void Interpreter::reply()
@@ -85,7 +89,7 @@ void Interpreter::addConditionRead()
         key.count = last.count;
     }
     const int kind = m_source.byte();
-    both("addConditionRead " + describe(key) + " kind " + std::to_string(kind),
+    both([&] { return "addConditionRead " + describe(key) + " kind " + std::to_string(kind); },
          [&](auto &side, Outcome &outcome) {
              outcome.add("result", side.dx4.addConditionRead(key, kind));
          });
@@ -98,14 +102,18 @@ void Interpreter::getData()
     const int address = drawAddress(m_source);
     const int count = drawCount(m_source);
     const bool absent = m_source.onceIn(32);
-    both("getData " + described(station, type, address, count) + (absent ? " into null" : ""),
-         [&](auto &side, Outcome &outcome) {
-             QByteArray out(2 * std::max(count, 0) + 4, '\xEE');
-             auto *bytes = reinterpret_cast<unsigned char *>(out.data());
-             outcome.add("result",
-                         side.dx4.getData(station, type, address, count, absent ? nullptr : bytes));
-             outcome.add("values", out);
-         });
+    both(
+        [&] {
+            return "getData " + described(station, type, address, count)
+                + (absent ? " into null" : "");
+        },
+        [&](auto &side, Outcome &outcome) {
+            QByteArray out(2 * std::max(count, 0) + 4, '\xEE');
+            auto *bytes = reinterpret_cast<unsigned char *>(out.data());
+            outcome.add("result",
+                        side.dx4.getData(station, type, address, count, absent ? nullptr : bytes));
+            outcome.add("values", out);
+        });
 }
 
 void Interpreter::setData()
@@ -126,16 +134,20 @@ void Interpreter::setData()
     const bool absent = m_source.onceIn(48);
     const int kind = m_source.byte();
     drawCallbackPlan();
-    both("setData " + described(station, type, address, count) + " kind " + std::to_string(kind)
-             + ' ' + values.left(64).toHex().toStdString() + (absent ? " from null" : ""),
-         [&](auto &side, Outcome &outcome) {
-             // Exactly as long as the driver may read.
-             std::vector<unsigned char> data(values.begin(), values.end());
-             data.shrink_to_fit();
-             outcome.add("result",
-                         side.dx4.setData(station, type, address, count,
-                                          absent ? nullptr : data.data(), kind));
-         });
+    both(
+        [&] {
+            return "setData " + described(station, type, address, count) + " kind "
+                + std::to_string(kind) + ' ' + values.left(64).toHex().toStdString()
+                + (absent ? " from null" : "");
+        },
+        [&](auto &side, Outcome &outcome) {
+            // Exactly as long as the driver may read.
+            std::vector<unsigned char> data(values.begin(), values.end());
+            data.shrink_to_fit();
+            outcome.add("result",
+                        side.dx4.setData(station, type, address, count,
+                                         absent ? nullptr : data.data(), kind));
+        });
 }
 
 // Brings a queue to its bound quickly.
@@ -145,22 +157,25 @@ void Interpreter::fillQueue()
     const int first = drawAddress(m_source);
     const int requests = m_source.between(500, 520);
     m_pair.callbackPlan = 0;
-    both((writes ? "fill the write queue from " : "fill the condition queue from ")
-             + std::to_string(first) + " with " + std::to_string(requests),
-         [&](auto &side, Outcome &) {
-             unsigned char data[2] = { 1, 2 };
-             KEY_ADDRESS key;
-             key.station = 1;
-             key.regType = QStringLiteral("F");
-             key.count = 1;
-             for (int i = 0; i < requests; ++i) {
-                 key.address = (first & 0xFFFF) + i;
-                 if (writes)
-                     side.dx4.setData(1, key.regType, key.address, 1, data, i);
-                 else
-                     side.dx4.addConditionRead(key, i);
-             }
-         });
+    both(
+        [&] {
+            return (writes ? "fill the write queue from " : "fill the condition queue from ")
+                + std::to_string(first) + " with " + std::to_string(requests);
+        },
+        [&](auto &side, Outcome &) {
+            unsigned char data[2] = { 1, 2 };
+            KEY_ADDRESS key;
+            key.station = 1;
+            key.regType = QStringLiteral("F");
+            key.count = 1;
+            for (int i = 0; i < requests; ++i) {
+                key.address = (first & 0xFFFF) + i;
+                if (writes)
+                    side.dx4.setData(1, key.regType, key.address, 1, data, i);
+                else
+                    side.dx4.addConditionRead(key, i);
+            }
+        });
 }
 
 } // namespace model

@@ -31,23 +31,41 @@ std::string describeCall(const HeardCall &call)
 
 } // namespace
 
+std::string Outcome::printed(const Item &item)
+{
+    struct Printer {
+        std::string operator()(int number) const { return describe(number); }
+        std::string operator()(const std::string &text) const { return text; }
+        std::string operator()(const QString &text) const { return describe(text); }
+        std::string operator()(const QByteArray &bytes) const
+        {
+            return bytes.toHex().toStdString();
+        }
+        std::string operator()(const Blocks &blocks) const { return describeList(blocks.keys); }
+        std::string operator()(const Frame &frame) const { return describe(*frame.copy); }
+    };
+    return std::visit(Printer(), item.value);
+}
+
 std::string Outcome::differencesTo(const Outcome &expected) const
 {
     std::string text;
     const std::size_t common = std::min(m_items.size(), expected.m_items.size());
     for (std::size_t i = 0; i < common; ++i) {
-        if (m_items[i].second != expected.m_items[i].second)
-            text += std::string("  ") + m_items[i].first + ": driver " + m_items[i].second
-                + ", model " + expected.m_items[i].second + '\n';
+        if (!(m_items[i].value == expected.m_items[i].value))
+            text += std::string("  ") + m_items[i].name + ": driver " + printed(m_items[i])
+                + ", model " + printed(expected.m_items[i]) + '\n';
     }
     if (m_items.size() != expected.m_items.size())
         text += "  number of results\n";
     return text;
 }
 
-Interpreter::Interpreter(const EntryPoints &entries, const unsigned char *bytes, std::size_t size)
-    : m_source(bytes, size)
+Interpreter::Interpreter(const EntryPoints &entries, const unsigned char *bytes, std::size_t size,
+                         Effort effort, Log log)
+    : m_source(bytes, size, effort)
     , m_pair(entries)
+    , m_logging(log)
 {
     m_pair.listen(true);
 }
@@ -72,11 +90,9 @@ bool Interpreter::step()
 
 void Interpreter::log(const std::string &description)
 {
-    ++m_operations;
     m_log.push_back(std::to_string(m_operations) + ' ' + description);
     if (m_log.size() > longestLog)
         m_log.pop_front();
-    m_pair.each([](auto &side) { side.heard.clear(); });
 }
 
 void Interpreter::drawCallbackPlan()
@@ -179,7 +195,7 @@ void Interpreter::playOperation(int kind)
     case 62:
         return restoreLists();
     default:
-        return m_source.onceIn(6) ? fillQueue() : setCallback();
+        return m_source.onceIn(6) && m_source.mayCostMuch() ? fillQueue() : setCallback();
     }
 }
 
@@ -187,17 +203,18 @@ void Interpreter::initProperty()
 {
     const QByteArray text = drawPropertyText(m_source);
     const int absent = m_source.onceIn(6) ? m_source.below(6) : 0;
-    both("initProperty " + text.toStdString() + ", absent " + std::to_string(absent),
-         [&](auto &side, Outcome &outcome) {
-             int result = -5;
-             outcome.add("result",
-                         side.dx4.initProperty(absent == 1 ? nullptr : side.block.data(), absent,
-                                               absent == 2 ? nullptr : side.recipe.data(),
-                                               absent == 3 ? nullptr : &result,
-                                               absent == 4 ? nullptr : text.constData(),
-                                               absent == 5 ? nullptr : &side.mutex));
-             outcome.add("*result", result);
-         });
+    both(
+        [&] { return "initProperty " + text.toStdString() + ", absent " + std::to_string(absent); },
+        [&](auto &side, Outcome &outcome) {
+            int result = -5;
+            outcome.add("result",
+                        side.dx4.initProperty(absent == 1 ? nullptr : side.block.data(), absent,
+                                              absent == 2 ? nullptr : side.recipe.data(),
+                                              absent == 3 ? nullptr : &result,
+                                              absent == 4 ? nullptr : text.constData(),
+                                              absent == 5 ? nullptr : &side.mutex));
+            outcome.add("*result", result);
+        });
 }
 
 void Interpreter::identity()
@@ -228,7 +245,7 @@ void Interpreter::registerLists()
 {
     const int type = m_source.below(3);
     const QString name = drawType(m_source);
-    both("register lists " + std::to_string(type) + ' ' + describe(name),
+    both([&] { return "register lists " + std::to_string(type) + ' ' + describe(name); },
          [&](auto &side, Outcome &outcome) {
              QList<QString> list { QStringLiteral("kept") };
              outcome.add("list", side.dx4.getRegListByType(type, &list));
@@ -247,19 +264,21 @@ void Interpreter::checkAddresses()
     const int flag = m_source.onceIn(8) ? 0 : 1;
     const int subIndex = m_source.onceIn(8) ? -1 : m_source.below(3);
     const int access = m_source.below(5) - 1;
-    both("check " + describe(type) + ' ' + describe(text) + " count " + std::to_string(count)
-             + " flag " + std::to_string(flag) + " sub " + std::to_string(subIndex) + " access "
-             + std::to_string(access),
-         [&](auto &side, Outcome &outcome) {
-             int address = -99;
-             outcome.add("validity", side.dx4.checkAddrValidity(type, text, &address, count, flag));
-             outcome.add("its address", address);
-             outcome.add("check",
-                         side.dx4.checkAddr(type, text, &address, subIndex, count, access));
-             outcome.add("address", address);
-             outcome.add("without address",
-                         side.dx4.checkAddr(type, text, nullptr, subIndex, count, access));
-         });
+    both(
+        [&] {
+            return "check " + describe(type) + ' ' + describe(text) + " count "
+                + std::to_string(count) + " flag " + std::to_string(flag) + " sub "
+                + std::to_string(subIndex) + " access " + std::to_string(access);
+        },
+        [&](auto &side, Outcome &outcome) {
+            int address = -99;
+            outcome.add("validity", side.dx4.checkAddrValidity(type, text, &address, count, flag));
+            outcome.add("its address", address);
+            outcome.add("check", side.dx4.checkAddr(type, text, &address, subIndex, count, access));
+            outcome.add("address", address);
+            outcome.add("without address",
+                        side.dx4.checkAddr(type, text, nullptr, subIndex, count, access));
+        });
 }
 
 void Interpreter::multiCopy()
@@ -270,26 +289,29 @@ void Interpreter::multiCopy()
     const int count = drawCount(m_source);
     const int step = m_source.pick(steps);
     const int absent = m_source.onceIn(8) ? m_source.below(3) : 0;
-    both("multiCopy " + describe(type) + ' ' + std::to_string(start) + " count "
-             + std::to_string(count) + " step " + std::to_string(step),
-         [&](auto &side, Outcome &outcome) {
-             QVector<QString> texts { QStringLiteral("kept") };
-             QVector<int> addresses { 7 };
-             outcome.add("result",
-                         side.dx4.multiCopy(type, start, count, step,
-                                            absent == 1 ? nullptr : &texts,
-                                            absent == 2 ? nullptr : &addresses));
-             outcome.add("texts", describeList(texts));
-             outcome.add("addresses", describeList(addresses));
-         });
+    both(
+        [&] {
+            return "multiCopy " + describe(type) + ' ' + std::to_string(start) + " count "
+                + std::to_string(count) + " step " + std::to_string(step);
+        },
+        [&](auto &side, Outcome &outcome) {
+            QVector<QString> texts { QStringLiteral("kept") };
+            QVector<int> addresses { 7 };
+            outcome.add("result",
+                        side.dx4.multiCopy(type, start, count, step, absent == 1 ? nullptr : &texts,
+                                           absent == 2 ? nullptr : &addresses));
+            outcome.add("texts", describeList(texts));
+            outcome.add("addresses", describeList(addresses));
+        });
 }
 
 void Interpreter::setRcpAddress()
 {
     const QVector<_RCP_VAR_PRO> recipe = drawRecipe(m_source);
-    both("setRcpAddress " + describeList(recipe), [&](auto &side, Outcome &outcome) {
-        outcome.add("result", side.dx4.setRcpAddress(recipe));
-    });
+    both([&] { return "setRcpAddress " + describeList(recipe); },
+         [&](auto &side, Outcome &outcome) {
+             outcome.add("result", side.dx4.setRcpAddress(recipe));
+         });
 }
 
 void Interpreter::addrMerge()
@@ -305,18 +327,19 @@ void Interpreter::addrMerge()
             key.station = 1;
         }
     }
-    both("addrMerge " + describeList(keys), [&](auto &side, Outcome &outcome) {
-        QList<KEY_ADDRESS> given = keys;
-        outcome.add("result", side.dx4.addrMerge(given));
-        outcome.add("blocks", describeList(given));
-    });
+    both([&] { return "addrMerge " + describeList(keys); },
+         [&](auto &side, Outcome &outcome) {
+             QList<KEY_ADDRESS> given = keys;
+             outcome.add("result", side.dx4.addrMerge(given));
+             outcome.add("blocks", given);
+         });
 }
 
 void Interpreter::raiseRecipeByte()
 {
     const std::size_t position = m_source.onceIn(2) ? 60115 : 60116;
     const auto value = static_cast<unsigned char>(m_source.below(3));
-    both("byte " + std::to_string(position) + " := " + std::to_string(value),
+    both([&] { return "byte " + std::to_string(position) + " := " + std::to_string(value); },
          [&](auto &side, Outcome &) { side.block[position] = value; });
 }
 
@@ -346,7 +369,7 @@ void Interpreter::restoreLists()
     };
     restore(m_pair.real.state, m_snapshot->ofReal);
     restore(m_pair.model.state, m_snapshot->ofModel);
-    both("put back held list " + std::to_string(kind), [](auto &, Outcome &) {});
+    both([&] { return "put back held list " + std::to_string(kind); }, [](auto &, Outcome &) {});
     if (!m_snapshot->isUnchanged())
         m_report += "a held copy of a list was changed by a call\n";
 }

@@ -108,7 +108,8 @@ template <typename State> void makeFresh(State &state)
     state.rcpVars.clear();
     state.rcpSendVars.clear();
     state.mergeIndexList.clear();
-    state.regTypeList = QStringLiteral("F,D,CW,SW,FRE,FU").split(QLatin1Char(','));
+    static const QList<QString> types = QStringLiteral("F,D,CW,SW,FRE,FU").split(QLatin1Char(','));
+    state.regTypeList = types;
     state.conditionVar = VARIABLE();
     state.curVar = VARIABLE();
     state.phase = state.tryCount = state.spare1 = state.failCount = 0;
