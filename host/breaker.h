@@ -65,9 +65,6 @@ private:
     std::map<int, Station> m_stations;
 };
 
-/// Tag of a write that is sent whatever the breaker says: VARIABLE::varKind of the safe stop.
-inline constexpr int safeStopTag = 900;
-
 /// Asks the breaker before it uses the line. A probe is one try: what is left of the driver's tries
 /// fails without the line.
 class BreakerExchange : public Exchange {

@@ -29,6 +29,9 @@ void readLine(ConfigTable table, LineSettings &line)
         line.parity);
     table.integer("stop_bits", 1, 2, line.stopBits);
     table.milliseconds("timeout_ms", 1, longestTimeoutMs, line.responseTimeout);
+    table.choice<EchoMode>(
+        "echo", { { "auto", EchoMode::Auto }, { "yes", EchoMode::Yes }, { "no", EchoMode::No } },
+        line.echo);
     table.flag("rs485", line.kernelSwitchesDirection);
     table.refuseTheRest();
     if (!table.has("port"))

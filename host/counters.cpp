@@ -100,6 +100,7 @@ void RequestCounts::add(const RequestCounts &other)
     notAsked += other.notAsked;
     lateReplies += other.lateReplies;
     echoes += other.echoes;
+    echoProbes += other.echoProbes;
     junkBytes += other.junkBytes;
     bytesSent += other.bytesSent;
     bytesReceived += other.bytesReceived;
@@ -124,6 +125,7 @@ QJsonObject RequestCounts::toJson() const
         { QStringLiteral("not_asked"), number(notAsked) },
         { QStringLiteral("late_replies"), number(lateReplies) },
         { QStringLiteral("echoes"), number(echoes) },
+        { QStringLiteral("echo_probes"), number(echoProbes) },
         { QStringLiteral("junk_bytes"), number(junkBytes) },
         { QStringLiteral("bytes_sent"), number(bytesSent) },
         { QStringLiteral("bytes_received"), number(bytesReceived) },
@@ -141,6 +143,7 @@ void CounterSet::countExchange(const FRAME_PRO &request, const ExchangeReport &r
     counts.lateReplies += static_cast<quint64>(report.lateReplies);
     counts.junkBytes += static_cast<quint64>(report.junkBytes);
     counts.echoes += report.echoStripped ? 1U : 0U;
+    counts.echoProbes += static_cast<quint64>(report.echoProbes);
     counts.bytesSent += static_cast<quint64>(request.sendLength);
     counts.bytesReceived += static_cast<quint64>(report.bytesHeard);
     counts.busy += held;

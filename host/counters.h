@@ -50,6 +50,7 @@ struct RequestCounts {
     quint64 notAsked = 0; ///< failed without using the line
     quint64 lateReplies = 0;
     quint64 echoes = 0; ///< the adapter's own, stripped
+    quint64 echoProbes = 0; ///< the guard's own reads, to learn of an echo; not among the requests
     quint64 junkBytes = 0; ///< skipped
     quint64 bytesSent = 0;
     quint64 bytesReceived = 0; ///< while a reply was awaited

@@ -33,8 +33,12 @@ struct ExchangeReport {
     int foreignStation = 0; ///< station of the last of them; 0 when there was none
     int lateReplies = 0; ///< replies that came after their request had timed out
     bool echoStripped = false; ///< the adapter gave the request back before the reply
+    int echoProbes = 0; ///< reads of the guard's own, to learn whether the adapter echoes
     Duration answerDelay { 0 }; ///< turnaround less the wire time of request and reply
 };
+
+/// Tag of a write that is sent at once, whatever else is due: VARIABLE::varKind of the safe stop.
+inline constexpr int safeStopTag = 900;
 
 /// Carries one request to the station and its reply back. Checks that go beyond the driver's own
 /// and stations that are not to be asked are further implementations around this one.

@@ -3,8 +3,10 @@
 #include "host/guarded_exchange.h"
 
 #include "host/length.h"
+#include "register_tables.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 
 namespace dx4::host {
@@ -12,6 +14,7 @@ namespace {
 
 constexpr int functionByte = 1;
 constexpr int exceptionLength = 5;
+constexpr int statusWordType = 4; // in the table of types
 constexpr int mostHeard = 1024; // bytes; a line that babbles on is no reply
 constexpr unsigned char readFunction = 3;
 constexpr unsigned char writeOneFunction = 6;
@@ -24,6 +27,34 @@ constexpr Duration longestPause = std::chrono::milliseconds(20);
 QByteArray bytesOf(const FRAME_PRO &request)
 {
     return QByteArray(reinterpret_cast<const char *>(request.frame), request.sendLength);
+}
+
+/// Whether the reply equals the request, as an adapter's echo does.
+bool repliesLikeEcho(const FRAME_PRO &request)
+{
+    return request.frame[functionByte] == writeOneFunction;
+}
+
+/// A read of the status word, which every drive has; the shortest whose reply is no echo.
+FRAME_PRO echoProbe(int station)
+{
+    const int address = REG_OFFSETADDR[statusWordType];
+    const std::array<int, 6> payload = {
+        station, readFunction, address / 256, address % 256, 0, 1
+    };
+    FRAME_PRO probe;
+    QByteArray bytes;
+    for (int byte : payload)
+        bytes.append(static_cast<char>(byte));
+    const unsigned crc = crcOf(bytes + QByteArray(2, 0));
+    bytes.append(static_cast<char>(crc & 0xFFU)).append(static_cast<char>(crc >> 8));
+    std::transform(bytes.begin(), bytes.end(), probe.frame,
+                   [](char byte) { return static_cast<unsigned char>(byte); });
+    probe.sendLength = lengthOf(bytes);
+    probe.replyLength = 7;
+    probe.replyDataLength = 2;
+    probe.var.station = station;
+    return probe;
 }
 
 bool isSame(const FRAME_PRO &a, const FRAME_PRO &b)
@@ -98,6 +129,7 @@ Reply::Kind kindOf(ReplyCause cause)
 
 GuardedExchange::GuardedExchange(Line &line)
     : m_line(line)
+    , m_echo(line.settings().echo)
 {
 }
 
@@ -107,6 +139,40 @@ Reply GuardedExchange::run(const FRAME_PRO &request)
 }
 
 Reply GuardedExchange::runWithin(const FRAME_PRO &request, Duration timeout)
+{
+    const bool mayMislead = repliesLikeEcho(request);
+    const bool isUrgent = request.var.varKind == safeStopTag;
+    int probes = mayMislead && !isUrgent ? learnEcho(request.var.station, timeout) : 0;
+    const Reply reply = exchange(request, timeout);
+    const bool isUnproven = mayMislead && reply.kind == Reply::Kind::Silence;
+    if (isUnproven && m_report.echoStripped) {
+        m_echo.noteLoneCopy();
+        const ExchangeReport report = m_report;
+        probes += isUrgent ? learnEcho(request.var.station, timeout) : 0;
+        m_report = report;
+    }
+    m_report.echoProbes = probes;
+    return reply;
+}
+
+/// Asks the station for something else until the adapter is known, or the station is silent.
+///
+/// @return reads that were sent
+int GuardedExchange::learnEcho(int station, Duration timeout)
+{
+    int probes = 0;
+    while (m_echo.state() == AdapterEcho::State::Unknown && probes < exchangesToBelieve) {
+        const Reply reply = exchange(echoProbe(station), timeout);
+        ++probes;
+        const ReplyCause cause = m_report.verdict.cause;
+        const bool isAnswered = cause == ReplyCause::Good || cause == ReplyCause::Exception;
+        if (reply.kind == Reply::Kind::LineDown || !isAnswered)
+            break;
+    }
+    return probes;
+}
+
+Reply GuardedExchange::exchange(const FRAME_PRO &request, Duration timeout)
 {
     const LineSettings &settings = m_line.settings();
     m_report = {};
@@ -201,7 +267,7 @@ void GuardedExchange::collect(const FRAME_PRO &request, Duration deadline)
         }
         if (m_heard.size() > request.replyLength)
             deadline += m_line.settings().wireTime(lengthOf(more));
-        found = findReply(request) && !learnEcho(request, deadline);
+        found = findReply(request);
         if (more.size() < missing)
             break;
     }
@@ -223,8 +289,7 @@ bool GuardedExchange::findReply(const FRAME_PRO &request)
             noteSkipped(m_heard.left(start));
             m_heard = candidate;
             m_report.verdict = checkReply(request, candidate);
-            if (request.frame[functionByte] == readFunction && !m_report.echoStripped)
-                m_echo = Echo::Absent;
+            noteEchoOf(request, start);
             return true;
         }
     }
@@ -236,32 +301,30 @@ bool GuardedExchange::findReply(const FRAME_PRO &request)
 /// @return whether something was taken
 bool GuardedExchange::stripEcho(const FRAME_PRO &request)
 {
-    const bool looksLikeReply = request.frame[functionByte] == writeOneFunction;
-    if (m_report.echoStripped || !m_heard.startsWith(bytesOf(request))
-        || (looksLikeReply && m_echo != Echo::Present))
+    const bool mayBeReply = repliesLikeEcho(request);
+    if (m_report.echoStripped || (mayBeReply && m_echo.state() == AdapterEcho::State::Absent))
         return false;
-    m_heard.remove(0, request.sendLength);
+    // Behind junk too where it could pass for the reply; elsewhere it does no harm there.
+    const QByteArray echo = bytesOf(request);
+    const int start = mayBeReply ? static_cast<int>(m_heard.indexOf(echo)) : 0;
+    if (start < 0 || m_heard.mid(start, request.sendLength) != echo)
+        return false;
+    noteSkipped(m_heard.left(start));
+    m_heard.remove(0, start + request.sendLength);
     m_report.echoStripped = true;
-    m_echo = Echo::Present;
+    if (!mayBeReply)
+        m_echo.noteEcho();
     return true;
 }
 
-/// Waits for the second copy of a write whose first one may be the adapter's echo.
-///
-/// @return whether the first one was an echo and the reply is still to come
-bool GuardedExchange::learnEcho(const FRAME_PRO &request, Duration deadline)
+/// What a reply says of the adapter, with so many bytes before it.
+void GuardedExchange::noteEchoOf(const FRAME_PRO &request, int skipped)
 {
-    if (request.frame[functionByte] != writeOneFunction || m_echo != Echo::Unknown
-        || m_report.verdict.cause != ReplyCause::Good)
-        return false;
-    const QByteArray more = m_line.receive(exceptionLength, deadline);
-    m_report.bytesHeard += lengthOf(more);
-    if (more.isEmpty())
-        return false;
-    m_echo = Echo::Present;
-    m_report.echoStripped = true;
-    m_heard = more;
-    return !findReply(request);
+    const bool isCopy = repliesLikeEcho(request) && m_report.verdict.cause == ReplyCause::Good;
+    if (isCopy && m_report.echoStripped)
+        m_echo.noteEcho(); // the second of two
+    else if (!isCopy && !m_report.echoStripped && skipped == 0)
+        m_echo.noteNoEcho(); // bytes before it might have been a damaged echo
 }
 
 /// Sorts what was not the reply: a frame of somebody else's, a late one, or junk.

@@ -2,6 +2,7 @@
 // An exchange that lets only the request's own reply through to the driver.
 #pragma once
 
+#include "host/adapter_echo.h"
 #include "host/exchange.h"
 
 #include <map>
@@ -18,8 +19,10 @@ namespace dx4::host {
 /// until another response timeout has passed in silence; other requests need not wait, as their
 /// replies differ. A station must not be slower than twice the response timeout.
 ///
-/// The reply of a single-register write equals its request. Whether the adapter echoes is learned
-/// from reads; as long as nothing was read, such a write waits for a second copy until the timeout.
+/// The reply of a single-register write equals its request. One copy confirms such a write only
+/// while the adapter is known not to echo; else it takes two. Where it is not known, short reads of
+/// the same station find out before the write goes out, or behind it where the write is a safe
+/// stop.
 class GuardedExchange : public Exchange {
 public:
     /// @param line  outlives the exchange
@@ -37,8 +40,6 @@ public:
     void setExtraGap(int station, Duration extra) { m_extraGaps[station] = extra; }
 
 private:
-    enum class Echo { Unknown, Absent, Present };
-
     /// A request whose replies may still come.
     struct Unanswered {
         FRAME_PRO request;
@@ -46,12 +47,14 @@ private:
         Duration until { 0 }; ///< moment after which none is expected
     };
 
+    Reply exchange(const FRAME_PRO &request, Duration timeout);
+    int learnEcho(int station, Duration timeout);
     void awaitLateReplies(const FRAME_PRO &request);
     void awaitGap(const FRAME_PRO &request);
     void collect(const FRAME_PRO &request, Duration deadline);
     bool findReply(const FRAME_PRO &request);
     bool stripEcho(const FRAME_PRO &request);
-    bool learnEcho(const FRAME_PRO &request, Duration deadline);
+    void noteEchoOf(const FRAME_PRO &request, int skipped);
     void noteSkipped(const QByteArray &bytes);
     void noteUnanswered(const FRAME_PRO &request, Duration until);
     void prolongUnanswered(const FRAME_PRO &request, Duration until);
@@ -61,7 +64,7 @@ private:
     Line &m_line;
     ExchangeReport m_report;
     QByteArray m_heard; ///< of this exchange, without what was skipped; then the reply alone
-    Echo m_echo = Echo::Unknown;
+    AdapterEcho m_echo;
     std::vector<Unanswered> m_unanswered;
     std::map<int, Duration> m_extraGaps;
 };

@@ -13,6 +13,13 @@ using Duration = std::chrono::microseconds;
 
 enum class Parity { None, Even, Odd };
 
+/// Whether the adapter gives every request back to its sender.
+enum class EchoMode {
+    Auto, ///< found out from replies that cannot be mistaken for it
+    Yes, ///< always: a write is confirmed by a second copy alone
+    No, ///< never: the first copy of a write is its reply
+};
+
 /// Settings of one line; data bits are always 8, as Modbus RTU has them.
 struct LineSettings {
     QString port; ///< device path, lasting name ("usb-...") or a name as the system lists it
@@ -20,6 +27,7 @@ struct LineSettings {
     Parity parity = Parity::None;
     int stopBits = 1; ///< 1 or 2
     Duration responseTimeout = std::chrono::milliseconds(300); ///< end of request to first byte
+    EchoMode echo = EchoMode::Auto;
     bool kernelSwitchesDirection = false; ///< RS-485 driver switched by the kernel over RTS
 
     /// Time of one character: start bit, 8 data bits, parity and stop bits.

@@ -27,12 +27,7 @@ unsigned byteAt(const QByteArray &bytes, int position)
 
 bool crcIsRight(const QByteArray &frame)
 {
-    unsigned crc = 0xFFFF;
-    for (int i = 0; i < frame.size() - crcBytes; ++i) {
-        crc ^= byteAt(frame, i);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1U) ? (crc >> 1) ^ 0xA001U : crc >> 1;
-    }
+    const unsigned crc = crcOf(frame);
     return byteAt(frame, lengthOf(frame) - 2) == (crc & 0xFFU)
         && byteAt(frame, lengthOf(frame) - 1) == crc >> 8;
 }
@@ -67,6 +62,17 @@ ReplyCause checkPayload(const FRAME_PRO &request, const QByteArray &reply)
 bool ReplyVerdict::canRetry() const
 {
     return cause != ReplyCause::Exception || exceptionCode > lastHopelessException;
+}
+
+unsigned crcOf(const QByteArray &frame)
+{
+    unsigned crc = 0xFFFF;
+    for (int i = 0; i < frame.size() - crcBytes; ++i) {
+        crc ^= byteAt(frame, i);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 1U) ? (crc >> 1) ^ 0xA001U : crc >> 1;
+    }
+    return crc;
 }
 
 ReplyVerdict checkReply(const FRAME_PRO &request, const QByteArray &reply)

@@ -77,6 +77,7 @@ const std::vector<FaultCase> &faultCases()
         { "DelayInTime", lasting(FaultKind::Delay, inTime) },
         { "DelayPastTheTimeout", lasting(FaultKind::Delay, tooLate) },
         { "DelayThreePastTheTimeout", lasting(FaultKind::Delay, tooLate), 3 },
+        { "DelayFourPastTheTimeout", lasting(FaultKind::Delay, tooLate), 4 },
         { "FlipABitOfTheReply", on(Side::Reply, FaultKind::FlipBits) },
         { "FlipTwoBitsOfThreeReplies", on(Side::Reply, FaultKind::FlipBits, 2), 3 },
         { "FlipABitOfTheRequest", on(Side::Request, FaultKind::FlipBits) },

@@ -18,6 +18,7 @@ const std::map<std::string, std::set<std::string>> &believed()
 {
     static const std::map<std::string, std::set<std::string>> kinds = {
         { "DelayThreePastTheTimeout", { "wrong value" } },
+        { "DelayFourPastTheTimeout", { "wrong value" } },
         { "WrongStationInTheRequest", { "lost write", "wrong value" } },
         { "WrongStationInThreeRequests", { "lost write", "wrong value" } },
     };

@@ -71,6 +71,7 @@ protected:
     Cycle cycle { link, guard };
     Cycle::Step lastStep = Cycle::Step::Idle;
     const QByteArray trueReply = framed("01 03 04 12 34 56 78");
+    const QByteArray runCommand = framed("01 06 10 01 00 01");
 };
 
 } // namespace
@@ -248,6 +249,114 @@ TEST_F(GuardedExchangeTest, AnEchoAloneIsSilence)
 
     EXPECT_EQ(step(), "silence");
     EXPECT_TRUE(guard.report().echoStripped);
+}
+
+TEST_F(GuardedExchangeTest, AnEchoBehindJunkDoesNotConfirmTheWriteOfADeadStation)
+{
+    inverter.echoes = true;
+    step();
+    inverter.echoes = false;
+    inverter.dead = { 1 };
+    inverter.changes = { silence(), instead(QByteArray("\xFF\x01", 2) + runCommand) };
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(step(), "silence");
+    EXPECT_EQ(lastStep, Cycle::Step::Retry);
+}
+
+TEST_F(GuardedExchangeTest, AWriteBeforeAnyReadIsPrecededByOneOfTheStatusWord)
+{
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(guard.report().echoProbes, 1);
+    EXPECT_EQ(inverter.line.sent(),
+              (QVector<QByteArray> { framed("01 03 20 00 00 01"), runCommand }));
+    EXPECT_EQ(cycle.counters().total().requests, 1U);
+    EXPECT_EQ(cycle.counters().total().echoProbes, 1U);
+}
+
+TEST_F(GuardedExchangeTest, OneReadIsEnoughToKnowAnAdapterThatDoesNotEcho)
+{
+    step();
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(guard.report().echoProbes, 0);
+}
+
+TEST_F(GuardedExchangeTest, ACopyOfAWriteBeforeAnyAnswerConfirmsNothing)
+{
+    inverter.dead = { 1 };
+    inverter.changes = { silence(), instead(runCommand) };
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(step(), "silence");
+    EXPECT_EQ(lastStep, Cycle::Step::Retry);
+}
+
+TEST_F(GuardedExchangeTest, AStrayCopyOfAReadFailsNoWriteAfterIt)
+{
+    inverter.changes = { instead(framed("01 03 D0 00 00 02") + trueReply) };
+    step();
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(lastStep, Cycle::Step::Served);
+    EXPECT_EQ(guard.report().echoProbes, 3);
+}
+
+TEST_F(GuardedExchangeTest, ThreeStrayCopiesCostAWriteOneMoreTry)
+{
+    for (int i = 0; i < 3; ++i) {
+        inverter.changes = { instead(framed("01 03 D0 00 00 02") + trueReply) };
+        step();
+    }
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(step(), "silence");
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(guard.report().echoProbes, 3);
+}
+
+TEST_F(GuardedExchangeTest, AStopGoesOutBeforeTheAdapterIsKnown)
+{
+    link.write(1, QStringLiteral("CW"), 0, { 0 }, safeStopTag);
+
+    EXPECT_EQ(step(), "silence");
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(inverter.line.sent(),
+              (QVector<QByteArray> { framed("01 06 10 01 00 00"), framed("01 03 20 00 00 01"),
+                                     framed("01 06 10 01 00 00") }));
+}
+
+TEST_F(GuardedExchangeTest, ALineThatIsSaidToEchoConfirmsByTheSecondCopyAlone)
+{
+    LineSettings settings = slow();
+    settings.echo = EchoMode::Yes;
+    ScriptedLine echoing(settings);
+    GuardedExchange told(echoing.line);
+    Cycle onIt(link, told);
+    link.poll({});
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(onIt.step(), Cycle::Step::Retry);
+    echoing.echoes = true;
+    EXPECT_EQ(onIt.step(), Cycle::Step::Served);
+    EXPECT_EQ(echoing.line.sent(), (QVector<QByteArray> { runCommand, runCommand }));
+}
+
+TEST_F(GuardedExchangeTest, ALineThatIsSaidNotToEchoConfirmsByTheFirstCopy)
+{
+    LineSettings settings = slow();
+    settings.echo = EchoMode::No;
+    ScriptedLine silent(settings);
+    GuardedExchange told(silent.line);
+    Cycle onIt(link, told);
+    write("CW", 0, { 1 });
+
+    EXPECT_EQ(onIt.step(), Cycle::Step::Served);
+    EXPECT_EQ(silent.line.sent(), QVector<QByteArray> { runCommand });
 }
 
 TEST_F(GuardedExchangeTest, ALateReplyIsNeverTakenForTheNextReadOfTheSameLength)

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// What is known of an adapter that may give every request back to its sender.
+#pragma once
+
+#include "host/line_settings.h"
+
+namespace dx4::host {
+
+/// Learns from exchanges whose replies differ from their requests whether the adapter echoes.
+///
+/// The reply of a single-register write equals its request, so one copy of it is a confirmation or
+/// an echo. It may count as a confirmation only while the adapter is known not to echo: a write
+/// that is reported though it never arrived is worse than one that is sent once more.
+class AdapterEcho {
+public:
+    enum class State {
+        Unknown, ///< one copy of a write proves nothing
+        Absent, ///< one copy of a write is its reply
+        Present, ///< the first copy of a write is the adapter's
+    };
+
+    /// @param mode  anything but Auto is believed for good
+    explicit AdapterEcho(EchoMode mode)
+        : m_mode(mode)
+    {
+    }
+
+    State state() const;
+
+    /// A request came back before its reply.
+    void noteEcho();
+
+    /// A reply came with nothing before it.
+    void noteNoEcho();
+
+    /// Of a write one copy came and nothing more: its station is silent, or what was learned is
+    /// wrong.
+    void noteLoneCopy() { m_echoes = 0; }
+
+private:
+    EchoMode m_mode;
+    bool m_hasEchoed = false;
+    int m_echoes = 0; ///< exchanges in a row
+    int m_clean = 0; ///< exchanges in a row
+};
+
+/// Exchanges in a row that it takes to believe in an echo, or after one in its absence. Until the
+/// first echo a single reply without one is enough.
+inline constexpr int exchangesToBelieve = 3;
+
+} // namespace dx4::host
