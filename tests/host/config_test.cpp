@@ -92,11 +92,108 @@ TEST(Config, WhatIsNotSaidStaysAtItsDefault)
     EXPECT_EQ(config->line.speed, 9600);
     EXPECT_EQ(config->line.parity, Parity::None);
     EXPECT_EQ(config->line.responseTimeout, milliseconds(300));
+    EXPECT_EQ(config->line.stopBits, 1);
+    EXPECT_EQ(config->line.echo, EchoMode::Auto);
     EXPECT_FALSE(config->line.kernelSwitchesDirection);
+    EXPECT_EQ(config->link.retryLimit, 3);
     EXPECT_EQ(config->link.blockSize, 16);
+    EXPECT_EQ(config->stop.confirmWithin, milliseconds(2000));
+    EXPECT_EQ(config->stations.at(0).extraGap, milliseconds(0));
     EXPECT_FALSE(config->stop.controlWord.has_value());
     EXPECT_TRUE(config->stations.at(0).registers.isEmpty());
 }
+
+TEST(Config, EveryKeyIsRead)
+{
+    const auto config = parseConfig("[line]\nport = \"p\"\nspeed = 300\nparity = \"odd\"\n"
+                                    "stop_bits = 2\ntimeout_ms = 7\necho = \"yes\"\n"
+                                    "rs485 = true\n"
+                                    "[link]\ntries = 9\nblock_size = 99\n"
+                                    "[stop]\ncontrol_word = 6\nconfirm_ms = 11\n"
+                                    "[[station]]\naddress = 247\nname = \"s\"\n"
+                                    "extra_gap_ms = 13\n"
+                                    "[[station.register]]\nat = \"D 5\"\nname = \"r\"\n"
+                                    "unit = \"V\"\ndecimals = 3\nscale = 0.5\noffset = -4\n"
+                                    "signed = true\n",
+                                    nullptr);
+
+    ASSERT_TRUE(config.has_value());
+    EXPECT_EQ(config->line.port, QStringLiteral("p"));
+    EXPECT_EQ(config->line.speed, 300);
+    EXPECT_EQ(config->line.parity, Parity::Odd);
+    EXPECT_EQ(config->line.stopBits, 2);
+    EXPECT_EQ(config->line.responseTimeout, milliseconds(7));
+    EXPECT_EQ(config->line.echo, EchoMode::Yes);
+    EXPECT_TRUE(config->line.kernelSwitchesDirection);
+    EXPECT_EQ(config->link.retryLimit, 9);
+    EXPECT_EQ(config->link.blockSize, 99);
+    EXPECT_EQ(config->stop.controlWord, 6);
+    EXPECT_EQ(config->stop.confirmWithin, milliseconds(11));
+    ASSERT_EQ(config->stations.size(), 1);
+    const StationConfig &station = config->stations.at(0);
+    EXPECT_EQ(station.address, 247);
+    EXPECT_EQ(station.name, QStringLiteral("s"));
+    EXPECT_EQ(station.extraGap, milliseconds(13));
+    ASSERT_EQ(station.registers.size(), 1);
+    const RegisterConfig &wanted = station.registers.at(0);
+    EXPECT_EQ(wanted.at, QStringLiteral("D 5"));
+    EXPECT_EQ(wanted.name, QStringLiteral("r"));
+    EXPECT_EQ(wanted.scaling.text(0xFFFE), QStringLiteral("-5.000 V"));
+}
+
+namespace {
+
+/// A key with a whole number, in a file where `%` stands for the number.
+struct NumberRow {
+    const char *name;
+    const char *text;
+    int lowest;
+    int highest;
+};
+
+class ConfigNumbers : public ::testing::TestWithParam<NumberRow> {
+protected:
+    static bool isTaken(int number)
+    {
+        QByteArray text(GetParam().text);
+        text.replace('%', QByteArray::number(number));
+        return parseConfig(text, nullptr).has_value();
+    }
+};
+
+} // namespace
+
+TEST_P(ConfigNumbers, ReachFromTheirLowestToTheirHighest)
+{
+    EXPECT_FALSE(isTaken(GetParam().lowest - 1));
+    EXPECT_TRUE(isTaken(GetParam().lowest));
+    EXPECT_TRUE(isTaken(GetParam().highest));
+    EXPECT_FALSE(isTaken(GetParam().highest + 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Config, ConfigNumbers,
+    ::testing::Values(
+        NumberRow { "speed", "line.port=\"p\"\nline.speed=%\n[[station]]\naddress=1", 300,
+                    4000000 },
+        NumberRow { "stop_bits", "line.port=\"p\"\nline.stop_bits=%\n[[station]]\naddress=1", 1,
+                    2 },
+        NumberRow { "timeout_ms", "line.port=\"p\"\nline.timeout_ms=%\n[[station]]\naddress=1", 1,
+                    60000 },
+        NumberRow { "tries", "line.port=\"p\"\nlink.tries=%\n[[station]]\naddress=1", 1, 100 },
+        NumberRow { "block_size", "line.port=\"p\"\nlink.block_size=%\n[[station]]\naddress=1", 1,
+                    123 },
+        NumberRow { "control_word", "line.port=\"p\"\nstop.control_word=%\n[[station]]\naddress=1",
+                    0, 65535 },
+        NumberRow { "confirm_ms", "line.port=\"p\"\nstop.confirm_ms=%\n[[station]]\naddress=1", 1,
+                    60000 },
+        NumberRow { "address", "line.port=\"p\"\n[[station]]\naddress=%", 1, 247 },
+        NumberRow { "extra_gap_ms", "line.port=\"p\"\n[[station]]\naddress=1\nextra_gap_ms=%", 0,
+                    1000 },
+        NumberRow { "decimals",
+                    "line.port=\"p\"\n[[station]]\naddress=1\nregister=[{at=\"D 0\",decimals=%}]",
+                    0, 6 }),
+    [](const auto &row) { return std::string(row.param.name); });
 
 TEST(Config, AMissingFileIsAnErrorOfTheFile)
 {
@@ -144,6 +241,9 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "ParityIsAWord",
                     "[line]\nport = \"a\"\nparity = \"E\"\n[[station]]\naddress = 1\n",
                     { "a.toml:3: parity: expected \"none\", \"even\", \"odd\"" } },
+        ConfigRow { "TheEchoIsAWord",
+                    "[line]\nport = \"a\"\necho = true\n[[station]]\naddress = 1\n",
+                    { "a.toml:3: echo: expected \"auto\", \"yes\", \"no\"" } },
         ConfigRow { "TheBlockSizeEndsAt123",
                     "line.port = \"a\"\nlink.block_size = 124\n[[station]]\naddress = 1\n",
                     { "a.toml:2: block_size: expected a whole number from 1 to 123" } },
