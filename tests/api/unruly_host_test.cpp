@@ -70,3 +70,34 @@ TEST_F(UnrulyHost, ACallbackTakenAwayWhileABitIsReportedIsNotCalledForTheRegiste
 
     EXPECT_EQ(calls, std::vector<std::string> { "1 1 D_bit 64" });
 }
+
+// The callback may not edit the cache. One that does all the same gets no second record of a
+// register, neither in the call that it runs in nor in a later one.
+TEST_F(UnrulyHost, ARecordThatTheCallbackAddsIsFoundByTheCallItRunsIn)
+{
+    merge({ keyAddress(1, "D", 0, 2) });
+    insideCallback = [this](int, int, const QString &, int address) {
+        if (address == 1) {
+            record(9, "F", 0);
+            record(1, "D", 2).value[0] = 0x77;
+        }
+    };
+
+    set(1, "D", 0, { 1, 2, 3 });
+
+    EXPECT_EQ(cacheKeys(), "1 D 0; 1 D 1; 9 F 0; 1 D 2");
+    EXPECT_EQ(data(1, "D", 0, 3), "01 00 02 00 03 00");
+}
+
+TEST_F(UnrulyHost, ARecordThatTheCallbackAddsIsFoundByTheCallsBehindIt)
+{
+    merge({ keyAddress(1, "D", 0, 2) });
+    insideCallback = [this](int, int, const QString &, int address) {
+        if (address == 1)
+            record(1, "D", 500).value[0] = 0x77;
+    };
+    set(1, "D", 0, { 1, 2 });
+
+    EXPECT_EQ(data(1, "D", 500, 1), "77 00");
+    EXPECT_EQ(cacheKeys(), "1 D 0; 1 D 1; 1 D 500");
+}

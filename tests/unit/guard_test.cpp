@@ -170,6 +170,25 @@ TEST_F(Guards, ANegativeRecipePositionServesAgainWhatWasServed)
     EXPECT_EQ(driver.phase, 0);
 }
 
+TEST_F(Guards, ANegativeRecipePositionWhileAReadIsUnderwayStoresNothing)
+{
+    driver.rcpVars = { recipeAt(0) };
+    driver.rcpSendVars = driver.rcpVars;
+    driver.mergeIndexList = { 0 };
+    hostBlock[60116] = 1;
+    const std::vector<unsigned short> before = recipeBuffer;
+    FRAME_PRO frame;
+    intf_getSendFrame(frame);
+    driver.rcpIndex = -1;
+
+    const int result = readRecipe();
+
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(recipeBuffer, before);
+    EXPECT_EQ(calls, Calls {});
+    EXPECT_EQ(driver.rcpIndex, 0);
+}
+
 TEST_F(Guards, ARecipeValueBeforeTheBufferIsReportedButNotStored)
 {
     driver.rcpVars = { recipeAt(-3) };
