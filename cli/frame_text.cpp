@@ -5,6 +5,7 @@
 #include "cli/output.h"
 #include "host/length.h"
 #include "host/notation.h"
+#include "host/verdict_text.h"
 #include "register_tables.h"
 
 namespace dx4::cli {
@@ -253,13 +254,7 @@ bool findRegister(int modbusRegister, QString *regType, int *address)
 
 QString exceptionText(int code)
 {
-    static const QStringList names {
-        QStringLiteral("function not known"),      QStringLiteral("register not there"),
-        QStringLiteral("value not allowed"),       QStringLiteral("device failed"),
-        QStringLiteral("accepted, takes a while"), QStringLiteral("device busy"),
-    };
-    return QStringLiteral("%1, %2").arg(code).arg(
-        names.value(code - 1, QStringLiteral("a code of the device's own")));
+    return QStringLiteral("%1, %2").arg(code).arg(host::exceptionName(code));
 }
 
 QString registerText(int modbusRegister)

@@ -3,6 +3,7 @@
 #include "host/cycle_access.h"
 
 #include "host/notation.h"
+#include "host/verdict_text.h"
 
 #include <utility>
 
@@ -15,6 +16,11 @@ QString accessText(int station, const QString &regType, int address)
 }
 
 } // namespace
+
+QString notAskedText()
+{
+    return QStringLiteral("not asked, the station does not answer");
+}
 
 CycleAccess::CycleAccess(Link &link, Cycle &cycle, Verdict verdict)
     : CycleAccess(
@@ -35,8 +41,8 @@ CycleAccess::CycleAccess(Link &link, const Cycle &cycle, Stepper step, Verdict v
 AccessResult CycleAccess::read(int station, const QString &regType, int address, int count)
 {
     m_link.addConditionRead(station, regType, address, count, --m_lastTag);
-    AccessResult result =
-        await(accessText(station, regType, address), m_lastTag, &Link::waitingConditionReads);
+    AccessResult result = await(station, accessText(station, regType, address), m_lastTag,
+                                &Link::waitingConditionReads);
     if (result.kind == AccessResult::Kind::Done)
         result.values = m_link.values(station, regType, address, count);
     return result;
@@ -45,10 +51,11 @@ AccessResult CycleAccess::read(int station, const QString &regType, int address,
 AccessResult CycleAccess::write(int station, const QString &regType, int address, quint16 value)
 {
     m_link.write(station, regType, address, { value }, --m_lastTag);
-    return await(accessText(station, regType, address), m_lastTag, &Link::waitingWrites);
+    return await(station, accessText(station, regType, address), m_lastTag, &Link::waitingWrites);
 }
 
-AccessResult CycleAccess::await(const QString &what, int tag, int (Link::*waiting)() const)
+AccessResult CycleAccess::await(int station, const QString &what, int tag,
+                                int (Link::*waiting)() const)
 {
     // One idle step is the driver's pause after some requests in a row; a second one means that a
     // request stands in the way which it cannot encode.
@@ -66,19 +73,28 @@ AccessResult CycleAccess::await(const QString &what, int tag, int (Link::*waitin
         if ((m_link.*waiting)() == 0)
             break;
     }
-    return { AccessResult::Kind::NoAnswer, what + QStringLiteral(": dropped"), {} };
+    return { AccessResult::Kind::NoAnswer,
+             QStringLiteral("%1: %2").arg(what, whyDropped(station)),
+             {} };
+}
+
+QString CycleAccess::whyDropped(int) const
+{
+    return QStringLiteral("dropped");
 }
 
 AccessResult CycleAccess::outcome(const QString &what, Cycle::Step step) const
 {
     if (step == Cycle::Step::Served)
         return {};
-    const ReplyVerdict verdict = m_verdict();
-    if (verdict.cause == ReplyCause::Exception)
-        return { AccessResult::Kind::Refused,
-                 QStringLiteral("%1: exception %2").arg(what).arg(verdict.exceptionCode),
+    if (m_cycle.reply().kind == Reply::Kind::NotAsked)
+        return { AccessResult::Kind::NoAnswer,
+                 QStringLiteral("%1: %2").arg(what, notAskedText()),
                  {} };
-    return { AccessResult::Kind::NoAnswer, what + QStringLiteral(": no answer"), {} };
+    const ReplyVerdict verdict = m_verdict();
+    const auto kind = verdict.cause == ReplyCause::Exception ? AccessResult::Kind::Refused
+                                                             : AccessResult::Kind::NoAnswer;
+    return { kind, QStringLiteral("%1: %2").arg(what, verdictText(verdict)), {} };
 }
 
 } // namespace dx4::host

@@ -32,8 +32,11 @@ protected:
     /// @param step  one step of the cycle, with what else is to be done in one
     CycleAccess(Link &link, const Cycle &cycle, Stepper step, Verdict verdict);
 
+    /// Why an access came to its end without a step of its own, in words.
+    virtual QString whyDropped(int station) const;
+
 private:
-    AccessResult await(const QString &what, int tag, int (Link::*waiting)() const);
+    AccessResult await(int station, const QString &what, int tag, int (Link::*waiting)() const);
     AccessResult outcome(const QString &what, Cycle::Step step) const;
 
     Link &m_link;
@@ -42,5 +45,8 @@ private:
     Verdict m_verdict;
     int m_lastTag = 0; // counted downwards, apart from the tags that others count upwards
 };
+
+/// Of an access to a station that is left alone, in words.
+QString notAskedText();
 
 } // namespace dx4::host

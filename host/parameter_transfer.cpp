@@ -4,6 +4,8 @@
 
 #include "host/length.h"
 
+#include <QMap>
+
 #include <algorithm>
 
 namespace dx4::host {
@@ -30,6 +32,9 @@ QVector<Run> runsOf(const QVector<int> &addresses, int longest)
     return runs;
 }
 
+/// Why the station refused, by internal address.
+using Refusals = QMap<int, QString>;
+
 /// Reads runs into a set; splits those that are refused.
 class Reader {
 public:
@@ -52,6 +57,8 @@ public:
         return {};
     }
 
+    const Refusals &refusals() const { return m_refusals; }
+
 private:
     QString readRun(const Run &run)
     {
@@ -64,7 +71,7 @@ private:
             settled(run.count);
             return {};
         case AccessResult::Kind::Refused:
-            return run.count > 1 ? readOneByOne(run) : refused(run.address);
+            return run.count > 1 ? readOneByOne(run) : refused(run.address, result.reason);
         case AccessResult::Kind::NoAnswer:
         case AccessResult::Kind::LineDown:
             return result.reason;
@@ -80,8 +87,9 @@ private:
         return broken;
     }
 
-    QString refused(int address)
+    QString refused(int address, const QString &reason)
     {
+        m_refusals.insert(address, reason);
         m_set.refused.append(address);
         std::sort(m_set.refused.begin(), m_set.refused.end());
         settled(1);
@@ -98,6 +106,7 @@ private:
     RegisterAccess &m_access;
     ParameterSet &m_set;
     const TransferProgress &m_progress;
+    Refusals m_refusals;
     int m_done = 0;
     int m_total = 0;
 };
@@ -110,43 +119,101 @@ QVector<int> addressesOf(const ParameterSet &set)
     return addresses;
 }
 
-/// Values of a station that a set names and that are not the set's.
-QVector<ParameterDifference> unequal(const ParameterSet &wanted, const ParameterSet &held)
+/// Values that a set names, that the station does not hold, and that it did not refuse.
+QVector<ParameterDifference> unequal(const ParameterSet &wanted, const ParameterSet &held,
+                                     const Refusals &refusals)
 {
     QVector<ParameterDifference> differences = compare(wanted, held);
-    const auto notWanted = [](const ParameterDifference &difference) {
-        return !difference.first.has_value();
+    const auto isElsewhere = [&refusals](const ParameterDifference &difference) {
+        return !difference.first.has_value() || refusals.contains(difference.address);
     };
-    differences.erase(std::remove_if(differences.begin(), differences.end(), notWanted),
+    differences.erase(std::remove_if(differences.begin(), differences.end(), isElsewhere),
                       differences.end());
     return differences;
 }
 
-/// Writes what differs; false when it broke off.
-bool writeDifferences(RegisterAccess &access, int station,
-                      const QVector<ParameterDifference> &differences, RestoreReport &report)
+/// Writes what differs; gives why it broke off, empty when it did not.
+QString writeDifferences(RegisterAccess &access, int station,
+                         const QVector<ParameterDifference> &differences, int &written,
+                         Refusals &refusals)
 {
     for (const ParameterDifference &difference : differences) {
-        // What the station does not have cannot be written; it stays among the remaining.
-        if (!difference.second)
-            continue;
         const AccessResult result =
             access.write(station, QStringLiteral("F"), difference.address, *difference.first);
         switch (result.kind) {
         case AccessResult::Kind::Done:
-            ++report.written;
+            ++written;
             break;
         case AccessResult::Kind::Refused:
-            report.refused.append(result.reason);
+            refusals.insert(difference.address, result.reason);
             break;
         case AccessResult::Kind::NoAnswer:
         case AccessResult::Kind::LineDown:
-            report.interrupted = result.reason;
-            return false;
+            return result.reason;
         }
     }
-    return true;
+    return {};
 }
+
+/// One restore on its way: compare, write, verify.
+class Restore {
+public:
+    Restore(RegisterAccess &access, int station, const ParameterSet &wanted,
+            const TransferProgress &progress)
+        : m_access(access)
+        , m_station(station)
+        , m_wanted(wanted)
+        , m_progress(progress)
+    {
+    }
+
+    RestoreReport run()
+    {
+        const ParameterSet held = read();
+        m_report.compared = lengthOf(held.values);
+        if (!m_report.interrupted.isEmpty())
+            return m_report;
+        m_report.remaining = unequal(m_wanted, held, m_refusals);
+        if (!m_report.remaining.isEmpty())
+            writeAndVerify();
+        m_report.refused = m_refusals.values();
+        return m_report;
+    }
+
+private:
+    ParameterSet read()
+    {
+        ParameterSet held;
+        held.station = m_station;
+        Reader reader(m_access, held, m_progress);
+        m_report.interrupted = reader.read(addressesOf(m_wanted));
+        for (auto it = reader.refusals().begin(); it != reader.refusals().end(); ++it)
+            m_refusals.insert(it.key(), it.value());
+        return held;
+    }
+
+    void writeAndVerify()
+    {
+        m_report.interrupted =
+            writeDifferences(m_access, m_station, m_report.remaining, m_report.written, m_refusals);
+        if (!m_report.interrupted.isEmpty())
+            return;
+        const ParameterSet verified = read();
+        // Another write may have brought about what the station refused to take.
+        for (auto it = verified.values.begin(); it != verified.values.end(); ++it) {
+            if (m_wanted.values.value(it.key()) == it.value())
+                m_refusals.remove(it.key());
+        }
+        m_report.remaining = unequal(m_wanted, verified, m_refusals);
+    }
+
+    RegisterAccess &m_access;
+    const int m_station;
+    const ParameterSet &m_wanted;
+    const TransferProgress &m_progress;
+    RestoreReport m_report;
+    Refusals m_refusals;
+};
 
 } // namespace
 
@@ -167,26 +234,7 @@ bool readParameters(RegisterAccess &access, ParameterSet &set, QString *error,
 RestoreReport restoreParameters(RegisterAccess &access, int station, const ParameterSet &wanted,
                                 const TransferProgress &progress)
 {
-    RestoreReport report;
-    const QVector<int> addresses = addressesOf(wanted);
-    ParameterSet held;
-    held.station = station;
-    report.interrupted = Reader(access, held, progress).read(addresses);
-    report.compared = lengthOf(held.values);
-    if (!report.interrupted.isEmpty())
-        return report;
-
-    report.remaining = unequal(wanted, held);
-    if (report.remaining.isEmpty())
-        return report;
-    if (!writeDifferences(access, station, report.remaining, report))
-        return report;
-
-    ParameterSet verified;
-    verified.station = station;
-    report.interrupted = Reader(access, verified, progress).read(addresses);
-    report.remaining = unequal(wanted, verified);
-    return report;
+    return Restore(access, station, wanted, progress).run();
 }
 
 } // namespace dx4::host

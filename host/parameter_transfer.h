@@ -31,12 +31,15 @@ bool readParameters(RegisterAccess &access, ParameterSet &set, QString *error,
 struct RestoreReport {
     int compared = 0; ///< registers read and compared
     int written = 0; ///< registers that differed and took the write
-    QStringList refused; ///< one line per write that the station refused
-    QVector<ParameterDifference> remaining; ///< first: wanted, second: what the station holds
+    QStringList refused; ///< one line per register that the station refused to tell or to take
+    QVector<ParameterDifference> remaining; ///< the rest that differs; first: wanted, second: held
     QString interrupted; ///< why it broke off; empty when it came to its end
 
     /// Whether the station was seen to hold every value of the set.
-    bool isRestored() const { return interrupted.isEmpty() && remaining.isEmpty(); }
+    bool isRestored() const
+    {
+        return interrupted.isEmpty() && refused.isEmpty() && remaining.isEmpty();
+    }
 };
 
 /// Makes a station hold the values of a set.
@@ -44,7 +47,8 @@ struct RestoreReport {
 /// The station is read first and only what differs is written, as drives wear out their memory.
 /// Afterwards everything is read once more: a write may change other parameters. A restore that
 /// broke off is taken up by calling it again, what was written before no longer differs.
-/// Parameters that the drive locks while it runs are refused by it and reported.
+/// Parameters that the drive locks while it runs are refused by it and reported, each with the
+/// exception; they are not among those that still differ.
 ///
 /// @param station  need not be the set's own
 RestoreReport restoreParameters(RegisterAccess &access, int station, const ParameterSet &wanted,

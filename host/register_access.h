@@ -11,13 +11,13 @@ namespace dx4::host {
 struct AccessResult {
     enum class Kind {
         Done,
-        Refused, ///< the station answered with an exception; asking again gives the same answer
-        NoAnswer, ///< the station did not answer with all its tries
+        Refused, ///< the station answered with an exception, with all tries that could help
+        NoAnswer, ///< no right reply came with all tries
         LineDown, ///< the line is closed; a write may still be carried out when it is back
     };
 
     Kind kind = Kind::Done;
-    QString reason; ///< one line for the user; empty when done
+    QString reason; ///< one line for the user: which register, and what came back; empty when done
     QVector<quint16> values; ///< of a read that was done
 };
 

@@ -4,6 +4,7 @@
 
 #include "host/length.h"
 #include "host/notation.h"
+#include "host/verdict_text.h"
 #include "register_tables.h"
 
 #include <algorithm>
@@ -194,11 +195,12 @@ void WriteDesk::givenUp(Position entry, const ReplyVerdict &verdict)
     if (verdict.cause == ReplyCause::Exception)
         return finish(entry,
                       { id, WriteEnd::Rejected, Refusal::None, verdict.exceptionCode, wasSent,
-                        QStringLiteral("rejected with exception %1").arg(verdict.exceptionCode) });
-    const QString text = entry->second.stage == Stage::ReadingBack
-        ? QStringLiteral("echoed, but could not be read back")
-        : QStringLiteral("no right reply");
-    finish(entry, { id, WriteEnd::TimedOut, Refusal::None, 0, wasSent, text });
+                        QStringLiteral("rejected with %1").arg(verdictText(verdict)) });
+    const QString where = entry->second.stage == Stage::ReadingBack
+        ? QStringLiteral("echoed, but could not be read back: ")
+        : QString();
+    finish(entry,
+           { id, WriteEnd::TimedOut, Refusal::None, 0, wasSent, where + verdictText(verdict) });
 }
 
 bool WriteDesk::overlapsQueued(int id, const WriteWish &wish) const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Parameter sets read from a station and restored, over link, cycle and the line in memory.
 #include "host/cycle_access.h"
+#include "host/guarded_exchange.h"
 #include "host/memory_line.h"
 #include "host/parameter_transfer.h"
 
@@ -9,6 +10,8 @@
 #include <QSet>
 
 #include <gtest/gtest.h>
+
+#include <optional>
 
 using namespace dx4::host;
 
@@ -38,6 +41,8 @@ public:
         const int count = isRead ? word(request, 4) : 1;
         if (silentAfter-- <= 0)
             return {};
+        if (instead)
+            return *instead;
         for (int i = 0; i < count; ++i) {
             if (missing.contains(first + i) || (!isRead && locked.contains(first + i)))
                 return sealed({ 1, static_cast<unsigned char>(request.at(1) | 0x80), 2 });
@@ -53,6 +58,9 @@ public:
     QMap<int, int> values;
     QSet<int> missing;
     QSet<int> locked;
+    QSet<int> stubborn; ///< echoed and not kept
+    QMap<int, int> coupled; ///< writing the first sets the second to its index
+    std::optional<QByteArray> instead; ///< sent in place of every reply
     QVector<int> written; ///< registers in the order they were written
     int silentAfter = 1'000'000; ///< requests answered before the drive falls silent
 
@@ -71,7 +79,10 @@ private:
     {
         const bool isMany = request.at(1) == 16;
         written.append(word(request, 2));
-        values.insert(word(request, 2), word(request, isMany ? 7 : 4));
+        if (!stubborn.contains(word(request, 2)))
+            values.insert(word(request, 2), word(request, isMany ? 7 : 4));
+        if (coupled.contains(word(request, 2)))
+            values.remove(coupled.value(word(request, 2)));
         return isMany ? sealed({ 1, 16, static_cast<unsigned char>(request.at(2)),
                                  static_cast<unsigned char>(request.at(3)), 0, 1 })
                       : request;
@@ -190,7 +201,7 @@ TEST_F(ParameterTransfer, AnEqualStationIsNotWrittenAtAll)
     EXPECT_TRUE(drive.written.isEmpty());
 }
 
-TEST_F(ParameterTransfer, ARefusedWriteIsToldAndRemains)
+TEST_F(ParameterTransfer, ARefusedWriteIsToldWithItsExceptionAlone)
 {
     readParameters(access, set, &error);
     drive.values = { { 0xF105, 99 }, { 0xF106, 97 } };
@@ -201,9 +212,80 @@ TEST_F(ParameterTransfer, ARefusedWriteIsToldAndRemains)
     EXPECT_FALSE(report.isRestored());
     EXPECT_EQ(report.written, 1);
     ASSERT_EQ(report.refused.size(), 1);
-    EXPECT_EQ(report.refused.at(0).toStdString(), "station 1, F 1.5 (0xF105): exception 2");
+    EXPECT_EQ(report.refused.at(0).toStdString(),
+              "station 1, F 1.5 (0xF105): exception 2, register not there");
+    EXPECT_TRUE(report.remaining.isEmpty());
+}
+
+TEST_F(ParameterTransfer, ARegisterThatTheStationLacksIsToldAsRefused)
+{
+    readParameters(access, set, &error);
+    drive.missing = { 0xF105 };
+
+    const RestoreReport report = restoreParameters(access, 1, set);
+
+    EXPECT_FALSE(report.isRestored());
+    EXPECT_EQ(report.compared, 202);
+    ASSERT_EQ(report.refused.size(), 1);
+    EXPECT_EQ(report.refused.at(0).toStdString(),
+              "station 1, F 1.5 (0xF105): exception 2, register not there");
+    EXPECT_TRUE(report.remaining.isEmpty());
+    EXPECT_TRUE(drive.written.isEmpty());
+}
+
+TEST_F(ParameterTransfer, AValueThatTheStationEchoesAndDoesNotKeepStillDiffers)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 } };
+    drive.stubborn = { 0xF105 };
+
+    const RestoreReport report = restoreParameters(access, 1, set);
+
+    EXPECT_FALSE(report.isRestored());
+    EXPECT_TRUE(report.refused.isEmpty());
     ASSERT_EQ(report.remaining.size(), 1);
     EXPECT_EQ(report.remaining.at(0).text().toStdString(), "F 1.5 (0xF105): 5 | 99");
+}
+
+TEST_F(ParameterTransfer, ARefusedValueThatAnotherWriteBringsAboutIsRestored)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 }, { 0xF106, 97 } };
+    drive.locked = { 0xF105 };
+    drive.coupled = { { 0xF106, 0xF105 } };
+
+    const RestoreReport report = restoreParameters(access, 1, set);
+
+    EXPECT_TRUE(report.isRestored());
+    EXPECT_EQ(report.written, 1);
+}
+
+TEST_F(ParameterTransfer, TheCauseOfAFailedReadIsNamed)
+{
+    const std::pair<const char *, const char *> rows[] = {
+        { "", "no answer" },
+        { "01 03 02", "the reply was cut short" },
+        { "01 03 02 00 05 00 00", "the reply had a wrong CRC" },
+        { "framed 02 03 02 00 05", "another station replied" },
+        { "framed 01 83 04", "exception 4, device failed" },
+        { "framed 01 83 0B", "exception 11, a code of the device's own" },
+    };
+    GuardedExchange guard(line);
+    Cycle guarded(link, guard);
+    CycleAccess named(link, guarded, [&guard] { return guard.report().verdict; });
+    for (const auto &[reply, cause] : rows) {
+        SCOPED_TRACE(cause);
+        const std::string text = reply;
+        const bool isFramed = text.rfind("framed ", 0) == 0;
+        drive.instead = isFramed ? frameOf(text.substr(7)) : bytesOf(text);
+
+        const AccessResult result = named.read(1, QStringLiteral("F"), 0, 1);
+
+        EXPECT_EQ(result.reason.toStdString(), std::string("station 1, F 0.0 (0xF000): ") + cause);
+        EXPECT_EQ(result.kind,
+                  std::string(cause).rfind("exception", 0) == 0 ? AccessResult::Kind::Refused
+                                                                : AccessResult::Kind::NoAnswer);
+    }
 }
 
 TEST_F(ParameterTransfer, ARestoreThatBrokeOffIsTakenUpByTheNext)

@@ -51,7 +51,8 @@ TEST_F(RuntimeAccessTest, ARefusedReadIsRefused)
     const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
 
     EXPECT_EQ(result.kind, AccessResult::Kind::Refused);
-    EXPECT_EQ(result.reason.toStdString(), "station 1, F 1.5 (0xF105): exception 2");
+    EXPECT_EQ(result.reason.toStdString(),
+              "station 1, F 1.5 (0xF105): exception 2, register not there");
 }
 
 TEST_F(RuntimeAccessTest, ADeadStationDoesNotAnswer)
@@ -61,6 +62,43 @@ TEST_F(RuntimeAccessTest, ADeadStationDoesNotAnswer)
     const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
 
     EXPECT_EQ(result.kind, AccessResult::Kind::NoAnswer);
+    EXPECT_EQ(result.reason.toStdString(), "station 1, F 1.5 (0xF105): no answer");
+}
+
+TEST_F(RuntimeAccessTest, AStationThatIsLeftAloneIsNotAsked)
+{
+    under.stations.dead = { 1 };
+    access.read(1, QStringLiteral("F"), 0x0105, 1);
+    access.read(1, QStringLiteral("F"), 0x0105, 1);
+    const auto before = under.stations.line.sent().size();
+
+    const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::NoAnswer);
+    EXPECT_EQ(result.reason.toStdString(),
+              "station 1, F 1.5 (0xF105): not asked, the station does not answer");
+    EXPECT_EQ(under.stations.line.sent().size(), before);
+}
+
+TEST_F(RuntimeAccessTest, ABareCycleTellsAStationLeftAloneToo)
+{
+    ScriptedLine stations(slowLine());
+    stations.dead = { 1 };
+    GuardedExchange guard(stations.line);
+    Breaker breaker;
+    breaker.noteGiveUp(1, stations.line.now());
+    breaker.noteGiveUp(1, stations.line.now());
+    BreakerExchange exchange(stations.line, guard, breaker);
+    Link link(privateCopy(), LinkSettings());
+    Cycle cycle(link, exchange);
+    CycleAccess bare(link, cycle, [&guard] { return guard.report().verdict; });
+
+    const AccessResult result = bare.read(1, QStringLiteral("F"), 0x0105, 1);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::NoAnswer);
+    EXPECT_EQ(result.reason.toStdString(),
+              "station 1, F 1.5 (0xF105): not asked, the station does not answer");
+    EXPECT_TRUE(stations.line.sent().isEmpty());
 }
 
 TEST_F(RuntimeAccessTest, AWriteThatIsRefusedAtOnceIsOnlyReportedHere)

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// Verdicts on replies in words.
+#include "host/verdict_text.h"
+
+#include <QStringList>
+
+namespace dx4::host {
+
+QString exceptionName(int code)
+{
+    static const QStringList names {
+        QStringLiteral("function not known"),      QStringLiteral("register not there"),
+        QStringLiteral("value not allowed"),       QStringLiteral("device failed"),
+        QStringLiteral("accepted, takes a while"), QStringLiteral("device busy"),
+    };
+    return names.value(code - 1, QStringLiteral("a code of the device's own"));
+}
+
+QString verdictText(const ReplyVerdict &verdict)
+{
+    switch (verdict.cause) {
+    case ReplyCause::Good:
+        return QStringLiteral("answered");
+    case ReplyCause::Silence:
+        return QStringLiteral("no answer");
+    case ReplyCause::Truncated:
+        return QStringLiteral("the reply was cut short");
+    case ReplyCause::BadCrc:
+        return QStringLiteral("the reply had a wrong CRC");
+    case ReplyCause::ForeignStation:
+        return QStringLiteral("another station replied");
+    case ReplyCause::WrongFunction:
+        return QStringLiteral("the reply was to another function");
+    case ReplyCause::WrongByteCount:
+        return QStringLiteral("the reply had another number of registers");
+    case ReplyCause::WrongEcho:
+        return QStringLiteral("the echo was of another write");
+    case ReplyCause::Exception:
+        return QStringLiteral("exception %1, %2")
+            .arg(verdict.exceptionCode)
+            .arg(exceptionName(verdict.exceptionCode));
+    }
+    return QString();
+}
+
+} // namespace dx4::host

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+// Verdicts on replies in words.
+#pragma once
+
+#include "host/reply_check.h"
+
+#include <QString>
+
+namespace dx4::host {
+
+/// "register not there" for 2; what Modbus means by the code.
+QString exceptionName(int code);
+
+/// "no answer", "the reply has a wrong CRC", "exception 2, register not there".
+QString verdictText(const ReplyVerdict &verdict);
+
+} // namespace dx4::host
