@@ -26,7 +26,7 @@ int intf_addConditionRead(KEY_ADDRESS address, int varKind)
     const bool fitsOneRequest = limit >= address.count;
     const Pieces pieces = fitsOneRequest ? Pieces::whole(address.address, address.count)
                                          : Pieces::cut(address.address, address.count, limit);
-    queuePieces(driver.conditionList, var, pieces,
+    queuePieces(driver.conditionList, headOf(var), pieces,
                 [](VARIABLE &entry, qint64) { std::memset(entry.data, 0, sizeof entry.data); });
     // Deliberate: the last piece alone stands here, so that a cut request reports one outcome.
     if (pieces.size() > 0) {

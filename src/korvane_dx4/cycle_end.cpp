@@ -41,7 +41,8 @@ void closeConditionRead()
 {
     if (driver.conditionList.isEmpty())
         return;
-    const bool isLastQueued = sameRegisters(driver.conditionList.constFirst(), driver.conditionVar);
+    const bool isLastQueued =
+        sameRegisters(driver.conditionList.constFirst(), headOf(driver.conditionVar));
     if (isLastQueued) {
         notifyHost(outcomeLink, outcomeStation, QLatin1String("-1"),
                    hasFailed() ? outcomeFailed : outcomeServed);

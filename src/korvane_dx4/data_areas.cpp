@@ -30,17 +30,23 @@ int findOrAppend(const RegisterKey &key, QList<_DATA_> &list)
     return count;
 }
 
+// The buffer could overlap anything as far as the compiler knows: reading both bytes before writing
+// one, and keeping the place in the list apart, lets it move a register with one load and store.
 void copyShown(const RecordRun &run, unsigned char *out)
 {
-    const QList<_DATA_> &areas = driver.dataAreas;
-    for (int i = 0; i < run.count; ++i) {
-        const unsigned char *shown = shownBytes(areas.at(run.position + i));
-        out[2 * i] = shown[0];
-        out[2 * i + 1] = shown[1];
+    auto area = driver.dataAreas.constBegin() + run.position;
+    for (const auto end = area + run.count; area != end; ++area, out += 2) {
+        const unsigned char *shown = shownBytes(*area);
+        const unsigned char low = shown[0];
+        const unsigned char high = shown[1];
+        out[0] = low;
+        out[1] = high;
     }
 }
 
 } // namespace
+
+int dx4::foundOffsets[registerTypeCount + 1] = {};
 
 RegisterRange dx4::rangeOf(const VARIABLE &var)
 {

@@ -11,6 +11,8 @@
 #include <QList>
 #include <QString>
 
+#include <algorithm>
+
 namespace dx4 {
 
 /// Bits of _DATA_::flags, by number.
@@ -37,6 +39,11 @@ struct RecordRun {
     int count; ///< at least 1
 };
 
+/// Where records of a type were found last: position less address, for each type. A guess, checked
+/// against the record each time, that spares a search when a host asks for the same registers again
+/// or for their neighbours.
+extern int foundOffsets[registerTypeCount + 1];
+
 /// Finds the records of one station and type, quickest in ascending order of address. Needs a
 /// CacheScope scope.
 ///
@@ -46,6 +53,7 @@ class RegisterFinder {
 public:
     explicit RegisterFinder(const RegisterOwner &owner)
         : m_owner(owner)
+        , m_offset(foundOffsets[std::min<quint32>(owner.typeBits, registerTypeCount)])
     {
     }
 
@@ -55,13 +63,11 @@ public:
     /// @param most  at least 1
     RecordRun runFrom(int address, int most)
     {
-        const int expected = wrapAdd(m_position, wrapSub(address, m_address));
+        const int expected = wrapAdd(m_offset, address);
         const int position = standsAt(expected, address) ? expected : lookUp(address);
         const bool continuesRun = position == expected && position == m_behind;
         if (continuesRun && standsAt(position - 1, wrapSub(address, 1)))
             dataAreaIndex.join(position);
-        m_position = position;
-        m_address = address;
         const int count = most > 1 ? dataAreaIndex.joinedFrom(position, most) : 1;
         m_behind = position + count;
         return { position, count };
@@ -85,15 +91,16 @@ private:
         return isInside && hasKey(areas.at(position), { m_owner, address });
     }
 
-    int lookUp(int address) const { return dataAreaIndex.findOrAppend({ m_owner, address }); }
+    int lookUp(int address)
+    {
+        const int position = dataAreaIndex.findOrAppend({ m_owner, address });
+        m_offset = wrapSub(position, address);
+        return position;
+    }
 
     RegisterOwner m_owner;
-    int m_position = nowhere; // of the last run
-    int m_address = 0; // of the last run
-    int m_behind = nowhere; // position behind the last run
-
-    // No address of the drive leads to a position from here.
-    static constexpr int nowhere = -0x40000000;
+    int &m_offset; // of the last record found, shared by all finders of the type
+    int m_behind = -1; // position behind the last run
 };
 
 /// The 16-bit value that a register shows: the written one while its write is pending.

@@ -16,20 +16,14 @@ inline void assignText(QString &to, const QString &from)
         to = from;
 }
 
-/// Copies every field but `data`.
-inline void copyHead(VARIABLE &to, const VARIABLE &from)
+/// Copies every field; the two must be different records.
+inline void copyVariable(VARIABLE &to, const VARIABLE &from)
 {
     to.varKind = from.varKind;
     to.station = from.station;
     assignText(to.regType, from.regType);
     to.address = from.address;
     to.count = from.count;
-}
-
-/// Copies every field; the two must be different records.
-inline void copyVariable(VARIABLE &to, const VARIABLE &from)
-{
-    copyHead(to, from);
     std::memcpy(to.data, from.data, sizeof to.data);
 }
 

@@ -16,7 +16,7 @@ namespace {
 SpareRecord<VARIABLE> spareRequest;
 
 // Position to overwrite, or the size of the list to append.
-int positionFor(const QList<VARIABLE> &list, const VARIABLE &request)
+int positionFor(const QList<VARIABLE> &list, const RequestHead &request)
 {
     const int size = static_cast<int>(list.size());
     for (int i = size - 1; i > 0; --i) {
@@ -28,7 +28,7 @@ int positionFor(const QList<VARIABLE> &list, const VARIABLE &request)
 
 // Requests of the run that renew an entry between the head and the last one of a full list,
 // ascending.
-std::vector<qint64> renewingPieces(const QList<VARIABLE> &list, const VARIABLE &request,
+std::vector<qint64> renewingPieces(const QList<VARIABLE> &list, const RequestHead &request,
                                    const Pieces &pieces, qint64 first)
 {
     std::vector<qint64> renewing;
@@ -85,11 +85,15 @@ int Pieces::count(qint64 j) const
     return isRest ? m_rest : m_limit;
 }
 
-VARIABLE &placeRequest(QList<VARIABLE> &list, const VARIABLE &request)
+VARIABLE &placeRequest(QList<VARIABLE> &list, const RequestHead &request)
 {
     const int position = positionFor(list, request);
     VARIABLE &entry = position == list.size() ? spareRequest.appendTo(list) : list[position];
-    copyHead(entry, request);
+    entry.varKind = request.varKind;
+    entry.station = request.station;
+    assignText(entry.regType, request.regType);
+    entry.address = request.address;
+    entry.count = request.count;
     return entry;
 }
 
@@ -98,7 +102,7 @@ void removeHeadRequest(QList<VARIABLE> &list)
     spareRequest.removeHead(list);
 }
 
-std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const VARIABLE &request,
+std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const RequestHead &request,
                                   const Pieces &pieces, qint64 first)
 {
     if (first >= pieces.size())
@@ -115,7 +119,7 @@ std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const VARIABLE &r
     return lasting;
 }
 
-bool sameRegisters(const VARIABLE &a, const VARIABLE &b)
+bool sameRegisters(const VARIABLE &a, const RequestHead &b)
 {
     return a.address == b.address && a.station == b.station && a.count == b.count
         && sameText(a.regType, b.regType);

@@ -5,6 +5,7 @@
 #include "host_records.h"
 
 #include <QList>
+#include <QString>
 
 #include <vector>
 
@@ -64,17 +65,31 @@ private:
     qint64 m_size;
 };
 
+/// A request without its values, which take a kilobyte that need not be cleared twice; the name
+/// must outlive it.
+struct RequestHead {
+    int varKind;
+    int station;
+    const QString &regType;
+    int address;
+    int count;
+};
+
+inline RequestHead headOf(const VARIABLE &var)
+{
+    return { var.varKind, var.station, var.regType, var.address, var.count };
+}
+
 /// Whether two requests ask for the same registers.
-bool sameRegisters(const VARIABLE &a, const VARIABLE &b);
+bool sameRegisters(const VARIABLE &a, const RequestHead &b);
 
 /// Gives a request its place in a list: that of the last one for the same registers, else the end.
 ///
 /// The head is never replaced, it may be on the line. A list of 513 entries does not grow: its last
 /// entry is replaced.
 ///
-/// @param request  every field but `data` is copied
 /// @return the entry, whose `data` is to be filled; valid until the list changes
-VARIABLE &placeRequest(QList<VARIABLE> &list, const VARIABLE &request);
+VARIABLE &placeRequest(QList<VARIABLE> &list, const RequestHead &request);
 
 /// Removes the head; nothing happens to an empty list.
 void removeHeadRequest(QList<VARIABLE> &list);
@@ -83,7 +98,7 @@ void removeHeadRequest(QList<VARIABLE> &list);
 ///
 /// @param request  station and type of the run
 /// @param first    the first request not queued yet
-std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const VARIABLE &request,
+std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const RequestHead &request,
                                   const Pieces &pieces, qint64 first);
 
 /// Queues all requests of a run.
@@ -94,7 +109,7 @@ std::vector<qint64> lastingPieces(const QList<VARIABLE> &list, const VARIABLE &r
 /// @param request  station, type and kind of the run; address and count are set for each request
 /// @param fill     called with each entry and the number of its request, to set all of its data
 template <typename Fill>
-void queuePieces(QList<VARIABLE> &list, VARIABLE &request, const Pieces &pieces, Fill fill)
+void queuePieces(QList<VARIABLE> &list, RequestHead request, const Pieces &pieces, Fill fill)
 {
     const auto queuePiece = [&](qint64 j) {
         request.address = pieces.address(j);

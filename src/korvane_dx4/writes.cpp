@@ -30,13 +30,10 @@ void takeValues(VARIABLE &entry, const unsigned char *data)
 
 void queueWrite(const RegisterRange &range, const unsigned char *data, int varKind)
 {
-    VARIABLE var;
-    var.varKind = varKind;
-    var.station = range.station;
-    var.regType = REG_LIST[range.type];
+    const RequestHead request { varKind, range.station, REG_LIST[range.type], 0, 0 };
     const Pieces pieces =
         Pieces::cut(range.address, range.count, splitLimit(driver.writeBlockSize));
-    queuePieces(driver.writeList, var, pieces, [&](VARIABLE &entry, qint64 j) {
+    queuePieces(driver.writeList, request, pieces, [&](VARIABLE &entry, qint64 j) {
         const bool hasValues = entry.count > 0;
         takeValues(entry,
                    hasValues ? data + pieces.registersBefore(j) * bytesPerRegister : nullptr);
