@@ -2,13 +2,13 @@
 // Finds the record of a register in driver.dataAreas at a cost that does not grow with the cache.
 #include "korvane_dx4/data_area_index.h"
 
+#include "korvane_dx4/record_copy.h"
 #include "wire/register_type.h"
 
 #include <QtAlgorithms>
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <utility>
 
 namespace dx4 {
@@ -72,11 +72,11 @@ int DataAreaIndex::append(const RegisterKey &key, quint32 tag, Place place)
     if (!m_writing)
         letGo();
     const int position = static_cast<int>(driver.dataAreas.size());
-    driver.dataAreas.append(_DATA_());
-    _DATA_ &record = driver.dataAreas.last();
-    record.station = key.owner.station;
-    record.regType = key.owner.regType;
-    record.address = key.address;
+    // Copied from a record that has the name already, which costs less than giving it the name.
+    m_fresh.station = key.owner.station;
+    assignText(m_fresh.regType, key.owner.regType);
+    m_fresh.address = key.address;
+    driver.dataAreas.append(m_fresh);
     const bool hasRoom = static_cast<std::size_t>(m_entries) < m_buckets.size() * entriesPerBucket;
     if (!hasRoom || !place.bucket) {
         insert(tag, position);
@@ -118,6 +118,7 @@ void DataAreaIndex::forget()
 {
     std::vector<Bucket>().swap(m_buckets);
     std::vector<quint64>().swap(m_joined);
+    m_fresh = {};
     m_entries = 0;
     m_complete = true;
     m_seen = driver.dataAreas;
@@ -169,23 +170,35 @@ bool DataAreaIndex::isComplete() const
     return m_complete && !isTouched();
 }
 
-// Buckets are probed in steps of 1, 2, 3, ..., which reaches each bucket of a power of two. A
-// bucket with an empty slot ends the search, because nothing is ever removed.
+// Buckets are probed in steps of 1, 2, 3, ..., which reaches each bucket of a power of two. In its
+// bucket an entry takes the slot of its address, another one only when that is taken. Nothing is
+// ever removed, so that a free slot of its own, or any free slot behind a foreign one, ends the
+// search.
 DataAreaIndex::Place DataAreaIndex::probe(const RegisterKey &key, quint32 tag)
 {
-    const QList<_DATA_> &areas = driver.dataAreas;
     const std::size_t mask = m_buckets.size() - 1;
     std::size_t at = tag >> slotBits;
     for (std::size_t step = 1; step <= m_buckets.size(); at += step++) {
         Bucket &bucket = m_buckets[at & mask];
-        for (int slot = 0; slot < bucketSlots; ++slot) {
-            const int position = bucket.positions[slot];
-            if (position == emptySlot)
-                return { &bucket, slot, emptySlot };
-            const bool isLikely = bucket.tags[slot] == tag && position < areas.size();
-            if (isLikely && hasKey(areas.at(position), key))
-                return { &bucket, slot, position };
-        }
+        const Place place = find(bucket, key, tag);
+        if (place.bucket)
+            return place;
+    }
+    return {};
+}
+
+DataAreaIndex::Place DataAreaIndex::find(Bucket &bucket, const RegisterKey &key, quint32 tag)
+{
+    const QList<_DATA_> &areas = driver.dataAreas;
+    const unsigned own = tag & slotMask;
+    for (unsigned i = 0; i < bucketSlots; ++i) {
+        const unsigned slot = own ^ i; // its own first, then each of the others
+        const int position = bucket.positions[slot];
+        if (position == emptySlot)
+            return { &bucket, static_cast<int>(slot), emptySlot };
+        const bool isLikely = bucket.tags[slot] == tag && position < areas.size();
+        if (isLikely && hasKey(areas.at(position), key))
+            return { &bucket, static_cast<int>(slot), position };
     }
     return {};
 }
@@ -215,8 +228,10 @@ void DataAreaIndex::grow()
     m_buckets.assign(old.empty() ? smallestTable : old.size() * 2, empty);
     m_entries = 0;
     for (const Bucket &bucket : old) {
-        for (int slot = 0; slot < bucketSlots && bucket.positions[slot] != emptySlot; ++slot)
-            insert(bucket.tags[slot], bucket.positions[slot]);
+        for (int slot = 0; slot < bucketSlots; ++slot) {
+            if (bucket.positions[slot] != emptySlot)
+                insert(bucket.tags[slot], bucket.positions[slot]);
+        }
     }
 }
 
@@ -228,15 +243,15 @@ void DataAreaIndex::insert(quint32 tag, int position)
     std::size_t at = tag >> slotBits;
     for (std::size_t step = 1;; at += step++) {
         Bucket &bucket = m_buckets[at & mask];
-        const auto *slot =
-            std::find(std::begin(bucket.positions), std::end(bucket.positions), emptySlot);
-        if (slot == std::end(bucket.positions))
-            continue;
-        const std::ptrdiff_t free = slot - std::begin(bucket.positions);
-        bucket.tags[free] = tag;
-        bucket.positions[free] = position;
-        ++m_entries;
-        return;
+        for (unsigned i = 0; i < bucketSlots; ++i) {
+            const unsigned slot = (tag & slotMask) ^ i;
+            if (bucket.positions[slot] != emptySlot)
+                continue;
+            bucket.tags[slot] = tag;
+            bucket.positions[slot] = position;
+            ++m_entries;
+            return;
+        }
     }
 }
 

@@ -83,7 +83,7 @@ public:
 private:
     friend class CacheScope;
 
-    // Registers with neighbouring addresses share a bucket, one cache line, filled from its start.
+    // Registers with neighbouring addresses share a bucket, one cache line.
     static constexpr int bucketSlots = 8;
     static constexpr int emptySlot = -1;
 
@@ -106,12 +106,14 @@ private:
     void dropKnowledge();
     bool isComplete() const;
     Place probe(const RegisterKey &key, quint32 tag);
+    static Place find(Bucket &bucket, const RegisterKey &key, quint32 tag);
     int append(const RegisterKey &key, quint32 tag, Place place);
     void rebuild();
     void grow();
     void insert(quint32 tag, int position);
 
     std::vector<Bucket> m_buckets;
+    _DATA_ m_fresh; // the record appended last, zeroed but for its key
     int m_entries = 0;
     bool m_complete = true; // every record of the list has its entry
     std::vector<quint64> m_joined; // bit p: record p continues record p - 1
