@@ -140,6 +140,136 @@ TEST_F(GuardedExchangeTest, NoFlippedBitConfirmsAWrite)
     }
 }
 
+namespace {
+
+/// A request of the set with its right reply.
+struct Golden {
+    const char *name;
+    const char *reply;
+    void (*ask)(Link &link);
+};
+
+/// Every kind of reply: damaged in each bit and cut at each length it must stay without effect.
+class GuardedSet : public GuardedExchangeTest, public ::testing::WithParamInterface<Golden> {
+protected:
+    GuardedSet()
+    {
+        link.poll({});
+        link.poll({ wanted(2, QStringLiteral("SW"), 0) });
+        step(); // the adapter is known not to echo
+        link.poll({});
+    }
+
+    /// One step that uses the line: the driver pauses after some requests in a row.
+    std::string exchange()
+    {
+        std::string cause = step();
+        while (lastStep == Cycle::Step::Idle)
+            cause = step();
+        return cause;
+    }
+
+    /// Asks, hears `damaged` and then the right reply.
+    void play(const QByteArray &damaged, const std::string &cause)
+    {
+        GetParam().ask(link);
+        inverter.changes = { instead(damaged), instead(framed(GetParam().reply)) };
+
+        const std::string bad = exchange();
+        EXPECT_EQ(lastStep, Cycle::Step::Retry);
+        const std::string next = exchange();
+
+        EXPECT_EQ(bad, cause);
+        EXPECT_EQ(next, framed(GetParam().reply).size() == 5 ? "exception 2" : "good");
+        EXPECT_EQ(link.waitingWrites() + link.waitingConditionReads(), 0);
+    }
+};
+
+void askForRun(Link &link)
+{
+    link.addConditionRead(1, QStringLiteral("D"), 0, 2);
+}
+
+const Golden goldenSet[] = {
+    { "ReadOfOne", "01 03 02 12 34",
+      [](Link &link) { link.addConditionRead(1, QStringLiteral("D"), 0, 1); } },
+    { "ReadOfARun", "01 03 04 12 34 56 78", askForRun },
+    { "Exception", "01 83 02", askForRun },
+    { "WriteOfOne", "01 06 10 01 00 01",
+      [](Link &link) { link.write(1, QStringLiteral("CW"), 0, { 1 }); } },
+    { "WriteOfARun", "01 10 F0 00 00 02",
+      [](Link &link) {
+          link.write(1, QStringLiteral("F"), 0, { 7, 8 });
+      } },
+};
+
+} // namespace
+
+TEST_P(GuardedSet, NoFlippedBitGetsThrough)
+{
+    const QByteArray right = framed(GetParam().reply);
+    quint64 crc = 0;
+    quint64 truncated = 0;
+    for (int bit = 0; bit < right.size() * 8; ++bit) {
+        SCOPED_TRACE("bit " + std::to_string(bit));
+        QByteArray flipped = right;
+        flipped[bit / 8] = static_cast<char>(flipped.at(bit / 8) ^ (1 << (bit % 8)));
+        // An exception whose function byte is hit is a reply that is too short.
+        const bool isShort = right.size() == 5 && bit / 8 == 1;
+        ++(isShort ? truncated : crc);
+
+        play(flipped, isShort ? "truncated" : "bad crc");
+    }
+
+    EXPECT_EQ(cycle.counters().total().badCrc, crc);
+    EXPECT_EQ(cycle.counters().total().truncated, truncated);
+    EXPECT_EQ(cycle.counters().total().retries, crc + truncated);
+    EXPECT_EQ(cycle.counters().station(1).requests, 2 * (crc + truncated));
+}
+
+TEST_P(GuardedSet, NoCutReplyGetsThrough)
+{
+    const QByteArray right = framed(GetParam().reply);
+    for (int length = 0; length < right.size(); ++length) {
+        SCOPED_TRACE(std::to_string(length) + " bytes");
+        play(right.left(length), length == 0 ? "silence" : "truncated");
+    }
+
+    EXPECT_EQ(cycle.counters().total().timeouts, 1U);
+    EXPECT_EQ(cycle.counters().total().truncated, static_cast<quint64>(right.size() - 1));
+}
+
+TEST_P(GuardedSet, NoForeignReplyGetsThrough)
+{
+    QByteArray foreign = framed(GetParam().reply);
+    foreign[0] = 2;
+
+    play(renewedCrc(foreign), "foreign");
+
+    EXPECT_EQ(cycle.counters().station(1).foreign, 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Replies, GuardedSet, ::testing::ValuesIn(goldenSet),
+                         [](const auto &row) { return std::string(row.param.name); });
+
+TEST_F(GuardedExchangeTest, SilenceEndsWithTheTimeoutAndTheWireTimeOfTheReply)
+{
+    inverter.changes.push_back(silence());
+
+    EXPECT_EQ(step(), "silence");
+    EXPECT_EQ(cycle.reply().turnaround, milliseconds(8 + 100 + 9));
+}
+
+TEST_F(GuardedExchangeTest, WhatCameBeforeTheRequestIsDropped)
+{
+    inverter.line.inject(framed("01 03 04 66 66 66 66"));
+    inverter.line.advance(milliseconds(50));
+
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(value("D", 0), 0x1234);
+    EXPECT_EQ(guard.report().foreignFrames, 0);
+}
+
 TEST_F(GuardedExchangeTest, RepliesOfOthersEachHaveTheirCause)
 {
     const std::pair<std::string, std::string> rows[] = {

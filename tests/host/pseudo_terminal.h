@@ -40,6 +40,14 @@ public:
                   bytes.size());
     }
 
+    /// What the near end has set; a pseudo-terminal knows no parity.
+    termios settings() const
+    {
+        termios current {};
+        EXPECT_EQ(tcgetattr(m_far, &current), 0);
+        return current;
+    }
+
     /// Takes the adapter away; the near end hangs up.
     void unplug()
     {

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <map>
+
 using namespace dx4::host;
 using Texts = std::vector<std::string>;
 
@@ -72,7 +75,10 @@ protected:
     FrameRing ring;
     WatchedLink first;
     WatchedLink second;
-    MemoryLine line { [this](const QByteArray &) { return MemoryLine::Answer { answer }; } };
+    std::function<QByteArray(const QByteArray &)> answerTo; ///< in place of `answer` where set
+    MemoryLine line { [this](const QByteArray &request) {
+        return MemoryLine::Answer { answerTo ? answerTo(request) : answer };
+    } };
     RecordingLine recording { line, ring };
     LineExchange firstExchange { recording };
     Cycle firstCycle { first.link, firstExchange };
@@ -142,6 +148,31 @@ TEST_F(ReplayTest, WhatTheGuardMadeOfTheLineItMakesAgain)
     EXPECT_EQ(first.changes, (Texts { "1 D 0 = 30583", "1 D 1 = 7" }));
     EXPECT_EQ(second.changes, first.changes);
     EXPECT_EQ(second.cache(), first.cache());
+}
+
+TEST_F(ReplayTest, AReadOfTheGuardsOwnComesBackAsAOneOffRead)
+{
+    GuardedExchange guarded(recording);
+    Cycle guardedCycle(first.link, guarded);
+    first.link.write(1, QStringLiteral("FRE"), 0, { 500 });
+    const std::map<QByteArray, QByteArray> replies = {
+        { frameOf("01 03 20 00 00 01"), status },
+        { frameOf("01 06 10 02 01 F4"), frameOf("01 06 10 02 01 F4") },
+        { frameOf("01 03 D0 00 00 02"), monitors },
+    };
+    answerTo = [&replies](const QByteArray &request) { return replies.at(request); };
+    guardedCycle.step();
+    guardedCycle.step();
+
+    ReplayLine replayed(ring.frames(), LineSettings());
+    GuardedExchange exchange(replayed);
+    const ReplayResult result = replay(second.link, replayed, exchange);
+
+    EXPECT_TRUE(result.complete) << result.stoppedAt.toStdString();
+    EXPECT_EQ(result.played, 3);
+    EXPECT_EQ(first.changes, (Texts { "1 D 0 = 4660", "1 D 1 = 7" }));
+    EXPECT_EQ(second.link.registerState(1, QStringLiteral("FRE"), 0).value, 500);
+    EXPECT_EQ(second.link.registerState(1, QStringLiteral("D"), 0).value, 4660);
 }
 
 TEST_F(ReplayTest, WritesAreQueuedRightBeforeTheirTurn)

@@ -4,6 +4,8 @@
 
 #include <QJsonArray>
 
+#include <thread>
+
 using namespace dx4::host;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
@@ -131,6 +133,66 @@ TEST_F(RuntimeTest, AGivenUpRequestIsCountedOnce)
     EXPECT_EQ(host.host.counters().total().giveUps, 1U);
     EXPECT_EQ(host.host.counters().total().retries, 2U);
     EXPECT_EQ(host.host.counters().total().timeouts, 3U);
+}
+
+namespace {
+
+/// A line whose port is not there; notes when somebody tried it.
+class AbsentLine : public MemoryLine {
+public:
+    AbsentLine()
+        : MemoryLine([](const QByteArray &) { return Answer {}; })
+    {
+        unplug();
+    }
+
+    bool open(QString *error) override
+    {
+        attempts.push_back(now() / milliseconds(1));
+        return MemoryLine::open(error);
+    }
+
+    std::vector<qint64> attempts; ///< in ms
+};
+
+} // namespace
+
+TEST(RuntimeReopening, PausesDoubleFrom50MillisecondsTo2Seconds)
+{
+    AbsentLine line;
+    RuntimeSettings settings;
+    settings.pause = [&line](Duration span) { line.advance(span); };
+    Runtime runtime(privateCopy(), line, settings);
+
+    runtime.run([&line] { return line.now() >= seconds(8); });
+
+    EXPECT_EQ(line.attempts,
+              (std::vector<qint64> { 0, 50, 150, 350, 750, 1550, 3150, 5150, 7150 }));
+}
+
+TEST(TwoRuntimes, EachOnItsOwnThreadDoWhatTheyDoAlone)
+{
+    constexpr int steps = 2000;
+    RuntimeUnderTest first;
+    RuntimeUnderTest second;
+    RuntimeUnderTest alone;
+    for (RuntimeUnderTest *host : { &first, &second, &alone }) {
+        host->host.setPlan(planOf({ { 1, QStringLiteral("D 0") }, { 2, QStringLiteral("D 8") } }));
+        host->stations.registers[{ 1, 0xD000 }] = 17;
+        host->stations.dead = { 2 };
+        host->write(1, "FRE", 0, { 500 });
+    }
+
+    std::thread other([&second] { second.steps(steps); });
+    first.steps(steps);
+    other.join();
+    alone.steps(steps);
+
+    for (const RuntimeUnderTest *host : { &first, &second }) {
+        EXPECT_EQ(host->outcomes, Texts { "1000 confirmed" });
+        EXPECT_EQ(host->stations.line.sent(), alone.stations.line.sent());
+        EXPECT_EQ(host->host.countersJson(), alone.host.countersJson());
+    }
 }
 
 TEST(TwoRuntimes, ADeadLineDoesNotDisturbTheOther)

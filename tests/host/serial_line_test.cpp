@@ -131,6 +131,24 @@ TEST_F(SerialLineTest, AnAdapterThatComesBackAsAnotherDeviceIsFoundUnderItsName)
     EXPECT_EQ(bytes, "hello");
 }
 
+TEST_F(SerialLineTest, SpeedAndStopBitsReachThePort)
+{
+    const PseudoTerminal adapter;
+    LineSettings settings = on(adapter.path());
+    settings.speed = 19200;
+    settings.stopBits = 2;
+    SerialLine line(settings);
+    QString error;
+
+    ASSERT_TRUE(line.open(&error)) << error.toStdString();
+
+    const termios seen = adapter.settings();
+    EXPECT_EQ(cfgetospeed(&seen), static_cast<speed_t>(B19200));
+    EXPECT_EQ(seen.c_cflag & CSIZE, static_cast<tcflag_t>(CS8));
+    EXPECT_NE(seen.c_cflag & CSTOPB, 0U);
+    EXPECT_EQ(seen.c_lflag & (ICANON | ECHO), 0U);
+}
+
 TEST_F(SerialLineTest, InputThatIsDiscardedIsNoReply)
 {
     PseudoTerminal adapter;
