@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The counters of a cycle, as text and as JSON.
+// The host's counters, as text and as JSON.
 #include "cli/counters_text.h"
 
 namespace dx4::cli {
@@ -27,6 +27,39 @@ QJsonObject countersJson(const host::CounterSet &counters)
              { QStringLiteral("badReplies"), static_cast<qint64>(total.requests - answered) },
              { QStringLiteral("bytesSent"), static_cast<qint64>(total.bytesSent) },
              { QStringLiteral("bytesReceived"), static_cast<qint64>(total.bytesReceived) } };
+}
+
+QStringList failureTexts(const host::RequestCounts &counts)
+{
+    QStringList texts;
+    const auto add = [&texts](quint64 count, const QString &name) {
+        if (count > 0)
+            texts.append(QStringLiteral("%1 %2").arg(count).arg(name));
+    };
+    add(counts.timeouts, QStringLiteral("silence"));
+    add(counts.truncated, QStringLiteral("truncated"));
+    add(counts.badCrc, QStringLiteral("wrong CRC"));
+    add(counts.foreign, QStringLiteral("other station"));
+    add(counts.wrongReplies, QStringLiteral("wrong reply"));
+    for (const auto &[code, count] : counts.exceptions)
+        add(count, QStringLiteral("exception %1").arg(code));
+    return texts.isEmpty() ? QStringList { QStringLiteral("none") } : texts;
+}
+
+QStringList answerTexts(const host::RequestCounts &counts)
+{
+    QStringList texts;
+    for (std::size_t i = 0; i < counts.turnaround.size(); ++i) {
+        if (counts.turnaround.at(i) == 0)
+            continue;
+        const bool isLast = i == host::turnaroundBounds.size();
+        texts.append(
+            QStringLiteral("%1 %2 %3 ms")
+                .arg(counts.turnaround.at(i))
+                .arg(isLast ? QStringLiteral("above") : QStringLiteral("within"))
+                .arg(isLast ? host::turnaroundBounds.back() : host::turnaroundBounds.at(i)));
+    }
+    return texts.isEmpty() ? QStringList { QStringLiteral("none") } : texts;
 }
 
 } // namespace dx4::cli

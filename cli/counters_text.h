@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The counters of a cycle, as text and as JSON.
+// The host's counters, as text and as JSON.
 #pragma once
 
 #include "host/counters.h"
 
 #include <QJsonObject>
+#include <QStringList>
 
 namespace dx4::cli {
 
@@ -13,5 +14,11 @@ QString countersText(const host::CounterSet &counters);
 
 /// Their sums over all blocks.
 QJsonObject countersJson(const host::CounterSet &counters);
+
+/// What went wrong and how often, "2 silence", "1 exception 6"; "none" where nothing did.
+QStringList failureTexts(const host::RequestCounts &counts);
+
+/// How long stations took to answer, "12 within 1 ms"; "none" where nothing was answered.
+QStringList answerTexts(const host::RequestCounts &counts);
 
 } // namespace dx4::cli

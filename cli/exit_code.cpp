@@ -2,8 +2,6 @@
 // How the program ends, for the script that called it.
 #include "cli/exit_code.h"
 
-#include <QTextStream>
-
 #include <cstdio>
 
 namespace dx4::cli {
@@ -17,7 +15,8 @@ int complain(const QString &command, const Failure &failure)
 void note(const QString &command, const QString &text)
 {
     const QString program = command.isEmpty() ? QStringLiteral("dx4") : QStringLiteral("dx4 ");
-    QTextStream(stderr) << program << command << ": " << text << '\n';
+    const QByteArray line = (program + command + QStringLiteral(": ") + text).toUtf8();
+    std::fprintf(stderr, "%s\n", line.constData());
 }
 
 } // namespace dx4::cli

@@ -45,4 +45,10 @@ bool shouldEnd()
     return interrupted() || readerGone();
 }
 
+void pauseFor(host::Duration span)
+{
+    watchForInterrupt();
+    stopSignal->wait(span);
+}
+
 } // namespace dx4::cli

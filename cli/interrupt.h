@@ -2,6 +2,8 @@
 // Ctrl-C, a termination request and a reader that has gone, noted for the loop that runs.
 #pragma once
 
+#include "host/line_settings.h"
+
 namespace dx4::cli {
 
 /// From now on SIGINT, SIGTERM and SIGHUP are noted instead of ending the program.
@@ -18,5 +20,8 @@ bool readerGone();
 
 /// Whether a loop should end: one of the two.
 bool shouldEnd();
+
+/// Lets time pass; a signal cuts the first such pause short.
+void pauseFor(host::Duration span);
 
 } // namespace dx4::cli

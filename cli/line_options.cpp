@@ -19,8 +19,16 @@ QString formatText(const host::LineSettings &line)
     return QStringLiteral("8%1%2").arg(parity).arg(line.stopBits);
 }
 
+host::Parity parityOf(const QString &format)
+{
+    const QChar letter = format.at(1);
+    if (letter == QLatin1Char('E'))
+        return host::Parity::Even;
+    return letter == QLatin1Char('O') ? host::Parity::Odd : host::Parity::None;
+}
+
 /// Fills in what was not given.
-void complete(LineOptions &options, const host::Config &config)
+void fillIn(LineOptions &options, const host::Config &config)
 {
     if (options.port.isEmpty())
         options.port = config.line.port;
@@ -37,12 +45,25 @@ void complete(LineOptions &options, const host::Config &config)
         options.retries = config.link.retryLimit - 1; // the driver counts the first try too
     if (options.block == 0)
         options.block = config.link.blockSize;
-    options.stopWord = config.stop.controlWord;
     for (const host::StationConfig &station : config.stations) {
-        options.stations.append(station.address);
         for (const host::RegisterConfig &entry : station.registers)
             options.registers.append(QStringLiteral("%1:%2").arg(station.address).arg(entry.at));
     }
+}
+
+/// Puts what was given in place of what the configuration says.
+void complete(LineOptions &options, const host::Config &config)
+{
+    fillIn(options, config);
+    host::Config &plant = options.plant;
+    plant = config;
+    plant.line.port = options.port;
+    plant.line.speed = options.speed;
+    plant.line.parity = parityOf(options.format);
+    plant.line.stopBits = options.format.endsWith(QLatin1Char('2')) ? 2 : 1;
+    plant.line.responseTimeout = std::chrono::milliseconds(options.timeout);
+    plant.link.retryLimit = options.retries + 1;
+    plant.link.blockSize = options.block;
 }
 
 int readConfiguration(LineOptions &options, const QString &name)
@@ -79,29 +100,6 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
     command.flag("--json", options.json, "print one JSON object per line");
     addDriverOption(command, options.driver);
     command.prepare([&options, name] { return readConfiguration(options, name); });
-}
-
-host::LineSettings lineSettings(const LineOptions &options)
-{
-    host::LineSettings settings;
-    settings.port = options.port;
-    settings.speed = options.speed;
-    const QChar parity = options.format.at(1);
-    if (parity == QLatin1Char('E'))
-        settings.parity = host::Parity::Even;
-    if (parity == QLatin1Char('O'))
-        settings.parity = host::Parity::Odd;
-    settings.stopBits = options.format.endsWith(QLatin1Char('2')) ? 2 : 1;
-    settings.responseTimeout = std::chrono::milliseconds(options.timeout);
-    return settings;
-}
-
-host::LinkSettings linkSettings(const LineOptions &options)
-{
-    host::LinkSettings settings;
-    settings.retryLimit = options.retries + 1;
-    settings.blockSize = options.block;
-    return settings;
 }
 
 } // namespace dx4::cli

@@ -3,12 +3,7 @@
 #pragma once
 
 #include "cli/command_line.h"
-#include "host/line_settings.h"
-#include "host/link.h"
-
-#include <QVector>
-
-#include <optional>
+#include "host/config.h"
 
 namespace dx4::cli {
 
@@ -27,8 +22,7 @@ struct LineOptions {
     bool json = false;
 
     QStringList registers; ///< of the configuration, as splitTargets() takes them
-    QVector<int> stations; ///< of the configuration
-    std::optional<quint16> stopWord; ///< control word of the configured stop
+    host::Config plant; ///< the configuration, with the options in place of what they replace
 };
 
 /// Adds the options of a line to a command, and the step that reads the configuration. `options`
@@ -36,9 +30,5 @@ struct LineOptions {
 ///
 /// @param name  the command, for messages
 void addLineOptions(Command &command, LineOptions &options, const QString &name);
-
-/// The settings that follow from the options.
-host::LineSettings lineSettings(const LineOptions &options);
-host::LinkSettings linkSettings(const LineOptions &options);
 
 } // namespace dx4::cli

@@ -2,10 +2,10 @@
 // Standard output: data, as lines of text or as one JSON object per line.
 #include "cli/output.h"
 
+#include "cli/terminal.h"
 #include "host/length.h"
 
 #include <QJsonDocument>
-#include <QTextStream>
 #include <QVector>
 
 #include <algorithm>
@@ -13,16 +13,22 @@
 
 namespace dx4::cli {
 
+void writeText(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
+    std::fflush(stdout);
+}
+
 void printLine(const QString &line)
 {
-    QTextStream(stdout) << line << '\n';
+    writeText(line + QLatin1Char('\n'));
 }
 
 void printLines(const QStringList &lines)
 {
-    QTextStream out(stdout);
     for (const QString &line : lines)
-        out << line << '\n';
+        printLine(line);
 }
 
 void printJson(const QJsonObject &object)
@@ -57,6 +63,45 @@ QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightA
             line.chop(1);
         lines.append(line);
     }
+    return lines;
+}
+
+QString csvLine(const QStringList &cells)
+{
+    QStringList quoted;
+    for (QString cell : cells) {
+        const bool plain = !cell.contains(QLatin1Char(',')) && !cell.contains(QLatin1Char('"'))
+            && !cell.contains(QLatin1Char('\n'));
+        cell.replace(QLatin1Char('"'), QLatin1String("\"\""));
+        quoted.append(plain ? cell : QLatin1Char('"') + cell + QLatin1Char('"'));
+    }
+    return quoted.join(QLatin1Char(','));
+}
+
+QStringList wrapped(const QStringList &words, const QString &indent)
+{
+    QStringList lines;
+    QString line = indent;
+    for (int i = 0; i < host::lengthOf(words); ++i) {
+        const bool isLast = i + 1 == host::lengthOf(words);
+        const QString word = isLast ? words.at(i) : words.at(i) + QLatin1Char(',');
+        const bool isFirst = line == indent;
+        if (!isFirst && line.size() + 1 + word.size() > terminalColumns) {
+            lines.append(line);
+            line = indent + word;
+            continue;
+        }
+        line += isFirst ? word : QLatin1Char(' ') + word;
+    }
+    return words.isEmpty() ? QStringList() : lines << line;
+}
+
+QStringList indented(const QString &head, const QStringList &words)
+{
+    constexpr int headWidth = 10;
+    QStringList lines = wrapped(words, QString(headWidth, QLatin1Char(' ')));
+    if (!lines.isEmpty())
+        lines.first().replace(0, headWidth, head.leftJustified(headWidth));
     return lines;
 }
 

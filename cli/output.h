@@ -7,6 +7,9 @@
 
 namespace dx4::cli {
 
+/// Writes text as UTF-8 whatever the locale, and hands it on at once.
+void writeText(const QString &text);
+
 /// Writes a line and hands it on at once, so that a reader at the other end of a pipe sees it.
 void printLine(const QString &line);
 void printLines(const QStringList &lines);
@@ -22,6 +25,15 @@ QString jsonText(const QJsonObject &object);
 /// @param rows  the heads first; every row has as many cells
 /// @param rightAligned  numbers of the columns with numbers in them
 QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightAligned = {});
+
+/// A row of a CSV file; cells with commas, quotes or line ends in quotes.
+QString csvLine(const QStringList &cells);
+
+/// Words joined by commas into lines no wider than a terminal, each with `indent` in front.
+QStringList wrapped(const QStringList &words, const QString &indent);
+
+/// The same behind a head of ten columns, "failures  2 silence, 1 wrong CRC".
+QStringList indented(const QString &head, const QStringList &words);
 
 /// "0x00FF", with at least `digits` digits.
 QString hex(unsigned value, int digits);

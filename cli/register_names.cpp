@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
-// What the simulated inverter's registers are called and count in: the only table of it.
+// What registers are called and count in: by the configuration, or in the simulated inverter.
 #include "cli/register_names.h"
 
+#include "host/address_range.h"
 #include "host/notation.h"
+
+#include <algorithm>
+#include <array>
 
 namespace dx4::cli {
 namespace {
@@ -52,29 +56,85 @@ constexpr Row rows[] = {
     { "F", parameter(8, 8), "Longest time unasked", "s", 1, false },
 };
 
+/// Values that the last shown digit counts in.
+constexpr std::array<double, 3> factors = { 1.0, 0.1, 0.01 };
+
+bool isRegister(const WatchedValue &value, int station, const QString &regType, int address)
+{
+    return value.station == station && value.regType == regType && value.address == address;
+}
+
+/// The registers of one entry of a configuration; none when the driver does not know the address.
+QVector<WatchedValue> valuesOf(int station, const host::RegisterConfig &entry,
+                               const host::DriverApi &api)
+{
+    QVector<WatchedValue> values;
+    const auto range = host::parseRange(entry.at, nullptr);
+    int address = 0;
+    const bool known = range
+        && api.checkAddr(range->regType, range->firstText, &address, 0, range->count, ReadAccess)
+            == AddressAccepted;
+    for (int i = 0; known && i < range->count; ++i)
+        values.append({ station, range->regType, address + i, entry.name, entry.scaling, false });
+    return values;
+}
+
 } // namespace
 
 WatchedValue plainValue(int station, const QString &regType, int address)
 {
-    return { station, regType, address, QString(), QString(), 0, false };
+    return { station, regType, address, QString(), host::Scaling(), false };
 }
 
 WatchedValue namedValue(int station, const QString &regType, int address)
 {
-    for (const Row &row : rows) {
-        if (regType == QLatin1String(row.regType) && address == row.address)
-            return { station,
-                     regType,
-                     address,
-                     QString::fromLatin1(row.name),
-                     QString::fromLatin1(row.unit),
-                     row.decimals,
-                     row.bits };
-    }
     WatchedValue value = plainValue(station, regType, address);
+    for (const Row &row : rows) {
+        if (regType != QLatin1String(row.regType) || address != row.address)
+            continue;
+        value.name = QString::fromLatin1(row.name);
+        value.scaling.unit = QString::fromLatin1(row.unit);
+        value.scaling.decimals = row.decimals;
+        value.scaling.factor = factors.at(static_cast<std::size_t>(row.decimals));
+        value.bits = row.bits;
+        return value;
+    }
     if (regType == QLatin1String("F"))
         value.name = QStringLiteral("Parameter %1").arg(host::addressText(regType, address));
     return value;
+}
+
+RegisterNames::RegisterNames(const host::Config &plant, const host::DriverApi &api, bool simulated)
+    : m_simulated(simulated)
+{
+    for (const host::StationConfig &station : plant.stations) {
+        for (const host::RegisterConfig &entry : station.registers)
+            m_configured += valuesOf(station.address, entry, api);
+    }
+}
+
+WatchedValue RegisterNames::of(int station, const QString &regType, int address) const
+{
+    const auto *const configured =
+        std::find_if(m_configured.cbegin(), m_configured.cend(), [&](const WatchedValue &value) {
+            return isRegister(value, station, regType, address);
+        });
+    if (configured != m_configured.cend() && isDescribed(*configured))
+        return *configured;
+    return m_simulated ? namedValue(station, regType, address)
+                       : plainValue(station, regType, address);
+}
+
+QStringList RegisterNames::namesIn(int station, const QString &regType, int address,
+                                   int count) const
+{
+    QStringList names;
+    for (int i = 0; i < count; ++i) {
+        const QString name = of(station, regType, address + i).name;
+        if (!name.isEmpty())
+            names.append(name);
+    }
+    return names;
 }
 
 } // namespace dx4::cli

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What the simulated inverter's registers are called and count in: the only table of it.
+// What registers are called and count in: by the configuration, or in the simulated inverter.
 #pragma once
 
 #include "cli/watch_list.h"
+#include "host/config.h"
+#include "host/plugin.h"
 
 namespace dx4::cli {
 
@@ -11,13 +13,29 @@ inline constexpr quint16 runWord = 1;
 inline constexpr quint16 runReverseWord = 3;
 inline constexpr quint16 stopWord = 0;
 
-/// Digits behind the point of a frequency, D 0, D 1 and FRE: they count in 0.01 Hz.
-inline constexpr int frequencyDecimals = 2;
-
-/// The register with name and unit; a plain number where the table has none.
+/// The register with name and unit of the simulated inverter; a plain number where it has none.
 WatchedValue namedValue(int station, const QString &regType, int address);
 
 /// The register as a plain number.
 WatchedValue plainValue(int station, const QString &regType, int address);
+
+/// Looks names, units and scaling up: what the configuration says goes first.
+class RegisterNames {
+public:
+    RegisterNames() = default;
+
+    /// @param api        reads the addresses of the configuration
+    /// @param simulated  also with the names of the simulated inverter
+    RegisterNames(const host::Config &plant, const host::DriverApi &api, bool simulated);
+
+    WatchedValue of(int station, const QString &regType, int address) const;
+
+    /// Names of a run's registers, in their order, without those that have none.
+    QStringList namesIn(int station, const QString &regType, int address, int count) const;
+
+private:
+    QVector<WatchedValue> m_configured;
+    bool m_simulated = false;
+};
 
 } // namespace dx4::cli

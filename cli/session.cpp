@@ -1,16 +1,23 @@
 // SPDX-License-Identifier: MIT
-// A line with the driver at work on it, as the commands that need one have it.
+// A line with the reference host at work on it, as the commands that need one have it.
 #include "cli/session.h"
 
 #include "cli/driver_file.h"
 #include "cli/interrupt.h"
+#include "cli/interruptible_line.h"
 #include "cli/reply_text.h"
 #include "cli/values.h"
+#include "host/config_runtime.h"
 #include "host/notation.h"
 #include "host/recording_line.h"
+#include "host/serial_line.h"
+
+#include <algorithm>
 
 namespace dx4::cli {
 namespace {
+
+using Step = host::Runtime::Step;
 
 QString whereText(const Target &target)
 {
@@ -19,21 +26,50 @@ QString whereText(const Target &target)
         .arg(host::fullAddress(target.regType, target.address));
 }
 
+QString triesText(int tries)
+{
+    return tries > 1 ? QStringLiteral(" after %1 tries").arg(tries) : QString();
+}
+
+host::Plan planOf(const Target &target)
+{
+    host::Plan plan;
+    plan.addresses = { host::wanted(target.station, target.regType, target.address, target.count) };
+    return plan;
+}
+
+/// Stops of the configuration and those that a command adds; one per station.
+QVector<host::StopCommand> allStops(const host::RuntimeSettings &settings,
+                                    const QVector<host::StopCommand> &added)
+{
+    QVector<host::StopCommand> stops = settings.stops;
+    for (const host::StopCommand &command : added) {
+        const bool known = std::any_of(stops.cbegin(), stops.cend(), [&](const auto &stop) {
+            return stop.station == command.station;
+        });
+        if (!known)
+            stops.append(command);
+    }
+    return stops;
+}
+
 } // namespace
 
-Session::Session(const LineOptions &options, host::FrameRing *ring)
+Session::Session(const LineOptions &options, const SessionWishes &wishes)
     : m_options(options)
-    , m_line(std::make_unique<host::SerialLine>(lineSettings(options)))
-    , m_recorder(ring ? std::make_unique<host::RecordingLine>(*m_line, *ring) : nullptr)
-    , m_usedLine(m_recorder ? m_recorder.get() : m_line.get())
-    , m_exchange(std::make_unique<host::GuardedExchange>(*m_usedLine))
+    , m_port(std::make_unique<host::SerialLine>(options.plant.line))
+    , m_recorder(wishes.ring ? std::make_unique<host::RecordingLine>(*m_port, *wishes.ring)
+                             : nullptr)
+    , m_line(std::make_unique<InterruptibleLine>(m_recorder ? *m_recorder : *m_port))
 {
 }
 
+Session::~Session() = default;
+
 std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *failure,
-                                       host::FrameRing *ring)
+                                       const SessionWishes &wishes)
 {
-    if (options.port.isEmpty()) {
+    if (options.plant.line.port.isEmpty()) {
         *failure = { ExitUsage,
                      QStringLiteral("no serial port; name it with --port or in DX4_PORT; "
                                     "\"dx4 line\" lists them") };
@@ -42,21 +78,32 @@ std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *fail
     auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, failure);
     if (!plugin)
         return nullptr;
-    std::unique_ptr<Session> session(new Session(options, ring));
+    std::unique_ptr<Session> session(new Session(options, wishes));
     QString error;
     if (!session->m_line->open(&error)) {
         *failure = { ExitLine, QStringLiteral("cannot open %1").arg(error) };
         return nullptr;
     }
-    session->m_link = std::make_unique<host::Link>(std::move(plugin), linkSettings(options));
-    session->m_cycle = std::make_unique<host::Cycle>(*session->m_link, *session->m_exchange);
     watchForInterrupt();
+    host::RuntimeSettings settings = host::runtimeSettings(options.plant);
+    settings.stops = allStops(settings, wishes.stops);
+    settings.staleAfter = wishes.staleAfter;
+    settings.pause = pauseFor;
+    session->m_stops = settings.stops;
+    session->m_runtime =
+        std::make_unique<host::Runtime>(std::move(plugin), *session->m_line, settings);
+    host::setExtraGaps(session->m_runtime->guard(), options.plant);
     return session;
+}
+
+host::Line &Session::line()
+{
+    return *m_line;
 }
 
 host::ReplyVerdict Session::verdict() const
 {
-    const host::ExchangeReport &report = m_exchange->report();
+    const host::ExchangeReport &report = m_runtime->report();
     // Nothing of the station's own came, but others were heard.
     const bool foreignAlone =
         report.verdict.cause == host::ReplyCause::Silence && report.foreignFrames > 0;
@@ -64,29 +111,36 @@ host::ReplyVerdict Session::verdict() const
                         : report.verdict;
 }
 
-Failure Session::failureOf(host::Cycle::Step step, const Target &target, int tries) const
+int Session::requests(bool writes) const
+{
+    const host::CounterSet &counters = m_runtime->counters();
+    return static_cast<int>((writes ? counters.writes() : counters.reads()).requests);
+}
+
+Failure Session::failureOf(Step step, const Target &target, int tries) const
 {
     const QString where = whereText(target);
-    if (step == host::Cycle::Step::LineDown)
-        return { ExitLine, QStringLiteral("%1: the line %2 broke").arg(where, m_options.port) };
-    const QString often = tries > 1 ? QStringLiteral(" after %1 tries").arg(tries) : QString();
+    if (step == Step::LineDown)
+        return { ExitLine, QStringLiteral("%1: %2 broke").arg(where, m_options.plant.line.port) };
+    if (step == Step::Idle)
+        return { ExitNoReply,
+                 QStringLiteral("%1: not asked, as the station is silent").arg(where) };
     return { causeCode(verdict()),
-             QStringLiteral("%1: %2%3").arg(where, causeText(verdict()), often) };
+             QStringLiteral("%1: %2%3").arg(where, causeText(verdict()), triesText(tries)) };
 }
 
 /// Steps until the request of this piece is answered or given up.
 bool Session::settle(const Target &target, Failure *failure)
 {
-    using Step = host::Cycle::Step;
-    const quint64 before = m_cycle->counters().total().requests;
-    while (m_stopping || !shouldEnd()) {
-        const Step taken = step();
+    const int before = requests(false);
+    while (!shouldEnd()) {
+        const Step taken = m_runtime->step();
         if (taken == Step::Served)
             return true;
-        if (taken == Step::Idle || taken == Step::Retry)
+        const bool passedOver = taken == Step::Idle && m_runtime->isLeftAlone(target.station);
+        if (taken == Step::Retry || (taken == Step::Idle && !passedOver))
             continue;
-        const auto tries = static_cast<int>(m_cycle->counters().total().requests - before);
-        *failure = failureOf(taken, target, tries);
+        *failure = failureOf(taken, target, requests(false) - before);
         return false;
     }
     *failure = { ExitInterrupted, QStringLiteral("interrupted") };
@@ -96,47 +150,88 @@ bool Session::settle(const Target &target, Failure *failure)
 std::optional<QVector<quint16>> Session::read(const Target &target, Failure *failure)
 {
     QVector<quint16> values;
-    for (const Target &piece : pieces(target, m_options.block)) {
-        m_link->poll({ host::wanted(piece.station, piece.regType, piece.address, piece.count) });
+    for (const Target &piece : pieces(target, m_options.plant.link.blockSize)) {
+        m_runtime->setPlan(planOf(piece));
         if (!settle(piece, failure))
             return std::nullopt;
-        values += m_link->values(piece.station, piece.regType, piece.address, piece.count);
+        values +=
+            m_runtime->link().values(piece.station, piece.regType, piece.address, piece.count);
     }
+    m_runtime->setPlan({});
     return values;
 }
 
-bool Session::write(const Target &target, const QVector<quint16> &values, Failure *failure)
+bool Session::hear(int station, Failure *failure)
 {
-    m_link->poll({}); // nothing but the write on the line
-    int first = 0;
-    for (const Target &piece : pieces(target, m_options.block)) {
-        m_link->write(piece.station, piece.regType, piece.address, values.mid(first, piece.count));
-        first += piece.count;
-        if (!settle(piece, failure))
-            return false;
+    const Target status { station, QStringLiteral("SW"), 0, 1 };
+    if (read(status, failure))
+        return true;
+    m_runtime->setPlan({});
+    return failure->code == ExitRefused;
+}
+
+Failure Session::failureOf(const host::WriteOutcome &outcome, const Target &target, int tries) const
+{
+    const QString where = whereText(target);
+    switch (outcome.end) {
+    case host::WriteEnd::Rejected:
+    case host::WriteEnd::TimedOut:
+        return failureOf(m_line->isOpen() ? Step::GivenUp : Step::LineDown, target, tries);
+    case host::WriteEnd::NotTaken:
+        return { ExitDiffers,
+                 QStringLiteral("%1: echoed, but the station holds another value").arg(where) };
+    case host::WriteEnd::Refused:
+        if (outcome.refusal == host::Refusal::NotConnected)
+            return failureOf(m_line->isOpen() ? Step::Idle : Step::LineDown, target, tries);
+        break;
+    case host::WriteEnd::Confirmed:
+    case host::WriteEnd::Replaced:
+        break;
     }
-    return true;
+    return { ExitUsage, outcome.text };
+}
+
+QVector<WriteResult> Session::write(const Target &target, const QVector<quint16> &values,
+                                    const WriteManner &manner, Failure *failure)
+{
+    QVector<WriteResult> results;
+    for (const Target &piece : pieces(target, m_options.plant.link.blockSize)) {
+        std::optional<host::WriteOutcome> ended;
+        m_runtime->onOutcome([&ended](const host::WriteOutcome &outcome) { ended = outcome; });
+        const int readsBefore = requests(false);
+        const int writesBefore = requests(true);
+        m_runtime->write({ piece.station, piece.regType, piece.address,
+                           values.mid(piece.address - target.address, piece.count), manner.always,
+                           manner.readBack });
+        m_runtime->run([&ended] { return ended || shouldEnd(); });
+        m_runtime->onOutcome({});
+        if (ended && ended->end == host::WriteEnd::Confirmed) {
+            results.append({ piece, *ended });
+            continue;
+        }
+        const int writes = requests(true) - writesBefore;
+        const int tries = writes > 0 ? writes : requests(false) - readsBefore;
+        const QString maybe =
+            QStringLiteral("interrupted, %1 may have been written").arg(whereText(piece));
+        *failure = ended ? failureOf(*ended, piece, tries) : Failure { ExitInterrupted, maybe };
+        break;
+    }
+    return results;
 }
 
 bool Session::stopSafely(const QString &command)
 {
-    if (!m_options.stopWord)
+    if (!canStop())
         return true;
-    bool confirmed = true;
-    m_stopping = true; // the signal that led here must not end this too
-    for (const int station : m_options.stations) {
-        Failure failure;
-        const Target word { station, QStringLiteral("CW"), 0, 1 };
-        if (write(word, { *m_options.stopWord }, &failure)) {
-            note(command, QStringLiteral("station %1 stopped").arg(station));
-            continue;
-        }
-        failure.text += QStringLiteral("; the motor may still turn");
-        complain(command, failure);
-        confirmed = false;
+    m_line->waitInFull(); // the signal that led here must not cut this short
+    const host::StopReport report = m_runtime->stop(m_options.plant.stop.confirmWithin);
+    for (const host::StopCommand &stop : std::as_const(m_stops)) {
+        if (!report.unconfirmed.contains(stop.station))
+            note(command, QStringLiteral("station %1 stopped").arg(stop.station));
     }
-    m_stopping = false;
-    return confirmed;
+    if (!report.unconfirmed.isEmpty())
+        note(command, report.text);
+    return report.unconfirmed.isEmpty();
 }
 
 } // namespace dx4::cli

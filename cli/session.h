@@ -1,38 +1,52 @@
 // SPDX-License-Identifier: MIT
-// A line with the driver at work on it, as the commands that need one have it.
+// A line with the reference host at work on it, as the commands that need one have it.
 #pragma once
 
 #include "cli/exit_code.h"
 #include "cli/line_options.h"
 #include "cli/target.h"
-#include "host/cycle.h"
 #include "host/frame_ring.h"
-#include "host/guarded_exchange.h"
-#include "host/serial_line.h"
+#include "host/runtime.h"
 
 #include <memory>
 
 namespace dx4::cli {
 
-/// One line, open, and one driver on it.
+class InterruptibleLine;
+
+/// What a command wants beyond its options.
+struct SessionWishes {
+    host::FrameRing *ring = nullptr; ///< keeps what passes over the line; outlives the session
+    host::Duration staleAfter = std::chrono::seconds(5); ///< age from which a value counts as old
+    QVector<host::StopCommand> stops; ///< besides those of the configuration
+};
+
+/// How a run is written.
+struct WriteManner {
+    bool always = false; ///< parameters also where the station holds the values already
+    bool readBack = false; ///< parameters are read after the echo and compared
+};
+
+/// What became of one request of a write.
+struct WriteResult {
+    Target target;
+    host::WriteOutcome outcome;
+};
+
+/// One line, open, and one running host on it.
 class Session {
 public:
-    /// Loads the driver and opens the port.
+    /// Loads the driver and opens the port. From then on signals are noted.
     ///
-    /// @param ring  keeps what passes over the line, and outlives the session; null: nothing is
-    /// kept
     /// @return null with the failure told
     static std::unique_ptr<Session> open(const LineOptions &options, Failure *failure,
-                                         host::FrameRing *ring = nullptr);
+                                         const SessionWishes &wishes = {});
+    ~Session();
 
     const LineOptions &options() const { return m_options; }
-    host::Link &link() { return *m_link; }
-    host::Line &line() { return *m_usedLine; }
-    host::Cycle &cycle() { return *m_cycle; }
-    const host::Cycle &cycle() const { return *m_cycle; }
-
-    /// One exchange. Afterwards verdict() says what came back.
-    host::Cycle::Step step() { return m_cycle->step(); }
+    host::Line &line();
+    host::Runtime &runtime() { return *m_runtime; }
+    const host::Runtime &runtime() const { return *m_runtime; }
 
     /// What came back in the last exchange.
     host::ReplyVerdict verdict() const;
@@ -42,28 +56,38 @@ public:
     /// @return one value per register, or nothing with the failure told
     std::optional<QVector<quint16>> read(const Target &target, Failure *failure);
 
-    /// Writes a run and waits until every echo has come.
-    bool write(const Target &target, const QVector<quint16> &values, Failure *failure);
+    /// Writes a run through the host's write desk and waits until every request has ended.
+    ///
+    /// @return one result per request, those that were confirmed; when one was not the failure is
+    ///         told and the rest is not sent
+    QVector<WriteResult> write(const Target &target, const QVector<quint16> &values,
+                               const WriteManner &manner, Failure *failure);
 
-    /// Sends the configured stop to every station of the configuration, and says what was not
-    /// confirmed. Without one nothing is sent.
+    /// Makes sure that a station is there, by reading its status word; a refusal will do.
+    bool hear(int station, Failure *failure);
+
+    /// Sends the stop to every station that has one, and says what was confirmed and what was not.
+    /// Where nothing is configured nothing is sent.
     ///
     /// @return whether all were confirmed
     bool stopSafely(const QString &command);
 
+    /// Whether stopSafely() has something to send.
+    bool canStop() const { return !m_stops.isEmpty(); }
+
 private:
-    Session(const LineOptions &options, host::FrameRing *ring);
+    Session(const LineOptions &options, const SessionWishes &wishes);
     bool settle(const Target &target, Failure *failure);
-    Failure failureOf(host::Cycle::Step step, const Target &target, int tries) const;
+    Failure failureOf(host::Runtime::Step step, const Target &target, int tries) const;
+    Failure failureOf(const host::WriteOutcome &outcome, const Target &target, int tries) const;
+    int requests(bool writes) const; ///< sent so far
 
     LineOptions m_options;
-    std::unique_ptr<host::Line> m_line;
-    std::unique_ptr<host::Line> m_recorder; ///< around the line; null when nothing is kept
-    host::Line *m_usedLine;
-    std::unique_ptr<host::GuardedExchange> m_exchange;
-    std::unique_ptr<host::Link> m_link;
-    std::unique_ptr<host::Cycle> m_cycle;
-    bool m_stopping = false;
+    QVector<host::StopCommand> m_stops;
+    std::unique_ptr<host::Line> m_port;
+    std::unique_ptr<host::Line> m_recorder; ///< around the port; null when nothing is kept
+    std::unique_ptr<InterruptibleLine> m_line;
+    std::unique_ptr<host::Runtime> m_runtime;
 };
 
 } // namespace dx4::cli

@@ -3,7 +3,6 @@
 #include "cli/value_output.h"
 
 #include "cli/output.h"
-#include "cli/register_names.h"
 #include "host/length.h"
 #include "host/notation.h"
 
@@ -13,7 +12,7 @@ namespace {
 constexpr int addressWidth = 16;
 constexpr int valueWidth = 6;
 
-QString valueLine(const WatchedValue &what, quint16 value, bool names, const QString &outcome)
+QString valueLine(const WatchedValue &what, quint16 value, const QString &outcome)
 {
     QString line =
         QStringLiteral("%1  %2 %3  %4")
@@ -21,11 +20,9 @@ QString valueLine(const WatchedValue &what, quint16 value, bool names, const QSt
             .arg(host::fullAddress(what.regType, what.address).leftJustified(addressWidth))
             .arg(QString::number(value).rightJustified(valueWidth))
             .arg(hex(value, 4));
-    if (names && !what.name.isEmpty())
-        line += QStringLiteral("  %1 %2 %3")
-                    .arg(what.name, formatValue(what, value), what.unit)
-                    .trimmed()
-                    .prepend(QStringLiteral("  "));
+    if (isDescribed(what))
+        line += QStringLiteral("  ")
+            + QStringLiteral("%1 %2").arg(what.name, quantityText(what, value)).trimmed();
     if (!outcome.isEmpty())
         line += QStringLiteral("  ") + outcome;
     return line.trimmed();
@@ -41,23 +38,28 @@ QJsonObject registerJson(int station, const QString &regType, int address)
              { QStringLiteral("register"), host::modbusRegister(regType, address) } };
 }
 
-void printValues(const Target &target, const QVector<quint16> &values, bool json, bool names,
-                 const QString &outcome)
+void describe(QJsonObject &object, const WatchedValue &what, quint16 value)
+{
+    if (!isDescribed(what))
+        return;
+    object.insert(QStringLiteral("name"), what.name);
+    object.insert(QStringLiteral("scaled"), formatValue(what, value));
+    object.insert(QStringLiteral("unit"), what.scaling.unit);
+}
+
+void printValues(const Target &target, const QVector<quint16> &values, bool json,
+                 const RegisterNames &names, const QString &outcome)
 {
     for (int i = 0; i < host::lengthOf(values); ++i) {
-        const WatchedValue what = namedValue(target.station, target.regType, target.address + i);
+        const WatchedValue what = names.of(target.station, target.regType, target.address + i);
         const quint16 value = values.at(i);
         if (!json) {
-            printLine(valueLine(what, value, names, outcome));
+            printLine(valueLine(what, value, outcome));
             continue;
         }
         QJsonObject object = registerJson(what.station, what.regType, what.address);
         object.insert(QStringLiteral("value"), value);
-        if (names && !what.name.isEmpty()) {
-            object.insert(QStringLiteral("name"), what.name);
-            object.insert(QStringLiteral("scaled"), formatValue(what, value));
-            object.insert(QStringLiteral("unit"), what.unit);
-        }
+        describe(object, what, value);
         if (!outcome.isEmpty())
             object.insert(QStringLiteral("outcome"), outcome);
         printJson(object);

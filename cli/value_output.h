@@ -2,6 +2,7 @@
 // Register values that were read or written, as text and as JSON.
 #pragma once
 
+#include "cli/register_names.h"
 #include "cli/target.h"
 
 #include <QJsonObject>
@@ -11,11 +12,13 @@ namespace dx4::cli {
 /// Station, type, address and register of one register.
 QJsonObject registerJson(int station, const QString &regType, int address);
 
+/// Adds name, scaled value and unit where more is known than the number.
+void describe(QJsonObject &object, const WatchedValue &what, quint16 value);
+
 /// Prints one line, or one object, per register of the run.
 ///
-/// @param names    with name and unit, as the simulated inverter has them
 /// @param outcome  put behind each, such as "confirmed"; empty for none
-void printValues(const Target &target, const QVector<quint16> &values, bool json, bool names,
-                 const QString &outcome = QString());
+void printValues(const Target &target, const QVector<quint16> &values, bool json,
+                 const RegisterNames &names, const QString &outcome = QString());
 
 } // namespace dx4::cli

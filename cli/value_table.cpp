@@ -15,21 +15,20 @@ constexpr int unitWidth = 7;
 constexpr int ageWidth = 8;
 constexpr host::Duration freshly = std::chrono::seconds(1);
 
-QString age(const WatchRow &row, host::Duration now)
+QString age(const host::Value &state)
 {
-    if (!row.answeredAt)
+    if (!state.known)
         return QStringLiteral("-");
-    const auto tenths = (now - *row.answeredAt) / std::chrono::milliseconds(100);
+    const auto tenths = state.age / std::chrono::milliseconds(100);
     return QStringLiteral("%1 s").arg(static_cast<double>(tenths) / 10.0, 0, 'f', 1);
 }
 
-/// The age's column, with "!" for one that is too old to rely on.
-QString ageCell(const WatchRow &row, host::Duration now, host::Duration staleAfter,
-                const Terminal &terminal)
+/// The age's column, with "!" for a value that is not to be relied on.
+QString ageCell(const host::Value &state, const Terminal &terminal)
 {
-    const bool stale = row.answeredAt && now - *row.answeredAt >= staleAfter;
+    const bool stale = state.known && state.stale;
     const QString mark = stale ? QStringLiteral("!") : QString();
-    const QString text = (age(row, now) + mark).rightJustified(ageWidth);
+    const QString text = (age(state) + mark).rightJustified(ageWidth);
     return stale ? terminal.styled(text, Terminal::Style::Warning) : text;
 }
 
@@ -37,7 +36,7 @@ QString valueText(const WatchRow &row)
 {
     if (row.state.failed)
         return QStringLiteral("failed");
-    return row.answeredAt ? formatValue(row.what, row.state.value) : QStringLiteral("-");
+    return row.state.known ? formatValue(row.what, row.state.value) : QStringLiteral("-");
 }
 
 /// The value's column with its mark: "*" where colour cannot tell that it changed.
@@ -45,8 +44,9 @@ QString valueCell(const WatchRow &row, host::Duration now, const Terminal &termi
 {
     const bool changed = row.changedAt && now - *row.changedAt < freshly;
     const QString mark = changed && !terminal.colour ? QStringLiteral("*") : QString();
+    const QString unit = row.state.failed ? QString() : row.what.scaling.unit;
     const QString text = (mark + valueText(row)).rightJustified(valueWidth) + QLatin1Char(' ')
-        + row.what.unit.leftJustified(unitWidth);
+        + unit.leftJustified(unitWidth, QLatin1Char(' '), true);
     if (row.state.failed)
         return terminal.styled(text, Terminal::Style::Failed);
     if (row.state.writePending)
@@ -54,14 +54,13 @@ QString valueCell(const WatchRow &row, host::Duration now, const Terminal &termi
     return changed ? terminal.styled(text, Terminal::Style::Changed) : text;
 }
 
-QString rowLine(const WatchRow &row, host::Duration now, const Terminal &terminal,
-                host::Duration staleAfter)
+QString rowLine(const WatchRow &row, host::Duration now, const Terminal &terminal)
 {
     const WatchedValue &what = row.what;
     return QString::number(what.station).leftJustified(stationWidth + 1)
-        + what.name.leftJustified(nameWidth + 1, QLatin1Char(' '), true)
+        + what.name.leftJustified(nameWidth, QLatin1Char(' '), true) + QLatin1Char(' ')
         + host::fullAddress(what.regType, what.address).leftJustified(addressWidth)
-        + valueCell(row, now, terminal) + ageCell(row, now, staleAfter, terminal);
+        + valueCell(row, now, terminal) + ageCell(row.state, terminal);
 }
 
 QString headLine()
@@ -75,12 +74,11 @@ QString headLine()
 
 } // namespace
 
-QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal,
-                       host::Duration staleAfter)
+QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal)
 {
     QStringList lines { terminal.styled(headLine(), Terminal::Style::Bold) };
     for (const WatchRow &row : rows)
-        lines.append(rowLine(row, now, terminal, staleAfter));
+        lines.append(rowLine(row, now, terminal));
     return lines;
 }
 

@@ -9,16 +9,12 @@
 
 namespace dx4::cli {
 
-/// Age from which a value is marked when nothing else is said.
-inline constexpr host::Duration usuallyStaleAfter = std::chrono::seconds(5);
-
 /// The table's head and one line per row, each at most 80 columns wide: station, name, both forms
 /// of the address, value with unit, age. A value that changed within the last second is marked,
-/// with "*" where there is no colour; one whose last read failed says so; an age from `staleAfter`
-/// on carries "!".
+/// with "*" where there is no colour; one whose last read failed says so; the age of one that is
+/// stale carries "!".
 ///
-/// @param now  the line's clock, to which ages are counted
-QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal,
-                       host::Duration staleAfter = usuallyStaleAfter);
+/// @param now  the line's clock
+QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal);
 
 } // namespace dx4::cli

@@ -3,58 +3,42 @@
 #include "cli/watch_list.h"
 
 namespace dx4::cli {
-namespace {
 
-bool covers(const VARIABLE &request, const WatchedValue &value)
+bool isDescribed(const WatchedValue &what)
 {
-    return request.station == value.station && request.regType == value.regType
-        && value.address >= request.address && value.address < request.address + request.count;
+    const host::Scaling &scaling = what.scaling;
+    return what.bits || !what.name.isEmpty() || !scaling.unit.isEmpty() || scaling.isSigned
+        || scaling.factor != 1.0 || scaling.offset != 0.0 || scaling.decimals != 0;
 }
-
-double powerOfTen(int digits)
-{
-    double power = 1.0;
-    for (int i = 0; i < digits; ++i)
-        power *= 10.0;
-    return power;
-}
-
-} // namespace
 
 QString formatValue(const WatchedValue &what, quint16 value)
 {
     if (what.bits)
         return QStringLiteral("0x%1").arg(
             QString::number(value, 16).toUpper().rightJustified(4, QLatin1Char('0')));
-    return QString::number(value / powerOfTen(what.decimals), 'f', what.decimals);
+    return QString::number(what.scaling.quantity(value), 'f', what.scaling.decimals);
+}
+
+QString quantityText(const WatchedValue &what, quint16 value)
+{
+    const QString number = formatValue(what, value);
+    const QString &unit = what.scaling.unit;
+    return unit.isEmpty() ? number : number + QLatin1Char(' ') + unit;
 }
 
 WatchList::WatchList(const QVector<WatchedValue> &values)
 {
     for (const WatchedValue &value : values)
-        m_rows.append({ value, {}, {}, {} });
+        m_rows.append({ value, {}, {} });
 }
 
-QList<KEY_ADDRESS> WatchList::addresses() const
-{
-    QList<KEY_ADDRESS> addresses;
-    for (const WatchRow &row : m_rows)
-        addresses.append(host::wanted(row.what.station, row.what.regType, row.what.address));
-    return addresses;
-}
-
-void WatchList::follow(const host::Link &link, const host::Cycle &cycle, host::Cycle::Step step,
-                       host::Duration now)
+void WatchList::follow(const host::Runtime &runtime, host::Duration now)
 {
     for (WatchRow &row : m_rows) {
-        const quint16 before = row.state.value;
-        row.state = link.registerState(row.what.station, row.what.regType, row.what.address);
-        const bool answered =
-            step == host::Cycle::Step::Served && covers(cycle.request().var, row.what);
-        if (row.answeredAt && row.state.value != before)
+        const host::Value before = row.state;
+        row.state = runtime.value(row.what.station, row.what.regType, row.what.address);
+        if (before.known && row.state.value != before.value)
             row.changedAt = now;
-        if (answered)
-            row.answeredAt = now;
     }
 }
 

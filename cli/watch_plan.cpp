@@ -3,6 +3,7 @@
 #include "cli/watch_plan.h"
 
 #include "cli/driver_file.h"
+#include "cli/output.h"
 #include "cli/target.h"
 
 namespace dx4::cli {
@@ -12,13 +13,18 @@ QStringList wordsOrConfigured(const QStringList &words, const LineOptions &optio
     return words.isEmpty() ? options.registers : words;
 }
 
+Failure noRegisters()
+{
+    return { ExitUsage,
+             QStringLiteral("no registers; name some, such as F c.13 D 0-9, or a file with "
+                            "--config") };
+}
+
 std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &options,
                                    Failure *failure)
 {
     if (words.isEmpty()) {
-        *failure = { ExitUsage,
-                     QStringLiteral("no registers; name some, such as F c.13 D 0-9, or a file with "
-                                    "--config") };
+        *failure = noRegisters();
         return std::nullopt;
     }
     auto scratch = loadDriver(options.driver, host::Plugin::Instance::PrivateCopy, failure);
@@ -32,10 +38,17 @@ std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &
     for (const TargetText &text : *texts)
         entries.append({ text.station, text.text });
     QString error;
-    auto plan = host::Planner(std::move(scratch), linkSettings(options)).make(entries, &error);
+    auto plan = host::Planner(std::move(scratch), options.plant.link).make(entries, &error);
     if (!plan)
         *failure = { ExitUsage, error };
     return plan;
+}
+
+QStringList blockNames(const KEY_ADDRESS &block, const RegisterNames &names)
+{
+    const QString belowTheAddress(9, QLatin1Char(' '));
+    return wrapped(names.namesIn(block.station, block.regType, block.address, block.count),
+                   belowTheAddress);
 }
 
 } // namespace dx4::cli

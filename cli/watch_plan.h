@@ -2,7 +2,9 @@
 // The polling that a user's addresses lead to.
 #pragma once
 
-#include "cli/session.h"
+#include "cli/exit_code.h"
+#include "cli/line_options.h"
+#include "cli/register_names.h"
 #include "host/plan.h"
 
 namespace dx4::cli {
@@ -10,11 +12,17 @@ namespace dx4::cli {
 /// The words, or the registers of the configuration where there are none.
 QStringList wordsOrConfigured(const QStringList &words, const LineOptions &options);
 
+/// What is wrong where neither has any.
+Failure noRegisters();
+
 /// Plans the polling on a private copy of the driver.
 ///
 /// @param words  addresses as splitTargets() takes them
 /// @return nothing when there are none, or one is wrong
 std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &options,
                                    Failure *failure);
+
+/// Lines with the names of a block's registers, to stand below it; none where none has a name.
+QStringList blockNames(const KEY_ADDRESS &block, const RegisterNames &names);
 
 } // namespace dx4::cli

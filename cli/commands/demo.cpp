@@ -4,21 +4,21 @@
 
 #include "cli/commands/demo_view.h"
 #include "cli/driver_file.h"
-#include "cli/interrupt.h"
+#include "cli/polling.h"
 #include "cli/register_names.h"
 #include "cli/simulator_process.h"
+#include "cli/watch_plan.h"
 #include "host/length.h"
-#include "host/serial_line.h"
+#include "host/notation.h"
 
 #include <QDir>
-
-#include <cstdio>
+#include <QHash>
 
 namespace dx4::cli {
 namespace {
 
 constexpr int lineSpeed = 19200; // bit/s
-constexpr unsigned char readFunction = 3;
+constexpr host::Duration stopWithin = std::chrono::seconds(2);
 
 constexpr int parameter(int group, int index)
 {
@@ -75,12 +75,6 @@ QVector<PlannedWrite> demoWrites()
     };
 }
 
-int complain(const QString &what)
-{
-    QTextStream(stderr) << "dx4 demo: " << what << '\n';
-    return 1;
-}
-
 QString notFound(const char *what, const QStringList &tried, const char *option)
 {
     return QStringLiteral("%1 not found; looked for %2; name it with %3")
@@ -88,145 +82,176 @@ QString notFound(const char *what, const QStringList &tried, const char *option)
              QString::fromLatin1(option));
 }
 
-/// The show on a line that is open and a driver that is loaded.
+/// The show on an open session.
 class Show {
 public:
-    Show(host::Link &link, host::Line &line, DemoView &view, int seconds)
-        : m_link(link)
-        , m_line(line)
-        , m_exchange(line)
-        , m_cycle(link, m_exchange)
+    Show(Session &session, DemoView &view, int seconds)
+        : m_session(session)
+        , m_runtime(session.runtime())
         , m_view(view)
         , m_list(demoValues())
         , m_writes(demoWrites())
         , m_length(std::chrono::seconds(seconds))
     {
+        m_runtime.onOutcome([this](const host::WriteOutcome &outcome) { report(outcome); });
     }
 
-    /// Plays it; gives whether everything was answered.
-    bool play(DemoSetting setting)
+    /// Plays it to the end that was asked for.
+    PollEnd play()
     {
-        setting.registers = host::lengthOf(m_list.rows());
-        setting.blocks = host::lengthOf(m_link.poll(m_list.addresses()));
-        m_view.begin(setting);
-        m_start = m_line.now();
-        while (elapsed() < m_length && m_line.isOpen() && !shouldEnd()) {
+        m_start = m_session.line().now();
+        PollSettings settings;
+        settings.enough = [this] {
             makeDueWrites();
-            takeStep();
-        }
-        stopMotor();
-        m_view.end(m_list, m_cycle.counters(), m_line.now(), elapsed());
-        const bool hadTime = !shouldEnd();
-        return m_line.isOpen() && m_cycle.counters().total().giveUps == 0
-            && (m_cycle.counters().reads().good > 0 || !hadTime);
+            return elapsed() >= m_length;
+        };
+        settings.afterStep = [this] { show(); };
+        settings.onLine = [](const QString &) {};
+        settings.patience = host::Duration { 0 }; // a simulator that ended does not come back
+        const PollEnd end = poll(m_session, QStringLiteral("demo"), settings);
+        stopMotor(end);
+        m_view.end(m_list, m_runtime.counters(), m_session.line().now(), elapsed());
+        return end;
     }
 
 private:
-    host::Duration elapsed() const { return m_line.now() - m_start; }
+    host::Duration elapsed() const { return m_session.line().now() - m_start; }
+
+    void show()
+    {
+        const host::Duration now = m_session.line().now();
+        m_list.follow(m_runtime, now);
+        m_view.values(m_list, m_runtime.counters(), now, elapsed());
+    }
 
     void makeDueWrites()
     {
         while (m_nextWrite < m_writes.size()
                && elapsed() * 100 >= m_length * m_writes.at(m_nextWrite).share)
-            queue(m_writes.at(m_nextWrite++));
+            submit(m_writes.at(m_nextWrite++));
     }
 
-    void queue(const PlannedWrite &write)
+    void submit(const PlannedWrite &write)
     {
-        m_link.write(1, write.regType, write.address, write.values);
-        m_underWay.append(write);
+        m_underWay.insert(m_runtime.write({ 1, write.regType, write.address, write.values }),
+                          write);
     }
 
-    void takeStep()
+    void report(const host::WriteOutcome &outcome)
     {
-        const host::Cycle::Step step = m_cycle.step();
-        const host::Duration now = m_line.now();
-        m_list.follow(m_link, m_cycle, step, now);
-        reportWrite(step);
-        m_view.values(m_list, m_cycle.counters(), now, elapsed());
-    }
-
-    /// The driver serves writes in the order in which they were queued.
-    void reportWrite(host::Cycle::Step step)
-    {
-        const bool settled =
-            step == host::Cycle::Step::Served || step == host::Cycle::Step::GivenUp;
-        if (!settled || m_cycle.request().frame[1] == readFunction || m_underWay.isEmpty())
+        if (!m_underWay.contains(outcome.id))
             return;
-        const PlannedWrite write = m_underWay.takeFirst();
-        const bool confirmed = step == host::Cycle::Step::Served;
+        const PlannedWrite write = m_underWay.take(outcome.id);
         m_view.write({ 1, write.regType, write.address, host::lengthOf(write.values), write.meaning,
-                       confirmed },
+                       QString::fromLatin1(host::writeEndName(outcome.end)) },
                      elapsed());
     }
 
     /// Nothing is left turning, also when the show was cut short.
-    void stopMotor()
+    void stopMotor(PollEnd end)
     {
+        m_runtime.run([this] { return m_underWay.isEmpty() || !m_session.line().isOpen(); });
         const bool stopIsPlanned = m_nextWrite < m_writes.size();
-        if (stopIsPlanned)
-            queue(m_writes.constLast());
-        while (!m_underWay.isEmpty() && m_line.isOpen())
-            takeStep();
+        if (end == PollEnd::LineGone || !stopIsPlanned)
+            return;
+        const bool confirmed = m_runtime.stop(stopWithin).unconfirmed.isEmpty();
+        const PlannedWrite &stop = m_writes.constLast();
+        m_view.write({ 1, stop.regType, stop.address, 1, stop.meaning,
+                       confirmed ? QStringLiteral("confirmed") : QStringLiteral("timed out") },
+                     elapsed());
+        show();
     }
 
-    host::Link &m_link;
-    host::Line &m_line;
-    host::LineExchange m_exchange;
-    host::Cycle m_cycle;
+    Session &m_session;
+    host::Runtime &m_runtime;
     DemoView &m_view;
     WatchList m_list;
     QVector<PlannedWrite> m_writes;
-    QVector<PlannedWrite> m_underWay;
+    QHash<int, PlannedWrite> m_underWay; // by id
     int m_nextWrite = 0;
     host::Duration m_length;
     host::Duration m_start { 0 };
 };
 
-host::LineSettings demoLine(const QString &device)
+std::optional<host::Plan> demoPlan(const LineOptions &options, Failure *failure)
 {
-    host::LineSettings settings;
-    settings.port = device;
-    settings.speed = lineSpeed;
-    return settings;
+    QStringList words;
+    for (const WatchedValue &value : demoValues())
+        words.append(QStringLiteral("%1:%2 %3")
+                         .arg(value.station)
+                         .arg(value.regType, host::addressText(value.regType, value.address)));
+    return makePlan(words, options, failure);
+}
+
+LineOptions demoLine(const DemoOptions &options, const QString &device)
+{
+    LineOptions line;
+    line.driver = options.driver;
+    line.json = options.json;
+    line.plant.line.port = device;
+    line.plant.line.speed = lineSpeed;
+    return line;
+}
+
+/// What went wrong in a show; ExitDone where nothing did.
+Failure judge(const host::CounterSet &counters, PollEnd end)
+{
+    if (end == PollEnd::LineGone)
+        return { ExitLine, QStringLiteral("the line to the simulator broke") };
+    const bool hadTime = end == PollEnd::Enough;
+    if (counters.total().giveUps > 0 || (counters.reads().good == 0 && hadTime))
+        return { ExitNoReply, QStringLiteral("not every request was answered") };
+    return { ExitDone, QString() };
+}
+
+int showOn(const DemoOptions &options, const LineOptions &line, const QString &driver)
+{
+    const QString name = QStringLiteral("demo");
+    Failure failure;
+    const auto plan = demoPlan(line, &failure);
+    if (!plan)
+        return complain(name, failure);
+    SessionWishes wishes;
+    wishes.stops = { { 1, stopWord } };
+    const auto session = Session::open(line, &failure, wishes);
+    if (!session)
+        return complain(name, failure);
+    session->runtime().setPlan(*plan);
+    DemoSetting setting;
+    setting.driver = QDir::current().relativeFilePath(driver);
+    setting.device = line.plant.line.port;
+    setting.speed = lineSpeed;
+    setting.registers = plan->wantedRegisters;
+    setting.blocks = host::lengthOf(plan->blocks);
+    setting.seconds = options.seconds;
+    {
+        const auto view = DemoView::create(Terminal::detect(), options.json);
+        view->begin(setting);
+        failure =
+            judge(session->runtime().counters(), Show(*session, *view, options.seconds).play());
+    }
+    return failure.code == ExitDone ? ExitDone : complain(name, failure);
 }
 
 } // namespace
 
 int runDemo(const DemoOptions &options)
 {
+    const QString name = QStringLiteral("demo");
     const host::DriverFile driver = host::locateDriver(options.driver);
     if (driver.path.isEmpty())
-        return complain(notFound("the driver libkorvane_dx4.so", driver.tried, "--driver"));
+        return complain(
+            name,
+            { ExitFailed, notFound("the driver libkorvane_dx4.so", driver.tried, "--driver") });
     const SimulatorFile simulator = locateSimulator(options.simulator);
     if (simulator.path.isEmpty())
-        return complain(notFound("the simulator dx4-sim", simulator.tried, "--sim"));
-
+        return complain(
+            name, { ExitFailed, notFound("the simulator dx4-sim", simulator.tried, "--sim") });
     QString error;
-    auto plugin = host::Plugin::load(driver.path, host::Plugin::Instance::Shared, &error);
-    if (!plugin)
-        return complain(error);
     SimulatorProcess inverter;
     if (!inverter.start(simulator.path, QStringLiteral("1,2"), lineSpeed, &error))
-        return complain(error);
-    host::SerialLine line(demoLine(inverter.device()));
-    if (!line.open(&error))
-        return complain(error);
-
-    watchForInterrupt();
-    host::Link link(std::move(plugin), host::LinkSettings());
-    QTextStream out(stdout);
-    const auto view = DemoView::create(out, Terminal::detect(), options.json);
-    DemoSetting setting;
-    setting.driver = QDir::current().relativeFilePath(driver.path);
-    setting.device = inverter.device();
-    setting.speed = lineSpeed;
-    setting.seconds = options.seconds;
-    Show show(link, line, *view, options.seconds);
-    if (show.play(setting))
-        return 0;
-    return complain(line.isOpen() ? QStringLiteral("not every request was answered")
-                                  : QStringLiteral("the line to the simulator broke"));
+        return complain(name, { ExitFailed, error });
+    return showOn(options, demoLine(options, inverter.device()), driver.path);
 }
 
 void addDemo(CommandLine &line)

@@ -3,12 +3,16 @@
 #include "cli/commands/demo_view.h"
 
 #include "cli/counters_text.h"
+#include "cli/live_table.h"
+#include "cli/output.h"
 #include "cli/value_table.h"
 #include "host/length.h"
 #include "host/notation.h"
 
-#include <QJsonDocument>
 #include <QJsonObject>
+
+#include <optional>
+#include <vector>
 
 namespace dx4::cli {
 namespace {
@@ -30,7 +34,7 @@ QString writeText(const DemoWrite &write)
 {
     return QStringLiteral("wrote %1  %2, %3")
         .arg(host::fullAddress(write.regType, write.address).leftJustified(16), write.meaning,
-             write.confirmed ? QStringLiteral("confirmed") : QStringLiteral("given up"));
+             write.outcome);
 }
 
 QStringList headLines(const DemoSetting &setting)
@@ -56,22 +60,16 @@ QString summaryText(const host::CounterSet &counters, host::Duration elapsed)
 /// Draws the table over itself.
 class LiveView : public DemoView {
 public:
-    LiveView(QTextStream &out, const Terminal &terminal)
-        : m_out(out)
-        , m_terminal(terminal)
+    explicit LiveView(const Terminal &terminal)
+        : m_terminal(terminal)
     {
-        m_out << QStringLiteral("\x1b[?25l"); // no cursor while drawing
-    }
-    ~LiveView() override
-    {
-        m_out << QStringLiteral("\x1b[?25h");
-        m_out.flush();
     }
 
     void begin(const DemoSetting &setting) override
     {
         m_seconds = setting.seconds;
-        m_out << headLines(setting).join(QLatin1Char('\n')) << "\n\n";
+        printLines(headLines(setting));
+        printLine(QString());
     }
 
     void write(const DemoWrite &write, host::Duration elapsed) override
@@ -92,55 +90,47 @@ public:
              host::Duration elapsed) override
     {
         draw(list, counters, now, elapsed);
-        m_out << '\n' << "Done: " << summaryText(counters, elapsed) << '\n';
+        printLine(QString());
+        printLine(QStringLiteral("Done: ") + summaryText(counters, elapsed));
     }
 
 private:
     void draw(const WatchList &list, const host::CounterSet &counters, host::Duration now,
               host::Duration elapsed)
     {
-        QStringList lines = tableLines(list.rows(), now, m_terminal);
-        lines.append(QString());
-        lines.append(QStringLiteral("%1 of %2 s  %3")
-                         .arg(secondsText(elapsed))
-                         .arg(m_seconds)
-                         .arg(m_terminal.styled(countersText(counters), Terminal::Style::Dim)));
-        lines.append(m_lastWrite);
-        if (m_height > 0)
-            m_out << QStringLiteral("\x1b[%1A").arg(m_height); // back up over the last drawing
-        for (const QString &line : lines)
-            m_out << line << QStringLiteral("\x1b[K\n");
-        m_height = host::lengthOf(lines);
-        m_out.flush();
+        const QString progress =
+            QStringLiteral("%1 of %2 s  %3")
+                .arg(secondsText(elapsed))
+                .arg(m_seconds)
+                .arg(m_terminal.styled(countersText(counters), Terminal::Style::Dim));
+        m_table.draw(tableLines(list.rows(), now, m_terminal),
+                     { QString(), progress, m_lastWrite });
     }
 
-    QTextStream &m_out;
+    LiveTable m_table;
     Terminal m_terminal;
     QString m_lastWrite;
     host::Duration m_drawnAt { 0 };
-    int m_height = 0;
     int m_seconds = 0;
 };
 
 /// One line per write and per second, and the table at the end.
 class PlainView : public DemoView {
 public:
-    PlainView(QTextStream &out, const Terminal &terminal)
-        : m_out(out)
-        , m_terminal(terminal)
+    explicit PlainView(const Terminal &terminal)
+        : m_terminal(terminal)
     {
     }
 
     void begin(const DemoSetting &setting) override
     {
-        m_out << headLines(setting).join(QLatin1Char('\n')) << "\n\n";
-        m_out.flush();
+        printLines(headLines(setting));
+        printLine(QString());
     }
 
     void write(const DemoWrite &write, host::Duration elapsed) override
     {
-        m_out << secondsText(elapsed) << "  " << writeText(write) << '\n';
-        m_out.flush();
+        printLine(secondsText(elapsed) + QStringLiteral("  ") + writeText(write));
     }
 
     void values(const WatchList &list, const host::CounterSet &, host::Duration,
@@ -151,26 +141,24 @@ public:
         m_nextLine += plainLineAfter;
         QStringList shown;
         for (const WatchRow &row : list.rows()) {
-            if (row.what.station == 1 && row.answeredAt
-                && (row.what.regType != QLatin1String("F") && !row.what.unit.isEmpty()))
-                shown.append(formatValue(row.what, row.state.value) + QLatin1Char(' ')
-                             + row.what.unit);
+            if (row.what.station == 1 && row.state.known && row.what.regType != QLatin1String("F")
+                && !row.what.scaling.unit.isEmpty())
+                shown.append(quantityText(row.what, row.state.value));
         }
-        m_out << secondsText(elapsed) << "  reads " << shown.join(QStringLiteral(", ")) << '\n';
-        m_out.flush();
+        printLine(QStringLiteral("%1  reads %2")
+                      .arg(secondsText(elapsed), shown.join(QStringLiteral(", "))));
     }
 
     void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration elapsed) override
     {
-        m_out << '\n';
-        for (const QString &line : tableLines(list.rows(), now, m_terminal))
-            m_out << line << '\n';
-        m_out << '\n' << "Done: " << summaryText(counters, elapsed) << '\n';
+        printLine(QString());
+        printLines(tableLines(list.rows(), now, m_terminal));
+        printLine(QString());
+        printLine(QStringLiteral("Done: ") + summaryText(counters, elapsed));
     }
 
 private:
-    QTextStream &m_out;
     Terminal m_terminal;
     host::Duration m_nextLine = plainLineAfter;
 };
@@ -178,60 +166,59 @@ private:
 /// One object per line: the setting, each changed value, each write, the counters.
 class JsonView : public DemoView {
 public:
-    explicit JsonView(QTextStream &out)
-        : m_out(out)
-    {
-    }
-
     void begin(const DemoSetting &setting) override
     {
-        print({ { QStringLiteral("event"), QStringLiteral("start") },
-                { QStringLiteral("driver"), setting.driver },
-                { QStringLiteral("device"), setting.device },
-                { QStringLiteral("speed"), setting.speed },
-                { QStringLiteral("registers"), setting.registers },
-                { QStringLiteral("blocks"), setting.blocks } });
+        printJson({ { QStringLiteral("event"), QStringLiteral("start") },
+                    { QStringLiteral("driver"), setting.driver },
+                    { QStringLiteral("device"), setting.device },
+                    { QStringLiteral("speed"), setting.speed },
+                    { QStringLiteral("registers"), setting.registers },
+                    { QStringLiteral("blocks"), setting.blocks } });
     }
 
     void write(const DemoWrite &write, host::Duration elapsed) override
     {
-        print({ { QStringLiteral("event"), QStringLiteral("write") },
-                { QStringLiteral("time"), inSeconds(elapsed) },
-                { QStringLiteral("station"), write.station },
-                { QStringLiteral("address"), host::fullAddress(write.regType, write.address) },
-                { QStringLiteral("count"), write.count },
-                { QStringLiteral("meaning"), write.meaning },
-                { QStringLiteral("confirmed"), write.confirmed } });
+        printJson({ { QStringLiteral("event"), QStringLiteral("write") },
+                    { QStringLiteral("time"), inSeconds(elapsed) },
+                    { QStringLiteral("station"), write.station },
+                    { QStringLiteral("address"), host::fullAddress(write.regType, write.address) },
+                    { QStringLiteral("count"), write.count },
+                    { QStringLiteral("meaning"), write.meaning },
+                    { QStringLiteral("outcome"), write.outcome } });
     }
 
-    void values(const WatchList &list, const host::CounterSet &, host::Duration now,
+    void values(const WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
     {
-        for (const WatchRow &row : list.rows()) {
-            const bool first = row.answeredAt == now && !row.changedAt;
-            if (row.changedAt == now || first)
-                value(row, elapsed);
+        m_said.resize(static_cast<std::size_t>(list.rows().size()));
+        for (std::size_t i = 0; i < m_said.size(); ++i) {
+            const WatchRow &row = list.rows().at(static_cast<int>(i));
+            if (!row.state.known || m_said[i] == row.state.value)
+                continue;
+            m_said[i] = row.state.value;
+            value(row, elapsed);
         }
     }
 
     void end(const WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
     {
-        print({ { QStringLiteral("event"), QStringLiteral("end") },
-                { QStringLiteral("time"), inSeconds(elapsed) },
-                { QStringLiteral("reads"), static_cast<qint64>(counters.reads().good) },
-                { QStringLiteral("writes"), static_cast<qint64>(counters.writes().good) },
-                { QStringLiteral("retries"), static_cast<qint64>(counters.total().retries) },
-                { QStringLiteral("givenUp"), static_cast<qint64>(counters.total().giveUps) },
-                { QStringLiteral("bytesSent"), static_cast<qint64>(counters.total().bytesSent) },
-                { QStringLiteral("bytesReceived"),
-                  static_cast<qint64>(counters.total().bytesReceived) } });
+        printJson(
+            { { QStringLiteral("event"), QStringLiteral("end") },
+              { QStringLiteral("time"), inSeconds(elapsed) },
+              { QStringLiteral("reads"), static_cast<qint64>(counters.reads().good) },
+              { QStringLiteral("writes"), static_cast<qint64>(counters.writes().good) },
+              { QStringLiteral("retries"), static_cast<qint64>(counters.total().retries) },
+              { QStringLiteral("givenUp"), static_cast<qint64>(counters.total().giveUps) },
+              { QStringLiteral("bytesSent"), static_cast<qint64>(counters.total().bytesSent) },
+              { QStringLiteral("bytesReceived"),
+                static_cast<qint64>(counters.total().bytesReceived) } });
     }
 
 private:
     void value(const WatchRow &row, host::Duration elapsed)
     {
-        print(
+        printJson(
             { { QStringLiteral("event"), QStringLiteral("value") },
               { QStringLiteral("time"), inSeconds(elapsed) },
               { QStringLiteral("station"), row.what.station },
@@ -239,27 +226,21 @@ private:
               { QStringLiteral("name"), row.what.name },
               { QStringLiteral("raw"), row.state.value },
               { QStringLiteral("value"), formatValue(row.what, row.state.value) },
-              { QStringLiteral("unit"), row.what.unit } });
+              { QStringLiteral("unit"), row.what.scaling.unit } });
     }
 
-    void print(const QJsonObject &object)
-    {
-        m_out << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) << '\n';
-        m_out.flush();
-    }
-
-    QTextStream &m_out;
+    std::vector<std::optional<quint16>> m_said; // last printed value, by row
 };
 
 } // namespace
 
-std::unique_ptr<DemoView> DemoView::create(QTextStream &out, const Terminal &terminal, bool json)
+std::unique_ptr<DemoView> DemoView::create(const Terminal &terminal, bool json)
 {
     if (json)
-        return std::make_unique<JsonView>(out);
+        return std::make_unique<JsonView>();
     if (terminal.live)
-        return std::make_unique<LiveView>(out, terminal);
-    return std::make_unique<PlainView>(out, terminal);
+        return std::make_unique<LiveView>(terminal);
+    return std::make_unique<PlainView>(terminal);
 }
 
 } // namespace dx4::cli

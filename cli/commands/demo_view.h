@@ -5,8 +5,6 @@
 #include "cli/terminal.h"
 #include "cli/watch_list.h"
 
-#include <QTextStream>
-
 #include <memory>
 
 namespace dx4::cli {
@@ -28,7 +26,7 @@ struct DemoWrite {
     int address = 0;
     int count = 1;
     QString meaning; ///< "set frequency 30.00 Hz"
-    bool confirmed = false;
+    QString outcome; ///< "confirmed", "timed out" ...
 };
 
 /// One way to show it. Times are counted from the start of the demonstration.
@@ -49,7 +47,7 @@ public:
                      host::Duration elapsed) = 0;
 
     /// The view that suits the output.
-    static std::unique_ptr<DemoView> create(QTextStream &out, const Terminal &terminal, bool json);
+    static std::unique_ptr<DemoView> create(const Terminal &terminal, bool json);
 };
 
 } // namespace dx4::cli

@@ -8,6 +8,7 @@
 #include "cli/session.h"
 #include "cli/value_output.h"
 #include "cli/values.h"
+#include "cli/watch_plan.h"
 
 namespace dx4::cli {
 namespace {
@@ -25,8 +26,29 @@ void printFailure(const Session &session, const Target &target, const Failure &f
     if (!session.options().json)
         return;
     QJsonObject object = registerJson(target.station, target.regType, target.address);
-    object.insert(QStringLiteral("error"), causeName(session.verdict().cause));
+    object.insert(QStringLiteral("error"),
+                  failure.code == ExitLine ? QStringLiteral("line")
+                                           : causeName(session.verdict().cause));
     printJson(object);
+}
+
+int readAll(Session &session, const QVector<Target> &targets, const RegisterNames &names)
+{
+    int exitCode = ExitDone;
+    for (const Target &target : targets) {
+        Failure failure;
+        const auto values = session.read(target, &failure);
+        if (values) {
+            printValues(target, *values, session.options().json, names);
+            continue;
+        }
+        printFailure(session, target, failure);
+        exitCode = exitCode == ExitDone ? failure.code : exitCode;
+        // What one station or register refuses says nothing about the next one.
+        if (failure.code == ExitLine || failure.code == ExitInterrupted)
+            break;
+    }
+    return exitCode;
 }
 
 int runGet(const Options &options)
@@ -36,27 +58,18 @@ int runGet(const Options &options)
     const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     if (!editor)
         return complain(name, failure);
-    const auto targets = parseCounted(options.words, options.count, options.line.station,
-                                      ReadAccess, editor->api(), &failure);
+    const QStringList words = wordsOrConfigured(options.words, options.line);
+    if (words.isEmpty())
+        return complain(name, noRegisters());
+    const auto targets = parseCounted(words, options.count, options.line.station, ReadAccess,
+                                      editor->api(), &failure);
     if (!targets)
         return complain(name, failure);
     const auto session = Session::open(options.line, &failure);
     if (!session)
         return complain(name, failure);
-    int exitCode = ExitDone;
-    for (const Target &target : *targets) {
-        const auto values = session->read(target, &failure);
-        if (values) {
-            printValues(target, *values, options.line.json, options.names);
-            continue;
-        }
-        printFailure(*session, target, failure);
-        exitCode = exitCode == ExitDone ? failure.code : exitCode;
-        // What one station or register refuses says nothing about the next one.
-        if (failure.code == ExitLine || failure.code == ExitInterrupted)
-            break;
-    }
-    return exitCode;
+    const RegisterNames names(options.line.plant, editor->api(), options.names);
+    return readAll(*session, *targets, names);
 }
 
 } // namespace
@@ -65,7 +78,7 @@ void addGet(CommandLine &line)
 {
     Command command = line.add("get", "read registers once");
     const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW");
+    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
     command.number("--count", options->count, "registers from one address on", 1, 123);
     command.flag("--names", options->names, "with names and units of the simulated inverter");
     addLineOptions(command, options->line, QStringLiteral("get"));

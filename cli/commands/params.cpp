@@ -2,13 +2,14 @@
 // dx4 params: the parameters of a station in a file.
 #include "cli/commands/params.h"
 
+#include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/reply_text.h"
 #include "cli/session.h"
 #include "cli/value_output.h"
-#include "host/cycle_access.h"
 #include "host/length.h"
 #include "host/parameter_transfer.h"
+#include "host/runtime_access.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -33,17 +34,40 @@ void showProgress(int done, int total)
                             << (done == total ? "\r\x1b[K" : "\x1b[K") << Qt::flush;
 }
 
-host::CycleAccess accessTo(Session &session)
-{
-    session.link().poll({});
-    return host::CycleAccess(session.link(), session.cycle(),
-                             [&session] { return session.verdict(); });
-}
+/// The station through the session's runtime; ends with Ctrl-C between two requests.
+class Access : public host::RegisterAccess {
+public:
+    explicit Access(Session &session)
+        : m_access(session.runtime())
+    {
+    }
+
+    int blockSize() const override { return m_access.blockSize(); }
+    host::AccessResult read(int station, const QString &regType, int address, int count) override
+    {
+        return shouldEnd() ? ended() : m_access.read(station, regType, address, count);
+    }
+    host::AccessResult write(int station, const QString &regType, int address,
+                             quint16 value) override
+    {
+        return shouldEnd() ? ended() : m_access.write(station, regType, address, value);
+    }
+
+private:
+    static host::AccessResult ended()
+    {
+        return { host::AccessResult::Kind::LineDown, QStringLiteral("interrupted"), {} };
+    }
+
+    host::RuntimeAccess m_access;
+};
 
 /// The code for a transfer that broke off; what happened last says why.
-Failure brokenOff(const Session &session, const QString &error)
+Failure brokenOff(Session &session, const QString &error)
 {
-    const ExitCode code = causeCode(session.verdict());
+    if (shouldEnd())
+        return { ExitInterrupted, error };
+    const ExitCode code = session.line().isOpen() ? causeCode(session.verdict()) : ExitLine;
     return { code == ExitDone ? ExitLine : code, error };
 }
 
@@ -53,7 +77,7 @@ bool readSet(const LineOptions &options, host::ParameterSet &set, Failure *failu
     const auto session = Session::open(options, failure);
     if (!session)
         return false;
-    host::CycleAccess access = accessTo(*session);
+    Access access(*session);
     QString error;
     if (host::readParameters(access, set, &error, showProgress))
         return true;
@@ -73,7 +97,7 @@ std::optional<host::ParameterSet> loadSet(const QString &file, Failure *failure)
 void printSet(const host::ParameterSet &set, bool json)
 {
     if (!json) {
-        QTextStream(stdout) << host::toText(set);
+        writeText(host::toText(set));
         return;
     }
     for (auto it = set.values.cbegin(); it != set.values.cend(); ++it) {
@@ -186,7 +210,7 @@ int runRestore(const Options &options)
     const auto session = Session::open(options.line, &failure);
     if (!session)
         return complain(name, failure);
-    host::CycleAccess access = accessTo(*session);
+    Access access(*session);
     const host::RestoreReport report =
         host::restoreParameters(access, options.line.station, *wanted, showProgress);
     printReport(report, options.line.json);

@@ -2,11 +2,14 @@
 // dx4 plan: the blocks that polling would take.
 #include "cli/commands/plan.h"
 
+#include "cli/driver_file.h"
 #include "cli/output.h"
 #include "cli/value_output.h"
 #include "cli/watch_plan.h"
 #include "host/length.h"
 #include "host/notation.h"
+
+#include <QJsonArray>
 
 namespace dx4::cli {
 namespace {
@@ -17,6 +20,7 @@ struct Options {
     LineOptions line;
     QStringList words;
     int turnaround = 5; ///< ms
+    bool names = false;
 };
 
 double inMilliseconds(host::Duration span)
@@ -29,13 +33,31 @@ QString millisecondsText(host::Duration span)
     return QString::number(inMilliseconds(span), 'f', 1);
 }
 
-void printAsJson(const host::Plan &plan, const host::LineSettings &line, host::Duration cycle)
+/// Silence that the configuration's stations need on top of the line's own, in one round.
+host::Duration extraGaps(const host::Plan &plan, const host::Config &plant)
+{
+    host::Duration sum { 0 };
+    for (const KEY_ADDRESS &block : plan.blocks) {
+        for (const host::StationConfig &station : plant.stations) {
+            if (station.address == block.station)
+                sum += station.extraGap;
+        }
+    }
+    return sum;
+}
+
+void printAsJson(const host::Plan &plan, const host::LineSettings &line, host::Duration cycle,
+                 const RegisterNames &names)
 {
     for (const KEY_ADDRESS &block : plan.blocks) {
         QJsonObject object = registerJson(block.station, block.regType, block.address);
         object.insert(QStringLiteral("count"), block.count);
         object.insert(QStringLiteral("wireMs"),
                       inMilliseconds(line.wireTime(frameBytes + 2 * block.count)));
+        const QStringList known =
+            names.namesIn(block.station, block.regType, block.address, block.count);
+        if (!known.isEmpty())
+            object.insert(QStringLiteral("names"), QJsonArray::fromStringList(known));
         printJson(object);
     }
     printJson({ { QStringLiteral("blocks"), host::lengthOf(plan.blocks) },
@@ -44,7 +66,7 @@ void printAsJson(const host::Plan &plan, const host::LineSettings &line, host::D
                 { QStringLiteral("cycleMs"), inMilliseconds(cycle) } });
 }
 
-void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::Duration cycle)
+QVector<QStringList> blockRows(const host::Plan &plan, const host::LineSettings &line)
 {
     QVector<QStringList> rows { { QStringLiteral("Station"), QStringLiteral("From"),
                                   QStringLiteral("To"), QStringLiteral("Registers"),
@@ -56,7 +78,18 @@ void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::
                       QString::number(block.count),
                       millisecondsText(line.wireTime(frameBytes + 2 * block.count)) });
     }
-    printLines(columns(rows, { 0, 3, 4 }));
+    return rows;
+}
+
+void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::Duration cycle,
+                  const RegisterNames &names)
+{
+    const QStringList lines = columns(blockRows(plan, line), { 0, 3, 4 });
+    printLine(lines.constFirst());
+    for (int i = 0; i < host::lengthOf(plan.blocks); ++i) {
+        printLine(lines.at(i + 1));
+        printLines(blockNames(plan.blocks.at(i), names));
+    }
     printLine(QString());
     printLine(QStringLiteral("%1 registers in %2 blocks, %3 more to keep stations apart")
                   .arg(plan.wantedRegisters)
@@ -67,18 +100,24 @@ void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::
 
 int runPlan(const Options &options)
 {
+    const QString name = QStringLiteral("plan");
     Failure failure;
     const auto plan =
         makePlan(wordsOrConfigured(options.words, options.line), options.line, &failure);
     if (!plan)
-        return complain(QStringLiteral("plan"), failure);
-    const host::LineSettings line = lineSettings(options.line);
+        return complain(name, failure);
+    const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    if (!editor)
+        return complain(name, failure);
+    const RegisterNames names(options.line.plant, editor->api(), options.names);
+    const host::LineSettings &line = options.line.plant.line;
     const host::Duration cycle =
-        host::cycleTime(*plan, line, std::chrono::milliseconds(options.turnaround));
+        host::cycleTime(*plan, line, std::chrono::milliseconds(options.turnaround))
+        + extraGaps(*plan, options.line.plant);
     if (options.line.json)
-        printAsJson(*plan, line, cycle);
+        printAsJson(*plan, line, cycle, names);
     else
-        printAsTable(*plan, line, cycle);
+        printAsTable(*plan, line, cycle, names);
     return ExitDone;
 }
 
@@ -90,6 +129,7 @@ void addPlan(CommandLine &line)
     const auto options = std::make_shared<Options>();
     command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
     command.number("--turnaround", options->turnaround, "ms from request to reply", 0, 10000);
+    command.flag("--names", options->names, "with names of the simulated inverter");
     addLineOptions(command, options->line, QStringLiteral("plan"));
     command.example(QStringLiteral("dx4 plan --speed 19200 D 0-9 SW FU 2:D 0-9"),
                     QStringLiteral("two stations at 19200 bit/s"));

@@ -2,9 +2,8 @@
 // dx4 record: the frames of a line in a file.
 #include "cli/commands/record.h"
 
-#include "cli/interrupt.h"
 #include "cli/output.h"
-#include "cli/session.h"
+#include "cli/polling.h"
 #include "cli/watch_plan.h"
 #include "host/length.h"
 #include "host/pcap_file.h"
@@ -18,21 +17,8 @@ struct Options {
     LineOptions line;
     QStringList words; ///< file, then addresses
     int rounds = 0; ///< 0: until Ctrl-C
+    int reconnect = -1; ///< s
 };
-
-/// Polls until it has had enough; gives whether the line held.
-bool poll(Session &session, qint64 requests)
-{
-    qint64 settled = 0;
-    while (!shouldEnd() && (requests == 0 || settled < requests)) {
-        const host::Cycle::Step step = session.step();
-        if (step == host::Cycle::Step::LineDown)
-            return false;
-        const bool over = step == host::Cycle::Step::Served || step == host::Cycle::Step::GivenUp;
-        settled += over ? 1 : 0;
-    }
-    return true;
-}
 
 void report(const QString &file, const host::FrameRing &ring, bool json)
 {
@@ -52,27 +38,36 @@ void report(const QString &file, const host::FrameRing &ring, bool json)
 int runRecord(const Options &options)
 {
     const QString name = QStringLiteral("record");
-    if (options.words.size() < 2)
-        return complain(name, { ExitUsage, QStringLiteral("name the file, then the registers") });
     const QString file = options.words.constFirst();
     Failure failure;
-    const auto plan = makePlan(options.words.mid(1), options.line, &failure);
+    const auto plan =
+        makePlan(wordsOrConfigured(options.words.mid(1), options.line), options.line, &failure);
     if (!plan)
         return complain(name, failure);
     host::FrameRing ring(mostFrames);
-    const auto session = Session::open(options.line, &failure, &ring);
+    SessionWishes wishes;
+    wishes.ring = &ring;
+    const auto session = Session::open(options.line, &failure, wishes);
     if (!session)
         return complain(name, failure);
-    const qint64 blocks = host::lengthOf(session->link().poll(plan->addresses));
-    const bool lineHeld = poll(*session, options.rounds * blocks);
+    session->runtime().setPlan(*plan);
+    const qint64 reads = options.rounds * static_cast<qint64>(plan->blocks.size());
+    PollSettings settings;
+    settings.enough = [&] {
+        return reads > 0 && endedReads(session->runtime().counters()) >= reads;
+    };
+    settings.patience = patienceOf(options.reconnect, reads > 0);
+    const PollEnd end = poll(*session, name, settings);
+    const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
     QString error;
     // What was heard until the line broke is worth most.
     if (!host::writePcap(file, ring.frames(), host::wallClockOffset(session->line().now()), &error))
         return complain(name, { ExitFailed, error });
     report(file, ring, options.line.json);
-    if (lineHeld)
-        return ExitDone;
-    return complain(name, { ExitLine, QStringLiteral("%1 broke").arg(options.line.port) });
+    if (end == PollEnd::LineGone)
+        return complain(name,
+                        { ExitLine, QStringLiteral("%1 broke").arg(options.line.plant.line.port) });
+    return stopped ? ExitDone : ExitFailed;
 }
 
 } // namespace
@@ -84,6 +79,7 @@ void addRecord(CommandLine &line)
     command.words("file", options->words, "a capture to write, then the registers to poll");
     command.number("--rounds", options->rounds, "through all registers; 0 until Ctrl-C", 0,
                    1000000);
+    addReconnectOption(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("record"));
     command.example(QStringLiteral("dx4 record --port /dev/ttyUSB0 --rounds 5 line.pcap D 0-3 SW"),
                     QStringLiteral("five rounds; the file opens in protocol analysers"));

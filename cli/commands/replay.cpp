@@ -5,10 +5,10 @@
 #include "cli/driver_file.h"
 #include "cli/frame_text.h"
 #include "cli/output.h"
-#include "cli/session.h"
 #include "cli/target.h"
 #include "cli/value_output.h"
 #include "cli/watch_plan.h"
+#include "host/guarded_exchange.h"
 #include "host/pcap_file.h"
 #include "host/replay.h"
 
@@ -20,6 +20,7 @@ namespace {
 struct Options {
     LineOptions line;
     QStringList words; ///< file, then addresses
+    bool names = false;
 };
 
 /// What the recording's reads ask for, each once, as it seems to have been polled.
@@ -42,12 +43,13 @@ QList<KEY_ADDRESS> recordedReads(const QVector<host::RecordedFrame> &frames)
     return reads;
 }
 
-void printChange(host::Link &link, const host::ValueChange &change, bool json)
+void printChange(host::Link &link, const host::ValueChange &change, bool json,
+                 const RegisterNames &names)
 {
     if (!typeNames().contains(change.name))
         return; // the outcome of a condition read
     const Target target { change.station, change.name, change.address, 1 };
-    printValues(target, link.values(change.station, change.name, change.address), json, false);
+    printValues(target, link.values(change.station, change.name, change.address), json, names);
 }
 
 int report(const host::ReplayResult &result)
@@ -72,8 +74,9 @@ int runReplay(const Options &options)
         return complain(name, { ExitFailed, error });
     Failure failure;
     QList<KEY_ADDRESS> addresses = recordedReads(*frames);
-    if (options.words.size() > 1) {
-        const auto plan = makePlan(options.words.mid(1), options.line, &failure);
+    const QStringList words = wordsOrConfigured(options.words.mid(1), options.line);
+    if (!words.isEmpty()) {
+        const auto plan = makePlan(words, options.line, &failure);
         if (!plan)
             return complain(name, failure);
         addresses = plan->addresses;
@@ -81,11 +84,12 @@ int runReplay(const Options &options)
     auto plugin = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
         return complain(name, failure);
-    host::ReplayLine line(*frames, lineSettings(options.line));
+    host::ReplayLine line(*frames, options.line.plant.line);
     host::GuardedExchange exchange(line);
-    host::Link link(std::move(plugin), linkSettings(options.line));
-    link.onChange([&link, &options](const host::ValueChange &change) {
-        printChange(link, change, options.line.json);
+    host::Link link(std::move(plugin), options.line.plant.link);
+    const RegisterNames names(options.line.plant, link.api(), options.names);
+    link.onChange([&](const host::ValueChange &change) {
+        printChange(link, change, options.line.json, names);
     });
     link.poll(addresses);
     return report(host::replay(link, line, exchange));
@@ -98,6 +102,7 @@ void addReplay(CommandLine &line)
     Command command = line.add("replay", "play a recording through the driver once more");
     const auto options = std::make_shared<Options>();
     command.words("file", options->words, "a capture, then the registers that were polled");
+    command.flag("--names", options->names, "with names and units of the simulated inverter");
     addLineOptions(command, options->line, QStringLiteral("replay"));
     command.example(QStringLiteral("dx4 replay line.pcap"),
                     QStringLiteral("every change of a value, without a line"));

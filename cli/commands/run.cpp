@@ -2,9 +2,10 @@
 // dx4 run: sets a frequency and starts the motor.
 #include "cli/commands/run.h"
 
+#include "cli/interrupt.h"
 #include "cli/register_names.h"
 #include "cli/session.h"
-#include "cli/value_output.h"
+#include "cli/write_output.h"
 
 namespace dx4::cli {
 namespace {
@@ -18,12 +19,17 @@ struct Options {
     int word = -1; ///< control word; -1: the simulated inverter's own
 };
 
+host::Scaling frequencyScaling()
+{
+    return namedValue(1, QStringLiteral("FRE"), 0).scaling;
+}
+
 std::optional<quint16> parseFrequency(const QString &text, Failure *failure)
 {
     bool isNumber = false;
     const double hertz = text.toDouble(&isNumber);
     if (isNumber && hertz >= 0 && hertz <= highestFrequency)
-        return static_cast<quint16>(qRound(hertz * 100));
+        return frequencyScaling().registerValue(hertz);
     *failure = {
         ExitUsage,
         QStringLiteral("\"%1\" is no frequency; write 0 to 655.35 Hz, such as 30.00").arg(text)
@@ -31,13 +37,30 @@ std::optional<quint16> parseFrequency(const QString &text, Failure *failure)
     return std::nullopt;
 }
 
-bool writeOne(Session &session, const QString &regType, quint16 value, Failure *failure)
+bool writeOne(Session &session, const QString &regType, quint16 value, const RegisterNames &names,
+              Failure *failure)
 {
     const Target target { session.options().station, regType, 0, 1 };
-    if (!session.write(target, { value }, failure))
+    *failure = { ExitDone, QString() };
+    const auto results = session.write(target, { value }, {}, failure);
+    printResults(results, target, { value }, session.options().json, names);
+    return failure->code == ExitDone;
+}
+
+/// Frequency and run command, for a station that was heard.
+bool start(Session &session, const Options &options, std::optional<quint16> frequency,
+           Failure *failure)
+{
+    const RegisterNames names(options.line.plant, session.runtime().link().api(), true);
+    // The frequency goes first: a motor must not start towards a forgotten one.
+    if (frequency && !writeOne(session, QStringLiteral("FRE"), *frequency, names, failure))
         return false;
-    printValues(target, { value }, session.options().json, true, QStringLiteral("confirmed"));
-    return true;
+    const quint16 own = options.reverse ? runReverseWord : runWord;
+    const quint16 word = options.word < 0 ? own : static_cast<quint16>(options.word);
+    if (writeOne(session, QStringLiteral("CW"), word, names, failure))
+        return true;
+    failure->text += QStringLiteral("; the motor may turn");
+    return false;
 }
 
 int runRun(const Options &options)
@@ -50,17 +73,17 @@ int runRun(const Options &options)
         if (!frequency)
             return complain(name, failure);
     }
-    const auto session = Session::open(options.line, &failure);
-    if (!session)
+    SessionWishes wishes;
+    if (options.line.plant.stop.controlWord)
+        wishes.stops.append({ options.line.station, *options.line.plant.stop.controlWord });
+    const auto session = Session::open(options.line, &failure, wishes);
+    if (!session || !session->hear(options.line.station, &failure))
         return complain(name, failure);
-    // The frequency goes first: a motor must not start towards a forgotten one.
-    if (frequency && !writeOne(*session, QStringLiteral("FRE"), *frequency, &failure))
-        return complain(name, failure);
-    const quint16 own = options.reverse ? runReverseWord : runWord;
-    const quint16 word = options.word < 0 ? own : static_cast<quint16>(options.word);
-    if (!writeOne(*session, QStringLiteral("CW"), word, &failure))
-        return complain(name, failure);
-    return ExitDone;
+    if (start(*session, options, frequency, &failure) && !interrupted())
+        return ExitDone;
+    // Interrupted, or not confirmed: it may have been heard all the same.
+    session->stopSafely(name);
+    return interrupted() ? ExitInterrupted : complain(name, failure);
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 // dx4 scan: finds the stations on a line.
 #include "cli/commands/scan.h"
 
-#include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/reply_text.h"
 #include "cli/scan_state.h"

@@ -3,16 +3,13 @@
 #include "cli/commands/stats.h"
 
 #include "cli/counters_text.h"
-#include "cli/interrupt.h"
 #include "cli/output.h"
+#include "cli/polling.h"
+#include "cli/register_names.h"
 #include "cli/reply_text.h"
-#include "cli/session.h"
 #include "cli/watch_plan.h"
 #include "host/length.h"
-
-#include <QMap>
-
-#include <algorithm>
+#include "host/notation.h"
 
 namespace dx4::cli {
 namespace {
@@ -21,82 +18,89 @@ struct Options {
     LineOptions line;
     QStringList words;
     int requests = 100;
+    int reconnect = -1; ///< s
+    bool names = false;
 };
 
-/// What the exchanges were like.
-struct Record {
-    QVector<host::Duration> turnarounds; ///< of good replies, ascending at the end
-    QMap<QString, int> failures; ///< by cause
-    host::ReplyVerdict lastFailure;
-    bool lineBroke = false;
-};
-
-double inMilliseconds(host::Duration span)
+QString percentText(double share)
 {
-    return static_cast<double>(span.count()) / 1000.0;
+    return QStringLiteral("%1 %").arg(qRound(share * 100));
 }
 
-/// The value that `percent` of all stay below or at.
-double percentile(const QVector<host::Duration> &ascending, int percent)
+QVector<QStringList> blockRows(const host::Plan &plan, const host::CounterSet &counters)
 {
-    if (ascending.isEmpty())
-        return 0;
-    const int last = host::lengthOf(ascending) - 1;
-    return inMilliseconds(ascending.at(last * percent / 100));
-}
-
-Record measure(Session &session, int requests)
-{
-    Record record;
-    for (int done = 0; done < requests && !shouldEnd(); ++done) {
-        const host::Cycle::Step step = session.step();
-        record.lineBroke = step == host::Cycle::Step::LineDown;
-        if (record.lineBroke)
-            break;
-        if (session.verdict().cause == host::ReplyCause::Good) {
-            record.turnarounds.append(session.cycle().reply().turnaround);
-            continue;
-        }
-        ++record.failures[causeName(session.verdict().cause)];
-        record.lastFailure = session.verdict();
+    QVector<QStringList> rows { { QStringLiteral("Station"), QStringLiteral("From"),
+                                  QStringLiteral("To"), QStringLiteral("Sent"),
+                                  QStringLiteral("Good"), QStringLiteral("Retries"),
+                                  QStringLiteral("Given up") } };
+    for (const KEY_ADDRESS &block : plan.blocks) {
+        const host::RequestCounts counts =
+            counters.block({ block.station, block.regType, block.address, block.count, false });
+        rows.append({ QString::number(block.station),
+                      host::fullAddress(block.regType, block.address),
+                      host::fullAddress(block.regType, block.address + block.count - 1),
+                      QString::number(counts.requests), QString::number(counts.good),
+                      QString::number(counts.retries), QString::number(counts.giveUps) });
     }
-    std::sort(record.turnarounds.begin(), record.turnarounds.end());
-    return record;
+    return rows;
 }
 
-QJsonObject recordJson(const Record &record)
+/// A line per block, below it the names of its registers.
+void printBlocks(const host::Plan &plan, const host::CounterSet &counters,
+                 const RegisterNames &names)
 {
-    QJsonObject failures;
-    for (auto it = record.failures.cbegin(); it != record.failures.cend(); ++it)
-        failures.insert(it.key(), it.value());
-    return { { QStringLiteral("good"), host::lengthOf(record.turnarounds) },
-             { QStringLiteral("failures"), failures },
-             { QStringLiteral("fastestMs"), percentile(record.turnarounds, 0) },
-             { QStringLiteral("medianMs"), percentile(record.turnarounds, 50) },
-             { QStringLiteral("p99Ms"), percentile(record.turnarounds, 99) },
-             { QStringLiteral("slowestMs"), percentile(record.turnarounds, 100) } };
+    const QStringList lines = columns(blockRows(plan, counters), { 0, 3, 4, 5, 6 });
+    printLine(lines.constFirst());
+    for (int i = 0; i < host::lengthOf(plan.blocks); ++i) {
+        printLine(lines.at(i + 1));
+        printLines(blockNames(plan.blocks.at(i), names));
+    }
 }
 
-void printRecord(const Record &record, const host::CounterSet &counters)
+void printSums(const host::CounterSet &counters, double load)
 {
-    printLine(QStringLiteral("requests  %1 sent, %2 answered")
-                  .arg(counters.total().requests)
-                  .arg(record.turnarounds.size()));
-    QStringList failures;
-    for (auto it = record.failures.cbegin(); it != record.failures.cend(); ++it)
-        failures.append(QStringLiteral("%1 %2").arg(it.value()).arg(it.key()));
-    printLine(QStringLiteral("failures  %1")
-                  .arg(failures.isEmpty() ? QStringLiteral("none")
-                                          : failures.join(QStringLiteral(", "))));
-    printLine(QStringLiteral("driver    %1").arg(countersText(counters)));
-    printLine(QStringLiteral("bytes     %1 sent, %2 received")
-                  .arg(counters.total().bytesSent)
-                  .arg(counters.total().bytesReceived));
-    printLine(QStringLiteral("exchange  fastest %1 ms, median %2 ms, 99 % %3 ms, slowest %4 ms")
-                  .arg(percentile(record.turnarounds, 0), 0, 'f', 1)
-                  .arg(percentile(record.turnarounds, 50), 0, 'f', 1)
-                  .arg(percentile(record.turnarounds, 99), 0, 'f', 1)
-                  .arg(percentile(record.turnarounds, 100), 0, 'f', 1));
+    const host::RequestCounts total = counters.total();
+    const QStringList failures = failureTexts(total);
+    const auto lineOf = [](const char *name, const QString &text) {
+        printLine(QString::fromLatin1(name).leftJustified(10) + text);
+    };
+    lineOf("requests",
+           QStringLiteral("%1 sent, %2 answered, %3 passed over")
+               .arg(total.requests)
+               .arg(total.good)
+               .arg(total.notAsked));
+    printLines(indented(QStringLiteral("failures"), failures));
+    lineOf("driver", countersText(counters));
+    lineOf("bytes",
+           QStringLiteral("%1 sent, %2 received").arg(total.bytesSent).arg(total.bytesReceived));
+    printLines(indented(QStringLiteral("answers"), answerTexts(total)));
+    lineOf("line",
+           QStringLiteral("held %1 of the time, broke %2 times")
+               .arg(percentText(load))
+               .arg(counters.lineDowns()));
+}
+
+/// Polls until as many requests were sent, or passed over, as the options say.
+PollEnd measure(Session &session, const Options &options)
+{
+    PollSettings settings;
+    settings.enough = [&] {
+        const host::RequestCounts total = session.runtime().counters().total();
+        return total.requests + total.notAsked >= static_cast<quint64>(options.requests);
+    };
+    settings.patience = patienceOf(options.reconnect, true);
+    return poll(session, QStringLiteral("stats"), settings);
+}
+
+void print(Session &session, const Options &options, const host::Plan &plan, host::Duration start)
+{
+    const host::Runtime &runtime = session.runtime();
+    if (options.line.json)
+        return printJson(runtime.countersJson());
+    const RegisterNames names(options.line.plant, session.runtime().link().api(), options.names);
+    printBlocks(plan, runtime.counters(), names);
+    printLine(QString());
+    printSums(runtime.counters(), runtime.counters().lineLoad(start, session.line().now()));
 }
 
 int runStats(const Options &options)
@@ -112,19 +116,21 @@ int runStats(const Options &options)
     const auto session = Session::open(options.line, &failure);
     if (!session)
         return complain(name, failure);
-    session->link().poll(plan->addresses);
-    const Record record = measure(*session, options.requests);
-    const host::CounterSet &counters = session->cycle().counters();
-    if (options.line.json) {
-        QJsonObject object = recordJson(record);
-        object.insert(QStringLiteral("counters"), countersJson(counters));
-        printJson(object);
-    } else {
-        printRecord(record, counters);
-    }
-    if (record.lineBroke)
-        return complain(name, { ExitLine, QStringLiteral("%1 broke").arg(options.line.port) });
-    return record.turnarounds.isEmpty() ? causeCode(record.lastFailure) : ExitDone;
+    session->runtime().setPlan(*plan);
+    const host::Duration start = session->line().now();
+    const PollEnd end = measure(*session, options);
+    print(*session, options, *plan, start);
+    const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
+    if (end == PollEnd::LineGone)
+        return complain(name,
+                        { ExitLine, QStringLiteral("%1 broke").arg(options.line.plant.line.port) });
+    const bool heard = session->runtime().counters().total().good > 0;
+    if (!heard && end == PollEnd::Enough)
+        return complain(
+            name,
+            { causeCode(session->verdict()),
+              QStringLiteral("nothing was answered: %1").arg(causeText(session->verdict())) });
+    return stopped ? ExitDone : ExitFailed;
 }
 
 } // namespace
@@ -135,9 +141,11 @@ void addStats(CommandLine &line)
     const auto options = std::make_shared<Options>();
     command.words("address", options->words, "registers to poll, SW where none is named", false);
     command.number("--requests", options->requests, "to send, repeated ones included", 1, 1000000);
+    command.flag("--names", options->names, "with names of the simulated inverter");
+    addReconnectOption(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("stats"));
     command.example(QStringLiteral("dx4 stats --port /dev/ttyUSB0 --requests 20 D 0-9"),
-                    QStringLiteral("failures by kind, and how long an exchange takes"));
+                    QStringLiteral("failures by kind, and how soon the station answers"));
     command.action([options] { return runStats(*options); });
 }
 

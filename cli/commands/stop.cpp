@@ -4,31 +4,71 @@
 
 #include "cli/register_names.h"
 #include "cli/session.h"
-#include "cli/value_output.h"
+#include "cli/write_output.h"
 
 namespace dx4::cli {
 namespace {
 
 struct Options {
     LineOptions line;
-    int word = stopWord;
+    int word = -1; ///< control word; -1: the configuration's, else the simulated inverter's
+    bool all = false; ///< every station of the configuration
 };
+
+quint16 wordOf(const Options &options)
+{
+    if (options.word >= 0)
+        return static_cast<quint16>(options.word);
+    return options.line.plant.stop.controlWord.value_or(stopWord);
+}
+
+QVector<int> stationsOf(const Options &options)
+{
+    if (!options.all)
+        return { options.line.station };
+    QVector<int> stations;
+    for (const host::StationConfig &station : options.line.plant.stations)
+        stations.append(station.address);
+    return stations;
+}
+
+int stopOne(Session &session, int station, quint16 word)
+{
+    Failure failure { ExitDone, QString() };
+    const Target target { station, QStringLiteral("CW"), 0, 1 };
+    const auto results = session.write(target, { word }, {}, &failure);
+    printResults(results, target, { word }, session.options().json,
+                 RegisterNames(session.options().plant, session.runtime().link().api(), true));
+    if (failure.code == ExitDone)
+        return ExitDone;
+    failure.text += QStringLiteral("; the motor may still turn");
+    return complain(QStringLiteral("stop"), failure);
+}
 
 int runStop(const Options &options)
 {
     const QString name = QStringLiteral("stop");
+    const QVector<int> stations = stationsOf(options);
+    if (stations.isEmpty())
+        return complain(
+            name, { ExitUsage, QStringLiteral("--all needs stations; name a file with --config") });
+    // The runtime lets a command through to a station that it has not heard only as a stop.
+    LineOptions line = options.line;
+    const quint16 word = wordOf(options);
+    line.plant.stop.controlWord = word;
+    SessionWishes wishes;
+    for (const int station : stations)
+        wishes.stops.append({ station, word });
     Failure failure;
-    const auto session = Session::open(options.line, &failure);
+    const auto session = Session::open(line, &failure, wishes);
     if (!session)
         return complain(name, failure);
-    const Target target { options.line.station, QStringLiteral("CW"), 0, 1 };
-    const auto word = static_cast<quint16>(options.word);
-    if (!session->write(target, { word }, &failure)) {
-        failure.text += QStringLiteral("; the motor may still turn");
-        return complain(name, failure);
+    int exitCode = ExitDone;
+    for (const int station : stations) {
+        const int code = stopOne(*session, station, word);
+        exitCode = exitCode == ExitDone ? code : exitCode;
     }
-    printValues(target, { word }, options.line.json, true, QStringLiteral("confirmed"));
-    return ExitDone;
+    return exitCode;
 }
 
 } // namespace
@@ -38,6 +78,7 @@ void addStop(CommandLine &line)
     Command command = line.add("stop", "stop the motor");
     const auto options = std::make_shared<Options>();
     command.number("--word", options->word, "control word of a drive with other bits", 0, 65535);
+    command.flag("--all", options->all, "every station of the configuration");
     addLineOptions(command, options->line, QStringLiteral("stop"));
     command.example(QStringLiteral("dx4 stop --port /dev/ttyUSB0"),
                     QStringLiteral("station 1 ramps down"));

@@ -3,7 +3,7 @@
 #include "cli/commands/watch.h"
 
 #include "cli/commands/watch_view.h"
-#include "cli/interrupt.h"
+#include "cli/polling.h"
 #include "cli/register_names.h"
 #include "cli/reply_text.h"
 #include "cli/session.h"
@@ -22,19 +22,17 @@ struct Options {
     LineOptions line;
     QStringList words;
     int rounds = 0; ///< 0: until Ctrl-C
+    int reconnect = -1; ///< s
     bool csv = false;
     bool names = false;
 };
 
-WatchList watched(const QVector<Target> &targets, bool names)
+WatchList watched(const QVector<Target> &targets, const RegisterNames &names)
 {
     QVector<WatchedValue> values;
     for (const Target &target : targets) {
-        for (int i = 0; i < target.count; ++i) {
-            const int address = target.address + i;
-            values.append(names ? namedValue(target.station, target.regType, address)
-                                : plainValue(target.station, target.regType, address));
-        }
+        for (int i = 0; i < target.count; ++i)
+            values.append(names.of(target.station, target.regType, target.address + i));
     }
     return WatchList(values);
 }
@@ -46,64 +44,73 @@ WatchView::Form formOf(const Options &options)
     return options.csv ? WatchView::Form::Csv : WatchView::Form::Text;
 }
 
-/// Polls until it has had enough; gives whether the line held.
-bool follow(Session &session, WatchList &list, WatchView &view, qint64 requests)
+/// Polls until it has had enough.
+PollEnd follow(Session &session, WatchList &list, WatchView &view, const Options &options,
+               qint64 reads)
 {
-    const host::Duration start = session.line().now();
-    qint64 settled = 0;
-    bool lineHolds = true;
-    while (lineHolds && !shouldEnd() && (requests == 0 || settled < requests)) {
-        const host::Cycle::Step step = session.step();
-        const host::Duration now = session.line().now();
-        lineHolds = step != host::Cycle::Step::LineDown;
-        const bool over = step == host::Cycle::Step::Served || step == host::Cycle::Step::GivenUp;
-        settled += over ? 1 : 0;
-        list.follow(session.link(), session.cycle(), step, now);
-        view.values(list, session.cycle().counters(), now, now - start);
-    }
-    const host::Duration now = session.line().now();
-    view.end(list, session.cycle().counters(), now, now - start);
-    return lineHolds;
+    host::Line &line = session.line();
+    const host::Runtime &runtime = session.runtime();
+    const host::Duration start = line.now();
+    PollSettings settings;
+    settings.enough = [&] { return reads > 0 && endedReads(runtime.counters()) >= reads; };
+    settings.afterStep = [&] {
+        const host::Duration now = line.now();
+        list.follow(runtime, now);
+        view.values(list, runtime.counters(), now, now - start);
+    };
+    settings.onLine = [&view](const QString &text) { view.line(text); };
+    settings.patience = patienceOf(options.reconnect, reads > 0);
+    const PollEnd end = poll(session, QStringLiteral("watch"), settings);
+    view.end(list, runtime.counters(), line.now(), line.now() - start);
+    return end;
 }
 
-int outcome(const Session &session, const Options &options, bool lineHeld)
+int outcome(const Session &session, PollEnd end)
 {
     const QString name = QStringLiteral("watch");
-    if (!lineHeld)
-        return complain(name, { ExitLine, QStringLiteral("%1 broke").arg(options.line.port) });
-    if (session.cycle().counters().reads().good > 0 || shouldEnd())
+    if (end == PollEnd::LineGone)
+        return complain(
+            name, { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
+    if (session.runtime().counters().reads().good > 0 || end == PollEnd::Asked)
         return ExitDone;
     return complain(name,
                     { causeCode(session.verdict()),
                       QStringLiteral("nothing was read: %1").arg(causeText(session.verdict())) });
 }
 
+host::Duration staleAfter(const host::Plan &plan, const host::LineSettings &line)
+{
+    return std::max(staleRounds * host::cycleTime(plan, line, line.responseTimeout), shortestStale);
+}
+
 int runWatch(const Options &options)
 {
     const QString name = QStringLiteral("watch");
     Failure failure;
-    const auto plan =
-        makePlan(wordsOrConfigured(options.words, options.line), options.line, &failure);
+    const QStringList words = wordsOrConfigured(options.words, options.line);
+    const auto plan = makePlan(words, options.line, &failure);
     if (!plan)
         return complain(name, failure);
-    const auto session = Session::open(options.line, &failure);
+    SessionWishes wishes;
+    wishes.staleAfter = staleAfter(*plan, options.line.plant.line);
+    const auto session = Session::open(options.line, &failure, wishes);
     if (!session)
         return complain(name, failure);
-    const auto targets =
-        parseTargets(wordsOrConfigured(options.words, options.line), options.line.station,
-                     ReadAccess, session->link().api(), &failure);
+    const host::DriverApi &api = session->runtime().link().api();
+    const auto targets = parseTargets(words, options.line.station, ReadAccess, api, &failure);
     if (!targets)
         return complain(name, failure);
-    WatchList list = watched(*targets, options.names);
-    const host::LineSettings settings = lineSettings(options.line);
-    const host::Duration stale = std::max(
-        staleRounds * host::cycleTime(*plan, settings, settings.responseTimeout), shortestStale);
-    const qint64 blocks = host::lengthOf(session->link().poll(plan->addresses));
-    const auto view = WatchView::create(formOf(options), Terminal::detect(), stale);
-    const bool lineHeld = follow(*session, list, *view, options.rounds * blocks);
+    WatchList list = watched(*targets, RegisterNames(options.line.plant, api, options.names));
+    session->runtime().setPlan(*plan);
+    const qint64 blocks = host::lengthOf(plan->blocks);
+    PollEnd end = PollEnd::Enough;
+    {
+        const auto view = WatchView::create(formOf(options), Terminal::detect());
+        end = follow(*session, list, *view, options, options.rounds * blocks);
+    }
     // Whoever ends the watch by hand goes away; a watch that is over by itself was a look.
-    const bool stopped = !lineHeld || !shouldEnd() || session->stopSafely(name);
-    const int exitCode = outcome(*session, options, lineHeld);
+    const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
+    const int exitCode = outcome(*session, end);
     return exitCode == ExitDone && !stopped ? ExitFailed : exitCode;
 }
 
@@ -118,6 +125,7 @@ void addWatch(CommandLine &line)
                    1000000);
     command.flag("--csv", options->csv, "print comma-separated values");
     command.flag("--names", options->names, "with names and units of the simulated inverter");
+    addReconnectOption(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("watch"));
     command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --names D 0-7 SW FU"),
                     QStringLiteral("a live table until Ctrl-C"));

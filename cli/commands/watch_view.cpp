@@ -3,15 +3,16 @@
 #include "cli/commands/watch_view.h"
 
 #include "cli/counters_text.h"
+#include "cli/exit_code.h"
+#include "cli/live_table.h"
 #include "cli/output.h"
 #include "cli/value_output.h"
 #include "cli/value_table.h"
 #include "host/length.h"
 #include "host/notation.h"
 
-#include <QTextStream>
-
-#include <cstdio>
+#include <optional>
+#include <vector>
 
 namespace dx4::cli {
 namespace {
@@ -26,17 +27,9 @@ double inSeconds(host::Duration span)
 /// Draws the table over itself.
 class LiveView : public WatchView {
 public:
-    LiveView(const Terminal &terminal, host::Duration staleAfter)
-        : m_out(stdout)
-        , m_terminal(terminal)
-        , m_staleAfter(staleAfter)
+    explicit LiveView(const Terminal &terminal)
+        : m_terminal(terminal)
     {
-        m_out << QStringLiteral("\x1b[?25l"); // no cursor while drawing
-    }
-    ~LiveView() override
-    {
-        m_out << QStringLiteral("\x1b[?25h");
-        m_out.flush();
     }
 
     void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
@@ -46,6 +39,8 @@ public:
             return;
         draw(list, counters, now);
     }
+
+    void line(const QString &text) override { m_notice = text; }
 
     void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration) override
@@ -57,57 +52,53 @@ private:
     void draw(const WatchList &list, const host::CounterSet &counters, host::Duration now)
     {
         m_drawnAt = now;
-        QStringList lines = tableLines(list.rows(), now, m_terminal, m_staleAfter);
-        lines.append(QString());
-        lines.append(m_terminal.styled(countersText(counters), Terminal::Style::Dim));
-        if (m_height > 0)
-            m_out << QStringLiteral("\x1b[%1A").arg(m_height); // back up over the last drawing
-        for (const QString &line : lines)
-            m_out << line << QStringLiteral("\x1b[K\n");
-        m_height = host::lengthOf(lines);
-        m_out.flush();
+        m_table.draw(tableLines(list.rows(), now, m_terminal),
+                     { QString(), m_terminal.styled(countersText(counters), Terminal::Style::Dim),
+                       m_terminal.styled(m_notice, Terminal::Style::Warning) });
     }
 
-    QTextStream m_out;
+    LiveTable m_table;
     Terminal m_terminal;
-    host::Duration m_staleAfter;
+    QString m_notice;
     std::optional<host::Duration> m_drawnAt;
-    int m_height = 0;
 };
 
-/// What was last said about a row.
-struct Said {
-    bool anything = false;
-    bool failed = false;
-    quint16 value = 0;
-};
+QString stateText(const host::Value &state)
+{
+    if (state.failed)
+        return QStringLiteral("failed");
+    return state.stale ? QStringLiteral("stale") : QStringLiteral("ok");
+}
 
-/// A line for every value that became another, failed or came back.
+/// A line for every value that became another, failed, grew stale or came back.
 class LineView : public WatchView {
 public:
     explicit LineView(Form form)
         : m_form(form)
     {
         if (form == Form::Csv)
-            printLine(QStringLiteral("time,station,type,address,register,value,state"));
+            printLine(
+                QStringLiteral("time,station,type,address,register,value,state,name,scaled,unit"));
     }
 
     void values(const WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
     {
-        m_said.resize(list.rows().size());
+        m_said.resize(static_cast<std::size_t>(list.rows().size()));
         for (int i = 0; i < host::lengthOf(list.rows()); ++i) {
             const WatchRow &row = list.rows().at(i);
-            Said &said = m_said[i];
-            const bool known = row.answeredAt || row.state.failed;
-            const bool other = said.failed != row.state.failed
-                || (!row.state.failed && said.value != row.state.value);
-            if (!known || (said.anything && !other))
+            const host::Value &now = row.state;
+            std::optional<host::Value> &said = m_said[static_cast<std::size_t>(i)];
+            const bool isOther = !said || said->value != now.value || said->failed != now.failed
+                || said->stale != now.stale;
+            if (!isOther || (!now.known && !now.failed))
                 continue;
-            said = { true, row.state.failed, row.state.value };
+            said = now;
             print(row, elapsed);
         }
     }
+
+    void line(const QString &text) override { note(QStringLiteral("watch"), text); }
 
     void end(const WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
@@ -125,47 +116,73 @@ public:
 private:
     void print(const WatchRow &row, host::Duration elapsed) const
     {
-        const WatchedValue &what = row.what;
-        const QString time = QString::number(inSeconds(elapsed), 'f', 3);
-        const QString state = row.state.failed ? QStringLiteral("failed") : QStringLiteral("ok");
-        if (m_form == Form::Json) {
-            QJsonObject object = registerJson(what.station, what.regType, what.address);
-            object.insert(QStringLiteral("event"), QStringLiteral("value"));
-            object.insert(QStringLiteral("time"), inSeconds(elapsed));
-            object.insert(QStringLiteral("value"), row.state.value);
-            object.insert(QStringLiteral("state"), state);
-            printJson(object);
-        } else if (m_form == Form::Csv) {
-            printLine(QStringList {
-                time, QString::number(what.station), what.regType,
-                host::addressText(what.regType, what.address),
-                hex(static_cast<unsigned>(host::modbusRegister(what.regType, what.address)), 4),
-                QString::number(row.state.value), state }
-                          .join(QLatin1Char(',')));
-        } else {
-            const QString value = row.state.failed
-                ? state
-                : QStringLiteral("%1 %2").arg(formatValue(what, row.state.value), what.unit);
-            printLine(
-                QStringLiteral("%1 s  %2  %3  %4")
-                    .arg(time.rightJustified(8))
-                    .arg(what.station)
-                    .arg(host::fullAddress(what.regType, what.address).leftJustified(16), value)
-                    .trimmed());
+        switch (m_form) {
+        case Form::Json:
+            return printJson(rowJson(row, elapsed));
+        case Form::Csv:
+            return printLine(csvLine(rowCells(row, elapsed)));
+        case Form::Text:
+            return printLine(rowText(row, elapsed));
         }
     }
 
+    static QJsonObject rowJson(const WatchRow &row, host::Duration elapsed)
+    {
+        const WatchedValue &what = row.what;
+        QJsonObject object = registerJson(what.station, what.regType, what.address);
+        object.insert(QStringLiteral("event"), QStringLiteral("value"));
+        object.insert(QStringLiteral("time"), inSeconds(elapsed));
+        object.insert(QStringLiteral("state"), stateText(row.state));
+        if (row.state.known) {
+            object.insert(QStringLiteral("value"), row.state.value);
+            describe(object, what, row.state.value);
+        }
+        return object;
+    }
+
+    static QStringList rowCells(const WatchRow &row, host::Duration elapsed)
+    {
+        const WatchedValue &what = row.what;
+        const bool known = row.state.known;
+        const auto number = static_cast<unsigned>(host::modbusRegister(what.regType, what.address));
+        return { QString::number(inSeconds(elapsed), 'f', 3),
+                 QString::number(what.station),
+                 what.regType,
+                 host::addressText(what.regType, what.address),
+                 hex(number, 4),
+                 known ? QString::number(row.state.value) : QString(),
+                 stateText(row.state),
+                 what.name,
+                 known ? formatValue(what, row.state.value) : QString(),
+                 what.scaling.unit };
+    }
+
+    static QString rowText(const WatchRow &row, host::Duration elapsed)
+    {
+        const WatchedValue &what = row.what;
+        const QString state = stateText(row.state);
+        QString shown = quantityText(what, row.state.value);
+        if (row.state.failed)
+            shown = state;
+        else if (row.state.stale)
+            shown += QStringLiteral("  ") + state;
+        return QStringLiteral("%1 s  %2  %3  %4  %5")
+            .arg(QString::number(inSeconds(elapsed), 'f', 3).rightJustified(8))
+            .arg(what.station)
+            .arg(host::fullAddress(what.regType, what.address).leftJustified(16), shown, what.name)
+            .trimmed();
+    }
+
     Form m_form;
-    QVector<Said> m_said;
+    std::vector<std::optional<host::Value>> m_said; // by row
 };
 
 } // namespace
 
-std::unique_ptr<WatchView> WatchView::create(Form form, const Terminal &terminal,
-                                             host::Duration staleAfter)
+std::unique_ptr<WatchView> WatchView::create(Form form, const Terminal &terminal)
 {
     if (form == Form::Text && terminal.live)
-        return std::make_unique<LiveView>(terminal, staleAfter);
+        return std::make_unique<LiveView>(terminal);
     return std::make_unique<LineView>(form);
 }
 

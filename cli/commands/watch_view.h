@@ -4,6 +4,7 @@
 
 #include "cli/terminal.h"
 #include "cli/watch_list.h"
+#include "host/counters.h"
 
 #include <memory>
 
@@ -24,15 +25,15 @@ public:
     /// @param now, elapsed  the line's clock, and the time since the start
     virtual void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
                         host::Duration elapsed) = 0;
+
+    /// The line broke, or is back.
+    virtual void line(const QString &text) = 0;
     virtual void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
                      host::Duration elapsed) = 0;
 
     /// The table where the terminal can be drawn over and text was asked for, else a line for every
-    /// value that became another, failed or came back.
-    ///
-    /// @param staleAfter  age from which the table marks a value
-    static std::unique_ptr<WatchView> create(Form form, const Terminal &terminal,
-                                             host::Duration staleAfter);
+    /// value that became another, failed, grew stale or came back.
+    static std::unique_ptr<WatchView> create(Form form, const Terminal &terminal);
 };
 
 } // namespace dx4::cli

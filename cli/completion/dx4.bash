@@ -12,16 +12,17 @@ _dx4_options() {
     'frames write') echo '--station --block --json --driver' ;;
     'frames decode') echo '--request --json --driver' ;;
     get) echo "--count --names $line" ;;
-    set) echo "--names $line" ;;
-    watch) echo "--rounds --csv --names $line" ;;
-    plan) echo "--turnaround $line" ;;
+    set) echo "--always --verify --names $line" ;;
+    watch) echo "--rounds --csv --names --reconnect $line" ;;
+    plan) echo "--turnaround --names $line" ;;
     scan) echo "--from --to --resume $line" ;;
-    stats) echo "--requests $line" ;;
+    stats) echo "--requests --names --reconnect $line" ;;
     run) echo "--frequency --reverse --word $line" ;;
-    stop) echo "--word $line" ;;
+    stop) echo "--word --all $line" ;;
     line) echo '--json' ;;
-    record) echo "--rounds $line" ;;
-    'params dump' | 'params diff' | 'params restore' | replay) echo "$line" ;;
+    record) echo "--rounds --reconnect $line" ;;
+    'params dump' | 'params diff' | 'params restore') echo "$line" ;;
+    replay) echo "--names $line" ;;
   esac
 }
 

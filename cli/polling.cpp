@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// The loop of the commands that poll: until enough, until Ctrl-C, and through a line that breaks.
+#include "cli/polling.h"
+
+#include "cli/interrupt.h"
+
+namespace dx4::cli {
+namespace {
+
+constexpr host::Duration usualPatience = std::chrono::seconds(10);
+constexpr int longestPatience = 86400; // s
+
+} // namespace
+
+void addReconnectOption(Command &command, int &seconds)
+{
+    command.number("--reconnect", seconds, "seconds to wait for a line that broke", 0,
+                   longestPatience);
+}
+
+std::optional<host::Duration> patienceOf(int seconds, bool hasEnd)
+{
+    if (seconds >= 0)
+        return std::chrono::seconds(seconds);
+    return hasEnd ? std::optional(usualPatience) : std::nullopt;
+}
+
+PollEnd poll(Session &session, const QString &command, const PollSettings &settings)
+{
+    using Step = host::Runtime::Step;
+    const QString &port = session.options().plant.line.port;
+    const auto tell = [&](const QString &text) {
+        settings.onLine ? settings.onLine(text) : note(command, text);
+    };
+    std::optional<host::Duration> downSince;
+    while (!shouldEnd()) {
+        if (settings.enough())
+            return PollEnd::Enough;
+        const Step step = session.runtime().step();
+        const host::Duration now = session.line().now();
+        const bool isOpen = session.line().isOpen();
+        const bool isGone =
+            !isOpen && settings.patience && now - downSince.value_or(now) >= *settings.patience;
+        if (!isOpen && !downSince)
+            tell(QStringLiteral("%1 broke%2")
+                     .arg(port, isGone ? QString() : QStringLiteral("; waiting for it")));
+        if (isOpen && downSince)
+            tell(QStringLiteral("%1 is back").arg(port));
+        downSince = isOpen ? std::nullopt : std::optional(downSince.value_or(now));
+        if (settings.afterStep)
+            settings.afterStep();
+        if (isGone)
+            return PollEnd::LineGone;
+        if (step == Step::Idle || step == Step::LineDown)
+            pauseFor(session.runtime().idleTime());
+    }
+    return PollEnd::Asked;
+}
+
+qint64 endedReads(const host::CounterSet &counters)
+{
+    const host::RequestCounts reads = counters.reads();
+    return static_cast<qint64>(reads.good + reads.giveUps + reads.notAsked);
+}
+
+} // namespace dx4::cli

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// The loop of the commands that poll: until enough, until Ctrl-C, and through a line that breaks.
+#pragma once
+
+#include "cli/session.h"
+
+#include <functional>
+
+namespace dx4::cli {
+
+/// Why a loop ended.
+enum class PollEnd {
+    Enough,
+    Asked, ///< Ctrl-C, or the reader has gone
+    LineGone, ///< the line broke and did not come back in time
+};
+
+struct PollSettings {
+    std::function<bool()> enough; ///< asked before each step
+    std::function<void()> afterStep; ///< may be null
+
+    /// Told when the line broke and when it is back; null: noted on standard error.
+    std::function<void(const QString &)> onLine;
+    std::optional<host::Duration> patience; ///< with a broken line; nothing: without end
+};
+
+/// Adds --reconnect. @param seconds  set to -1, which stands for "not given"
+void addReconnectOption(Command &command, int &seconds);
+
+/// The patience that --reconnect asks for; without it, 10 s for a command that has an end of its
+/// own and no limit for one that runs until Ctrl-C.
+std::optional<host::Duration> patienceOf(int seconds, bool hasEnd);
+
+/// Steps the session's runtime.
+///
+/// @param command  for notes
+PollEnd poll(Session &session, const QString &command, const PollSettings &settings);
+
+/// Reads that have ended: answered, given up, or passed over as their station is left alone.
+qint64 endedReads(const host::CounterSet &counters);
+
+} // namespace dx4::cli
