@@ -172,6 +172,12 @@ int GuardedExchange::learnEcho(int station, Duration timeout)
     return probes;
 }
 
+void GuardedExchange::forgetLine()
+{
+    m_echo = AdapterEcho(m_line.settings().echo);
+    m_unanswered.clear();
+}
+
 Reply GuardedExchange::exchange(const FRAME_PRO &request, Duration timeout)
 {
     const LineSettings &settings = m_line.settings();
@@ -182,11 +188,15 @@ Reply GuardedExchange::exchange(const FRAME_PRO &request, Duration timeout)
 
     const Duration start = m_line.now();
     const Duration requestEnd = start + settings.wireTime(request.sendLength);
-    if (!m_line.send(bytesOf(request)))
+    if (!m_line.send(bytesOf(request))) {
+        forgetLine();
         return { Reply::Kind::LineDown, {}, true, m_line.now() - start };
+    }
     collect(request, requestEnd + timeout + settings.wireTime(request.replyLength));
-    if (m_report.verdict.cause != ReplyCause::Good && !m_line.isOpen())
+    if (m_report.verdict.cause != ReplyCause::Good && !m_line.isOpen()) {
+        forgetLine();
         return { Reply::Kind::LineDown, {}, true, m_line.now() - start };
+    }
 
     const Duration late =
         requestEnd + timeout + settings.wireTime(request.replyLength) + settings.responseTimeout;
@@ -320,9 +330,10 @@ bool GuardedExchange::stripEcho(const FRAME_PRO &request)
 /// What a reply says of the adapter, with so many bytes before it.
 void GuardedExchange::noteEchoOf(const FRAME_PRO &request, int skipped)
 {
-    const bool isCopy = repliesLikeEcho(request) && m_report.verdict.cause == ReplyCause::Good;
-    if (isCopy && m_report.echoStripped)
-        m_echo.noteEcho(); // the second of two
+    const bool mayMislead = repliesLikeEcho(request);
+    const bool isCopy = mayMislead && m_report.verdict.cause == ReplyCause::Good;
+    if (mayMislead && m_report.echoStripped)
+        m_echo.noteEcho(); // what was taken away was no reply
     else if (!isCopy && !m_report.echoStripped && skipped == 0)
         m_echo.noteNoEcho(); // bytes before it might have been a damaged echo
 }

@@ -39,6 +39,10 @@ public:
     /// Silence that a station needs before a request, on top of the line's own gap.
     void setExtraGap(int station, Duration extra) { m_extraGaps[station] = extra; }
 
+    /// Forgets the adapter and what it may still bring: the line is another one since it was
+    /// opened again. An exchange that finds the line closed does so by itself.
+    void forgetLine();
+
 private:
     /// A request whose replies may still come.
     struct Unanswered {

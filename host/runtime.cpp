@@ -95,6 +95,7 @@ bool Runtime::ensureOpen()
         return false;
     if (m_line.open(&m_lineError)) {
         m_lineError.clear();
+        m_guard.forgetLine();
         m_openDelay = Duration { 0 };
         m_wasOpen = true;
         m_stop.tryNow();

@@ -449,6 +449,38 @@ TEST_F(GuardedExchangeTest, ThreeStrayCopiesCostAWriteOneMoreTry)
     EXPECT_EQ(guard.report().echoProbes, 3);
 }
 
+TEST_F(GuardedExchangeTest, ALineThatWasGoneMayHaveAnotherAdapter)
+{
+    step();
+    write("CW", 0, { 1 });
+    inverter.line.unplug();
+    const Cycle::Step gone = cycle.step();
+    inverter.line.plugIn();
+    inverter.line.open(nullptr);
+
+    EXPECT_EQ(gone, Cycle::Step::LineDown);
+    EXPECT_EQ(step(), "good");
+    EXPECT_EQ(cycle.request().var.regType, QStringLiteral("CW"));
+    EXPECT_EQ(guard.report().echoProbes, 1);
+}
+
+TEST_F(GuardedExchangeTest, AnExceptionBehindACopyOfAWriteIsASignOfAnEcho)
+{
+    inverter.echoes = true;
+    inverter.dead = { 1 };
+    for (int i = 0; i < 2; ++i) {
+        write("CW", 0, { 1 });
+        inverter.changes = { silence(), instead(framed("01 86 02")) };
+        ASSERT_EQ(step(), "exception 2");
+        ASSERT_EQ(guard.report().echoProbes, 1);
+    }
+
+    write("CW", 0, { 1 });
+    step();
+
+    EXPECT_EQ(guard.report().echoProbes, 0);
+}
+
 TEST_F(GuardedExchangeTest, AStopGoesOutBeforeTheAdapterIsKnown)
 {
     link.write(1, QStringLiteral("CW"), 0, { 0 }, safeStopTag);
