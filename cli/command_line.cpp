@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,23 +50,95 @@ Place findPlace(const CLI::App &app, const QStringList &arguments)
     return place;
 }
 
+QString described(const CLI::Option &option)
+{
+    return QStringLiteral("%1: %2").arg(QString::fromStdString(option.get_name()),
+                                        QString::fromStdString(option.get_description()));
+}
+
+/// Options of a command and of all below it.
+QStringList allOptionNames(const CLI::App &app)
+{
+    QStringList names = optionNames(app);
+    for (const CLI::App *command : app.get_subcommands([](const CLI::App *) { return true; }))
+        names += allOptionNames(*command);
+    return names;
+}
+
+/// A word that ought to be a command.
+QString explainCommand(const Place &place, const QStringList &commands)
+{
+    if (place.rest.isEmpty())
+        return QStringLiteral("a command is needed: %1").arg(commands.join(QStringLiteral(", ")));
+    const QString word = place.rest.constFirst();
+    const QString name = word.section(QLatin1Char('='), 0, 0);
+    if (!word.startsWith(QLatin1Char('-')))
+        return QStringLiteral("no command \"%1\"%2").arg(word, suggestion(word, commands));
+    const QStringList known = allOptionNames(*place.app);
+    if (known.contains(name))
+        return QStringLiteral("%1 goes behind the command, such as dx4 get %1").arg(name);
+    return QStringLiteral("no option \"%1\"%2").arg(name, suggestion(name, known));
+}
+
+/// The first word that looks like an option and is none; empty where there is no such word.
+QString unknownOption(const Place &place)
+{
+    const QStringList known = optionNames(*place.app);
+    for (const QString &word : place.rest) {
+        const QString name = word.section(QLatin1Char('='), 0, 0);
+        bool isNumber = false;
+        word.toDouble(&isNumber);
+        const bool isShort = name.size() == 2 && name != QLatin1String("-h");
+        const bool isLong = name.startsWith(QLatin1String("--")) && !known.contains(name);
+        if (name.startsWith(QLatin1Char('-')) && name.size() > 1 && !isNumber
+            && name != QLatin1String("--") && (isShort || isLong))
+            return name;
+    }
+    return QString();
+}
+
+/// What is missing, or has no value.
+QString explainMissing(const CLI::App &app, const CLI::ParseError &error)
+{
+    const QString text = QString::fromUtf8(error.what());
+    const bool isRequired = dynamic_cast<const CLI::RequiredError *>(&error) != nullptr;
+    const bool isMismatch = dynamic_cast<const CLI::ArgumentMismatch *>(&error) != nullptr;
+    for (const CLI::Option *option : app.get_options()) {
+        const bool isMissing = option->get_required() && option->count() == 0;
+        if (isRequired && isMissing)
+            return QStringLiteral("nothing given for %1").arg(described(*option));
+        const QString name = QString::fromStdString(option->get_name());
+        if (isMismatch && text.startsWith(name + QLatin1Char(':')))
+            return QStringLiteral("%1 given for %2")
+                .arg(option->count() == 0 ? QStringLiteral("no value")
+                                          : QStringLiteral("too many values"),
+                     described(*option));
+    }
+    return text;
+}
+
 /// What is wrong, in the words of this program where it knows better than the parser.
 QString explain(const Place &place, const CLI::ParseError &error)
 {
     const QStringList commands = commandNames(*place.app);
-    if (!commands.isEmpty() && place.rest.isEmpty())
-        return QStringLiteral("a command is needed: %1").arg(commands.join(QStringLiteral(", ")));
-    if (!commands.isEmpty() && !place.rest.constFirst().startsWith(QLatin1Char('-'))) {
-        const QString word = place.rest.constFirst();
-        return QStringLiteral("no command \"%1\"%2").arg(word, suggestion(word, commands));
+    if (!commands.isEmpty())
+        return explainCommand(place, commands);
+    const QString option = unknownOption(place);
+    if (!option.isEmpty())
+        return QStringLiteral("no option \"%1\"%2")
+            .arg(option, suggestion(option, optionNames(*place.app)));
+    if (dynamic_cast<const CLI::ExtrasError *>(&error)) {
+        const QString words = QString::fromUtf8(error.what()).section(QStringLiteral(": "), 1);
+        return QStringLiteral("\"%1\" is not expected").arg(words);
     }
-    const QStringList options = optionNames(*place.app);
-    for (const QString &word : place.rest) {
-        const QString name = word.section(QLatin1Char('='), 0, 0);
-        if (name.startsWith(QLatin1String("--")) && name.size() > 2 && !options.contains(name))
-            return QStringLiteral("no option \"%1\"%2").arg(name, suggestion(name, options));
-    }
-    return QString::fromUtf8(error.what());
+    return explainMissing(*place.app, error);
+}
+
+QString withHelp(const QString &text, const QString &command)
+{
+    const QString pointer = text.endsWith(QLatin1Char('?')) ? QStringLiteral("%1 See %2 --help")
+                                                            : QStringLiteral("%1; see %2 --help");
+    return pointer.arg(text, command);
 }
 
 int refuse(const CLI::App &app, const CLI::ParseError &error, int argc, char **argv)
@@ -77,9 +150,7 @@ int refuse(const CLI::App &app, const CLI::ParseError &error, int argc, char **a
     const QString command = place.path.join(QLatin1Char(' '));
     const QString help =
         (QStringList { QStringLiteral("dx4") } + place.path).join(QLatin1Char(' '));
-    return complain(
-        command,
-        { ExitUsage, QStringLiteral("%1; see %2 --help").arg(explain(place, error), help) });
+    return complain(command, { ExitUsage, withHelp(explain(place, error), help) });
 }
 
 } // namespace
@@ -90,7 +161,7 @@ Command::Command(CLI::App &app, int &exitCode)
 {
 }
 
-void Command::words(const char *name, QStringList &value, const char *help, bool required)
+void Command::words(const char *name, QStringList &value, const char *help, bool required, int most)
 {
     CLI::Option *option = m_app.add_option_function<std::vector<std::string>>(
         name,
@@ -99,15 +170,33 @@ void Command::words(const char *name, QStringList &value, const char *help, bool
                 value.append(QString::fromStdString(word));
         },
         help);
+    if (most > 0)
+        option->expected(1, most);
     option->required(required)->type_name("");
 }
 
 void Command::number(const char *option, int &value, const char *help, int lowest, int highest)
 {
-    CLI::Option *added =
-        m_app.add_option(option, value, help)->check(CLI::Range(lowest, highest))->type_name("N");
+    const QString allowed = QStringLiteral("%1 to %2").arg(lowest).arg(highest);
+    const auto check = [=](const std::string &given) {
+        const QString word = QString::fromStdString(given);
+        bool isNumber = false;
+        const int number = word.toInt(&isNumber);
+        if (isNumber && number >= lowest && number <= highest)
+            return std::string();
+        const char *what = isNumber ? "is out of range" : "is no whole number";
+        return QStringLiteral("\"%1\" %2; %3 is allowed")
+            .arg(word, QString::fromLatin1(what), allowed)
+            .toStdString();
+    };
+    CLI::Option *added = m_app.add_option_function<std::string>(
+        option,
+        [&value](const std::string &given) { value = QString::fromStdString(given).toInt(); },
+        help);
+    added->check(CLI::Validator(check, ""))
+        ->type_name(QStringLiteral("[%1-%2]").arg(lowest).arg(highest).toStdString());
     if (value >= lowest && value <= highest) // else it stands for "not given"
-        added->capture_default_str();
+        added->default_str(std::to_string(value));
 }
 
 void Command::text(const char *option, QString &value, const char *help, const char *placeholder)
@@ -134,8 +223,8 @@ void Command::choice(const char *option, QString &value, const char *help, const
         .add_option_function<std::string>(
             option, [&value](const std::string &given) { value = QString::fromStdString(given); },
             help)
-        ->check(CLI::Validator(check, valid.join(QLatin1Char('|')).toStdString()))
-        ->type_name("")
+        ->check(CLI::Validator(check, ""))
+        ->type_name(valid.join(QLatin1Char('|')).toStdString())
         ->default_str(value.toStdString());
 }
 

@@ -22,8 +22,12 @@ public:
 
     Command(CLI::App &app, int &exitCode);
 
-    /// Bare words behind the options. @param required  at least one
-    void words(const char *name, QStringList &value, const char *help, bool required = true);
+    /// Bare words behind the options.
+    ///
+    /// @param required  at least one
+    /// @param most      of them; 0: any number
+    void words(const char *name, QStringList &value, const char *help, bool required = true,
+               int most = 0);
 
     /// An option with a whole number within its limits.
     void number(const char *option, int &value, const char *help, int lowest, int highest);

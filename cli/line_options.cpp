@@ -10,6 +10,7 @@ namespace {
 
 constexpr int lastStation = 247;
 constexpr int largestBlock = 123; // registers
+constexpr int fastestSpeed = 4000000; // bit/s
 
 QString formatText(const host::LineSettings &line)
 {
@@ -88,7 +89,7 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
 {
     command.text("--config", options.config, "TOML file with line, stations and registers", "FILE");
     command.text("--port", options.port, "serial port; else the variable DX4_PORT", "DEVICE");
-    command.number("--speed", options.speed, "bit/s; 9600 where none is given", 300, 921600);
+    command.number("--speed", options.speed, "bit/s; 9600 where none is given", 300, fastestSpeed);
     command.choice("--format", options.format, "data bits, parity, stop bits; else 8N1",
                    { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
                      QStringLiteral("8E2"), QStringLiteral("8O1"), QStringLiteral("8O2") });

@@ -84,7 +84,10 @@ std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
     if (code == AddressAccepted)
         return target;
     const int last = target.address + range->count - 1;
-    tell(failure, verdictText(code, range->regType, last));
+    const QString verdict = verdictText(code, range->regType, last);
+    const bool namesAddress =
+        code == AddressOutOfRange || code == AddressReadOnly || code == AddressWriteOnly;
+    tell(failure, namesAddress ? verdict : QStringLiteral("\"%1\": %2").arg(text.text, verdict));
     return std::nullopt;
 }
 

@@ -68,10 +68,17 @@ std::optional<Setting> parseSetting(const QStringList &words, int station,
         setting.values.append(*value);
     }
     const int count = host::lengthOf(setting.values);
+    if (count == 0) {
+        *failure = { ExitUsage,
+                     QStringLiteral("no value given for %1; write it behind the address, such as "
+                                    "F 8.2 20")
+                         .arg(host::fullAddress(setting.target.regType, setting.target.address)) };
+        return std::nullopt;
+    }
     const bool everyRegister = setting.target.count > 1 && count == 1;
     if (everyRegister)
         setting.values.fill(setting.values.constFirst(), setting.target.count);
-    const bool fits = count >= 1 && count <= mostRegisters
+    const bool fits = count <= mostRegisters
         && (setting.target.count == 1 || setting.target.count == setting.values.size());
     if (!fits) {
         *failure = { ExitUsage,

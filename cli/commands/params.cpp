@@ -229,7 +229,8 @@ void addParams(CommandLine &line)
     Command params = line.add("params", "keep the parameters of a station in a file");
     Command dump = params.sub("dump", "read all parameters");
     const auto dumping = std::make_shared<Options>();
-    dump.words("file", dumping->files, "to write, and to go on from; else standard output", false);
+    dump.words("file", dumping->files, "to write, and to go on from; else standard output", false,
+               1);
     addLineOptions(dump, dumping->line, QStringLiteral("params dump"));
     dump.example(QStringLiteral("dx4 params dump --port /dev/ttyUSB0 drive.txt"),
                  QStringLiteral("all parameters of station 1"));
@@ -237,7 +238,7 @@ void addParams(CommandLine &line)
 
     Command diff = params.sub("diff", "compare a file with another, or with the station");
     const auto comparing = std::make_shared<Options>();
-    diff.words("file", comparing->files, "one or two files");
+    diff.words("file", comparing->files, "one or two files", true, 2);
     addLineOptions(diff, comparing->line, QStringLiteral("params diff"));
     diff.example(QStringLiteral("dx4 params diff --port /dev/ttyUSB0 drive.txt"),
                  QStringLiteral("exit code 8 when something differs"));
@@ -245,7 +246,7 @@ void addParams(CommandLine &line)
 
     Command restore = params.sub("restore", "write what differs and read it back");
     const auto restoring = std::make_shared<Options>();
-    restore.words("file", restoring->files, "parameters to restore");
+    restore.words("file", restoring->files, "parameters to restore", true, 1);
     addLineOptions(restore, restoring->line, QStringLiteral("params restore"));
     restore.example(QStringLiteral("dx4 params restore --port /dev/ttyUSB0 drive.txt"),
                     QStringLiteral("station 1 holds what the file says"));

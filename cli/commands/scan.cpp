@@ -129,7 +129,10 @@ int runScan(const Options &options)
 {
     const QString name = QStringLiteral("scan");
     if (options.to < options.from)
-        return complain(name, { ExitUsage, QStringLiteral("--to is below --from") });
+        return complain(
+            name,
+            { ExitUsage,
+              QStringLiteral("--to %1 is below --from %2").arg(options.to).arg(options.from) });
     Failure failure;
     const auto session = Session::open(options.line, &failure);
     if (!session)
