@@ -2,24 +2,29 @@
 # SPDX-License-Identifier: MIT
 """Changes one thing in src/ at a time and asks whether the fast tests notice.
 
-Works on copies of the tracked files under --work, never in the tree itself. A change that no test
-notices survives: a test is missing, or the change makes no difference and is explained in
-docs/testing.md.
+Works on copies of the tracked files under --work, never in the tree itself. There the driver is one
+shared library that the tests load and link, so that a change costs a compilation, a link and the
+tests up to the first that fails. A change that no test notices survives: a test is missing, or the
+change makes no difference and is explained in docs/testing.md.
 """
 
 import argparse
 import collections
 import concurrent.futures
+import hashlib
 import json
 import os
 import queue
 import random
 import re
 import resource
+import shlex
 import shutil
 import signal
 import subprocess
 import sys
+import threading
+import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
@@ -59,7 +64,26 @@ DECLARATION = re.compile(r"^\s*(?:const|constexpr|static|using|return|extern|sta
                          r"friend|struct|class|enum|inline|void|int|bool|unsigned|QString|quint\w+|"
                          r"qint\w+|std::|#)\b|\)\s*(?:const)?;?\s*=\s*(?:delete|default);$")
 
-Mutant = collections.namedtuple("Mutant", "file line column old new kind")
+# `text` and `number` (the how-manieth such line of the file) find a line again after an edit of others.
+Mutant = collections.namedtuple("Mutant", "file line column old new kind text number")
+
+# Replaces src/CMakeLists.txt in the copies.
+BUILD_OF_SOURCES = """\
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS "*.cpp")
+add_library(korvane_dx4 SHARED ${sources})
+target_include_directories(korvane_dx4 PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+target_link_libraries(korvane_dx4 PUBLIC korvane::driver_api)
+target_compile_options(korvane_dx4 PRIVATE -fno-builtin-memcpy)
+# Unique symbols would keep the library from being unloaded.
+target_compile_options(korvane_dx4 PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+target_link_options(korvane_dx4 PRIVATE -Wl,-Bsymbolic)
+target_precompile_headers(korvane_dx4 PRIVATE <algorithm> <memory> <vector> <driver_api.h>)
+set_target_properties(korvane_dx4 PROPERTIES
+  CXX_VISIBILITY_PRESET default
+  LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+add_library(korvane_dx4_core INTERFACE)
+target_link_libraries(korvane_dx4_core INTERFACE korvane_dx4)
+"""
 
 
 def blank_out(text):
@@ -68,34 +92,36 @@ def blank_out(text):
     return pattern.sub(lambda found: re.sub(r"[^\n]", "_", found.group()), text)
 
 
-def mutants_of_line(path, number, line, plain):
+def mutants_of_line(place, line, plain):
+    def mutant(column, old, new, kind):
+        return Mutant(*place[:2], column, old, new, kind, *place[2:])
+
     for pattern, new in OPERATORS:
         for found in re.finditer(pattern, plain):
-            yield Mutant(path, number, found.start(), found.group(), new, "operator")
+            yield mutant(found.start(), found.group(), new, "operator")
     for found in NUMBER.finditer(plain):
         value = int(found.group(1), 0)
-        yield Mutant(path, number, found.start(), found.group(), str(value + 1) + found.group(2),
-                     "constant")
+        yield mutant(found.start(), found.group(), str(value + 1) + found.group(2), "constant")
         if value > 1:
-            yield Mutant(path, number, found.start(), found.group(),
-                         str(value - 1) + found.group(2), "constant")
+            yield mutant(found.start(), found.group(), str(value - 1) + found.group(2), "constant")
     found = CONDITION.match(plain)
     if found and found.group(2).count("(") == found.group(2).count(")"):
         old = line[found.start(2):found.end(2)]
         for new in ("true", "false"):
-            yield Mutant(path, number, found.start(2), old, new, "condition")
+            yield mutant(found.start(2), old, new, "condition")
     if STATEMENT.match(plain) and not DECLARATION.search(plain):
         start = len(line) - len(line.lstrip())
-        yield Mutant(path, number, start, line.strip(), ";", "statement")
+        yield mutant(start, line.strip(), ";", "statement")
 
 
-def mutants_of(path):
-    with open(os.path.join(ROOT, path), encoding="utf-8") as stream:
+def mutants_of(tree, path):
+    with open(os.path.join(tree, path), encoding="utf-8") as stream:
         text = stream.read()
-    lines = text.split("\n")
-    for number, (line, plain) in enumerate(zip(lines, blank_out(text).split("\n")), 1):
+    seen = collections.Counter()
+    for number, (line, plain) in enumerate(zip(text.split("\n"), blank_out(text).split("\n")), 1):
+        seen[line] += 1
         if not plain.startswith("#") and "static_assert" not in plain:
-            yield from mutants_of_line(path, number, line, plain)
+            yield from mutants_of_line((path, number, line.strip(), seen[line]), line, plain)
 
 
 def tracked_files():
@@ -104,33 +130,74 @@ def tracked_files():
     return [name for name in listed.decode().split("\0") if name]
 
 
-def all_mutants(patterns):
+def sources(patterns):
     paths = [name for name in tracked_files()
              if name.startswith("src/") and name.endswith((".h", ".cpp"))]
-    if patterns:
-        paths = [name for name in paths if any(pattern in name for pattern in patterns)]
-    return [mutant for path in sorted(paths) for mutant in mutants_of(path)]
+    if not patterns:
+        return sorted(paths)
+    # In the order of the patterns.
+    found = [name for pattern in patterns for name in sorted(paths) if pattern in name]
+    return list(dict.fromkeys(found))
+
+
+def copy_tree(target):
+    shutil.rmtree(target, ignore_errors=True)
+    for name in tracked_files():
+        if os.path.isfile(os.path.join(ROOT, name)):
+            os.makedirs(os.path.dirname(os.path.join(target, name)), exist_ok=True)
+            shutil.copy2(os.path.join(ROOT, name), os.path.join(target, name))
+    with open(os.path.join(target, "src", "CMakeLists.txt"), "w", encoding="utf-8") as stream:
+        stream.write(BUILD_OF_SOURCES)
+
+
+def hash_of(path):
+    with open(path, "rb") as stream:
+        return hashlib.sha256(stream.read()).digest()
+
+
+class TestOrder:
+    """Which test program to try first: those that noticed most in this file, then the quickest."""
+
+    def __init__(self):
+        self.lock = threading.Lock()
+        self.kills = collections.defaultdict(collections.Counter)
+        self.seconds = {}
+
+    def sorted(self, tests, file):
+        with self.lock:
+            here, all_kills = self.kills[file], self.kills[""]
+
+            def rank(test):
+                name = os.path.basename(test)
+                return (-here[name], -all_kills[name] / (self.seconds[name] + 0.1))
+            return sorted(tests, key=rank)
+
+    def note(self, test, file):
+        with self.lock:
+            for key in (file, ""):
+                self.kills[key][os.path.basename(test)] += 1
 
 
 class Workshop:
     """A copy of the tree with a build directory, for one mutant after the other."""
 
-    def __init__(self, directory):
-        self.tree = os.path.join(directory, "tree")
-        self.build = os.path.join(directory, "build")
-        shutil.rmtree(self.tree, ignore_errors=True)
-        for name in tracked_files():
-            if os.path.isfile(os.path.join(ROOT, name)):
-                os.makedirs(os.path.dirname(os.path.join(self.tree, name)), exist_ok=True)
-                shutil.copy2(os.path.join(ROOT, name), os.path.join(self.tree, name))
+    def __init__(self, tree, build, order):
+        self.tree = tree
+        self.build = build
+        self.order = order
+        launcher = shutil.which("ccache")
         self.run(["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build,
-                  "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1",
-                  "-DKORVANE_BUILD_TOOLS=OFF"], 300, must_pass=True)
-        self.run(["ninja", "-C", self.build], 3600, must_pass=True)
+                  "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -g0",
+                  "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON", "-DKORVANE_BUILD_TOOLS=OFF",
+                  "-DCMAKE_CXX_COMPILER_LAUNCHER=" + (launcher or "")], 300, must_pass=True)
+        self.run(["ninja", "-C", self.build, "-j2"], 7200, must_pass=True)
+        self.hashes = self.object_hashes()
         self.tests = list(self.find_tests())
         for test in self.tests:
+            started = time.monotonic()
             if not self.passes(test):
-                sys.exit("mutate.py: fails without a change: " + test)
+                sys.exit(self.output[-2000:] + "\nmutate.py: fails without a change: " + test)
+            self.order.seconds[os.path.basename(test)] = time.monotonic() - started
 
     def find_tests(self):
         for area in ("unit", "api", "property", "model"):
@@ -139,6 +206,11 @@ class Workshop:
                 path = os.path.join(folder, name)
                 if name.endswith("_test") and name != "model_test" and os.access(path, os.X_OK):
                     yield path
+
+    def object_hashes(self):
+        folder = os.path.join(self.build, "src", "CMakeFiles", "korvane_dx4.dir")
+        return {os.path.join(path, name): hash_of(os.path.join(path, name))
+                for path, _, names in os.walk(folder) for name in names if name.endswith(".o")}
 
     @staticmethod
     def limit():
@@ -154,36 +226,105 @@ class Workshop:
                 output, _ = run.communicate(timeout=seconds)
             except subprocess.TimeoutExpired:
                 os.killpg(run.pid, signal.SIGKILL)
+                self.output = "too long"
                 return False
+        self.output = output.decode(errors="replace")
         if must_pass and run.returncode != 0:
-            sys.exit(output.decode(errors="replace")[-4000:])
+            sys.exit(self.output[-4000:])
         return run.returncode == 0
 
     def passes(self, test):
-        return self.run([test, "--gtest_brief=1", "--gtest_fail_fast"], 120)
+        usual = self.order.seconds.get(os.path.basename(test), 60)
+        return self.run([test, "--gtest_brief=1", "--gtest_fail_fast"], 10 + 20 * usual)
+
+    def first_failure(self):
+        found = re.search(r"\[  FAILED  \] (\S+\.\S+)", self.output)
+        return found.group(1) if found else self.output.strip()[-60:]
 
     def judge(self, mutant):
-        """'survived', 'not compiled', or 'killed' with the test that noticed."""
+        """The outcome and, if 'killed', the test that noticed."""
         path = os.path.join(self.tree, mutant.file)
         with open(path, encoding="utf-8") as stream:
             original = stream.read()
         lines = original.split("\n")
         line = lines[mutant.line - 1]
         end = mutant.column + len(mutant.old)
-        assert line[mutant.column:end] == mutant.old, "the tree changed; start afresh"
+        assert line[mutant.column:end] == mutant.old, "the copy changed; start afresh"
         lines[mutant.line - 1] = line[:mutant.column] + mutant.new + line[end:]
-        with open(path, "w", encoding="utf-8") as stream:
-            stream.write("\n".join(lines))
+        self.write(path, "\n".join(lines))
+        self.are_tests_changed = False
         try:
-            if not self.run(["ninja", "-C", self.build], 600):
-                return "not compiled", ""
-            for test in self.tests:
-                if not self.passes(test):
-                    return "killed", os.path.basename(test)
-            return "survived", ""
+            return self.outcome_of(mutant)
         finally:
-            with open(path, "w", encoding="utf-8") as stream:
-                stream.write(original)
+            self.write(path, original)
+            if self.are_tests_changed:
+                self.run(["ninja", "-C", self.build], 3600, must_pass=True)
+
+    @staticmethod
+    def write(path, text):
+        with open(path, "w", encoding="utf-8") as stream:
+            stream.write(text)
+
+    def outcome_of(self, mutant):
+        if not self.run(["ninja", "-C", self.build, "korvane_dx4"], 600):
+            return "not compiled", ""
+        changed = [name for name, digest in self.object_hashes().items()
+                   if self.hashes[name] != digest]
+        if not changed:
+            return "same code", ""
+        if self.is_noticed(mutant, self.tests):
+            return "killed", self.noticed_by
+        if mutant.file.endswith(".h"):
+            # Tests that include the header have a copy of what is inline.
+            self.are_tests_changed = True
+            if not self.run(["ninja", "-C", self.build], 3600):
+                return "not compiled", "a test"
+            tests = [test for test in self.tests if "/api/" not in test]
+            if self.is_noticed(mutant, tests):
+                return "killed", self.noticed_by
+        return ("same code", "optimised") if self.is_same_optimised(mutant, changed) \
+            else ("survived", "")
+
+    def is_noticed(self, mutant, tests):
+        for test in self.order.sorted(tests, mutant.file):
+            if not self.passes(test):
+                self.order.note(test, mutant.file)
+                self.noticed_by = os.path.basename(test) + " " + self.first_failure()
+                return True
+        return False
+
+    def is_same_optimised(self, mutant, objects):
+        """Whether an optimising compiler makes the same of both."""
+        path = os.path.join(self.tree, mutant.file)
+        with open(path, encoding="utf-8") as stream:
+            changed = stream.read()
+        after = self.optimised(objects)
+        lines = changed.split("\n")
+        line = lines[mutant.line - 1]
+        behind = mutant.column + len(mutant.new)
+        lines[mutant.line - 1] = line[:mutant.column] + mutant.old + line[behind:]
+        self.write(path, "\n".join(lines))
+        before = self.optimised(objects)
+        return None not in after and before == after
+
+    def optimised(self, objects):
+        with open(os.path.join(self.build, "compile_commands.json"), encoding="utf-8") as stream:
+            commands = json.load(stream)
+        result = os.path.join(self.build, "optimised.o")
+        hashes = []
+        for name in objects:
+            wanted = os.path.relpath(name, self.build)
+            words = next(shlex.split(entry["command"]) for entry in commands
+                         if " -o %s " % wanted in entry["command"])
+            words[words.index(wanted)] = result
+            # Without the precompiled header, which was made with other options.
+            words = ["-O2" if word == "-O0" else word for word in words if word != "-Winvalid-pch"]
+            hashes.append(hash_of(result) if self.run_in_build(words) else None)
+        return hashes
+
+    def run_in_build(self, words):
+        return subprocess.run(words, cwd=self.build, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL, check=False).returncode == 0
 
 
 def described(mutant):
@@ -191,13 +332,18 @@ def described(mutant):
                                     mutant.new or "(nothing)")
 
 
+def key_of(mutant):
+    """The same before and after an edit of other lines."""
+    return (mutant.file, mutant.text, mutant.number, mutant.column, mutant.old, mutant.new)
+
+
 def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
-    parser.add_argument("--files", nargs="+", metavar="TEXT", help="files whose path has one of these")
+    parser.add_argument("--files", nargs="+", metavar="TEXT", help="files whose path has one of these, in this order")
     parser.add_argument("--sample", type=int, metavar="N", help="N changes drawn at random")
     parser.add_argument("--seed", type=int, default=1, help="of the sample (default 1)")
     parser.add_argument("--jobs", type=int, default=1, metavar="N", help="copies of the tree at work")
-    parser.add_argument("--resume", action="store_true", help="keep the results there are")
+    parser.add_argument("--resume", action="store_true", help="keep the results of lines that did not change")
     parser.add_argument("--list", action="store_true", help="print the changes and stop")
     parser.add_argument("--work", default=os.path.join(ROOT, "build", "mutation"),
                         help="directory for copies and results (default build/mutation)")
@@ -211,50 +357,78 @@ def read_results(path):
         return [json.loads(line) for line in stream]
 
 
-def run_all(mutants, options, results_path):
+def mutant_of(result):
+    return Mutant(*(result[field] for field in Mutant._fields))
+
+
+def make_workshops(options, number):
+    order = TestOrder()
     workshops = queue.Queue()
-    for job in range(min(options.jobs, max(1, len(mutants)))):
-        workshops.put(Workshop(os.path.join(options.work, "job%d" % job)))
+    for job in range(number):
+        tree = os.path.join(options.work, "tree%d" % job)
+        if job > 0:
+            shutil.rmtree(tree, ignore_errors=True)
+            shutil.copytree(os.path.join(options.work, "tree0"), tree, symlinks=True)
+        workshops.put(Workshop(tree, os.path.join(options.work, "build%d" % job), order))
+    return workshops
+
+
+def run_all(mutants, options, results_path):
+    jobs = min(options.jobs, len(mutants))
+    workshops = make_workshops(options, jobs)
 
     def work(mutant):
         workshop = workshops.get()
+        started = time.monotonic()
         try:
             outcome, test = workshop.judge(mutant)
         finally:
             workshops.put(workshop)
-        return dict(mutant._asdict(), outcome=outcome, test=test)
+        return dict(mutant._asdict(), outcome=outcome, test=test,
+                    seconds=round(time.monotonic() - started, 2))
 
-    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool, \
+    with concurrent.futures.ThreadPoolExecutor(jobs) as pool, \
             open(results_path, "a", encoding="utf-8") as stream:
         for number, result in enumerate(pool.map(work, mutants), 1):
             stream.write(json.dumps(result) + "\n")
             stream.flush()
-            mutant = Mutant(*(result[field] for field in Mutant._fields))
             print("%d/%d %s %s %s" % (number, len(mutants), result["outcome"], result["test"],
-                                      described(mutant)), flush=True)
+                                      described(mutant_of(result))), flush=True)
 
 
-def main():
-    options = parse_arguments()
-    mutants = all_mutants(options.files)
-    if options.sample and options.sample < len(mutants):
-        mutants = sorted(random.Random(options.seed).sample(mutants, options.sample))
-    if options.list:
-        print("\n".join(described(mutant) for mutant in mutants))
-        return 0
-    os.makedirs(options.work, exist_ok=True)
-    results_path = os.path.join(options.work, "results.jsonl")
-    if not options.resume and os.path.exists(results_path):
-        os.remove(results_path)
-    done = {tuple(result[field] for field in Mutant._fields)
-            for result in read_results(results_path)}
-    run_all([mutant for mutant in mutants if tuple(mutant) not in done], options, results_path)
-    results = read_results(results_path)
+def print_summary(results):
     counts = collections.Counter(result["outcome"] for result in results)
     print("\n" + ", ".join("%d %s" % (count, name) for name, count in sorted(counts.items())))
     for result in results:
         if result["outcome"] == "survived":
-            print(described(Mutant(*(result[field] for field in Mutant._fields))))
+            print(described(mutant_of(result)))
+
+
+def main():
+    options = parse_arguments()
+    tree = os.path.join(options.work, "tree0")
+    os.makedirs(options.work, exist_ok=True)
+    copy_tree(tree)
+    mutants = [mutant for path in sources(options.files) for mutant in mutants_of(tree, path)]
+    if options.sample and options.sample < len(mutants):
+        chosen = random.Random(options.seed).sample(range(len(mutants)), options.sample)
+        mutants = [mutants[index] for index in sorted(chosen)]
+    if options.list:
+        print("\n".join(described(mutant) for mutant in mutants))
+        return 0
+    results_path = os.path.join(options.work, "results.jsonl")
+    wanted = {key_of(mutant): mutant for mutant in mutants}
+    done = [result for result in read_results(results_path)
+            if options.resume and key_of(mutant_of(result)) in wanted]
+    for result in done:
+        result["line"] = wanted[key_of(mutant_of(result))].line
+    with open(results_path, "w", encoding="utf-8") as stream:
+        stream.writelines(json.dumps(result) + "\n" for result in done)
+    known = {key_of(mutant_of(result)) for result in done}
+    left = [mutant for mutant in mutants if key_of(mutant) not in known]
+    if left:
+        run_all(left, options, results_path)
+    print_summary(read_results(results_path))
     return 0
 
 

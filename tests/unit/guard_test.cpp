@@ -8,6 +8,7 @@
 #include "korvane_dx4/error_text.h"
 #include "korvane_dx4/reply.h"
 #include "korvane_dx4/writes.h"
+#include "wire/byte_order.h"
 #include "wire/register_type.h"
 #include "wire/reply_bytes.h"
 
@@ -151,6 +152,27 @@ TEST_F(Guards, ARegisterBeforeTheReplyIsZero)
     EXPECT_EQ(dx4::replyRegister(reply, -1), 0x11);
     EXPECT_EQ(dx4::replyRegister(reply, 1), 0x2233);
     EXPECT_EQ(dx4::replyRegister(reply, 2), 0x3300);
+}
+
+// A reply that shares a larger buffer has no zero behind its end.
+TEST_F(Guards, ARegisterBehindTheReplyIsZeroWhateverLiesThere)
+{
+    const QByteArray reply = QByteArray::fromRawData("\x11\x22\x33\x44\x55", 3);
+
+    EXPECT_EQ(dx4::replyByte(reply, 2), 0x33);
+    EXPECT_EQ(dx4::replyByte(reply, 3), 0);
+    EXPECT_EQ(dx4::replyRegister(reply, 2), 0x3300);
+    EXPECT_EQ(dx4::replyRegister(reply, 3), 0);
+}
+
+TEST_F(Guards, SwappingLeavesTheBytesBehindTheRegistersAlone)
+{
+    const unsigned char from[] = { 1, 2, 3, 4, 5, 6 };
+    std::vector<unsigned char> to(6, 0xEE);
+
+    dx4::swapRegisters(from, to.data(), 2);
+
+    EXPECT_EQ(to, (std::vector<unsigned char> { 2, 1, 4, 3, 0xEE, 0xEE }));
 }
 
 TEST_F(Guards, TheCatalogueMayBeAskedWithoutAList)
