@@ -143,7 +143,7 @@ Reply GuardedExchange::runWithin(const FRAME_PRO &request, Duration timeout)
     const bool mayMislead = repliesLikeEcho(request);
     const bool isUrgent = request.var.varKind == safeStopTag;
     int probes = mayMislead && !isUrgent ? learnEcho(request.var.station, timeout) : 0;
-    const Reply reply = exchange(request, timeout);
+    Reply reply = exchange(request, timeout);
     const bool isUnproven = mayMislead && reply.kind == Reply::Kind::Silence;
     if (isUnproven && m_report.echoStripped) {
         m_echo.noteLoneCopy();
