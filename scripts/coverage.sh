@@ -40,9 +40,8 @@ done
 gate=(--fail-under-line 100 --fail-under-branch 100)
 [ "${1:-}" = --no-gate ] && gate=()
 mkdir -p "$build/report"
-gcovr --root . --filter 'src/' --object-directory "$build/src" --exclude-throw-branches \
-  --exclude-unreachable-branches --html-details "$build/report/index.html" \
-  --txt "$build/report/lines.txt" "$build/src"
-gcovr --root . --filter 'src/' --object-directory "$build/src" --exclude-throw-branches \
-  --exclude-unreachable-branches --branches "${gate[@]}" "$build/src"
+count=(gcovr --root . --filter 'src/' --object-directory "$build/src" --exclude-throw-branches
+  --exclude-unreachable-branches --gcov-executable "$PWD/scripts/gcov_executed.sh")
+"${count[@]}" --html-details "$build/report/index.html" --txt "$build/report/lines.txt" "$build/src"
+"${count[@]}" --branches "${gate[@]}" "$build/src"
 cat "$build/report/lines.txt"

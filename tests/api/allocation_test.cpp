@@ -14,7 +14,7 @@ long allocations = 0;
 } // namespace
 
 // Takes the place of the C library's for the whole program, the driver and Qt included.
-extern "C" void *malloc(std::size_t size)
+extern "C" Q_DECL_EXPORT void *malloc(std::size_t size)
 {
     ++allocations;
     return __libc_malloc(size);

@@ -101,3 +101,35 @@ TEST_F(UnrulyHost, ARecordThatTheCallbackAddsIsFoundByTheCallsBehindIt)
     EXPECT_EQ(data(1, "D", 500, 1), "77 00");
     EXPECT_EQ(cacheKeys(), "1 D 0; 1 D 1; 1 D 500");
 }
+
+TEST_F(UnrulyHost, ARegisterWhoseRecordTheCallbackRenamesGetsAnotherForItsWrite)
+{
+    merge({ keyAddress(1, "D", 0, 2) });
+    insideCallback = [this](int, int, const QString &, int address) {
+        if (address == 0)
+            record(1, "D", 0).address = 700;
+    };
+
+    set(1, "D", 0, { 1, 2 });
+
+    EXPECT_EQ(cacheKeys(), "1 D 700; 1 D 1; 1 D 0");
+    EXPECT_EQ(data(1, "D", 0, 2), "01 00 02 00");
+}
+
+// Records are taken as one run only where each continues the one before it.
+TEST_F(UnrulyHost, ARecordThatTheCallbackRenamesIsNoNeighbourOfTheNext)
+{
+    merge({ keyAddress(1, "D", 0, 2) });
+    record(1, "D", 0).word1 = 0; // whoever touches the list makes the driver forget what it knew
+    insideCallback = [this](int, int, const QString &, int address) {
+        if (address == 0)
+            record(1, "D", 0).address = 700;
+    };
+    nextFrame();
+
+    replyWithCrc("01 03 04 11 22 33 44");
+
+    EXPECT_EQ(cacheKeys(), "1 D 700; 1 D 1");
+    EXPECT_EQ(data(1, "D", 700, 1), "22 11");
+    EXPECT_EQ(data(1, "D", 0, 2), "00 00 44 33");
+}

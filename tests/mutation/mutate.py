@@ -11,6 +11,7 @@ change makes no difference and is explained in docs/testing.md.
 import argparse
 import collections
 import concurrent.futures
+import filecmp
 import hashlib
 import json
 import os
@@ -141,11 +142,19 @@ def sources(patterns):
 
 
 def copy_tree(target):
-    shutil.rmtree(target, ignore_errors=True)
-    for name in tracked_files():
-        if os.path.isfile(os.path.join(ROOT, name)):
-            os.makedirs(os.path.dirname(os.path.join(target, name)), exist_ok=True)
-            shutil.copy2(os.path.join(ROOT, name), os.path.join(target, name))
+    """Copies the tracked files. Sources always get a new time: what was built of them may be a mutant."""
+    names = {name for name in tracked_files() if os.path.isfile(os.path.join(ROOT, name))}
+    for folder, _, files in os.walk(target):
+        for file in files:
+            if os.path.relpath(os.path.join(folder, file), target) not in names:
+                os.remove(os.path.join(folder, file))
+    for name in names - {"src/CMakeLists.txt"}:
+        source, copy = os.path.join(ROOT, name), os.path.join(target, name)
+        os.makedirs(os.path.dirname(copy), exist_ok=True)
+        is_old = os.path.exists(copy) and filecmp.cmp(source, copy, shallow=False)
+        if not is_old or name.startswith("src/"):
+            shutil.copyfile(source, copy)
+            shutil.copymode(source, copy)
     with open(os.path.join(target, "src", "CMakeLists.txt"), "w", encoding="utf-8") as stream:
         stream.write(BUILD_OF_SOURCES)
 
@@ -215,8 +224,9 @@ class Workshop:
     @staticmethod
     def limit():
         os.setsid()
-        four_gigabytes = 4 << 30  # a change may make a loop or a list endless
-        resource.setrlimit(resource.RLIMIT_AS, (four_gigabytes, four_gigabytes))
+        # A change may make a loop or a list endless.
+        resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
+        resource.setrlimit(resource.RLIMIT_CPU, (15, 15))
 
     def run(self, command, seconds, must_pass=False):
         environment = dict(os.environ, KORVANE_OPERATIONS="20000", RC_PARAMS="seed=1")

@@ -315,15 +315,30 @@ TEST_F(Guards, ALinkStartedAnewWhileAWriteIsTakenBackLosesNoRegister)
     EXPECT_EQ(cacheKeys(), "1 F 1");
 }
 
+// Only the length of a reply counts for the line; there are no such bytes.
 TEST_F(Guards, TheLongestErrorLineIsWhole)
 {
     FRAME_PRO frame;
     frame.var = variableOf(-2147483647 - 1, "FRE", -2147483647 - 1, -2147483647 - 1);
     driver.sendFrames.append(frame);
 
-    const QString line = getErrorInfo(QByteArray(70000, '\0'));
+    const QString line = getErrorInfo(QByteArray::fromRawData("", 2147483647));
 
-    EXPECT_EQ(line.toStdString(), "-2147483648#FRE-2147483648(-2147483648)(70000)");
+    EXPECT_EQ(line.toStdString(), "-2147483648#FRE-2147483648(-2147483648)(2147483647)");
+}
+
+TEST_F(Guards, AShortErrorLineBehindALongOneEndsAtItsEnd)
+{
+    FRAME_PRO frame;
+    frame.var = variableOf(-2147483647 - 1, "FRE", -2147483647 - 1, -2147483647 - 1);
+    driver.sendFrames.append(frame);
+    getErrorInfo(QByteArray(9, '\0'));
+    driver.sendFrames[0].var = variableOf(1, "D", 2, 3);
+
+    const QString line = getErrorInfo(QByteArray(4, '\0'));
+
+    EXPECT_EQ(line.toStdString(), "1#D2(3)(4)");
+    EXPECT_EQ(line.utf16()[line.size()], 0);
 }
 
 TEST_F(Guards, MergingTakesTheLowestBitMarkToo)
