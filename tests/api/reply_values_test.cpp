@@ -15,6 +15,22 @@ TEST_F(Replies, WithTheSameValueReportNothing)
     EXPECT_EQ(calls, Calls {});
 }
 
+// The values are such that a register read at another place of the reply would look unchanged.
+TEST_F(Replies, WithAChangeBehindUnchangedRegistersReportAndStoreIt)
+{
+    requestCyclicRead(7, 3);
+    answer({ 0x0101, 0x0203, 0x0707 });
+    nextFrame();
+    answer({ 0x0101, 0x0203, 0x0707 });
+    calls.clear();
+    nextFrame();
+
+    EXPECT_EQ(answer({ 0x0101, 0x0502, 0x0307 }), 1);
+
+    EXPECT_EQ(calls, (Calls { "1 1 D 8", "1 1 D 9" }));
+    EXPECT_EQ(data(1, "D", 7, 3), "01 01 02 05 07 03");
+}
+
 TEST_F(Replies, WithAnotherLowByteReportOnce)
 {
     requestCyclicRead(7, 1);

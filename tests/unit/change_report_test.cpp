@@ -182,6 +182,15 @@ TEST_F(ByteChange, ReportsNeitherRegisterNorDouble)
     EXPECT_EQ(calls, (Calls { "1 1 D 10" }));
 }
 
+TEST_F(WordChange, LooksAtSixteenBitsOnly)
+{
+    record(1, "D", 10).bitMask = -1;
+
+    change(0, 0x10000, 10);
+
+    EXPECT_EQ(calls, Calls {});
+}
+
 TEST_F(ByteChange, LooksAtEightBitsInAscendingOrder)
 {
     record(1, "D", 10).bitMask = 0xFFFF;
