@@ -41,9 +41,8 @@ PollEnd poll(Session &session, const QString &command, const PollSettings &setti
         const bool isOpen = session.line().isOpen();
         const bool isGone =
             !isOpen && settings.patience && now - downSince.value_or(now) >= *settings.patience;
-        if (!isOpen && !downSince)
-            tell(QStringLiteral("%1 broke%2")
-                     .arg(port, isGone ? QString() : QStringLiteral("; waiting for it")));
+        if (!isOpen && !downSince && !isGone)
+            tell(QStringLiteral("%1 broke; waiting for it").arg(port));
         if (isOpen && downSince)
             tell(QStringLiteral("%1 is back").arg(port));
         downSince = isOpen ? std::nullopt : std::optional(downSince.value_or(now));

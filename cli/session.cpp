@@ -219,12 +219,17 @@ QVector<WriteResult> Session::write(const Target &target, const QVector<quint16>
     return results;
 }
 
+host::StopReport Session::stop()
+{
+    m_line->waitInFull(); // the signal that led here must not cut this short
+    return m_runtime->stop(m_options.plant.stop.confirmWithin);
+}
+
 bool Session::stopSafely(const QString &command)
 {
-    if (!canStop())
+    if (m_stops.isEmpty())
         return true;
-    m_line->waitInFull(); // the signal that led here must not cut this short
-    const host::StopReport report = m_runtime->stop(m_options.plant.stop.confirmWithin);
+    const host::StopReport report = stop();
     for (const host::StopCommand &stop : std::as_const(m_stops)) {
         if (!report.unconfirmed.contains(stop.station))
             note(command, QStringLiteral("station %1 stopped").arg(stop.station));

@@ -66,14 +66,14 @@ public:
     /// Makes sure that a station is there, by reading its status word; a refusal will do.
     bool hear(int station, Failure *failure);
 
-    /// Sends the stop to every station that has one, and says what was confirmed and what was not.
+    /// Sends the stop to every station that has one, and waits for the echoes.
+    host::StopReport stop();
+
+    /// As stop(), and says what was confirmed and what was not.
     /// Where nothing is configured nothing is sent.
     ///
     /// @return whether all were confirmed
     bool stopSafely(const QString &command);
-
-    /// Whether stopSafely() has something to send.
-    bool canStop() const { return !m_stops.isEmpty(); }
 
 private:
     Session(const LineOptions &options, const SessionWishes &wishes);

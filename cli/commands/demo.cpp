@@ -18,7 +18,6 @@ namespace dx4::cli {
 namespace {
 
 constexpr int lineSpeed = 19200; // bit/s
-constexpr host::Duration stopWithin = std::chrono::seconds(2);
 
 constexpr int parameter(int group, int index)
 {
@@ -150,11 +149,12 @@ private:
     /// Nothing is left turning, also when the show was cut short.
     void stopMotor(PollEnd end)
     {
-        m_runtime.run([this] { return m_underWay.isEmpty() || !m_session.line().isOpen(); });
-        const bool stopIsPlanned = m_nextWrite < m_writes.size();
-        if (end == PollEnd::LineGone || !stopIsPlanned)
+        if (end == PollEnd::Enough)
+            m_runtime.run([this] { return m_underWay.isEmpty() || !m_session.line().isOpen(); });
+        const bool isStopped = m_nextWrite == m_writes.size() && m_underWay.isEmpty();
+        if (end == PollEnd::LineGone || isStopped)
             return;
-        const bool confirmed = m_runtime.stop(stopWithin).unconfirmed.isEmpty();
+        const bool confirmed = m_session.stop().unconfirmed.isEmpty();
         const PlannedWrite &stop = m_writes.constLast();
         m_view.write({ 1, stop.regType, stop.address, 1, stop.meaning,
                        confirmed ? QStringLiteral("confirmed") : QStringLiteral("timed out") },

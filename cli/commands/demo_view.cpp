@@ -37,9 +37,17 @@ QString writeText(const DemoWrite &write)
              write.outcome);
 }
 
+/// The end of a path that is too long for its line.
+QString shortened(const QString &path)
+{
+    constexpr int room = terminalColumns - 8;
+    const QString dots = QStringLiteral("...");
+    return path.size() <= room ? path : dots + path.right(room - host::lengthOf(dots));
+}
+
 QStringList headLines(const DemoSetting &setting)
 {
-    return { QStringLiteral("driver  %1").arg(setting.driver),
+    return { QStringLiteral("driver  %1").arg(shortened(setting.driver)),
              QStringLiteral("line    %1, %2 bit/s, 8N1, simulated inverter, stations 1 and 2")
                  .arg(setting.device)
                  .arg(setting.speed),
@@ -48,13 +56,15 @@ QStringList headLines(const DemoSetting &setting)
                  .arg(setting.blocks) };
 }
 
-QString summaryText(const host::CounterSet &counters, host::Duration elapsed)
+QStringList summaryLines(const host::CounterSet &counters, host::Duration elapsed)
 {
-    return QStringLiteral("%1 in %2 s; %3 bytes sent, %4 received.")
-        .arg(countersText(counters))
-        .arg(inSeconds(elapsed), 0, 'f', 1)
-        .arg(counters.total().bytesSent)
-        .arg(counters.total().bytesReceived);
+    const host::RequestCounts total = counters.total();
+    return { QStringLiteral("Done: %1 in %2 s;")
+                 .arg(countersText(counters))
+                 .arg(inSeconds(elapsed), 0, 'f', 1),
+             QStringLiteral("      %1 bytes sent, %2 received.")
+                 .arg(total.bytesSent)
+                 .arg(total.bytesReceived) };
 }
 
 /// Draws the table over itself.
@@ -91,7 +101,7 @@ public:
     {
         draw(list, counters, now, elapsed);
         printLine(QString());
-        printLine(QStringLiteral("Done: ") + summaryText(counters, elapsed));
+        printLines(summaryLines(counters, elapsed));
     }
 
 private:
@@ -155,7 +165,7 @@ public:
         printLine(QString());
         printLines(tableLines(list.rows(), now, m_terminal));
         printLine(QString());
-        printLine(QStringLiteral("Done: ") + summaryText(counters, elapsed));
+        printLines(summaryLines(counters, elapsed));
     }
 
 private:

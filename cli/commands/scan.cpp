@@ -99,7 +99,9 @@ int endEarly(const Options &options, const ScanState &state, Failure failure)
     const QString how = options.resume.isEmpty()
         ? QStringLiteral("--from %1").arg(state.next)
         : QStringLiteral("--resume %1").arg(options.resume);
-    failure.text += QStringLiteral(" before station %1; go on with %2").arg(state.next).arg(how);
+    if (failure.code == ExitInterrupted)
+        failure.text += QStringLiteral(" before station %1").arg(state.next);
+    failure.text += QStringLiteral("; go on with %1").arg(how);
     return complain(QStringLiteral("scan"), failure);
 }
 

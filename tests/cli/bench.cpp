@@ -34,17 +34,27 @@ void Bench::serve(const std::string &stations)
     m_device = first.substr(first.find(' ') + 1);
 }
 
+void Bench::fake(const std::vector<std::string> &answers, int breakAfter)
+{
+    m_fake = std::make_unique<FakeStation>();
+    for (const std::string &answer : answers)
+        m_fake->answer(answer);
+    m_fake->breakAfter(breakAfter);
+    m_device = m_fake->device();
+    m_fake->start();
+}
+
 std::string Bench::tell(const std::string &command)
 {
     m_simulator->writeLine(command);
     return m_simulator->readLine();
 }
 
-std::vector<std::string> Bench::shell(const std::string &command) const
+std::vector<std::string> Bench::shell(const std::string &command, const std::string &settings) const
 {
     const std::string path = std::filesystem::path(TOOL_FILE).parent_path().string();
-    const std::string setting = "cd '" + m_folder + "' && export PATH='" + path
-        + "':$PATH NO_COLOR=1 KORVANE_DRIVER='" DRIVER_FILE "' DX4_PORT='" + m_device + "' && ";
+    const std::string setting = "cd '" + m_folder + "' && export PATH='" + path + "':$PATH "
+        + settings + " KORVANE_DRIVER='" DRIVER_FILE "' DX4_PORT='" + m_device + "' && ";
     return { "/bin/sh", "-c", setting + command };
 }
 

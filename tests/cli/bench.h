@@ -3,9 +3,11 @@
 #pragma once
 
 #include "child_process.h"
+#include "fake_station.h"
 
 #include <memory>
 #include <string>
+#include <vector>
 
 /// What a shell command printed.
 struct Printed {
@@ -29,6 +31,13 @@ public:
     /// Starts the simulator. @param stations  between commas
     void serve(const std::string &stations);
 
+    /// Takes the simulator away: its end of the line closes.
+    void unplug() { m_simulator.reset(); }
+
+    /// Puts a station in its place that gives these answers, each as FakeStation::answer() takes
+    /// it, and goes away after `breakAfter` of them; -1: never.
+    void fake(const std::vector<std::string> &answers, int breakAfter = -1);
+
     /// A command to the simulator; gives its answer.
     std::string tell(const std::string &command);
 
@@ -36,7 +45,10 @@ public:
     Printed run(const std::string &command);
 
     /// The words to start a shell command in the bench's environment.
-    std::vector<std::string> shell(const std::string &command) const;
+    ///
+    /// @param settings  further variables of the environment, in place of NO_COLOR=1
+    std::vector<std::string> shell(const std::string &command,
+                                   const std::string &settings = "NO_COLOR=1") const;
 
     const std::string &device() const { return m_device; }
     const std::string &folder() const { return m_folder; }
@@ -45,4 +57,5 @@ private:
     std::string m_folder;
     std::string m_device;
     std::unique_ptr<ChildProcess> m_simulator;
+    std::unique_ptr<FakeStation> m_fake;
 };

@@ -3,8 +3,9 @@
 //
 // A transcript is a text file. "$ command" runs in a shell; below stand its standard output, its
 // standard error with "! " in front, and "? code". "> command" goes to the simulator, which
-// "@ stations" starts. What differs from run to run is masked. With DX4_WRITE_GOLDEN set the files
-// are written instead.
+// "@ stations" starts. "= bytes" is an answer of a station without a simulator, "~ count" puts it
+// on the line and breaks that after so many answers, -1 for never. What differs from run to run is
+// masked. With DX4_WRITE_GOLDEN set the files are written instead.
 #include "bench.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 #include <fstream>
 #include <regex>
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -36,6 +38,7 @@ std::string masked(const std::string &text, const Bench &bench)
     mask("\"time\":[0-9.e-]+", "\"time\":TIME");
     mask("answers   [0-9].*", "answers   TIMES");
     mask("held [0-9]+ %", "held SHARE %");
+    mask("(^|\n) +[0-9]+\\.[0-9] s  ", "$1TIME s  ");
     mask("\"process\":[0-9]+", "\"process\":PROCESS");
     mask("(^|\n)[0-9]+\\.[0-9]{3},", "$1TIME,");
     mask("(^|\n)[0-9]+\\.[0-9]{3} s ", "$1TIME s ");
@@ -56,6 +59,7 @@ std::string prefixed(const std::string &text, const std::string &prefix)
 std::string played(const std::string &transcript)
 {
     Bench bench;
+    std::vector<std::string> answers;
     std::istringstream lines(transcript);
     std::string line;
     std::string result;
@@ -66,6 +70,12 @@ std::string played(const std::string &transcript)
         } else if (line.rfind("@ ", 0) == 0) {
             result += line + "\n";
             bench.serve(rest);
+        } else if (line.rfind("= ", 0) == 0) {
+            result += line + "\n";
+            answers.push_back(rest);
+        } else if (line.rfind("~ ", 0) == 0) {
+            result += line + "\n";
+            bench.fake(std::exchange(answers, {}), std::stoi(rest));
         } else if (line.rfind("> ", 0) == 0) {
             const std::string answer = bench.tell(rest);
             result += line + "\n" + (answer == "ok" ? "" : "  " + answer + "\n");

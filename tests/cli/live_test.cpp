@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+// What a user sees at a terminal of 80 columns.
+#include "bench.h"
+#include "terminal_process.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+
+namespace {
+
+constexpr const char *ctrlC = "\x03";
+
+std::string collapsed(const std::string &line)
+{
+    std::string text;
+    for (const char c : line) {
+        if (c != ' ' || (!text.empty() && text.back() != ' '))
+            text += c;
+    }
+    return text;
+}
+
+/// The row of a register without its age.
+std::string row(const Screen &screen, const std::string &address)
+{
+    const std::string line = collapsed(screen.lineWith(address));
+    const std::size_t age = line.find_last_of(' ', line.rfind(" s") - 1);
+    return line.substr(0, age);
+}
+
+const std::string colours = "TERM=xterm";
+
+} // namespace
+
+TEST(LiveTable, ShowsValuesWithNamesUnitsAndCounters)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.tell("hold D0 4660");
+
+    TerminalProcess watch(bench.shell("exec dx4 watch --names D 0-3 SW", colours));
+
+    ASSERT_TRUE(watch.waitForText("46.60 Hz") && watch.waitForText("0x0001"));
+    EXPECT_EQ(watch.screen().line(0),
+              "Station Name                      Address                Value             Age");
+    EXPECT_EQ(row(watch.screen(), "D 0 "), "1 Output frequency D 0 (0xD000) 46.60 Hz");
+    EXPECT_EQ(row(watch.screen(), "SW 0 "), "1 Status word SW 0 (0x2000) 0x0001");
+    EXPECT_TRUE(watch.waitForText("reads, 0 writes, 0 retries, 0 given up"));
+    watch.type(ctrlC);
+    EXPECT_EQ(watch.wait(), 0);
+    EXPECT_FALSE(watch.screen().overflowed());
+    EXPECT_TRUE(watch.screen().cursorIsShown());
+    EXPECT_TRUE(watch.screen().linesWrap());
+}
+
+TEST(LiveTable, HighlightsAChange)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.tell("hold D4 500");
+    TerminalProcess watch(bench.shell("exec dx4 watch D 4", colours));
+    ASSERT_TRUE(watch.waitForText(" 500 "));
+    EXPECT_EQ(watch.screen().styleOf(" 500 "), "");
+
+    bench.tell("hold D4 501");
+
+    ASSERT_TRUE(watch.waitForText(" 501 "));
+    EXPECT_EQ(watch.screen().styleOf(" 501 "), "1;32");
+    EXPECT_EQ(watch.screen().lineWith("*"), "");
+}
+
+TEST(LiveTable, MarksAChangeWithAStarWithoutColours)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.tell("hold D4 500");
+    TerminalProcess watch(bench.shell("exec dx4 watch D 4", "TERM=xterm NO_COLOR=1"));
+    ASSERT_TRUE(watch.waitForText(" 500 "));
+
+    bench.tell("hold D4 501");
+
+    EXPECT_TRUE(watch.waitForText("*501 "));
+    watch.type(ctrlC);
+    EXPECT_EQ(watch.wait(), 0);
+    EXPECT_FALSE(watch.screen().everStyled());
+}
+
+TEST(LiveTable, MarksFailedAndStaleValues)
+{
+    Bench bench;
+    bench.serve("1,2");
+    TerminalProcess watch(bench.shell("exec dx4 watch --timeout 30 1:D 4 2:FU", colours));
+    ASSERT_TRUE(watch.waitForText("566"));
+    ASSERT_TRUE(watch.waitFor([](const Screen &screen) {
+        return screen.lineWith("FU 0").find(" s") != std::string::npos;
+    }));
+
+    bench.tell("fault kind = \"drop-request\", station = 2");
+
+    ASSERT_TRUE(watch.waitForText("failed"));
+    EXPECT_EQ(watch.screen().styleOf("failed"), "1;31");
+    ASSERT_TRUE(watch.waitForText("s!"));
+    EXPECT_NE(watch.screen().lineWith("s!").find("FU 0"), std::string::npos);
+    EXPECT_EQ(watch.screen().styleOf("s!"), "33");
+    EXPECT_EQ(row(watch.screen(), "D 4 "), "1 D 4 (0xD004) 566");
+}
+
+TEST(LiveTable, KeepsValuesOfABrokenLineAndGoesOnWhenItIsBack)
+{
+    Bench bench;
+    bench.serve("1");
+    const std::filesystem::path port = bench.folder() + "/port";
+    std::filesystem::create_symlink(bench.device(), port);
+    TerminalProcess watch(bench.shell("exec dx4 watch --port " + port.string() + " D 4", colours));
+    ASSERT_TRUE(watch.waitForText("566"));
+
+    bench.unplug();
+
+    ASSERT_TRUE(watch.waitForText("broke; waiting for it"));
+    ASSERT_TRUE(watch.waitForText("s!"));
+    EXPECT_NE(watch.screen().lineWith("s!").find("566"), std::string::npos);
+    bench.serve("1");
+    std::filesystem::remove(port);
+    std::filesystem::create_symlink(bench.device(), port);
+    EXPECT_TRUE(watch.waitForText("is back"));
+    EXPECT_TRUE(watch.waitFor([](const Screen &screen) { return screen.lineWith("s!").empty(); }));
+    watch.type(ctrlC);
+    EXPECT_EQ(watch.wait(), 0);
+}
+
+TEST(LiveTable, FitsALowWindow)
+{
+    Bench bench;
+    bench.serve("1");
+
+    TerminalProcess watch(bench.shell("exec dx4 watch D 0-31", colours), 12);
+
+    ASSERT_TRUE(watch.waitForText("... and 26 more; a higher window shows them"));
+    EXPECT_NE(watch.screen().line(7).find("... and 26 more"), std::string::npos);
+    EXPECT_NE(watch.screen().line(9).find("reads"), std::string::npos);
+    watch.type(ctrlC);
+    EXPECT_EQ(watch.wait(), 0);
+}
+
+TEST(LiveTable, DumbTerminalGetsPlainLines)
+{
+    Bench bench;
+    bench.serve("1");
+
+    TerminalProcess watch(bench.shell("exec dx4 watch --rounds 1 D 4", "TERM=dumb"));
+
+    EXPECT_EQ(watch.wait(), 0);
+    EXPECT_NE(watch.screen().line(0).find("s  1  D 4 (0xD004)      566"), std::string::npos);
+    EXPECT_FALSE(watch.screen().everStyled());
+}
+
+TEST(LiveScan, ShowsHowFarItIsAndEndsWithCtrlC)
+{
+    Bench bench;
+    bench.serve("1");
+    TerminalProcess scan(bench.shell("exec dx4 scan --timeout 20", colours));
+
+    ASSERT_TRUE(scan.waitForText("station 1: status word 0x0001"));
+    ASSERT_TRUE(scan.waitForText("] station 9, 1 found"));
+    const std::string bar = scan.screen().lineWith("] station 9, 1 found");
+    EXPECT_EQ(bar.rfind("[#", 0), 0U) << bar;
+    scan.type(ctrlC);
+
+    EXPECT_EQ(scan.wait(), 130);
+    EXPECT_FALSE(scan.screen().overflowed());
+    EXPECT_NE(scan.screen().lineWith("go on with --from"), "");
+    EXPECT_EQ(scan.screen().lineWith("["), "");
+}
+
+TEST(LiveDemo, DrawsOneTableAndEndsWithTheMotorStopped)
+{
+    Bench bench;
+
+    TerminalProcess demo(
+        bench.shell("exec dx4 demo --seconds 1 --sim '" SIMULATOR_FILE "'", colours), 40);
+
+    EXPECT_EQ(demo.wait(), 0);
+    EXPECT_NE(demo.screen().lineWith("stop, confirmed"), "");
+    EXPECT_NE(demo.screen().lineWith("Done: "), "");
+    EXPECT_FALSE(demo.screen().overflowed());
+}
