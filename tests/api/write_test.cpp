@@ -3,6 +3,7 @@
 #include "cycle_fixture.h"
 
 #include <climits>
+#include <tuple>
 
 using Calls = std::vector<std::string>;
 
@@ -337,6 +338,58 @@ TEST_F(Writes, AFullListStillReplacesEqualOnes)
     EXPECT_EQ(state.writeList.size(), 513);
     EXPECT_EQ(toHex(state.writeList.at(300).data, 2), "42 00");
     EXPECT_EQ(text(state.writeList.at(512)), "1 F 1512 1");
+}
+
+// Position of the entry, and registers in a request.
+class WaitingPiece : public Writes, public ::testing::WithParamInterface<std::tuple<int, int>> { };
+
+// Of a run that a full list has no room for, the pieces that wait already are renewed where they
+// stand and the others replace the last entry, one after the other.
+TEST_P(WaitingPiece, IsRenewedInAFullListWhereverItStands)
+{
+    const auto [position, registers] = GetParam();
+    const std::string size = std::to_string(registers);
+    init(("1#0#0#1#" + size).c_str());
+    fill(513);
+    state.writeList[position] = variable(1, "F", 5000 + registers, registers);
+
+    setCount(5000, 3 * registers);
+
+    ASSERT_EQ(state.writeList.size(), 513);
+    const VARIABLE &renewed = state.writeList.at(position);
+    EXPECT_EQ(text(renewed), "1 F " + std::to_string(5000 + registers) + ' ' + size);
+    EXPECT_EQ(renewed.data[0], 2 * registers + 1);
+    const VARIABLE &last = state.writeList.at(512);
+    EXPECT_EQ(text(last), "1 F " + std::to_string(5000 + 2 * registers) + ' ' + size);
+    EXPECT_EQ(last.data[0], 4 * registers + 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Positions, WaitingPiece,
+                         ::testing::Combine(::testing::Values(1, 2, 300, 510, 511),
+                                            ::testing::Values(1, 2, 4)));
+
+TEST_F(Writes, ThePieceBehindARenewedOneReplacesTheLastEntry)
+{
+    init("1#0#0#1#1");
+    fill(513);
+    state.writeList[300].address = 5000;
+
+    set(1, "F", 5000, { 0x0A, 0x0B });
+
+    EXPECT_EQ(state.writeList.at(300).data[0], 0x0A);
+    EXPECT_EQ(text(state.writeList.at(512)), "1 F 5001 1");
+}
+
+TEST_F(Writes, ThePieceBeforeARenewedOneReplacesTheLastEntry)
+{
+    init("1#0#0#1#1");
+    fill(513);
+    state.writeList[300].address = 5002;
+
+    set(1, "F", 5000, { 0x0A, 0x0B, 0x0C });
+
+    EXPECT_EQ(state.writeList.at(300).data[0], 0x0C);
+    EXPECT_EQ(text(state.writeList.at(512)), "1 F 5001 1");
 }
 
 TEST_F(Writes, TheListNeverGrowsPast513Entries)
