@@ -30,7 +30,7 @@ packages_of() {
       ;;
     test)
       echo libgtest-dev libgmock-dev librapidcheck-dev
-      echo mbpoll tshark libqt5serialbus5-dev binutils
+      echo mbpoll tshark libqt5serialbus5-dev binutils zsh
       ;;
     check)
       echo git clang clang-tidy clang-format libclang-rt-14-dev gcovr valgrind

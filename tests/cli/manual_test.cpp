@@ -143,15 +143,3 @@ TEST(Completion, KnowsEveryCommandAndOption)
         EXPECT_NE(zsh.find(last.substr(0, last.size() - 1)), std::string::npos) << command;
     }
 }
-
-TEST(Completion, BashOffersWhatFits)
-{
-    Bench bench;
-    const std::string ask = ". " COMPLETION_FOLDER "/dx4.bash; COMP_WORDS=(dx4 frames re) "
-                            "COMP_CWORD=2; _dx4; printf '%s\\n' \"${COMPREPLY[@]}\"";
-
-    const Printed printed =
-        bench.run("bash -c '" + std::regex_replace(ask, std::regex("'"), "'\\''") + "'");
-
-    EXPECT_EQ(printed.out, "read\n");
-}

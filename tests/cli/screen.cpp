@@ -47,6 +47,10 @@ void Screen::write(const std::string &bytes)
             ++m_row;
         } else if (byte == '\r') {
             m_column = 0;
+        } else if (byte == '\b') {
+            m_column -= m_column > 0 ? 1 : 0;
+        } else if (byte == '\a') {
+            continue; // the bell shows nothing
         } else if (lengthOf(byte) > 1) {
             m_pending = byte;
         } else {
@@ -104,6 +108,14 @@ std::string Screen::lineWith(const std::string &text) const
             return line(i);
     }
     return "";
+}
+
+std::string Screen::text() const
+{
+    std::string whole;
+    for (int i = 0; i < static_cast<int>(m_rows.size()); ++i)
+        whole += line(i) + "\n";
+    return whole;
 }
 
 std::string Screen::styleOf(const std::string &text) const

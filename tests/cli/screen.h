@@ -21,6 +21,9 @@ public:
     /// First line that holds the text; "" when none does.
     std::string lineWith(const std::string &text) const;
 
+    /// All lines.
+    std::string text() const;
+
     /// Style of the first character of a text, the numbers of its SGR such as "1;32"; "" is plain.
     std::string styleOf(const std::string &text) const;
 

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+// What the shells make of a command line that is not finished.
+#include "bench.h"
+#include "terminal_process.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace {
+
+/// A line with the words before the cursor, and what the last of them becomes.
+struct Case {
+    const char *typed;
+    const char *completed;
+};
+
+const Case cases[] = {
+    { "dx4 sca", "dx4 scan" },
+    { "dx4 frames re", "dx4 frames read" },
+    { "dx4 params res", "dx4 params restore" },
+    { "dx4 watch --rec", "dx4 watch --reconnect" },
+    { "dx4 watch --csv --roun", "dx4 watch --csv --rounds" },
+    { "dx4 frames decode --req", "dx4 frames decode --request" },
+    { "dx4 frames decode 01 03 --req", "dx4 frames decode 01 03 --request" },
+    { "dx4 stop --a", "dx4 stop --all" },
+    { "dx4 set C", "dx4 set CW" },
+    { "dx4 get --speed 38", "dx4 get --speed 38400" },
+};
+
+std::string bashCompletion(Bench &bench, const std::string &typed)
+{
+    const std::string script = bench.folder() + "/complete.bash";
+    const Printed printed = bench.run(
+        "cat >'" + script + "' <<'END'\n. " COMPLETION_FOLDER "/dx4.bash\nCOMP_WORDS=(" + typed
+        + ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_dx4\n"
+          "printf '%s\\n' \"${COMPREPLY[@]}\"\nEND\nbash '"
+        + script + "'");
+    return printed.out;
+}
+
+} // namespace
+
+TEST(Completion, BashFinishesWords)
+{
+    Bench bench;
+    for (const auto &[typed, completed] : cases) {
+        const std::string line = completed;
+        EXPECT_EQ(bashCompletion(bench, typed), line.substr(line.rfind(' ') + 1) + "\n") << typed;
+    }
+}
+
+TEST(Completion, BashOffersAllOptionsOfACommand)
+{
+    Bench bench;
+    EXPECT_EQ(bashCompletion(bench, "dx4 check --"),
+              "--count\n--read\n--write\n--json\n--driver\n--help\n");
+}
+
+TEST(Completion, ZshFinishesWords)
+{
+    if (std::system("command -v zsh >/dev/null") != 0)
+        GTEST_SKIP() << "zsh is not installed";
+    Bench bench;
+    TerminalProcess zsh(bench.shell("exec zsh -f -i", "TERM=dumb"));
+    zsh.type("PS1='$ '; fpath=(" COMPLETION_FOLDER
+             " $fpath); autoload -U compinit; compinit -u -D\n");
+    zsh.type("unsetopt beep; print REA''DY\n");
+    ASSERT_TRUE(zsh.waitForText("READY"));
+
+    for (const auto &[typed, completed] : cases) {
+        zsh.type(std::string(typed) + "\t");
+        ASSERT_TRUE(zsh.waitForText(completed)) << typed << "\n" << zsh.screen().text();
+        zsh.type("\x15"); // drops the line
+    }
+}
