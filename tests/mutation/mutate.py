@@ -249,7 +249,7 @@ class Workshop:
 
     def first_failure(self):
         found = re.search(r"\[  FAILED  \] (\S+\.\S+)", self.output)
-        return found.group(1) if found else self.output.strip()[-60:]
+        return found.group(1) if found else self.output.strip().split("\n")[-1][-60:]
 
     def judge(self, mutant):
         """The outcome and, if 'killed', the test that noticed."""
