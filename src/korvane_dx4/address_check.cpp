@@ -58,10 +58,9 @@ AddressCheck checkText(RegisterType type, const QString &text, int *address, int
     case TypeFre:
     case TypeFu:
         return checkNumber(text, converted, count, 1);
-    case UnknownType:
-        break;
+    default:
+        return AddressTypeUnknown;
     }
-    return AddressTypeUnknown;
 }
 
 int longestText(RegisterType type)

@@ -78,7 +78,7 @@ int DataAreaIndex::append(const RegisterKey &key, quint32 tag, Place place)
     m_fresh.address = key.address;
     driver.dataAreas.append(m_fresh);
     const bool hasRoom = static_cast<std::size_t>(m_entries) < m_buckets.size() * entriesPerBucket;
-    if (!hasRoom || !place.bucket) {
+    if (!place.bucket || !hasRoom) {
         insert(tag, position);
         return position;
     }

@@ -111,7 +111,7 @@ void startNextRequest()
         return serveRecipeWrite();
     case RecipeRequest::Read:
         return serveRecipeRead();
-    case RecipeRequest::None:
+    default:
         return serveLists();
     }
 }
