@@ -132,6 +132,18 @@ void Link::addConditionRead(int station, const QString &regType, int address, in
     api().addConditionRead(wanted(station, regType, address, count), tag);
 }
 
+void Link::failWrites()
+{
+    // Each takes its tries. After some in a row a polled block has its turn, or the driver pauses
+    // where there is none. The bound is for a write that it cannot encode, which never leaves.
+    const int most = 2 * (waitingWrites() + 2) * std::max(m_settings.retryLimit, 1);
+    FRAME_PRO request;
+    for (int i = 0; i < most && waitingWrites() > 0; ++i) {
+        if (nextFrame(request))
+            handReply(QByteArray());
+    }
+}
+
 int Link::waitingWrites() const
 {
     return lengthOf(api().state->writeList);

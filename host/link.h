@@ -93,6 +93,10 @@ public:
     /// Queues a one-off read; its outcome arrives as a change named "-1".
     void addConditionRead(int station, const QString &regType, int address, int count, int tag = 0);
 
+    /// Has the driver give up every write that waits, without the line: it lets go of them no other
+    /// way. The request in progress and polled blocks whose turn comes between fail too.
+    void failWrites();
+
     /// Requests that wait in the driver: writes and condition reads.
     int waitingWrites() const;
     int waitingConditionReads() const;

@@ -165,9 +165,7 @@ void Runtime::lineWentDown()
     m_wasOpen = false;
     m_openAt = m_line.now();
     m_desk.abandon(WriteEnd::TimedOut, Refusal::None, QStringLiteral("the line went down"));
-    FRAME_PRO waiting;
-    while (m_link.waitingWrites() > 0 && m_link.nextFrame(waiting))
-        m_link.handReply(QByteArray());
+    m_link.failWrites();
 }
 
 void Runtime::run(const std::function<bool()> &enough)
@@ -219,10 +217,12 @@ Value Runtime::value(int station, const QString &regType, int address) const
 
 void Runtime::beginStop()
 {
-    m_desk.abandon(WriteEnd::Refused, Refusal::Stopping,
-                   QStringLiteral("dropped: a stop goes first"));
+    // First of all, so that nothing gets in which is submitted as others are dropped.
     m_stop.begin();
     m_stopping = m_stop.isPending();
+    m_link.failWrites();
+    m_desk.abandon(WriteEnd::Refused, Refusal::Stopping,
+                   QStringLiteral("dropped: a stop goes first"));
 }
 
 StopReport Runtime::stop(Duration budget)

@@ -2,6 +2,8 @@
 // The stop goes first, is repeated until its echo came, and is never silently missing.
 #include "runtime_fixture.h"
 
+#include <utility>
+
 using namespace dx4::host;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
@@ -57,6 +59,55 @@ TEST_F(SafeStopTest, WaitingWritesAreDroppedNotSent)
     EXPECT_EQ(host.outcomeRecords.back().refusal, Refusal::Stopping);
     EXPECT_EQ(command(1), 0);
     EXPECT_EQ(host.stations.registers.count({ 1, 0x1002 }), 0U);
+}
+
+TEST_F(SafeStopTest, AWriteThatWaitsBehindTheStopIsNotSentAfterIt)
+{
+    // The stops take the places of the two commands, ahead of the last write.
+    host.write(2, "FRE", 0, { 3000 });
+    host.write(1, "CW", 0, { 3 });
+    host.write(2, "CW", 0, { 3 });
+    host.write(1, "FRE", 0, { 3000 });
+
+    host.host.stop(seconds(5));
+    host.steps(10);
+
+    EXPECT_EQ(host.outcomes,
+              (Texts { "1002 refused", "1003 refused", "1004 refused", "1005 refused" }));
+    EXPECT_EQ(host.stations.registers.count({ 1, 0x1002 }), 0U);
+    EXPECT_EQ(host.stations.registers.count({ 2, 0x1002 }), 0U);
+}
+
+TEST_F(SafeStopTest, WhatIsWrittenAsOthersAreDroppedIsRefused)
+{
+    host.write(1, "FRE", 0, { 3000 });
+    bool isFirst = true;
+    host.host.onOutcome([&](const WriteOutcome &outcome) {
+        host.outcomeRecords.push_back(outcome);
+        if (std::exchange(isFirst, false))
+            host.write(1, "FRE", 0, { 4000 });
+    });
+
+    host.host.stop(seconds(5));
+
+    ASSERT_EQ(host.outcomeRecords.size(), 4U);
+    EXPECT_EQ(host.outcomeRecords.back().id, 1003);
+    EXPECT_EQ(host.outcomeRecords.back().refusal, Refusal::Stopping);
+}
+
+TEST(SafeStop, ManyWaitingWritesAreDroppedWhereNothingIsPolled)
+{
+    RuntimeUnderTest host(withStops());
+    host.write(1, "FRE", 0, { 1 });
+    host.steps(1);
+    for (int i = 0; i < 20; ++i)
+        host.host.write({ 1, QStringLiteral("F"), i % 10 + i / 10 * 256, { 7 }, true, false });
+
+    host.host.stop(seconds(5));
+
+    EXPECT_EQ(host.outcomes.size(), 1U + 20U);
+    EXPECT_EQ(host.sent(1, 6), 1 + 1) << "the frequency and the stop";
+    EXPECT_EQ(host.host.link().waitingWrites(), 0);
 }
 
 TEST_F(SafeStopTest, TheStopIsTheNextFrameOnTheLine)

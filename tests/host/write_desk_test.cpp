@@ -163,6 +163,24 @@ TEST_F(WriteDeskTest, AWriteThatWaitsWhenTheLineGoesDownIsNeverSent)
     EXPECT_EQ(host.sent(1, 6), 0);
 }
 
+TEST(WriteDesk, ManyWritesThatWaitWhenTheLineGoesDownAreNeverSent)
+{
+    RuntimeUnderTest host; // polls nothing: the driver pauses between some writes
+    host.write(1, "FRE", 0, { 1 });
+    host.steps(1);
+    for (int i = 0; i < 20; ++i)
+        host.host.write({ 1, QStringLiteral("F"), i % 10 + i / 10 * 256, { 7 }, true, false });
+    host.stations.line.unplug();
+    host.steps(1);
+    host.stations.line.plugIn();
+
+    host.runFor(seconds(5));
+
+    EXPECT_EQ(host.outcomes.size(), 1U + 20U);
+    EXPECT_EQ(host.outcomes.back(), "1020 timed out");
+    EXPECT_EQ(host.sent(1, 6), 1);
+}
+
 TEST_F(WriteDeskTest, AThousandWritesEndOnceEach)
 {
     for (int i = 0; i < 1000; ++i) {
