@@ -104,8 +104,10 @@ QString SerialLine::tryOpen(const QString &device)
     const bool isHeld = opened ? !claimPort(m_port->handle())
                                : m_port->error() == QSerialPort::PermissionError
             && access(QFile::encodeName(device).constData(), R_OK | W_OK) == 0;
-    if (isHeld)
+    if (isHeld) {
+        m_port->close(); // else this program would be among the holders
         return QStringLiteral("in use by %1").arg(holderText(holdersOf(device)));
+    }
     if (!opened || !configure())
         return m_port->errorString();
     if (m_settings.kernelSwitchesDirection && !switchDirectionByKernel(m_port->handle()))
@@ -186,14 +188,13 @@ bool SerialLine::awaitSilence(Duration gap, Duration deadline)
     while (isOpen()) {
         const Duration silentAt = m_lastActivity + gap;
         const Duration time = now();
-        if (time >= silentAt)
-            return true;
-        if (time >= deadline)
-            return false;
         // Watching the port meanwhile costs the kernel more than looking once at the end. What came
         // at some time before counts as having come at the end, which makes the silence no shorter.
-        sleepUntil(std::min(silentAt, deadline));
-        discardInput();
+        if (time >= silentAt && discardInput() == 0)
+            return isOpen();
+        if (time >= deadline)
+            return false;
+        sleepUntil(std::min(m_lastActivity + gap, deadline));
     }
     return false;
 }

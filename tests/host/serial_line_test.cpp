@@ -9,7 +9,13 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+#include <csignal>
+#include <thread>
 
 using namespace dx4::host;
 using std::chrono::seconds;
@@ -50,6 +56,38 @@ TEST_F(SerialLineTest, APortInUseIsRefusedWithItsHolder)
     EXPECT_EQ(error.toStdString(),
               adapter.path().toStdString() + ": in use by korvane_host_test (process "
                   + std::to_string(getpid()) + ")");
+}
+
+TEST_F(SerialLineTest, AHolderThatOnlyLocksIsTheOnlyOneNamed)
+{
+    const PseudoTerminal adapter;
+    int ready[2] = {};
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t holder = fork();
+    if (holder == 0) {
+        const int port = ::open(adapter.path().toLatin1().constData(), O_RDWR | O_NOCTTY);
+        const bool locked = port >= 0 && flock(port, LOCK_EX | LOCK_NB) == 0;
+        const bool told = write(ready[1], locked ? "y" : "n", 1) == 1;
+        alarm(60);
+        pause();
+        _exit(told ? 0 : 1);
+    }
+    char answer = 0;
+    EXPECT_EQ(read(ready[0], &answer, 1), 1);
+    SerialLine line(on(adapter.path()));
+    QString error;
+
+    const bool opened = line.open(&error);
+
+    kill(holder, SIGKILL);
+    waitpid(holder, nullptr, 0);
+    close(ready[0]);
+    close(ready[1]);
+    EXPECT_EQ(answer, 'y');
+    EXPECT_FALSE(opened);
+    EXPECT_EQ(error.toStdString(),
+              adapter.path().toStdString() + ": in use by korvane_host_test (process "
+                  + std::to_string(holder) + ")");
 }
 
 TEST_F(SerialLineTest, AClosedPortIsFreeForTheNext)
@@ -179,6 +217,22 @@ TEST_F(SerialLineTest, AnEventLoopInTheSameThreadTakesNoBytesAway)
 
     EXPECT_EQ(first, "r");
     EXPECT_EQ(rest, "eply");
+}
+
+TEST_F(SerialLineTest, SilenceCountsFromBytesThatCameBeforeAnybodyLooked)
+{
+    constexpr auto gap = std::chrono::milliseconds(20);
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    std::this_thread::sleep_for(gap);
+    adapter.write("late");
+    const Duration before = line.now();
+
+    const bool silent = line.awaitSilence(gap, before + seconds(3600));
+
+    EXPECT_TRUE(silent);
+    EXPECT_GE(line.now() - before, gap);
 }
 
 TEST_F(SerialLineTest, SilenceCountsFromTheLastByteThatCameMeanwhile)
