@@ -2,6 +2,9 @@
 // One table of a configuration file, read key by key.
 #include "host/config_table.h"
 
+#include <cmath>
+#include <optional>
+
 namespace dx4::host {
 namespace {
 
@@ -56,8 +59,10 @@ void ConfigTable::number(const char *key, double &target)
     const toml::node *node = find(key);
     if (!node)
         return;
-    if (node->is_number())
-        target = *node->value<double>();
+    // None for a whole number beyond those that a double holds exactly.
+    const std::optional<double> value = node->value<double>();
+    if (node->is_number() && value && std::isfinite(*value))
+        target = *value;
     else
         wrong(key, QStringLiteral("expected a number"));
 }

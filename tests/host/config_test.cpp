@@ -260,6 +260,15 @@ INSTANTIATE_TEST_SUITE_P(
                     "line.port = \"a\"\n[[station]]\naddress = 1\n[[station.register]]\n"
                     "at = \"D 0\"\nscale = 0\n",
                     { "a.toml:6: scale: expected a number other than 0" } },
+        ConfigRow {
+            "ANumberThatIsNone",
+            "line.port = \"a\"\n[[station]]\naddress = 1\n[[station.register]]\n"
+            "at = \"D 0\"\nscale = nan\noffset = inf\n",
+            { "a.toml:6: scale: expected a number", "a.toml:7: offset: expected a number" } },
+        ConfigRow { "AWholeNumberThatNoDoubleHolds",
+                    "line.port = \"a\"\n[[station]]\naddress = 1\n[[station.register]]\n"
+                    "at = \"D 0\"\nscale = 9223372036854775807\n",
+                    { "a.toml:6: scale: expected a number" } },
         ConfigRow { "AnAddressInNoNotation",
                     "line.port = \"a\"\n[[station]]\naddress = 1\n[[station.register]]\n"
                     "at = \"F 17\"\n",
