@@ -93,6 +93,10 @@ public:
     /// until then other writes are refused.
     StopReport stop(Duration budget);
 
+    /// Replaces RuntimeSettings::stops, as a reloaded configuration may have other stations. A
+    /// station whose stop is not confirmed yet keeps its command.
+    void setStops(const QVector<StopCommand> &stops) { m_stop.setCommands(stops); }
+
     /// The user is there. With a patience set, a user who is silent for longer stops the drives.
     void noteUser();
 

@@ -5,6 +5,7 @@
 #include "host/breaker.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace dx4::host {
 namespace {
@@ -24,6 +25,20 @@ SafeStop::SafeStop(Link &link, const QVector<StopCommand> &commands)
     : m_link(link)
     , m_commands(commands)
 {
+}
+
+void SafeStop::setCommands(QVector<StopCommand> commands)
+{
+    for (const StopCommand &former : std::as_const(m_commands)) {
+        if (m_pending.count(former.station) == 0)
+            continue;
+        commands.erase(
+            std::remove_if(commands.begin(), commands.end(),
+                           [&](const StopCommand &next) { return next.station == former.station; }),
+            commands.end());
+        commands.append(former);
+    }
+    m_commands = std::move(commands);
 }
 
 void SafeStop::begin()

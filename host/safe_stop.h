@@ -25,6 +25,9 @@ public:
     /// @param link  outlives the stop
     SafeStop(Link &link, const QVector<StopCommand> &commands);
 
+    /// Replaces the list. A station whose stop is not confirmed yet keeps its command.
+    void setCommands(QVector<StopCommand> commands);
+
     /// Starts to stop every station of the list.
     void begin();
 

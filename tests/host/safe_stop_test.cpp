@@ -182,6 +182,31 @@ TEST_F(SafeStopTest, TheEchoOfAnotherValueDoesNotConfirm)
     EXPECT_EQ(host.sent(1, 6), 1 + 3);
 }
 
+TEST_F(SafeStopTest, AStationOfAnotherListIsStoppedToo)
+{
+    host.host.setStops({ { 1, 0 }, { 3, 6 } });
+
+    const StopReport report = host.host.stop(seconds(5));
+
+    EXPECT_TRUE(report.unconfirmed.isEmpty());
+    EXPECT_EQ(command(1), 0);
+    EXPECT_EQ(command(2), 1) << "not of the list any more";
+    EXPECT_EQ(command(3), 6);
+}
+
+TEST_F(SafeStopTest, AnotherListEndsNoStopThatIsNotConfirmed)
+{
+    host.stations.dead = { 2 };
+    host.host.stop(seconds(3));
+    host.stations.dead.clear();
+
+    host.host.setStops({ { 2, 9 } });
+    host.runFor(seconds(20));
+
+    EXPECT_EQ(command(2), 4);
+    EXPECT_EQ(host.alarms.back(), "all stops confirmed");
+}
+
 TEST(SafeStop, AUserWhoGoesAwayStopsTheDrives)
 {
     RuntimeSettings settings = withStops();
