@@ -93,15 +93,14 @@ bool Runtime::ensureOpen()
     }
     if (m_line.now() < m_openAt)
         return false;
+    m_openDelay = std::clamp(2 * m_openDelay, firstOpenDelay, longestOpenDelay);
     if (m_line.open(&m_lineError)) {
         m_lineError.clear();
         m_guard.forgetLine();
-        m_openDelay = Duration { 0 };
         m_wasOpen = true;
         m_stop.tryNow();
         return true;
     }
-    m_openDelay = std::clamp(2 * m_openDelay, firstOpenDelay, longestOpenDelay);
     m_openAt = m_line.now() + m_openDelay;
     return false;
 }
@@ -141,6 +140,7 @@ void Runtime::settle(Step step)
 void Runtime::settleAsked(Step step)
 {
     const FRAME_PRO &request = m_cycle.request();
+    m_openDelay = Duration { 0 }; // the line carried an exchange
     if (step == Step::GivenUp && !isAnswer(m_guard.report().verdict.cause))
         m_breaker.noteGiveUp(request.var.station, m_line.now());
     if (step == Step::Served)
@@ -163,7 +163,7 @@ void Runtime::noteValues()
 void Runtime::lineWentDown()
 {
     m_wasOpen = false;
-    m_openAt = m_line.now();
+    m_openAt = m_line.now() + m_openDelay;
     m_desk.abandon(WriteEnd::TimedOut, Refusal::None, QStringLiteral("the line went down"));
     m_link.failWrites();
 }

@@ -170,6 +170,35 @@ TEST(RuntimeReopening, PausesDoubleFrom50MillisecondsTo2Seconds)
               (std::vector<qint64> { 0, 50, 150, 350, 750, 1550, 3150, 5150, 7150 }));
 }
 
+namespace {
+
+/// A line that opens and breaks at the first frame.
+class BreakingLine : public AbsentLine {
+public:
+    BreakingLine() { plugIn(); }
+
+    bool send(const QByteArray &) override
+    {
+        close();
+        return false;
+    }
+};
+
+} // namespace
+
+TEST(RuntimeReopening, ALineThatBreaksAtOnceIsOpenedAfterThePausesToo)
+{
+    BreakingLine line;
+    RuntimeSettings settings;
+    settings.pause = [&line](Duration span) { line.advance(span); };
+    Runtime runtime(privateCopy(), line, settings);
+    runtime.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+
+    runtime.run([&line] { return line.now() >= seconds(3); });
+
+    EXPECT_EQ(line.attempts.size(), 6U); // at 0, 50, 150, 350, 750 and 1550 ms
+}
+
 TEST(TwoRuntimes, EachOnItsOwnThreadDoWhatTheyDoAlone)
 {
     constexpr int steps = 2000;
