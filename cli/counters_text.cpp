@@ -2,15 +2,17 @@
 // The host's counters, as text and as JSON.
 #include "cli/counters_text.h"
 
+#include "cli/output.h"
+
 namespace dx4::cli {
 
 QString countersText(const host::CounterSet &counters)
 {
     const host::RequestCounts total = counters.total();
-    return QStringLiteral("%1 reads, %2 writes, %3 retries, %4 given up")
-        .arg(counters.reads().good)
-        .arg(counters.writes().good)
-        .arg(total.retries)
+    return QStringLiteral("%1, %2, %3, %4 given up")
+        .arg(counted(counters.reads().good, "read", "reads"),
+             counted(counters.writes().good, "write", "writes"),
+             counted(total.retries, "retry", "retries"))
         .arg(total.giveUps);
 }
 

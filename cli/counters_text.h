@@ -9,7 +9,7 @@
 
 namespace dx4::cli {
 
-/// "12 reads, 1 writes, 0 retries, 0 given up".
+/// "12 reads, 1 write, 0 retries, 0 given up".
 QString countersText(const host::CounterSet &counters);
 
 /// Their sums over all blocks.

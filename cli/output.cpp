@@ -66,6 +66,11 @@ QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightA
     return lines;
 }
 
+QString counted(quint64 count, const char *one, const char *many)
+{
+    return QStringLiteral("%1 %2").arg(count).arg(QString::fromLatin1(count == 1 ? one : many));
+}
+
 QString csvLine(const QStringList &cells)
 {
     QStringList quoted;

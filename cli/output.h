@@ -26,6 +26,9 @@ QString jsonText(const QJsonObject &object);
 /// @param rightAligned  numbers of the columns with numbers in them
 QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightAligned = {});
 
+/// "1 block", "2 blocks".
+QString counted(quint64 count, const char *one, const char *many);
+
 /// A row of a CSV file; cells with commas, quotes or line ends in quotes.
 QString csvLine(const QStringList &cells);
 

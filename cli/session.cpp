@@ -78,13 +78,13 @@ std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *fail
     auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, failure);
     if (!plugin)
         return nullptr;
+    watchForInterrupt();
     std::unique_ptr<Session> session(new Session(options, wishes));
     QString error;
     if (!session->m_line->open(&error)) {
         *failure = { ExitLine, QStringLiteral("cannot open %1").arg(error) };
         return nullptr;
     }
-    watchForInterrupt();
     host::RuntimeSettings settings = host::runtimeSettings(options.plant);
     settings.stops = allStops(settings, wishes.stops);
     settings.staleAfter = wishes.staleAfter;

@@ -36,7 +36,7 @@ struct WriteResult {
 /// One line, open, and one running host on it.
 class Session {
 public:
-    /// Loads the driver and opens the port. From then on signals are noted.
+    /// Loads the driver and opens the port. Signals are noted from then on.
     ///
     /// @return null with the failure told
     static std::unique_ptr<Session> open(const LineOptions &options, Failure *failure,

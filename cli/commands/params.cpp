@@ -116,7 +116,8 @@ void printKept(const QString &file, const host::ParameterSet &set, bool json)
                     { QStringLiteral("complete"), host::isComplete(set) } });
         return;
     }
-    printLine(QStringLiteral("%1 parameters in %2").arg(count).arg(file));
+    printLine(QStringLiteral("%1 in %2")
+                  .arg(counted(static_cast<quint64>(count), "parameter", "parameters"), file));
 }
 
 int runDump(const Options &options)

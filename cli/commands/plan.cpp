@@ -91,10 +91,12 @@ void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::
         printLines(blockNames(plan.blocks.at(i), names));
     }
     printLine(QString());
-    printLine(QStringLiteral("%1 registers in %2 blocks, %3 more to keep stations apart")
-                  .arg(plan.wantedRegisters)
-                  .arg(plan.blocks.size())
-                  .arg(plan.separators));
+    const auto registers = static_cast<quint64>(plan.wantedRegisters);
+    const auto blocks = static_cast<quint64>(plan.blocks.size());
+    printLine(
+        QStringLiteral("%1 in %2, %3 more to keep stations apart")
+            .arg(counted(registers, "register", "registers"), counted(blocks, "block", "blocks"))
+            .arg(plan.separators));
     printLine(QStringLiteral("one round takes %1 ms").arg(millisecondsText(cycle)));
 }
 

@@ -29,7 +29,8 @@ void report(const QString &file, const host::FrameRing &ring, bool json)
                     { QStringLiteral("forgotten"), static_cast<qint64>(ring.forgotten()) } });
         return;
     }
-    printLine(QStringLiteral("%1 frames in %2").arg(frames).arg(file));
+    printLine(QStringLiteral("%1 in %2")
+                  .arg(counted(static_cast<quint64>(frames), "frame", "frames"), file));
     if (ring.forgotten() > 0)
         note(QStringLiteral("record"),
              QStringLiteral("the first %1 frames were forgotten").arg(ring.forgotten()));

@@ -55,7 +55,9 @@ void printChange(host::Link &link, const host::ValueChange &change, bool json,
 int report(const host::ReplayResult &result)
 {
     const QString name = QStringLiteral("replay");
-    note(name, QStringLiteral("%1 requests played").arg(result.played));
+    note(name,
+         counted(static_cast<quint64>(result.played), "request", "requests")
+             + QStringLiteral(" played"));
     if (result.complete)
         return ExitDone;
     return complain(name,

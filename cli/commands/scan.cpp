@@ -152,7 +152,9 @@ int runScan(const Options &options)
         return exitCode;
     if (!options.resume.isEmpty())
         QFile::remove(options.resume); // the next scan begins anew
-    note(name, QStringLiteral("%1 stations found").arg(state.found.size()));
+    note(name,
+         counted(static_cast<quint64>(state.found.size()), "station", "stations")
+             + QStringLiteral(" found"));
     return state.found.isEmpty() ? ExitNoReply : ExitDone;
 }
 

@@ -75,9 +75,8 @@ void printSums(const host::CounterSet &counters, double load)
            QStringLiteral("%1 sent, %2 received").arg(total.bytesSent).arg(total.bytesReceived));
     printLines(indented(QStringLiteral("answers"), answerTexts(total)));
     lineOf("line",
-           QStringLiteral("held %1 of the time, broke %2 times")
-               .arg(percentText(load))
-               .arg(counters.lineDowns()));
+           QStringLiteral("held %1 of the time, broke %2")
+               .arg(percentText(load), counted(counters.lineDowns(), "time", "times")));
 }
 
 /// Polls until as many requests were sent, or passed over, as the options say.

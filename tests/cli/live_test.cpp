@@ -47,7 +47,7 @@ TEST(LiveTable, ShowsValuesWithNamesUnitsAndCounters)
               "Station Name                      Address                Value             Age");
     EXPECT_EQ(row(watch.screen(), "D 0 "), "1 Output frequency D 0 (0xD000) 46.60 Hz");
     EXPECT_EQ(row(watch.screen(), "SW 0 "), "1 Status word SW 0 (0x2000) 0x0001");
-    EXPECT_TRUE(watch.waitForText("reads, 0 writes, 0 retries, 0 given up"));
+    EXPECT_TRUE(watch.waitForText("0 writes, 0 retries, 0 given up"));
     watch.type(ctrlC);
     EXPECT_EQ(watch.wait(), 0);
     EXPECT_FALSE(watch.screen().overflowed());
@@ -137,9 +137,10 @@ TEST(LiveTable, FitsALowWindow)
 
     TerminalProcess watch(bench.shell("exec dx4 watch D 0-31", colours), 12);
 
-    ASSERT_TRUE(watch.waitForText("... and 26 more; a higher window shows them"));
-    EXPECT_NE(watch.screen().line(7).find("... and 26 more"), std::string::npos);
-    EXPECT_NE(watch.screen().line(9).find("reads"), std::string::npos);
+    ASSERT_TRUE(watch.waitForText("given up"));
+    EXPECT_NE(watch.screen().line(7).find("... and 26 more; a higher window shows them"),
+              std::string::npos);
+    EXPECT_NE(watch.screen().line(9).find("given up"), std::string::npos);
     watch.type(ctrlC);
     EXPECT_EQ(watch.wait(), 0);
 }

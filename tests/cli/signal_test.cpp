@@ -18,6 +18,26 @@ int codeAfterInterrupt(Bench &bench, const std::string &command)
     return child.wait();
 }
 
+/// A configuration of station 1 with a stop.
+void writePlant(Bench &bench)
+{
+    bench.run("printf '[line]\\nport = \"%s\"\\n[stop]\\ncontrol_word = 0\\n[[station]]\\n"
+              "address = 1\\n[[station.register]]\\nat = \"D 4\"\\n' \"$DX4_PORT\" >plant.toml");
+}
+
+/// What a silent command on a line says when it is interrupted.
+std::string talkAfterInterrupt(Bench &bench, const std::string &command, int expectedCode)
+{
+    ChildProcess child(bench.shell("exec " + command + " 2>talk.txt"));
+    while (bench.run("dx4 line $DX4_PORT").out.find("by dx4 ") == std::string::npos
+           && bench.run("dx4 line $DX4_PORT").out.find(", dx4 ") == std::string::npos)
+        ;
+    child.signal(SIGINT);
+    child.readAll();
+    EXPECT_EQ(child.wait(), expectedCode);
+    return contentOf(bench.folder() + "/talk.txt");
+}
+
 } // namespace
 
 TEST(Ending, InterruptIsTheUsualEndOfAWatch)
@@ -32,14 +52,62 @@ TEST(Ending, InterruptedWatchSendsTheConfiguredStop)
 {
     Bench bench;
     bench.serve("1");
-    bench.run("printf '[line]\\nport = \"%s\"\\n[stop]\\ncontrol_word = 0\\n[[station]]\\n"
-              "address = 1\\n[[station.register]]\\nat = \"D 4\"\\n' \"$DX4_PORT\" >plant.toml");
+    writePlant(bench);
     bench.run("dx4 run --frequency 30");
 
     const int code = codeAfterInterrupt(bench, "dx4 watch --config plant.toml 2>talk.txt");
 
     EXPECT_EQ(code, 0);
     EXPECT_EQ(contentOf(bench.folder() + "/talk.txt"), "dx4 watch: station 1 stopped\n");
+}
+
+TEST(Ending, InterruptedRecordAndStatsSendTheConfiguredStop)
+{
+    Bench bench;
+    bench.serve("1");
+    writePlant(bench);
+
+    EXPECT_EQ(talkAfterInterrupt(bench, "dx4 record --config plant.toml line.pcap", 0),
+              "dx4 record: station 1 stopped\n");
+    EXPECT_EQ(talkAfterInterrupt(bench, "dx4 stats --requests 1000000 --config plant.toml", 0),
+              "dx4 stats: station 1 stopped\n");
+}
+
+TEST(Ending, UnconfirmedStopIsAFailure)
+{
+    Bench bench;
+    bench.serve("1");
+    writePlant(bench);
+    bench.run("sed -i 's/^control_word/confirm_ms = 200\\n&/' plant.toml");
+    bench.tell("fault kind = \"drop-request\"");
+
+    const std::string talk =
+        talkAfterInterrupt(bench, "dx4 record --config plant.toml --timeout 30 line.pcap", 1);
+
+    EXPECT_EQ(talk, "dx4 record: STOP NOT CONFIRMED by station 1: it may still run\n");
+}
+
+TEST(Ending, InterruptDoesNotWaitForALongTimeout)
+{
+    Bench bench;
+    bench.serve("1");
+
+    EXPECT_EQ(codeAfterInterrupt(bench, "dx4 get --timeout 60000 --retries 100 SW 9:SW"), 130);
+}
+
+TEST(Ending, InterruptedDumpKeepsWhatItHas)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.tell("fault kind = \"drop-request\", registers = \"F8.0\"");
+
+    const std::string talk =
+        talkAfterInterrupt(bench, "dx4 params dump --timeout 60000 drive.txt", 130);
+
+    EXPECT_NE(talk.find("dx4 params dump: "), std::string::npos);
+    bench.tell("faults-off");
+    EXPECT_EQ(bench.run("dx4 params dump drive.txt").code, 0);
+    EXPECT_EQ(bench.run("tail -n 1 drive.txt").out, "complete\n");
 }
 
 TEST(Ending, InterruptedScanSaysHowToGoOn)
