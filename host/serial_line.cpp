@@ -81,7 +81,8 @@ bool SerialLine::open(QString *error)
         return true;
     // Resolved each time: an adapter that comes back may be another device under its lasting name.
     const QString device = portDevice(m_settings.port);
-    m_port->setPortName(device);
+    // Made anew, because it belongs to the thread that makes it and that is the one to use it.
+    m_port = std::make_unique<QSerialPort>(device);
     const QString refusal = tryOpen(device);
     if (refusal.isEmpty()) {
         m_port->clear();
@@ -212,7 +213,7 @@ bool SerialLine::writeAll(const QByteArray &bytes, Duration deadline)
             continue;
         else if (count < 0 && errno != EAGAIN)
             return false;
-        else if (waitFor(POLLOUT, deadline) != POLLOUT)
+        else if (now() >= deadline || waitFor(POLLOUT, deadline) != POLLOUT)
             return false;
     }
     return true;

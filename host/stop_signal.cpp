@@ -19,8 +19,9 @@ namespace {
 
 constexpr std::array<int, 3> stopSignals = { SIGINT, SIGTERM, SIGHUP };
 
-// What the handler touches: lock-free, or constant while handlers are in place.
-volatile std::sig_atomic_t firstSignal = 0;
+// What the handler touches, on whichever thread it runs. The descriptor is kept for the life of the
+// process: a late handler that wrote to a closed one could write to a port that got its number.
+std::atomic<int> firstSignal { 0 };
 std::atomic<int> wakeUp { -1 };
 static_assert(std::atomic<int>::is_always_lock_free);
 
@@ -30,8 +31,8 @@ std::array<struct sigaction, stopSignals.size()> formerActions;
 void noteSignal(int number)
 {
     const int savedError = errno; // of the call that was interrupted
-    if (firstSignal == 0)
-        firstSignal = number;
+    int none = 0;
+    firstSignal.compare_exchange_strong(none, number);
     const std::uint64_t one = 1;
     // A full counter is readable already; there is nobody to tell of another failure.
     [[maybe_unused]] const auto written = write(wakeUp.load(), &one, sizeof one);
@@ -41,7 +42,10 @@ void noteSignal(int number)
 void install()
 {
     firstSignal = 0;
-    wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    if (wakeUp < 0)
+        wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    std::uint64_t earlier = 0;
+    [[maybe_unused]] const auto taken = read(wakeUp, &earlier, sizeof earlier);
     struct sigaction action = {};
     action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART; // reads and writes of the rest of the program go on
@@ -57,7 +61,6 @@ void remove()
 {
     for (std::size_t i = 0; i < stopSignals.size(); ++i)
         sigaction(stopSignals[i], &formerActions[i], nullptr);
-    close(wakeUp.exchange(-1));
 }
 
 timespec toTimespec(Duration span)
