@@ -58,6 +58,7 @@ TEST_F(Store, WorksOnTheListItIsGiven)
 
     EXPECT_EQ(getIndexOfDataArea(1, QStringLiteral("D"), 7, other), 0);
     EXPECT_EQ(getIndexOfDataArea(1, QStringLiteral("D"), 8, other), 1);
+    EXPECT_EQ(getIndexOfDataArea(1, QStringLiteral("D"), 7, other), 0) << "found again";
     EXPECT_EQ(other.size(), 2);
     EXPECT_EQ(cacheKeys(), "");
 }
@@ -140,7 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
         Bit { "Set", 5, 1, 1, 7 }, Bit { "Clear", 7, 1, 0, 5 }, Bit { "SetAgain", 7, 1, 1, 7 },
         Bit { "ClearAgain", 5, 1, 0, 5 }, Bit { "AnyOnValueSets", 5, 1, -3, 7 },
         Bit { "SetBit31", 0, 31, 1, -2147483647 - 1 }, Bit { "ClearBit31", -1, 31, 0, 2147483647 },
-        Bit { "SetBit32ChangesNothing", 5, 32, 1, 5 },
+        Bit { "SetBit32ChangesNothing", 5, 32, 1, 5 }, Bit { "SetBit32IsNotBit0", 4, 32, 1, 4 },
         Bit { "ClearBit40ChangesNothing", 7, 40, 0, 7 },
         Bit { "SetBit255ChangesNothing", 5, 255, 1, 5 }, Bit { "Bit256IsBit0", 4, 256, 1, 5 },
         Bit { "Bit257IsBit1", 7, 257, 0, 5 }, Bit { "Bit288IsBit32", 5, 288, 1, 5 },
