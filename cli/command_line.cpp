@@ -85,7 +85,7 @@ QString unknownOption(const Place &place)
 {
     const QStringList known = optionNames(*place.app);
     for (const QString &word : place.rest) {
-        const QString name = word.section(QLatin1Char('='), 0, 0);
+        QString name = word.section(QLatin1Char('='), 0, 0);
         bool isNumber = false;
         word.toDouble(&isNumber);
         const bool isShort = name.size() == 2 && name != QLatin1String("-h");
@@ -100,7 +100,7 @@ QString unknownOption(const Place &place)
 /// What is missing, or has no value.
 QString explainMissing(const CLI::App &app, const CLI::ParseError &error)
 {
-    const QString text = QString::fromUtf8(error.what());
+    QString text = QString::fromUtf8(error.what());
     const bool isRequired = dynamic_cast<const CLI::RequiredError *>(&error) != nullptr;
     const bool isMismatch = dynamic_cast<const CLI::ArgumentMismatch *>(&error) != nullptr;
     for (const CLI::Option *option : app.get_options()) {

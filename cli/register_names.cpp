@@ -5,7 +5,6 @@
 #include "host/address_range.h"
 #include "host/notation.h"
 
-#include <algorithm>
 #include <array>
 
 namespace dx4::cli {
@@ -115,12 +114,10 @@ RegisterNames::RegisterNames(const host::Config &plant, const host::DriverApi &a
 
 WatchedValue RegisterNames::of(int station, const QString &regType, int address) const
 {
-    const auto *const configured =
-        std::find_if(m_configured.cbegin(), m_configured.cend(), [&](const WatchedValue &value) {
-            return isRegister(value, station, regType, address);
-        });
-    if (configured != m_configured.cend() && isDescribed(*configured))
-        return *configured;
+    for (const WatchedValue &value : m_configured) {
+        if (isRegister(value, station, regType, address) && isDescribed(value))
+            return value;
+    }
     return m_simulated ? namedValue(station, regType, address)
                        : plainValue(station, regType, address);
 }

@@ -22,6 +22,7 @@ TerminalProcess::TerminalProcess(const std::vector<std::string> &command, int ro
     size.ws_col = columns;
     size.ws_row = static_cast<unsigned short>(rows);
     std::vector<char *> words;
+    words.reserve(command.size() + 1);
     for (const std::string &word : command)
         words.push_back(const_cast<char *>(word.c_str()));
     words.push_back(nullptr);
