@@ -54,16 +54,30 @@ run() {
   fi
 }
 
-build
-for target in "${targets[@]}"; do
-  corpus=fuzz/corpus/$target
+play() {
+  local target=$1
+  local corpus=fuzz/corpus/$target
   stacks=10 run "$target" -runs=0 "$corpus"
   printf '%-20s %5d inputs replayed\n' "$target" "$(find "$corpus" -type f | wc -l)"
-  [ "$seconds" -gt 0 ] || continue
+  [ "$seconds" -gt 0 ] || return 0
   mkdir -p "build/fuzz/found/$target"
   # Weighing inputs by the rarity of what they reach costs more than many of the executions.
   run "$target" -max_total_time="$seconds" -seed="$seed" -max_len=200 -len_control=10 -entropic=0 \
     "build/fuzz/found/$target" "$corpus"
   printf '%-20s %9d executions in %d s, seed %d\n' "$target" \
     "$(sed -n 's/^stat::number_of_executed_units: *//p' "build/fuzz/$target.log")" "$seconds" "$seed"
+}
+
+build
+plays=()
+for target in "${targets[@]}"; do
+  # As many at once as there are processors; which of them failed is asked at the end.
+  while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n || true; done
+  play "$target" &
+  plays+=($!)
 done
+failed=0
+for process in "${plays[@]}"; do
+  wait "$process" || failed=1
+done
+exit $failed

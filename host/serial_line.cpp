@@ -11,12 +11,12 @@
 #include <QSocketNotifier>
 
 #include <poll.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
+#include <ctime>
 #include <utility>
 
 namespace dx4::host {
