@@ -53,7 +53,8 @@ class RegisterFinder {
 public:
     explicit RegisterFinder(const RegisterOwner &owner)
         : m_owner(owner)
-        , m_offset(foundOffsets[std::min<quint32>(owner.typeBits, registerTypeCount)])
+        , m_type(std::min<quint32>(owner.typeBits, registerTypeCount))
+        , m_offset(foundOffsets[m_type])
     {
     }
 
@@ -94,12 +95,13 @@ private:
     int lookUp(int address)
     {
         const int position = dataAreaIndex.findOrAppend({ m_owner, address });
-        m_offset = wrapSub(position, address);
+        m_offset = foundOffsets[m_type] = wrapSub(position, address);
         return position;
     }
 
     RegisterOwner m_owner;
-    int &m_offset; // of the last record found, shared by all finders of the type
+    quint32 m_type; // of the offsets
+    int m_offset; // of the last record looked up
     int m_behind = -1; // position behind the last run
 };
 
