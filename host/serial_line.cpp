@@ -5,6 +5,7 @@
 #include "host/length.h"
 #include "host/port_claim.h"
 #include "host/port_list.h"
+#include "host/timespec.h"
 
 #include <QFile>
 #include <QSerialPort>
@@ -39,15 +40,6 @@ constexpr int wasteBytes = 256; // dropped at once
 
 // Less than one character at 115,200 bit/s: looking again would find what may as well come later.
 constexpr Duration momentAgo = std::chrono::microseconds(50);
-
-timespec toTimespec(Duration span)
-{
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(span);
-    timespec result {};
-    result.tv_sec = seconds.count();
-    result.tv_nsec = std::chrono::nanoseconds(span - seconds).count();
-    return result;
-}
 
 // Of the steady clock, which now() reads.
 void sleepUntil(Duration moment)

@@ -2,6 +2,8 @@
 // The signals that ask a program to end, turned into something its loop can see.
 #include "host/stop_signal.h"
 
+#include "host/timespec.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -61,15 +63,6 @@ void remove()
 {
     for (std::size_t i = 0; i < stopSignals.size(); ++i)
         sigaction(stopSignals[i], &formerActions[i], nullptr);
-}
-
-timespec toTimespec(Duration span)
-{
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(span);
-    timespec time = {};
-    time.tv_sec = static_cast<time_t>(seconds.count());
-    time.tv_nsec = static_cast<long>(std::chrono::nanoseconds(span - seconds).count());
-    return time;
 }
 
 } // namespace
