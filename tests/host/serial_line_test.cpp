@@ -155,9 +155,9 @@ TEST_F(SerialLineTest, AnAdapterThatComesBackAsAnotherDeviceIsFoundUnderItsName)
     QFile::link(before.path(), name);
     SerialLine line(on(name));
     line.open(nullptr);
+    QFile::remove(name);
     before.unplug();
     line.receive(1, line.now() + seconds(3600));
-    QFile::remove(name);
     QFile::link(after.path(), name);
 
     QString error;
