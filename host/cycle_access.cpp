@@ -10,6 +10,9 @@
 namespace dx4::host {
 namespace {
 
+// Each time another read failed, or took the place of this one: no more of them wait at once.
+constexpr int mostAsked = 513;
+
 QString accessText(int station, const QString &regType, int address)
 {
     return QStringLiteral("station %1, %2").arg(station).arg(fullAddress(regType, address));
@@ -40,22 +43,33 @@ CycleAccess::CycleAccess(Link &link, const Cycle &cycle, Stepper step, Verdict v
 
 AccessResult CycleAccess::read(int station, const QString &regType, int address, int count)
 {
-    m_link.addConditionRead(station, regType, address, count, --m_lastTag);
-    AccessResult result = await(station, accessText(station, regType, address), m_lastTag,
-                                &Link::waitingConditionReads);
-    if (result.kind == AccessResult::Kind::Done)
-        result.values = m_link.values(station, regType, address, count);
-    return result;
+    const QString what = accessText(station, regType, address);
+    for (int asked = 0; asked < mostAsked; ++asked) {
+        m_link.addConditionRead(station, regType, address, count, --m_lastTag);
+        std::optional<AccessResult> result = await(what, &Link::hasConditionRead);
+        if (result && result->kind == AccessResult::Kind::Done)
+            result->values = m_link.values(station, regType, address, count);
+        if (result)
+            return *result;
+        const bool isStuck = m_link.hasConditionRead(m_lastTag);
+        if (isStuck || isLeftAlone(station))
+            break;
+    }
+    return dropped(station, what);
 }
 
 AccessResult CycleAccess::write(int station, const QString &regType, int address, quint16 value)
 {
+    const QString what = accessText(station, regType, address);
     m_link.write(station, regType, address, { value }, --m_lastTag);
-    return await(station, accessText(station, regType, address), m_lastTag, &Link::waitingWrites);
+    const std::optional<AccessResult> result = await(what, &Link::hasWrite);
+    return result ? *result : dropped(station, what);
 }
 
-AccessResult CycleAccess::await(int station, const QString &what, int tag,
-                                int (Link::*waiting)() const)
+/// Turns the cycle until the access of the last tag has ended.
+///
+/// @return nothing when it left the driver's list without a step of its own
+std::optional<AccessResult> CycleAccess::await(const QString &what, bool (Link::*waits)(int) const)
 {
     // One idle step is the driver's pause after some requests in a row; a second one means that a
     // request stands in the way which it cannot encode.
@@ -63,24 +77,27 @@ AccessResult CycleAccess::await(int station, const QString &what, int tag,
         const Cycle::Step step = m_step();
         idleSteps = step == Cycle::Step::Idle ? idleSteps + 1 : 0;
         if (step == Cycle::Step::LineDown)
-            return { AccessResult::Kind::LineDown,
-                     what + QStringLiteral(": the line is down"),
-                     {} };
+            return AccessResult { AccessResult::Kind::LineDown,
+                                  what + QStringLiteral(": the line is down"),
+                                  {} };
         const bool ended = step == Cycle::Step::Served || step == Cycle::Step::GivenUp;
-        if (ended && m_cycle.request().var.varKind == tag)
+        if (ended && m_cycle.request().var.varKind == m_lastTag)
             return outcome(what, step);
-        // A condition read that fails takes those behind it along.
-        if ((m_link.*waiting)() == 0)
+        if (!(m_link.*waits)(m_lastTag))
             break;
     }
-    return { AccessResult::Kind::NoAnswer,
-             QStringLiteral("%1: %2").arg(what, whyDropped(station)),
-             {} };
+    return std::nullopt;
 }
 
-QString CycleAccess::whyDropped(int) const
+bool CycleAccess::isLeftAlone(int) const
 {
-    return QStringLiteral("dropped");
+    return false;
+}
+
+AccessResult CycleAccess::dropped(int station, const QString &what) const
+{
+    const QString why = isLeftAlone(station) ? notAskedText() : QStringLiteral("dropped");
+    return { AccessResult::Kind::NoAnswer, QStringLiteral("%1: %2").arg(what, why), {} };
 }
 
 AccessResult CycleAccess::outcome(const QString &what, Cycle::Step step) const

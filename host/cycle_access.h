@@ -7,11 +7,13 @@
 #include "host/reply_check.h"
 
 #include <functional>
+#include <optional>
 
 namespace dx4::host {
 
 /// Queues each access in the driver and turns the cycle until it has ended, with ordinary condition
-/// reads and writes.
+/// reads and writes. A read that goes with a failed one, or whose place another read of the same
+/// registers takes, is asked for again.
 class CycleAccess : public RegisterAccess {
 public:
     /// Judges the reply of the cycle's last step.
@@ -32,11 +34,12 @@ protected:
     /// @param step  one step of the cycle, with what else is to be done in one
     CycleAccess(Link &link, const Cycle &cycle, Stepper step, Verdict verdict);
 
-    /// Why an access came to its end without a step of its own, in words.
-    virtual QString whyDropped(int station) const;
+    /// Whether the stepper passes over requests to this station.
+    virtual bool isLeftAlone(int station) const;
 
 private:
-    AccessResult await(int station, const QString &what, int tag, int (Link::*waiting)() const);
+    std::optional<AccessResult> await(const QString &what, bool (Link::*waits)(int) const);
+    AccessResult dropped(int station, const QString &what) const;
     AccessResult outcome(const QString &what, Cycle::Step step) const;
 
     Link &m_link;

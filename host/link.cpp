@@ -14,6 +14,12 @@ constexpr int recipeBufferUnits = 65536; // every 16-bit offset that a recipe re
 
 thread_local Link *callingLink = nullptr;
 
+bool holds(const QList<VARIABLE> &list, int tag)
+{
+    return std::any_of(list.begin(), list.end(),
+                       [tag](const VARIABLE &request) { return request.varKind == tag; });
+}
+
 } // namespace
 
 /// Names the link whose driver is being called on this thread.
@@ -152,6 +158,16 @@ int Link::waitingWrites() const
 int Link::waitingConditionReads() const
 {
     return lengthOf(api().state->conditionList);
+}
+
+bool Link::hasWrite(int tag) const
+{
+    return holds(api().state->writeList, tag);
+}
+
+bool Link::hasConditionRead(int tag) const
+{
+    return holds(api().state->conditionList, tag);
 }
 
 void Link::dispatch(int linkNumber, int station, QString &name, int address)

@@ -101,6 +101,11 @@ public:
     int waitingWrites() const;
     int waitingConditionReads() const;
 
+    /// Whether a request of this tag waits. It leaves without a word when a newer one of the same
+    /// registers takes its place, and a condition read also with another one that failed.
+    bool hasWrite(int tag) const;
+    bool hasConditionRead(int tag) const;
+
 private:
     class Scope;
     static void dispatch(int linkNumber, int station, QString &name, int address);

@@ -65,10 +65,9 @@ AccessResult RuntimeAccess::write(int station, const QString &regType, int addre
     return { kindOf(outcome), outcome.text, {} };
 }
 
-/// The runtime passes over stations that are left alone inside its step.
-QString RuntimeAccess::whyDropped(int station) const
+bool RuntimeAccess::isLeftAlone(int station) const
 {
-    return m_runtime.isLeftAlone(station) ? notAskedText() : CycleAccess::whyDropped(station);
+    return m_runtime.isLeftAlone(station);
 }
 
 void RuntimeAccess::note(const WriteOutcome &outcome)

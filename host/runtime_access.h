@@ -24,7 +24,7 @@ public:
     AccessResult write(int station, const QString &regType, int address, quint16 value) override;
 
 protected:
-    QString whyDropped(int station) const override;
+    bool isLeftAlone(int station) const override;
 
 private:
     void note(const WriteOutcome &outcome);

@@ -48,12 +48,6 @@ QVector<quint16> valuesIn(const QByteArray &reply, int count)
     return values;
 }
 
-bool waitsIn(const QList<VARIABLE> &list, int id)
-{
-    return std::any_of(list.begin(), list.end(),
-                       [id](const VARIABLE &waiting) { return waiting.varKind == id; });
-}
-
 Refusal refusalOfCheck(int code)
 {
     switch (code) {
@@ -229,9 +223,9 @@ void WriteDesk::sweep()
     QVector<int> replaced;
     for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry) {
         const Stage stage = entry->second.stage;
-        if (stage != Stage::Queued && !waitsIn(m_link.api().state->conditionList, entry->first))
+        if (stage != Stage::Queued && !m_link.hasConditionRead(entry->first))
             readAgain(entry, stage);
-        if (stage == Stage::Queued && !waitsIn(m_link.api().state->writeList, entry->first))
+        if (stage == Stage::Queued && !m_link.hasWrite(entry->first))
             replaced.append(entry->first);
     }
     for (int id : replaced) {

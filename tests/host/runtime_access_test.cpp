@@ -121,6 +121,40 @@ TEST_F(RuntimeAccessTest, WritesOfOthersAreReportedToThem)
     EXPECT_EQ(reg(0xF105), 5);
 }
 
+TEST_F(RuntimeAccessTest, AReadWhosePlaceAnotherOfTheSameRegisterTookIsAskedAgain)
+{
+    reg(0xF105) = 5;
+    under.steps(1);
+    under.host.onOutcome([this](const WriteOutcome &outcome) {
+        otherOutcomes.push_back(std::to_string(outcome.id));
+        if (outcome.id == 1001)
+            under.write(1, "F", 0x0105, { 5 }); // compared first
+    });
+    under.write(1, "F", 0x0106, { 0 }); // at the head of the reads, whose place nobody takes
+    under.write(1, "CW", 0, { 1 });
+
+    const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
+    under.steps(4);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::Done) << result.reason.toStdString();
+    EXPECT_EQ(result.values, QVector<quint16> { 5 });
+    EXPECT_EQ(otherOutcomes, (Texts { "1001", "1000", "1002" }));
+}
+
+TEST_F(RuntimeAccessTest, AReadThatGoesWithAFailedOneIsAskedAgain)
+{
+    reg(0xF105) = 5;
+    under.steps(1);
+    under.write(1, "F", 0x0106, { 1 });
+    under.stations.changes.push_back(instead(framed("01 83 02")));
+
+    const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::Done) << result.reason.toStdString();
+    EXPECT_EQ(result.values, QVector<quint16> { 5 });
+    EXPECT_EQ(otherOutcomes, Texts { "1000 rejected" });
+}
+
 TEST_F(RuntimeAccessTest, AClosedLineIsToldApart)
 {
     under.steps(1);
