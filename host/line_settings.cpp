@@ -7,24 +7,39 @@ namespace {
 
 constexpr int fastestSpeedWithRelativeGap = 19200; // bit/s
 constexpr Duration fixedGap { 1750 };
-constexpr long microsecondsPerSecond = 1'000'000;
+constexpr qint64 microsecondsPerSecond = 1'000'000;
+
+int bitsPerCharacter(const LineSettings &settings)
+{
+    return 1 + 8 + (settings.parity == Parity::None ? 0 : 1) + settings.stopBits;
+}
+
+/// Rounded up once for the whole span: cut off at each character, a long reply at 115,200 bit/s
+/// would be awaited 0.2 ms less than it takes.
+Duration timeOfHalfBits(qint64 halfBits, int speed)
+{
+    const qint64 perSecond = 2 * qint64 { qMax(speed, 1) };
+    return Duration { (halfBits * microsecondsPerSecond + perSecond - 1) / perSecond };
+}
 
 } // namespace
 
 Duration LineSettings::characterTime() const
 {
-    const int bits = 1 + 8 + (parity == Parity::None ? 0 : 1) + stopBits;
-    return Duration { bits * microsecondsPerSecond / qMax(speed, 1) };
+    return wireTime(1);
 }
 
 Duration LineSettings::wireTime(int bytes) const
 {
-    return characterTime() * qMax(bytes, 0);
+    return timeOfHalfBits(qint64 { 2 } * bitsPerCharacter(*this) * qMax(bytes, 0), speed);
 }
 
 Duration LineSettings::silentGap() const
 {
-    return speed > fastestSpeedWithRelativeGap ? fixedGap : characterTime() * 7 / 2;
+    constexpr int halfCharacters = 7;
+    return speed > fastestSpeedWithRelativeGap
+        ? fixedGap
+        : timeOfHalfBits(qint64 { halfCharacters } * bitsPerCharacter(*this), speed);
 }
 
 } // namespace dx4::host

@@ -30,10 +30,11 @@ struct LineSettings {
     EchoMode echo = EchoMode::Auto;
     bool kernelSwitchesDirection = false; ///< RS-485 driver switched by the kernel over RTS
 
-    /// Time of one character: start bit, 8 data bits, parity and stop bits.
+    /// Time of one character: start bit, 8 data bits, parity and stop bits; rounded up, as all
+    /// times here.
     Duration characterTime() const;
 
-    /// Time of `bytes` characters back to back.
+    /// Time of `bytes` characters back to back; may be less than so many characterTime().
     Duration wireTime(int bytes) const;
 
     /// Silence that separates two frames: 3.5 characters, fixed at 1.75 ms above 19200 bit/s.

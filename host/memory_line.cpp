@@ -99,10 +99,8 @@ void MemoryLine::plugIn()
 
 void MemoryLine::schedule(const QByteArray &bytes, Duration start)
 {
-    for (char byte : bytes) {
-        start += m_settings.characterTime();
-        m_arrivals.push_back({ start, byte });
-    }
+    for (int i = 0; i < bytes.size(); ++i)
+        m_arrivals.push_back({ start + m_settings.wireTime(i + 1), bytes.at(i) });
     std::stable_sort(m_arrivals.begin(), m_arrivals.end(),
                      [](const Arrival &a, const Arrival &b) { return a.at < b.at; });
 }

@@ -35,6 +35,20 @@ TEST(LineSettings, BytesFollowEachOtherWithoutAGap)
     EXPECT_EQ(settings.wireTime(-3).count(), 0);
 }
 
+TEST(LineSettings, AFrameIsRoundedUpAsAWholeNotCutAtEachCharacter)
+{
+    LineSettings settings;
+    settings.speed = 115200;
+    LineSettings withParity = settings;
+    withParity.parity = Parity::Even;
+
+    EXPECT_EQ(settings.characterTime().count(), 87); // 86.8
+    EXPECT_EQ(settings.wireTime(245).count(), 21268); // 21267.4
+    EXPECT_EQ(withParity.characterTime().count(), 96); // 95.5
+    EXPECT_EQ(withParity.wireTime(245).count(), 23395); // 23394.1
+    EXPECT_EQ(settings.wireTime(1152).count(), 100000);
+}
+
 TEST(LineSettings, TheGapIsThreeAndAHalfCharactersUpTo19200)
 {
     LineSettings settings;
@@ -43,7 +57,7 @@ TEST(LineSettings, TheGapIsThreeAndAHalfCharactersUpTo19200)
     fastest.speed = 19200;
 
     EXPECT_EQ(settings.silentGap().count(), 3500);
-    EXPECT_EQ(fastest.silentGap().count(), 1820);
+    EXPECT_EQ(fastest.silentGap().count(), 1823); // 1822.9
 }
 
 TEST(LineSettings, TheGapIsFixedAbove19200)
