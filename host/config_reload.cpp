@@ -2,6 +2,8 @@
 // Another configuration for a link that runs.
 #include "host/config_reload.h"
 
+#include "host/config_runtime.h"
+
 #include <utility>
 
 namespace dx4::host {
@@ -30,14 +32,28 @@ QStringList differences(const Config &running, const Config &wanted)
 
 } // namespace
 
-ConfigReload::ConfigReload(Link &link, Planner &planner, Config current, Poll poll)
+ConfigReload::ConfigReload(Link &link, Planner &planner, Config current)
+    : ConfigReload(link, planner, std::move(current),
+                   [&link](const Config &, const Plan &plan) { link.poll(plan.addresses); })
+{
+}
+
+ConfigReload::ConfigReload(Runtime &runtime, Planner &planner, Config current)
+    : ConfigReload(runtime.link(), planner, std::move(current),
+                   [&runtime](const Config &config, const Plan &plan) {
+                       runtime.setPlan(plan);
+                       runtime.setStops(runtimeSettings(config).stops);
+                       setExtraGaps(runtime.guard(), config);
+                   })
+{
+}
+
+ConfigReload::ConfigReload(Link &link, Planner &planner, Config current, Follow follow)
     : m_link(link)
     , m_planner(planner)
     , m_current(std::move(current))
-    , m_poll(std::move(poll))
+    , m_follow(std::move(follow))
 {
-    if (!m_poll)
-        m_poll = [&link](const Plan &plan) { link.poll(plan.addresses); };
 }
 
 bool ConfigReload::prepare(const QString &path, QVector<ConfigError> *errors)
@@ -61,7 +77,7 @@ bool ConfigReload::apply()
     const bool requestInProgress = !m_link.api().state->sendFrames.isEmpty();
     if (!m_waiting || requestInProgress)
         return false;
-    m_poll(m_waitingPlan);
+    m_follow(*m_waiting, m_waitingPlan);
     m_current = std::move(*m_waiting);
     m_plan = std::move(m_waitingPlan);
     m_waiting.reset();

@@ -8,6 +8,8 @@
 
 namespace dx4::host {
 
+class Runtime;
+
 /// Takes a new configuration over between two requests.
 ///
 /// The driver's lists may not change while a request is in progress, so a configuration first
@@ -15,13 +17,18 @@ namespace dx4::host {
 /// is wrong changes nothing.
 class ConfigReload {
 public:
-    /// Makes the link read what a plan says.
-    using Poll = std::function<void(const Plan &)>;
-
+    /// Takes over what a link polls; stops and extra gaps are not a link's.
+    ///
     /// @param link, planner  outlive this; the planner has the link's block size
     /// @param current        what the link runs with
-    /// @param poll           by default Link::poll; a runtime has a way of its own
-    ConfigReload(Link &link, Planner &planner, Config current, Poll poll = {});
+    ConfigReload(Link &link, Planner &planner, Config current);
+
+    /// Takes over what a runtime polls, which stations it stops and how, and their extra gaps. A
+    /// station that the new configuration does not name keeps its gap.
+    ///
+    /// @param runtime, planner  outlive this; the planner has the runtime's block size
+    /// @param current           what the runtime runs with
+    ConfigReload(Runtime &runtime, Planner &planner, Config current);
 
     /// Reads and checks a file; it takes effect with apply(). One that already waits is replaced.
     ///
@@ -31,12 +38,13 @@ public:
 
     bool isWaiting() const { return m_waiting.has_value(); }
 
-    /// Polls what the waiting configuration wants; to be called before each step of the cycle.
+    /// Takes over what the waiting configuration wants; to be called before each step.
     ///
     /// @return true when it took effect; false when none waits or a request is in progress
     bool apply();
 
-    /// What the link runs with. Its line and link parts stay those of the start.
+    /// What the link runs with. Its line and link parts stay those of the start. Whoever calls
+    /// Runtime::stop() takes the time for it from here.
     const Config &current() const { return m_current; }
 
     /// The plan last applied; empty before the first.
@@ -47,10 +55,14 @@ public:
     QStringList needRestart() const { return m_needRestart; }
 
 private:
+    using Follow = std::function<void(const Config &, const Plan &)>;
+
+    ConfigReload(Link &link, Planner &planner, Config current, Follow follow);
+
     Link &m_link;
     Planner &m_planner;
     Config m_current;
-    Poll m_poll;
+    Follow m_follow;
     Plan m_plan;
     std::optional<Config> m_waiting;
     Plan m_waitingPlan;

@@ -57,26 +57,68 @@ TEST(ConfigRuntime, AStationsExtraGapIsKeptBeforeItsRequests)
     EXPECT_GE(under.stations.line.now() - before, milliseconds(200));
 }
 
-TEST(ConfigRuntime, AReloadGoesThroughTheRuntime)
-{
+namespace {
+
+/// A runtime that polls D 0 of station 1 and has asked for it once, then has its file replaced.
+class ReloadedRuntime : public ::testing::Test {
+protected:
+    ReloadedRuntime()
+    {
+        under.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+        under.steps(1);
+    }
+
+    bool replaceBy(const char *text)
+    {
+        QFile file(folder.filePath(QStringLiteral("host.toml")));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        return reload.prepare(file.fileName(), nullptr) && reload.apply();
+    }
+
     const QTemporaryDir folder;
-    QFile file(folder.filePath(QStringLiteral("host.toml")));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("line.port = \"a\"\n[[station]]\naddress = 1\nregister = [ { at = \"SW\" } ]\n");
-    file.close();
     RuntimeUnderTest under;
-    under.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+    Planner planner { privateCopy(), LinkSettings() };
+    ConfigReload reload { under.host, planner, Config() };
+};
+
+} // namespace
+
+TEST_F(ReloadedRuntime, PollsWhatTheFileSays)
+{
     under.stations.registers[{ 1, 0x2000 }] = 0x21;
-    Planner planner(privateCopy(), LinkSettings());
-    ConfigReload reload(under.host.link(), planner, Config(),
-                        [&under](const Plan &plan) { under.host.setPlan(plan); });
+
+    const bool applied = replaceBy("line.port = \"a\"\n[[station]]\naddress = 1\n"
+                                   "register = [ { at = \"SW\" } ]\n");
     under.steps(1);
 
-    const bool prepared = reload.prepare(file.fileName(), nullptr);
-    const bool applied = reload.apply();
-    under.steps(1);
-
-    EXPECT_TRUE(prepared);
     EXPECT_TRUE(applied);
     EXPECT_EQ(under.value(1, "SW", 0), 0x21);
+}
+
+TEST_F(ReloadedRuntime, StopsTheStationsOfTheFile)
+{
+    const bool applied = replaceBy("line.port = \"a\"\nstop.control_word = 6\n"
+                                   "stop.confirm_ms = 700\n[[station]]\naddress = 2\n");
+
+    const StopReport report = under.host.stop(reload.current().stop.confirmWithin);
+
+    EXPECT_TRUE(applied);
+    EXPECT_EQ(reload.current().stop.confirmWithin, milliseconds(700));
+    EXPECT_TRUE(report.unconfirmed.isEmpty());
+    EXPECT_EQ(under.sent(1, 6), 0);
+    EXPECT_EQ(under.stations.registers.at({ 2, 0x1001 }), 6);
+}
+
+TEST_F(ReloadedRuntime, KeepsTheExtraGapsOfTheFile)
+{
+    const bool applied = replaceBy("line.port = \"a\"\n[[station]]\naddress = 1\n"
+                                   "extra_gap_ms = 200\nregister = [ { at = \"D 0\" } ]\n");
+    const Duration before = under.stations.line.now();
+
+    under.steps(1);
+
+    EXPECT_TRUE(applied);
+    EXPECT_GE(under.stations.line.now() - before, milliseconds(200));
 }
