@@ -140,14 +140,32 @@ void Link::addConditionRead(int station, const QString &regType, int address, in
 
 void Link::failWrites()
 {
-    // Each takes its tries. After some in a row a polled block has its turn, or the driver pauses
-    // where there is none. The bound is for a write that it cannot encode, which never leaves.
-    const int most = 2 * (waitingWrites() + 2) * std::max(m_settings.retryLimit, 1);
+    const int most = triesToFailWrites();
     FRAME_PRO request;
     for (int i = 0; i < most && waitingWrites() > 0; ++i) {
         if (nextFrame(request))
             handReply(QByteArray());
     }
+}
+
+void Link::failAhead(int tag)
+{
+    const int most = hasWrite(tag) ? triesToFailWrites() : 0;
+    FRAME_PRO request;
+    for (int i = 0; i < most; ++i) {
+        if (!nextFrame(request))
+            continue;
+        if (request.var.varKind == tag)
+            return;
+        handReply(QByteArray());
+    }
+}
+
+/// Each takes its tries. After some in a row a polled block has its turn, or the driver pauses
+/// where there is none. The bound is for a write that it cannot encode, which never leaves.
+int Link::triesToFailWrites() const
+{
+    return 2 * (waitingWrites() + 2) * std::max(m_settings.retryLimit, 1);
 }
 
 int Link::waitingWrites() const

@@ -97,6 +97,10 @@ public:
     /// way. The request in progress and polled blocks whose turn comes between fail too.
     void failWrites();
 
+    /// The same for all that the driver would send before a write of this tag that waits; that
+    /// write is what nextFrame() gives then.
+    void failAhead(int tag);
+
     /// Requests that wait in the driver: writes and condition reads.
     int waitingWrites() const;
     int waitingConditionReads() const;
@@ -108,6 +112,7 @@ public:
 
 private:
     class Scope;
+    int triesToFailWrites() const;
     static void dispatch(int linkNumber, int station, QString &name, int address);
 
     std::unique_ptr<Plugin> m_plugin;

@@ -12,7 +12,6 @@ namespace {
 
 constexpr Duration firstDelay = std::chrono::milliseconds(200);
 constexpr Duration longestDelay = std::chrono::seconds(10);
-constexpr int mostRequests = 2000; // more than the driver's lists can hold
 
 QString controlWordType()
 {
@@ -73,20 +72,10 @@ void SafeStop::prepare(Duration now)
             m_link.write(command.station, controlWordType(), 0, { command.controlWord },
                          safeStopTag);
     }
+    // The driver serves in order and knows no urgent write. What stands before the stop is failed
+    // without the line, which is how the driver lets go of it.
     if (isDue)
-        clearWay();
-}
-
-/// The driver serves in order and knows no urgent write. What stands before the stop is failed
-/// without the line, which is how the driver lets go of it.
-void SafeStop::clearWay()
-{
-    for (int i = 0; i < mostRequests; ++i) {
-        FRAME_PRO next;
-        if (!m_link.nextFrame(next) || next.var.varKind == safeStopTag)
-            return;
-        m_link.handReply(QByteArray());
-    }
+        m_link.failAhead(safeStopTag);
 }
 
 void SafeStop::afterStep(const Cycle &cycle, Cycle::Step step, Duration now)

@@ -61,7 +61,6 @@ private:
     };
 
     bool isQueued(int station) const;
-    void clearWay();
 
     Link &m_link;
     QVector<StopCommand> m_commands;

@@ -120,6 +120,46 @@ TEST_F(SafeStopTest, TheStopIsTheNextFrameOnTheLine)
     EXPECT_EQ(host.stations.line.sent().at(before + 1), framed("02 06 10 01 00 04"));
 }
 
+namespace {
+
+/// What goes on the line first when a stop is due behind 60 writes of somebody else's.
+FRAME_PRO firstBehindManyWrites(Link &link)
+{
+    for (int i = 0; i < 60; ++i)
+        link.write(1, QStringLiteral("F"), i % 10 + i / 10 * 256, { 7 }, 1);
+    SafeStop stop(link, { { 1, 0 } });
+    stop.begin();
+    stop.prepare(Duration { 0 });
+    FRAME_PRO first;
+    EXPECT_TRUE(link.nextFrame(first));
+    return first;
+}
+
+} // namespace
+
+TEST(SafeStop, ManyWritesWithManyTriesAreClearedAway)
+{
+    LinkSettings settings;
+    settings.retryLimit = 100;
+    Link link(privateCopy(), settings);
+    link.poll({ wanted(1, QStringLiteral("D"), 0) });
+
+    const FRAME_PRO first = firstBehindManyWrites(link);
+
+    EXPECT_EQ(first.var.varKind, safeStopTag);
+    EXPECT_EQ(link.waitingWrites(), 1);
+}
+
+TEST(SafeStop, ThePauseOfTheDriverAmongManyWritesIsPassed)
+{
+    Link link(privateCopy(), LinkSettings()); // polls nothing: the driver pauses between some
+
+    const FRAME_PRO first = firstBehindManyWrites(link);
+
+    EXPECT_EQ(first.var.varKind, safeStopTag);
+    EXPECT_EQ(link.waitingWrites(), 1);
+}
+
 TEST_F(SafeStopTest, AnUnconfirmedStopIsSaidLoudly)
 {
     host.stations.dead = { 2 };
