@@ -201,10 +201,16 @@ void Command::number(const char *option, int &value, const char *help, int lowes
 
 void Command::text(const char *option, QString &value, const char *help, const char *placeholder)
 {
+    // A script whose variable is empty must not do the same as one that leaves the option out.
+    const std::string missing = std::string("nothing given; ") + placeholder + " is needed";
+    const auto check = [missing](const std::string &given) {
+        return given.empty() ? missing : std::string();
+    };
     m_app
         .add_option_function<std::string>(
             option, [&value](const std::string &given) { value = QString::fromStdString(given); },
             help)
+        ->check(CLI::Validator(check, ""))
         ->type_name(placeholder)
         ->default_str(value.toStdString());
 }
