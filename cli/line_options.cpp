@@ -3,12 +3,12 @@
 #include "cli/line_options.h"
 
 #include "cli/driver_file.h"
+#include "cli/target.h"
 #include "host/config.h"
 
 namespace dx4::cli {
 namespace {
 
-constexpr int lastStation = 247;
 constexpr int largestBlock = 123; // registers
 constexpr int fastestSpeed = 4000000; // bit/s
 

@@ -6,6 +6,7 @@
 #include "host/length.h"
 
 #include <QJsonDocument>
+#include <QSaveFile>
 #include <QVector>
 
 #include <algorithm>
@@ -39,6 +40,15 @@ void printJson(const QJsonObject &object)
 QString jsonText(const QJsonObject &object)
 {
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+bool canBeWritten(const QString &file, Failure *failure)
+{
+    QSaveFile probe(file); // written beside the file, which only commit() would touch
+    if (probe.open(QIODevice::WriteOnly))
+        return true;
+    *failure = { ExitFailed, QStringLiteral("%1: %2").arg(file, probe.errorString()) };
+    return false;
 }
 
 QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightAligned)

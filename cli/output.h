@@ -2,6 +2,8 @@
 // Standard output: data, as lines of text or as one JSON object per line.
 #pragma once
 
+#include "cli/exit_code.h"
+
 #include <QJsonObject>
 #include <QStringList>
 
@@ -19,6 +21,9 @@ void printJson(const QJsonObject &object);
 
 /// The object as printJson() writes it.
 QString jsonText(const QJsonObject &object);
+
+/// Whether a file can be written, asked before there is anything to lose; leaves the file alone.
+bool canBeWritten(const QString &file, Failure *failure);
 
 /// Rows of cells under their heads, each column as wide as its longest cell, two blanks between.
 ///

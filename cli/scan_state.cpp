@@ -3,13 +3,27 @@
 #include "cli/scan_state.h"
 
 #include "cli/output.h"
+#include "cli/target.h"
 
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSaveFile>
 
+#include <algorithm>
+
 namespace dx4::cli {
+namespace {
+
+bool isPossible(const ScanState &state)
+{
+    const bool placed = state.next >= 1 && state.next <= lastStation + 1;
+    return placed && std::all_of(state.found.cbegin(), state.found.cend(), [&](int station) {
+               return station >= 1 && station < state.next;
+           });
+}
+
+} // namespace
 
 std::optional<ScanState> loadScanState(const QString &file)
 {
@@ -24,7 +38,7 @@ std::optional<ScanState> loadScanState(const QString &file)
     const QJsonArray found = object.value(QStringLiteral("found")).toArray();
     for (const QJsonValue &station : found)
         state.found.append(station.toInt());
-    return state;
+    return isPossible(state) ? std::optional(state) : std::nullopt;
 }
 
 bool saveScanState(const QString &file, const ScanState &state)

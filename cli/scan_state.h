@@ -14,7 +14,7 @@ struct ScanState {
     QVector<int> found;
 };
 
-/// Reads the file. @return nothing when there is none or it is no such file
+/// Reads the file. @return nothing when it cannot be read or holds something else
 std::optional<ScanState> loadScanState(const QString &file);
 
 /// @return whether it could be written

@@ -12,7 +12,6 @@
 namespace dx4::cli {
 namespace {
 
-constexpr int lastStation = 247;
 constexpr int indexesPerGroup = 256;
 
 /// One word taken apart: "2:Fc.13" is station 2, letters "F", address "c.13".
@@ -145,7 +144,8 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int st
         }
         const int asked = word.station.isEmpty() ? station : word.station.toInt();
         if (asked < 1 || asked > lastStation) {
-            tell(failure, QStringLiteral("no station %1; stations are 1 to 247").arg(asked));
+            const QString given = word.station.isEmpty() ? QString::number(asked) : word.station;
+            tell(failure, QStringLiteral("no station %1; stations are 1 to 247").arg(given));
             return std::nullopt;
         }
         runs.append({ asked, (word.letters + QLatin1Char(' ') + word.address).trimmed() });

@@ -14,7 +14,6 @@
 namespace dx4::cli {
 namespace {
 
-constexpr int lastStation = 247;
 constexpr int largestBlock = 123; // registers
 
 struct Options {

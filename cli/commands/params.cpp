@@ -134,6 +134,8 @@ int runDump(const Options &options)
         if (!host::isComplete(*begun) && begun->station == set.station)
             set = *begun; // goes on where it broke off
     }
+    if (!file.isEmpty() && !canBeWritten(file, &failure))
+        return complain(name, failure);
     const bool complete = readSet(options.line, set, &failure);
     QString error;
     if (!file.isEmpty() && !set.values.isEmpty() && !host::saveParameterSet(file, set, &error))
@@ -211,6 +213,10 @@ int runRestore(const Options &options)
     const auto session = Session::open(options.line, &failure);
     if (!session)
         return complain(name, failure);
+    if (!host::isComplete(*wanted))
+        note(name,
+             QStringLiteral("%1 is not complete; what it lacks stays as it is")
+                 .arg(options.files.constFirst()));
     Access access(*session);
     const host::RestoreReport report =
         host::restoreParameters(access, options.line.station, *wanted, showProgress);

@@ -43,7 +43,7 @@ int runRecord(const Options &options)
     Failure failure;
     const auto plan =
         makePlan(wordsOrConfigured(options.words.mid(1), options.line), options.line, &failure);
-    if (!plan)
+    if (!plan || !canBeWritten(file, &failure))
         return complain(name, failure);
     host::FrameRing ring(mostFrames);
     SessionWishes wishes;

@@ -6,6 +6,7 @@
 #include "cli/reply_text.h"
 #include "cli/scan_state.h"
 #include "cli/session.h"
+#include "cli/target.h"
 #include "host/length.h"
 
 #include <QFile>
@@ -17,7 +18,6 @@
 namespace dx4::cli {
 namespace {
 
-constexpr int lastStation = 247;
 constexpr int barWidth = 40;
 
 struct Options {
@@ -127,6 +127,22 @@ int scan(Session &session, const Options &options, ScanState &state)
     return ExitDone;
 }
 
+/// Where the scan begins: anew, or where the file says.
+std::optional<ScanState> beginning(const Options &options, Failure *failure)
+{
+    ScanState anew;
+    anew.next = options.from;
+    if (options.resume.isEmpty())
+        return anew;
+    const bool exists = QFile::exists(options.resume);
+    const auto saved = exists ? loadScanState(options.resume) : anew;
+    if (!saved) // the end of the scan would remove it
+        *failure = { ExitFailed,
+                     QStringLiteral("%1: not the state of a scan; name another file with --resume")
+                         .arg(options.resume) };
+    return saved && canBeWritten(options.resume, failure) ? saved : std::nullopt;
+}
+
 int runScan(const Options &options)
 {
     const QString name = QStringLiteral("scan");
@@ -136,26 +152,23 @@ int runScan(const Options &options)
             { ExitUsage,
               QStringLiteral("--to %1 is below --from %2").arg(options.to).arg(options.from) });
     Failure failure;
+    auto state = beginning(options, &failure);
+    if (!state)
+        return complain(name, failure);
     const auto session = Session::open(options.line, &failure);
     if (!session)
         return complain(name, failure);
-    ScanState state;
-    state.next = options.from;
-    const auto saved = options.resume.isEmpty() ? std::nullopt : loadScanState(options.resume);
-    if (saved) {
-        state = *saved;
-        for (const int station : std::as_const(state.found))
-            printFound(station, QStringLiteral("found before"), options.line.json);
-    }
-    const int exitCode = scan(*session, options, state);
+    for (const int station : std::as_const(state->found))
+        printFound(station, QStringLiteral("found before"), options.line.json);
+    const int exitCode = scan(*session, options, *state);
     if (exitCode != ExitDone)
         return exitCode;
     if (!options.resume.isEmpty())
         QFile::remove(options.resume); // the next scan begins anew
     note(name,
-         counted(static_cast<quint64>(state.found.size()), "station", "stations")
+         counted(static_cast<quint64>(state->found.size()), "station", "stations")
              + QStringLiteral(" found"));
-    return state.found.isEmpty() ? ExitNoReply : ExitDone;
+    return state->found.isEmpty() ? ExitNoReply : ExitDone;
 }
 
 } // namespace
