@@ -22,18 +22,26 @@ struct Options {
     bool json = false;
 };
 
-/// The first copy. Copies of what can only be written count as well, so the check that asks for no
-/// access decides.
+/// An access that the type allows: what can only be written is copied as well.
+AccessMode allowedAccess(const QString &regType, const host::DriverApi &api)
+{
+    int address = 0;
+    const int code = api.checkAddr(regType, QStringLiteral("0"), &address, 0, 1, ReadAccess);
+    return code == AddressWriteOnly ? WriteAccess : ReadAccess;
+}
+
 std::optional<Target> firstCopy(const Options &options, const host::DriverApi &api,
                                 Failure *failure)
 {
-    for (const AccessMode mode : { ReadAccess, WriteAccess }) {
-        const auto targets = parseTargets(options.words, 1, mode, api, failure);
-        if (targets && targets->size() == 1)
-            return targets->constFirst();
-        if (targets)
-            *failure = { ExitUsage, QStringLiteral("one address is copied at a time") };
-    }
+    const auto texts = splitTargets(options.words, 1, failure);
+    if (!texts)
+        return std::nullopt;
+    const QString regType = texts->constFirst().text.section(QLatin1Char(' '), 0, 0);
+    const auto targets = parseTargets(options.words, 1, allowedAccess(regType, api), api, failure);
+    if (targets && targets->size() == 1)
+        return targets->constFirst();
+    if (targets)
+        *failure = { ExitUsage, QStringLiteral("one address is copied at a time") };
     return std::nullopt;
 }
 
