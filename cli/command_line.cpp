@@ -4,10 +4,12 @@
 
 #include "cli/exit_code.h"
 #include "cli/nearest_word.h"
+#include "cli/output.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -288,11 +290,18 @@ int CommandLine::run(int argc, char **argv)
     try {
         m_app->parse(argc, argv);
     } catch (const CLI::Success &wanted) { // --help and --version
-        return m_app->exit(wanted);
+        std::ostringstream text;
+        m_exitCode = m_app->exit(wanted, text);
+        writeText(QString::fromStdString(text.str()));
     } catch (const CLI::ParseError &error) {
         return refuse(*m_app, error, argc, argv);
     }
-    return m_exitCode;
+    const QString loss = outputLoss();
+    if (loss.isEmpty())
+        return m_exitCode;
+    const int lost =
+        complain(QString(), { ExitFailed, QStringLiteral("standard output: ") + loss });
+    return m_exitCode == ExitDone ? lost : m_exitCode;
 }
 
 } // namespace dx4::cli

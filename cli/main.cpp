@@ -18,11 +18,13 @@
 #include "cli/commands/types.h"
 #include "cli/commands/watch.h"
 #include "cli/interrupt.h"
+#include "cli/output.h"
 
 #include <QCoreApplication>
 
 int main(int argc, char **argv)
 {
+    dx4::cli::holdStandardStreams();
     const QCoreApplication application(argc, argv);
     dx4::cli::ignoreBrokenPipe();
     dx4::cli::CommandLine line(KORVANE_VERSION);

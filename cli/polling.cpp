@@ -3,6 +3,7 @@
 #include "cli/polling.h"
 
 #include "cli/interrupt.h"
+#include "cli/output.h"
 
 namespace dx4::cli {
 namespace {
@@ -25,6 +26,12 @@ std::optional<host::Duration> patienceOf(int seconds, bool hasEnd)
     return hasEnd ? std::optional(usualPatience) : std::nullopt;
 }
 
+int complainLineGone(const Session &session, const QString &command)
+{
+    return complain(
+        command, { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
+}
+
 PollEnd poll(Session &session, const QString &command, const PollSettings &settings)
 {
     using Step = host::Runtime::Step;
@@ -34,6 +41,8 @@ PollEnd poll(Session &session, const QString &command, const PollSettings &setti
     };
     std::optional<host::Duration> downSince;
     while (!shouldEnd()) {
+        if (!outputLoss().isEmpty())
+            return PollEnd::OutputLost;
         if (settings.enough())
             return PollEnd::Enough;
         const Step step = session.runtime().step();

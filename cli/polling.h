@@ -13,6 +13,7 @@ enum class PollEnd {
     Enough,
     Asked, ///< Ctrl-C, or the reader has gone
     LineGone, ///< the line broke and did not come back in time
+    OutputLost, ///< what is read cannot be written, as outputLoss() tells
 };
 
 struct PollSettings {
@@ -30,6 +31,9 @@ void addReconnectOption(Command &command, int &seconds);
 /// The patience that --reconnect asks for; without it, 10 s for a command that has an end of its
 /// own and no limit for one that runs until Ctrl-C.
 std::optional<host::Duration> patienceOf(int seconds, bool hasEnd);
+
+/// Says that the line of this session is gone. @return the exit code
+int complainLineGone(const Session &session, const QString &command);
 
 /// Steps the session's runtime.
 ///

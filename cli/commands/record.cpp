@@ -66,8 +66,7 @@ int runRecord(const Options &options)
         return complain(name, { ExitFailed, error });
     report(file, ring, options.line.json);
     if (end == PollEnd::LineGone)
-        return complain(name,
-                        { ExitLine, QStringLiteral("%1 broke").arg(options.line.plant.line.port) });
+        return complainLineGone(*session, name);
     return stopped ? ExitDone : ExitFailed;
 }
 

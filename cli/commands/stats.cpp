@@ -121,8 +121,7 @@ int runStats(const Options &options)
     print(*session, options, *plan, start);
     const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
     if (end == PollEnd::LineGone)
-        return complain(name,
-                        { ExitLine, QStringLiteral("%1 broke").arg(options.line.plant.line.port) });
+        return complainLineGone(*session, name);
     const bool heard = session->runtime().counters().total().good > 0;
     if (!heard && end == PollEnd::Enough)
         return complain(

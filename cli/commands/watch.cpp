@@ -69,9 +69,8 @@ int outcome(const Session &session, PollEnd end)
 {
     const QString name = QStringLiteral("watch");
     if (end == PollEnd::LineGone)
-        return complain(
-            name, { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
-    if (session.runtime().counters().reads().good > 0 || end == PollEnd::Asked)
+        return complainLineGone(session, name);
+    if (session.runtime().counters().reads().good > 0 || end != PollEnd::Enough)
         return ExitDone;
     return complain(name,
                     { causeCode(session.verdict()),
