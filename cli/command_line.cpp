@@ -241,11 +241,16 @@ void Command::flag(const char *option, bool &value, const char *help)
     m_app.add_flag(option, value, help);
 }
 
+void Command::remark(const QString &text)
+{
+    m_app.footer(text.toStdString());
+}
+
 void Command::example(const QString &line, const QString &meaning)
 {
     std::string footer = m_app.get_footer();
-    if (footer.empty())
-        footer = "Examples:";
+    if (footer.find("Examples:") == std::string::npos)
+        footer += footer.empty() ? "Examples:" : "\n\nExamples:";
     m_app.footer(footer + "\n  $ " + line.toStdString() + "\n      " + meaning.toStdString());
 }
 

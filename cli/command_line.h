@@ -39,6 +39,9 @@ public:
     void choice(const char *option, QString &value, const char *help, const QStringList &valid);
     void flag(const char *option, bool &value, const char *help);
 
+    /// A paragraph behind the options in the help; goes before the examples.
+    void remark(const QString &text);
+
     /// A command line that the help shows, with what it does.
     void example(const QString &line, const QString &meaning);
 

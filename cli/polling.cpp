@@ -13,8 +13,10 @@ constexpr int longestPatience = 86400; // s
 
 } // namespace
 
-void addReconnectOption(Command &command, int &seconds)
+void addPollOptions(Command &command, int &seconds)
 {
+    command.remark(QStringLiteral("Ended by hand, it first sends the stop of the configuration. "
+                                  "Ended by itself,\nit stops nothing: drives that turn go on."));
     command.number("--reconnect", seconds, "seconds to wait for a line that broke", 0,
                    longestPatience);
 }

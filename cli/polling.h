@@ -25,8 +25,10 @@ struct PollSettings {
     std::optional<host::Duration> patience; ///< with a broken line; nothing: without end
 };
 
-/// Adds --reconnect. @param seconds  set to -1, which stands for "not given"
-void addReconnectOption(Command &command, int &seconds);
+/// Adds --reconnect, and says in the help how such a command ends.
+///
+/// @param seconds  set to -1, which stands for "not given"
+void addPollOptions(Command &command, int &seconds);
 
 /// The patience that --reconnect asks for; without it, 10 s for a command that has an end of its
 /// own and no limit for one that runs until Ctrl-C.

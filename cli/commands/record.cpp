@@ -79,7 +79,7 @@ void addRecord(CommandLine &line)
     command.words("file", options->words, "a capture to write, then the registers to poll");
     command.number("--rounds", options->rounds, "through all registers; 0 until Ctrl-C", 0,
                    1000000);
-    addReconnectOption(command, options->reconnect);
+    addPollOptions(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("record"));
     command.example(QStringLiteral("dx4 record --port /dev/ttyUSB0 --rounds 5 line.pcap D 0-3 SW"),
                     QStringLiteral("five rounds; the file opens in protocol analysers"));

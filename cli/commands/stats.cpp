@@ -140,7 +140,7 @@ void addStats(CommandLine &line)
     command.words("address", options->words, "registers to poll, SW where none is named", false);
     command.number("--requests", options->requests, "to send, repeated ones included", 1, 1000000);
     command.flag("--names", options->names, "with names of the simulated inverter");
-    addReconnectOption(command, options->reconnect);
+    addPollOptions(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("stats"));
     command.example(QStringLiteral("dx4 stats --port /dev/ttyUSB0 --requests 20 D 0-9"),
                     QStringLiteral("failures by kind, and how soon the station answers"));

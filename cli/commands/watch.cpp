@@ -124,7 +124,7 @@ void addWatch(CommandLine &line)
                    1000000);
     command.flag("--csv", options->csv, "print comma-separated values");
     command.flag("--names", options->names, "with names and units of the simulated inverter");
-    addReconnectOption(command, options->reconnect);
+    addPollOptions(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("watch"));
     command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --names D 0-7 SW FU"),
                     QStringLiteral("a live table until Ctrl-C"));
