@@ -9,8 +9,8 @@
 
 namespace dx4::cli {
 
-/// Opens nothing in place of standard streams that the caller has closed. Without it a serial port
-/// would be given the number of one of them, and hear what is meant for the user.
+/// Opens nothing in place of standard streams that the caller has closed. Without it whatever is
+/// opened next, in the worst case the port, takes their number, and gets what is meant for the user.
 void holdStandardStreams();
 
 /// Writes text as UTF-8 whatever the locale, and hands it on at once.
