@@ -10,7 +10,8 @@
 namespace dx4::cli {
 
 /// Opens nothing in place of standard streams that the caller has closed. Without it whatever is
-/// opened next, in the worst case the port, takes their number, and gets what is meant for the user.
+/// opened next, in the worst case the port, takes their number, and gets what is meant for the
+/// user.
 void holdStandardStreams();
 
 /// Writes text as UTF-8 whatever the locale, and hands it on at once.
