@@ -20,11 +20,6 @@ QString accessText(int station, const QString &regType, int address)
 
 } // namespace
 
-QString notAskedText()
-{
-    return QStringLiteral("not asked, the station does not answer");
-}
-
 CycleAccess::CycleAccess(Link &link, Cycle &cycle, Verdict verdict)
     : CycleAccess(
         link, cycle, [&cycle] { return cycle.step(); }, std::move(verdict))

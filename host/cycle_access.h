@@ -49,7 +49,4 @@ private:
     int m_lastTag = 0; // counted downwards, apart from the tags that others count upwards
 };
 
-/// Of an access to a station that is left alone, in words.
-QString notAskedText();
-
 } // namespace dx4::host

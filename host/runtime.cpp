@@ -21,6 +21,11 @@ void sleepFor(Duration span)
     std::this_thread::sleep_for(span);
 }
 
+QString noStopsText()
+{
+    return QStringLiteral("no stops are configured, nothing was stopped");
+}
+
 QString stationList(const QVector<int> &stations)
 {
     QStringList names;
@@ -130,6 +135,7 @@ void Runtime::settle(Step step)
     if (m_cycle.reply().kind == Reply::Kind::NotAsked) {
         m_desk.afterStep(m_cycle, step, ReplyVerdict {});
     } else if (step == Step::LineDown) {
+        m_desk.afterStep(m_cycle, step, ReplyVerdict {}); // the request may have left
         lineWentDown();
     } else {
         settleAsked(step);
@@ -219,15 +225,17 @@ void Runtime::beginStop()
 {
     // First of all, so that nothing gets in which is submitted as others are dropped.
     m_stop.begin();
-    m_stopping = m_stop.isPending();
+    m_stopping = true;
     m_link.failWrites();
-    m_desk.abandon(WriteEnd::Refused, Refusal::Stopping,
-                   QStringLiteral("dropped: a stop goes first"));
+    m_desk.abandon(WriteEnd::Refused, Refusal::Stopping, QStringLiteral("a stop goes first"));
+    m_stopping = m_stop.isPending();
 }
 
 StopReport Runtime::stop(Duration budget)
 {
     beginStop();
+    if (!m_stopping)
+        return { {}, noStopsText() };
     const Duration end = m_line.now() + budget;
     run([&] { return !m_stopping || m_line.now() >= end; });
     StopReport report { m_stop.unconfirmed(), QStringLiteral("all stops confirmed") };
@@ -264,7 +272,8 @@ void Runtime::watchUser()
     if (!isLate || m_userGone)
         return;
     m_userGone = true;
-    alarm(QStringLiteral("the user interface is silent: stopping"));
+    alarm(QStringLiteral("the user interface is silent: %1")
+              .arg(m_stop.isConfigured() ? QStringLiteral("stopping") : noStopsText()));
     beginStop();
 }
 

@@ -52,6 +52,9 @@ public:
     /// @param plugin    a private copy where the process has another line
     /// @param line      outlives the runtime; opened by step() when it is closed
     Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettings &settings);
+
+    /// Tells nobody of the writes that wait: whoever listens may be gone already. stop() ends them
+    /// before.
     ~Runtime();
 
     /// Replaces the cyclic reads, at once or when the request on the line has ended. Values stay.
@@ -90,7 +93,8 @@ public:
 
     /// Drops all waiting writes, sends the configured stops and waits for their echoes. What is
     /// unconfirmed after `budget` is reported by an alarm and sent first by the steps that follow;
-    /// until then other writes are refused.
+    /// until then other writes are refused. Where no stops are configured it drops the writes, and
+    /// the report says so.
     StopReport stop(Duration budget);
 
     /// Replaces RuntimeSettings::stops, as a reloaded configuration may have other stations. A

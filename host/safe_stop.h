@@ -46,6 +46,9 @@ public:
     /// To be called after each step of the cycle that was not Idle.
     void afterStep(const Cycle &cycle, Cycle::Step step, Duration now);
 
+    /// Whether there is a station to stop.
+    bool isConfigured() const { return !m_commands.isEmpty(); }
+
     bool isPending() const { return !m_pending.empty(); }
 
     /// Stations whose stop was not confirmed, ascending.

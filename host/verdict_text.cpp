@@ -43,4 +43,9 @@ QString verdictText(const ReplyVerdict &verdict)
     return QString();
 }
 
+QString notAskedText()
+{
+    return QStringLiteral("not asked, the station does not answer");
+}
+
 } // namespace dx4::host

@@ -14,4 +14,7 @@ QString exceptionName(int code);
 /// "no answer", "the reply has a wrong CRC", "exception 2, register not there".
 QString verdictText(const ReplyVerdict &verdict);
 
+/// Of a request to a station that is left alone.
+QString notAskedText();
+
 } // namespace dx4::host

@@ -48,6 +48,11 @@ QVector<quint16> valuesIn(const QByteArray &reply, int count)
     return values;
 }
 
+QString notReadBack()
+{
+    return QStringLiteral("echoed, but could not be read back: %1");
+}
+
 Refusal refusalOfCheck(int code)
 {
     switch (code) {
@@ -76,7 +81,9 @@ int WriteDesk::submit(const WriteWish &wish)
         replaceComparing(wish);
     const Position entry = m_entries.insert({ id, { wish, Stage::Comparing } }).first;
     if (refusal != Refusal::None)
-        finish(entry, { id, WriteEnd::Refused, refusal, 0, false, refusalText(refusal) });
+        finish(entry, { WriteEnd::Refused, refusalText(refusal), refusal });
+    else if (m_link.settings().writesStayLocal)
+        keepLocal(entry);
     else if (isParameter(wish) && !wish.always)
         readAgain(entry, Stage::Comparing);
     else
@@ -119,13 +126,18 @@ void WriteDesk::replaceComparing(const WriteWish &wish)
         if (entry.stage == Stage::Comparing && isSameRun(entry.wish, wish))
             replaced.append(id);
     }
-    for (int id : replaced) {
-        const Position entry = m_entries.find(id);
-        if (entry != m_entries.end())
-            finish(entry,
-                   { id, WriteEnd::Replaced, Refusal::None, 0, false,
-                     QStringLiteral("replaced by a newer value") });
-    }
+    finishReplaced(replaced);
+}
+
+/// The driver shows the values and queues nothing.
+void WriteDesk::keepLocal(Position entry)
+{
+    const WriteWish wish = entry->second.wish;
+    const int id = entry->first;
+    m_link.write(wish.station, wish.regType, wish.address, wish.values, id);
+    const Position kept = m_entries.find(id); // unless a handler of the change ended it
+    if (kept != m_entries.end())
+        finish(kept, { WriteEnd::Confirmed, QStringLiteral("kept here, nothing is sent") });
 }
 
 void WriteDesk::queue(Position entry)
@@ -151,16 +163,18 @@ void WriteDesk::afterStep(const Cycle &cycle, Cycle::Step step, const ReplyVerdi
     const bool isRead = request.frame[functionByte] == readFunction;
     const bool isOurs =
         entry != m_entries.end() && isRead == (entry->second.stage != Stage::Queued);
+    const bool wasAsked = cycle.reply().kind != Reply::Kind::NotAsked;
+    if (isOurs && !isRead && wasAsked)
+        entry->second.sent = true;
     if (isOurs && step == Cycle::Step::Served)
         served(entry, cycle);
     else if (isOurs && step == Cycle::Step::GivenUp)
-        givenUp(entry, verdict);
+        givenUp(entry, verdict, wasAsked ? verdictText(verdict) : notAskedText());
     sweep();
 }
 
 void WriteDesk::served(Position entry, const Cycle &cycle)
 {
-    const int id = entry->first;
     const WriteWish wish = entry->second.wish;
     const Stage stage = entry->second.stage;
     if (stage == Stage::Queued && wish.readBack && isParameter(wish)) {
@@ -170,31 +184,25 @@ void WriteDesk::served(Position entry, const Cycle &cycle)
     const bool isEqual = stage == Stage::Queued
         || valuesIn(cycle.reply().bytes, lengthOf(wish.values)) == wish.values;
     if (stage == Stage::ReadingBack && !isEqual)
-        return finish(entry,
-                      { id, WriteEnd::NotTaken, Refusal::None, 0, true,
-                        QStringLiteral("echoed, but reads back another value") });
+        return finish(
+            entry, { WriteEnd::NotTaken, QStringLiteral("echoed, but reads back another value") });
     // What the station holds says nothing while an older write of it still waits.
-    if (stage == Stage::Comparing && (!isEqual || overlapsQueued(id, wish)))
+    if (stage == Stage::Comparing && (!isEqual || overlapsQueued(entry->first, wish)))
         return queue(entry);
-    const bool wasSent = stage != Stage::Comparing;
     finish(entry,
-           { id, WriteEnd::Confirmed, Refusal::None, 0, wasSent,
-             wasSent ? QStringLiteral("confirmed") : QStringLiteral("held already, not written") });
+           { WriteEnd::Confirmed,
+             stage == Stage::Comparing ? QStringLiteral("held already, not written")
+                                       : QStringLiteral("confirmed") });
 }
 
-void WriteDesk::givenUp(Position entry, const ReplyVerdict &verdict)
+void WriteDesk::givenUp(Position entry, const ReplyVerdict &verdict, const QString &reason)
 {
-    const int id = entry->first;
-    const bool wasSent = entry->second.stage != Stage::Comparing;
-    if (verdict.cause == ReplyCause::Exception)
-        return finish(entry,
-                      { id, WriteEnd::Rejected, Refusal::None, verdict.exceptionCode, wasSent,
-                        QStringLiteral("rejected with %1").arg(verdictText(verdict)) });
-    const QString where = entry->second.stage == Stage::ReadingBack
-        ? QStringLiteral("echoed, but could not be read back: ")
-        : QString();
-    finish(entry,
-           { id, WriteEnd::TimedOut, Refusal::None, 0, wasSent, where + verdictText(verdict) });
+    const bool isRejected = verdict.cause == ReplyCause::Exception;
+    const WriteEnd end = isRejected ? WriteEnd::Rejected : WriteEnd::TimedOut;
+    const QString text = entry->second.stage == Stage::ReadingBack ? notReadBack().arg(reason)
+        : isRejected ? QStringLiteral("rejected with %1").arg(reason)
+                     : reason;
+    finish(entry, { end, text, Refusal::None, verdict.exceptionCode });
 }
 
 bool WriteDesk::overlapsQueued(int id, const WriteWish &wish) const
@@ -205,15 +213,29 @@ bool WriteDesk::overlapsQueued(int id, const WriteWish &wish) const
     });
 }
 
-void WriteDesk::finish(Position entry, WriteOutcome outcome)
+void WriteDesk::finish(Position entry, const End &end)
 {
     const WriteWish &wish = entry->second.wish;
-    outcome.text = QStringLiteral("station %1, %2: %3")
-                       .arg(wish.station)
-                       .arg(fullAddress(wish.regType, wish.address), outcome.text);
+    const WriteOutcome outcome { entry->first,
+                                 end.kind,
+                                 end.refusal,
+                                 end.exceptionCode,
+                                 entry->second.sent,
+                                 QStringLiteral("station %1, %2: %3")
+                                     .arg(wish.station)
+                                     .arg(fullAddress(wish.regType, wish.address), end.text) };
     m_entries.erase(entry);
     if (m_handler)
         m_handler(outcome);
+}
+
+void WriteDesk::finishReplaced(const QVector<int> &ids)
+{
+    for (int id : ids) {
+        const Position entry = m_entries.find(id);
+        if (entry != m_entries.end())
+            finish(entry, { WriteEnd::Replaced, QStringLiteral("replaced by a newer value") });
+    }
 }
 
 /// Finds what the driver dropped without a word: replaced writes, and reads that went with a
@@ -228,13 +250,7 @@ void WriteDesk::sweep()
         if (stage == Stage::Queued && !m_link.hasWrite(entry->first))
             replaced.append(entry->first);
     }
-    for (int id : replaced) {
-        const Position entry = m_entries.find(id);
-        if (entry != m_entries.end())
-            finish(entry,
-                   { id, WriteEnd::Replaced, Refusal::None, 0, false,
-                     QStringLiteral("replaced by a newer value") });
-    }
+    finishReplaced(replaced);
 }
 
 void WriteDesk::abandon(WriteEnd end, Refusal refusal, const QString &reason)
@@ -244,8 +260,16 @@ void WriteDesk::abandon(WriteEnd end, Refusal refusal, const QString &reason)
         ids.append(id);
     for (int id : ids) {
         const Position entry = m_entries.find(id);
-        if (entry != m_entries.end())
-            finish(entry, { id, end, refusal, 0, false, reason });
+        if (entry == m_entries.end())
+            continue;
+        // The station may have carried out what was sent, and has if it is being read back.
+        const QString doubt = entry->second.stage == Stage::ReadingBack
+            ? notReadBack()
+            : QStringLiteral("sent, but not confirmed: %1");
+        if (entry->second.sent)
+            finish(entry, { WriteEnd::TimedOut, doubt.arg(reason) });
+        else
+            finish(entry, { end, QStringLiteral("not sent: %1").arg(reason), refusal });
     }
 }
 

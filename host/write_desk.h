@@ -24,9 +24,9 @@ struct WriteWish {
 
 /// How a write ended.
 enum class WriteEnd {
-    Confirmed, ///< echoed by the station, or held by it already; read back where asked
+    Confirmed, ///< echoed by the station and read back where asked; or nothing was to be sent
     Rejected, ///< the station answered with an exception
-    TimedOut, ///< no right reply came, or the line went down
+    TimedOut, ///< no right reply came, the line went down, or a stop went first once it was sent
     Replaced, ///< a newer write of the same registers took its place
     Refused, ///< never queued, or dropped before it was sent; see Refusal
     NotTaken, ///< echoed, but another value was read back
@@ -50,7 +50,8 @@ struct WriteOutcome {
     WriteEnd end = WriteEnd::Confirmed;
     Refusal refusal = Refusal::None;
     int exceptionCode = 0; ///< with Rejected
-    bool sent = true; ///< false: the station held the values already, nothing was written
+    bool sent = false; ///< false: the station got nothing of it, as with values held already;
+                       ///< true also where the line broke in the middle
     QString text; ///< one line for the user: which register, what happened
 };
 
@@ -82,7 +83,8 @@ public:
     /// To be called after each step of the cycle that was not Idle.
     void afterStep(const Cycle &cycle, Cycle::Step step, const ReplyVerdict &verdict);
 
-    /// Ends every waiting write; what they have in the driver is the caller's to give up.
+    /// Ends every waiting write; what they have in the driver is the caller's to give up. One that
+    /// was sent ends as timed out, whatever `end` the others get.
     void abandon(WriteEnd end, Refusal refusal, const QString &reason);
 
     /// Writes that have not ended.
@@ -93,17 +95,26 @@ private:
     struct Entry {
         WriteWish wish;
         Stage stage;
+        bool sent = false; ///< at least once
+    };
+    struct End {
+        WriteEnd kind;
+        QString text;
+        Refusal refusal = Refusal::None;
+        int exceptionCode = 0;
     };
     using Position = std::map<int, Entry>::iterator;
 
     Refusal refusalOf(const WriteWish &wish) const;
     bool overlapsQueued(int id, const WriteWish &wish) const;
     void replaceComparing(const WriteWish &wish);
+    void keepLocal(Position entry);
     void queue(Position entry);
     void readAgain(Position entry, Stage stage);
     void served(Position entry, const Cycle &cycle);
-    void givenUp(Position entry, const ReplyVerdict &verdict);
-    void finish(Position entry, WriteOutcome outcome);
+    void givenUp(Position entry, const ReplyVerdict &verdict, const QString &reason);
+    void finish(Position entry, const End &end);
+    void finishReplaced(const QVector<int> &ids);
     void sweep();
 
     Link &m_link;

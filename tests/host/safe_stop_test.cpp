@@ -266,6 +266,51 @@ TEST(SafeStop, AUserWhoGoesAwayStopsTheDrives)
               (Texts { "the user interface is silent: stopping", "all stops confirmed" }));
 }
 
+TEST(SafeStop, WithoutStopsTheWritesEndAndTheReportSaysSo)
+{
+    RuntimeUnderTest host;
+    host.write(1, "FRE", 0, { 1 });
+    host.write(1, "FRE", 0, { 2 });
+
+    const StopReport report = host.host.stop(seconds(5));
+
+    EXPECT_EQ(report.text.toStdString(), "no stops are configured, nothing was stopped");
+    EXPECT_TRUE(report.unconfirmed.isEmpty());
+    EXPECT_EQ(host.outcomes, (Texts { "1000 refused", "1001 refused" }));
+    EXPECT_EQ(host.host.link().waitingWrites(), 0);
+    EXPECT_EQ(host.alarms, Texts {});
+}
+
+TEST(SafeStop, WithoutStopsAUserWhoGoesAwayIsToldOf)
+{
+    RuntimeSettings settings;
+    settings.userPatience = seconds(2);
+    RuntimeUnderTest host(settings);
+
+    host.runFor(seconds(3));
+
+    EXPECT_EQ(host.alarms,
+              Texts { "the user interface is silent: no stops are configured, nothing was "
+                      "stopped" });
+}
+
+TEST(SafeStop, WhatIsWrittenAsWritesEndWithoutStopsIsRefused)
+{
+    RuntimeUnderTest host;
+    host.write(1, "FRE", 0, { 1 });
+    host.host.onOutcome([&](const WriteOutcome &outcome) {
+        host.outcomeRecords.push_back(outcome);
+        if (outcome.id == 1000)
+            host.write(1, "FRE", 0, { 2 });
+    });
+
+    host.host.stop(seconds(5));
+
+    ASSERT_EQ(host.outcomeRecords.size(), 2U);
+    EXPECT_EQ(host.outcomeRecords.at(1).refusal, Refusal::Stopping);
+    EXPECT_EQ(host.host.pendingWrites(), 0);
+}
+
 TEST(SafeStop, AStopMayGoToAStationThatNeverAnswered)
 {
     RuntimeUnderTest host(withStops());

@@ -17,6 +17,7 @@ protected:
         host.steps(1);
     }
 
+    const WriteOutcome &last() const { return host.outcomeRecords.back(); }
     int reg(int modbusRegister) { return host.stations.registers[{ 1, modbusRegister }]; }
 
     RuntimeUnderTest host;
@@ -160,7 +161,111 @@ TEST_F(WriteDeskTest, AWriteThatWaitsWhenTheLineGoesDownIsNeverSent)
     host.runFor(seconds(5));
 
     EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
+    EXPECT_FALSE(last().sent);
+    EXPECT_EQ(last().text.toStdString(), "station 1, CW 0 (0x1001): not sent: the line went down");
     EXPECT_EQ(host.sent(1, 6), 0);
+}
+
+TEST_F(WriteDeskTest, AWriteThatIsToBeRepeatedWhenTheLineGoesDownWasSent)
+{
+    host.stations.changes = { silence() };
+    host.write(1, "CW", 0, { 1 });
+    host.steps(1);
+
+    host.stations.line.unplug();
+    host.steps(1);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
+    EXPECT_TRUE(last().sent);
+    EXPECT_EQ(last().text.toStdString(),
+              "station 1, CW 0 (0x1001): sent, but not confirmed: the line went down");
+}
+
+TEST_F(WriteDeskTest, AWriteUnderWhichTheLineBreaksMayHaveBeenSent)
+{
+    host.stations.changes = { [this](const QByteArray &) {
+        host.stations.line.unplug();
+        return MemoryLine::Answer {};
+    } };
+    host.write(1, "CW", 0, { 1 });
+
+    host.steps(1);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
+    EXPECT_TRUE(last().sent);
+}
+
+TEST_F(WriteDeskTest, AWriteToAStationThatIsLeftAloneMeanwhileIsNotSent)
+{
+    host.stations.dead = { 1 };
+    host.write(1, "CW", 0, { 1 });
+    host.write(1, "FRE", 0, { 100 });
+    host.host.write({ 1, QStringLiteral("F"), 0, { 7 }, true, false });
+
+    host.runFor(milliseconds(900)); // two requests with three tries each, and no probe yet
+
+    ASSERT_EQ(host.outcomes, (Texts { "1000 timed out", "1001 timed out", "1002 timed out" }));
+    EXPECT_TRUE(host.outcomeRecords.at(1).sent);
+    EXPECT_FALSE(last().sent);
+    EXPECT_EQ(last().text.toStdString(),
+              "station 1, F 0.0 (0xF000): not asked, the station does not answer");
+}
+
+TEST_F(WriteDeskTest, AWriteThatWasSentIsNotRefusedByAStop)
+{
+    host.stations.changes = { silence() };
+    host.write(1, "CW", 0, { 1 });
+    host.steps(1);
+
+    host.host.stop(seconds(1));
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
+    EXPECT_EQ(last().refusal, Refusal::None);
+    EXPECT_TRUE(last().sent);
+    EXPECT_EQ(last().text.toStdString(),
+              "station 1, CW 0 (0x1001): sent, but not confirmed: a stop goes first");
+}
+
+TEST_F(WriteDeskTest, AWriteThatIsBeingReadBackIsNotRefusedByAStop)
+{
+    host.host.write({ 1, QStringLiteral("F"), 0, { 9 }, true, true });
+    host.steps(1);
+
+    host.host.stop(seconds(1));
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
+    EXPECT_TRUE(last().sent);
+    EXPECT_EQ(last().text.toStdString(),
+              "station 1, F 0.0 (0xF000): echoed, but could not be read back: a stop goes first");
+}
+
+TEST_F(WriteDeskTest, AValueThatCannotBeReadBackWasSentAllTheSame)
+{
+    host.host.write({ 1, QStringLiteral("F"), 0, { 9 }, true, true });
+    host.steps(1);
+    host.stations.changes = { instead(framed("01 83 02")) };
+
+    host.steps(1);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 rejected (exception 2)" });
+    EXPECT_TRUE(last().sent);
+    EXPECT_EQ(last().text.toStdString(),
+              "station 1, F 0.0 (0xF000): echoed, but could not be read back: exception 2, "
+              "register not there");
+}
+
+TEST(WriteDesk, WritesThatStayLocalEndAtOnceAndUnsent)
+{
+    RuntimeSettings settings;
+    settings.link.writesStayLocal = true;
+    RuntimeUnderTest host(settings);
+    host.write(1, "F", 0, { 9 });
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 confirmed (held)" });
+    EXPECT_EQ(host.outcomeRecords.back().text.toStdString(),
+              "station 1, F 0.0 (0xF000): kept here, nothing is sent");
+    EXPECT_EQ(host.value(1, "F", 0), 9);
+    EXPECT_TRUE(host.stations.line.sent().isEmpty());
 }
 
 TEST(WriteDesk, ManyWritesThatWaitWhenTheLineGoesDownAreNeverSent)
