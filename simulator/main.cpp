@@ -4,18 +4,17 @@
 #include "simulator/capture.h"
 #include "simulator/fault_file.h"
 #include "simulator/options.h"
+#include "simulator/output.h"
 #include "simulator/reporter.h"
 #include "simulator/server.h"
 
 #include <unistd.h>
 
-#include <cerrno>
+#include <csignal>
 #include <exception>
-#include <fstream>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -52,19 +51,17 @@ FaultPlan planOf(const Options &options)
     return FaultPlan(file.rules, options.seed.value_or(seed));
 }
 
-std::ofstream openOutput(const std::string &path)
+bool lostSomething(const std::optional<Output> &output)
 {
-    std::ofstream stream(path, std::ios::binary | std::ios::trunc);
-    if (!stream)
-        throw std::system_error(errno, std::generic_category(), path);
-    return stream;
+    return output && output->lostSomething();
 }
 
-void serve(const Options &options)
+/// Serves until the end. @return the code to leave with
+int serve(const Options &options, Output &standardOutput)
 {
     FaultPlan plan = planOf(options);
-    std::optional<std::ofstream> logStream;
-    std::optional<std::ofstream> captureStream;
+    std::optional<Output> log;
+    std::optional<Output> capture;
     Port port = openPort(options);
     const SteadyClock clock;
     Bus bus;
@@ -73,28 +70,40 @@ void serve(const Options &options)
     Cable cable(bus, clock, lineOf(options), std::move(plan));
 
     if (!options.logFile.empty())
-        cable.observe(ByteLog(logStream.emplace(openOutput(options.logFile))));
+        cable.observe(ByteLog(log.emplace(options.logFile).stream()));
     if (!options.captureFile.empty())
-        cable.observe(Capture(captureStream.emplace(openOutput(options.captureFile))));
-    Reporter reporter(std::cout, options.json, isatty(STDOUT_FILENO) == 1);
+        cable.observe(Capture(capture.emplace(options.captureFile).stream()));
+    if (lostSomething(capture)) // its head already
+        return DeviceError;
+    Reporter reporter(standardOutput.stream(), options.json, isatty(STDOUT_FILENO) == 1);
     cable.observe([&reporter](const LineEvent &event) { reporter.event(event); });
 
     Commands commands(bus, cable, clock, reporter);
     Server server(port, cable, commands, clock);
     reporter.opened(options.pty ? "pty" : "port", port.path());
-    server.run();
+    if (!standardOutput.lostSomething()) // else nobody knows the device
+        server.run();
+    const bool lost =
+        standardOutput.lostSomething() || lostSomething(log) || lostSomething(capture);
+    return lost ? DeviceError : Done;
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
+    holdStandardStreams();
+    // A reader who has had enough must not take the drives off the line.
+    std::signal(SIGPIPE, SIG_IGN);
+    Output output(STDOUT_FILENO, "standard output");
     Options options;
-    if (const std::optional<int> code = readOptions(argc, argv, options, std::cout, std::cerr))
-        return *code;
+    if (const std::optional<int> code =
+            readOptions(argc, argv, options, output.stream(), std::cerr)) {
+        output.stream().flush();
+        return *code == Done && output.lostSomething() ? DeviceError : *code;
+    }
     try {
-        serve(options);
-        return Done;
+        return serve(options, output);
     } catch (const std::invalid_argument &error) {
         std::cerr << "dx4-sim: " << error.what() << '\n';
         return UsageError;

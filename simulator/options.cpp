@@ -4,9 +4,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
-#include <cctype>
 #include <ostream>
+#include <set>
 
 namespace dx4::sim {
 
@@ -31,12 +30,19 @@ std::string checkFormat(const std::string &text)
     return good ? std::string() : "expected 8N1, 8N2, 8E1, 8E2, 8O1 or 8O2, not " + text;
 }
 
+/// Not what an empty variable of a script stands for.
+std::string checkGiven(const std::string &text)
+{
+    return text.empty() ? "nothing given" : std::string();
+}
+
 void addDeviceOptions(CLI::App &app, Options &options)
 {
     CLI::Option *pty = app.add_flag(
         "--pty", options.pty, "serve a new pseudo-terminal; its path is the first line printed");
-    CLI::Option *port =
-        app.add_option("--port", options.port, "serve this serial device")->type_name("DEVICE");
+    CLI::Option *port = app.add_option("--port", options.port, "serve this serial device")
+                            ->check(CLI::Validator(checkGiven, ""))
+                            ->type_name("DEVICE");
     pty->excludes(port);
     app.add_option("--speed", options.speed,
                    "line speed in bit/s; with --pty, 0 leaves the time of characters out")
@@ -62,19 +68,44 @@ void addOtherOptions(CLI::App &app, Options &options)
         ->check(CLI::ExistingFile);
     app.add_option("--seed", options.seed, "seed of the faults; goes before the file's own")
         ->type_name("NUMBER");
-    app.add_option("--log", options.logFile, "write every frame as hex")->type_name("FILE");
+    app.add_option("--log", options.logFile, "write every frame as hex")
+        ->check(CLI::Validator(checkGiven, ""))
+        ->type_name("FILE");
     app.add_option("--pcap", options.captureFile, "write every frame as a network capture")
+        ->check(CLI::Validator(checkGiven, ""))
         ->type_name("FILE");
     app.add_flag("--json", options.json, "print one JSON object per line");
 }
 
+/// An option that ends with "=": the parser would take the next word for its value.
+std::string findEmptyValue(int argc, char **argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (word.size() > 3 && word.compare(0, 2, "--") == 0 && word.back() == '=')
+            return word.substr(0, word.size() - 1) + ": nothing given behind \"=\"";
+    }
+    return {};
+}
+
 std::string findContradiction(const Options &options)
 {
+    std::set<int> seen;
+    for (int station : options.stations) {
+        if (!seen.insert(station).second)
+            return "--stations: " + std::to_string(station) + " stands there twice";
+    }
     if (!options.pty && options.port.empty())
         return "say what to serve: --pty or --port DEVICE";
     if (!options.port.empty() && options.speed == 0)
         return "--speed 0 is for --pty only: a serial port needs its speed";
     return {};
+}
+
+int refuse(std::ostream &errors, const std::string &why)
+{
+    errors << "dx4-sim: " << why << "\nRun with --help for more information.\n";
+    return UsageError;
 }
 
 } // namespace
@@ -87,16 +118,21 @@ std::optional<int> readOptions(int argc, char **argv, Options &options, std::ost
     app.footer(examples);
     addDeviceOptions(app, options);
     addOtherOptions(app, options);
+    const std::string emptyValue = findEmptyValue(argc, argv);
+    if (!emptyValue.empty())
+        return refuse(errors, emptyValue);
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success &wanted) { // --help and --version
+        app.exit(wanted, out, errors);
+        return Done;
     } catch (const CLI::ParseError &error) {
-        return app.exit(error, out, errors) == 0 ? Done : UsageError;
+        return refuse(errors, error.what());
     }
     const std::string contradiction = findContradiction(options);
     if (contradiction.empty())
         return std::nullopt;
-    errors << "dx4-sim: " << contradiction << "\nRun with --help for more information.\n";
-    return UsageError;
+    return refuse(errors, contradiction);
 }
 
 } // namespace dx4::sim

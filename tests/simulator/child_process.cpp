@@ -123,6 +123,11 @@ void ChildProcess::closeInput()
     closeEnd(m_input);
 }
 
+void ChildProcess::closeOutput()
+{
+    closeEnd(m_output);
+}
+
 void ChildProcess::signal(int number)
 {
     kill(m_pid, number);

@@ -33,6 +33,9 @@ public:
     /// Ends the child's standard input.
     void closeInput();
 
+    /// Reads no more: the child writes to a pipe without a reader.
+    void closeOutput();
+
     /// Sends a signal.
     void signal(int number);
 

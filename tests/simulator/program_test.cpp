@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -267,6 +268,71 @@ TEST(SimulatorProgram, ServesASerialDevice)
     close(ours);
 }
 
+TEST(SimulatorProgram, LogThatIsLostIsSaidAtOnceAndByTheExitCode)
+{
+    ChildProcess process({ SIMULATOR_FILE, "--pty", "--speed", "0", "--log", "/dev/full" }, true);
+    const std::string first = process.readLine();
+    Master master(first.substr(first.find('/')));
+
+    const int before = master.read(0x2001);
+    const std::string said = process.readLine();
+    const int after = master.read(0x2001);
+    process.writeLine("quit");
+
+    EXPECT_EQ(before, 0);
+    EXPECT_EQ(said, "dx4-sim: /dev/full: No space left on device; nothing more is written there");
+    EXPECT_EQ(after, 0);
+    EXPECT_EQ(process.readAll(), "");
+    EXPECT_EQ(process.wait(), 1);
+}
+
+TEST(SimulatorProgram, ReaderWhoHasHadEnoughTakesNoDriveOffTheLine)
+{
+    ServedLine line({ "--json", "--speed", "0" });
+    Master master(line.device);
+    line.process.closeOutput();
+
+    EXPECT_EQ(master.read(0x2001), 0);
+    EXPECT_EQ(master.read(0x2001), 0);
+    EXPECT_EQ(line.quit(), 0);
+}
+
+TEST(SimulatorProgram, CaptureThatCannotBeBegunEndsIt)
+{
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--pty", "--pcap", "/dev/full" }, &code);
+
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(text, "dx4-sim: /dev/full: No space left on device; nothing more is written there\n");
+}
+
+TEST(SimulatorProgram, DeviceThatNobodyIsToldOfIsNotServed)
+{
+    for (const auto &[redirection, cause] : { std::pair(" >/dev/full", "No space left on device"),
+                                              std::pair(" >&-", "Bad file descriptor") }) {
+        int code = -1;
+
+        const std::string text = outputOf(
+            { "/bin/sh", "-c", std::string("exec " SIMULATOR_FILE " --pty 2>&1") + redirection },
+            &code);
+
+        EXPECT_EQ(code, 1) << redirection;
+        EXPECT_EQ(text,
+                  std::string("dx4-sim: standard output: ") + cause
+                      + "; nothing more is written there\n");
+    }
+}
+
+TEST(SimulatorUsage, HelpOnAFullDiskIsAFailure)
+{
+    int code = -1;
+
+    outputOf({ "/bin/sh", "-c", "exec " SIMULATOR_FILE " --help 2>&1 >/dev/full" }, &code);
+
+    EXPECT_EQ(code, 1);
+}
+
 TEST(SimulatorUsage, HelpShowsExamplesAndExitCodes)
 {
     int code = -1;
@@ -293,9 +359,41 @@ TEST(SimulatorUsage, StationOutsideTheRangeIsAUsageError)
 {
     int code = -1;
 
-    outputOfSim({ "--pty", "--stations", "1,248" }, &code);
+    const std::string text = outputOfSim({ "--pty", "--stations", "1,248" }, &code);
 
     EXPECT_EQ(code, 2);
+    EXPECT_EQ(text.substr(0, text.find('\n')),
+              "dx4-sim: --stations: Value 248 not in range 1 to 247");
+}
+
+TEST(SimulatorUsage, StationStandsOnce)
+{
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--pty", "--stations", "1,2,1" }, &code);
+
+    EXPECT_EQ(code, 2);
+    EXPECT_EQ(text.substr(0, text.find('\n')), "dx4-sim: --stations: 1 stands there twice");
+}
+
+TEST(SimulatorUsage, EmptyValueDoesNotTakeTheNextWord)
+{
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--log=", "--pty" }, &code);
+
+    EXPECT_EQ(code, 2);
+    EXPECT_EQ(text.substr(0, text.find('\n')), "dx4-sim: --log: nothing given behind \"=\"");
+}
+
+TEST(SimulatorUsage, EmptyWordIsNoFile)
+{
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--pty", "--pcap", "" }, &code);
+
+    EXPECT_EQ(code, 2);
+    EXPECT_EQ(text.substr(0, text.find('\n')), "dx4-sim: --pcap: nothing given");
 }
 
 TEST(SimulatorUsage, BrokenFaultFileIsAUsageErrorWithItsLine)
