@@ -3,7 +3,6 @@
 #include "host/serial_line.h"
 
 #include "host/length.h"
-#include "host/port_claim.h"
 #include "host/port_list.h"
 #include "host/timespec.h"
 
@@ -34,6 +33,11 @@ QSerialPort::Parity portParity(Parity parity)
         return QSerialPort::OddParity;
     }
     return QSerialPort::NoParity;
+}
+
+QString inUseText(const QString &device)
+{
+    return QStringLiteral("in use by %1").arg(holderText(holdersOf(device)));
 }
 
 constexpr int wasteBytes = 256; // dropped at once
@@ -85,24 +89,27 @@ bool SerialLine::open(QString *error)
     }
     if (error)
         *error = QStringLiteral("%1: %2").arg(m_settings.port, refusal);
-    m_port->close();
+    close();
     return false;
 }
 
 /// Opens the port as the settings say; gives the reason when that fails.
 QString SerialLine::tryOpen(const QString &device)
 {
+    if (!m_claim.take(device))
+        return inUseText(device);
     const bool opened = m_port->open(QIODevice::ReadWrite);
-    // One that this user may open but cannot is held: in exclusive mode, or by a lock file.
-    const bool isHeld = opened ? !claimPort(m_port->handle())
-                               : m_port->error() == QSerialPort::PermissionError
-            && access(QFile::encodeName(device).constData(), R_OK | W_OK) == 0;
+    // It sets exclusive mode. One that this user may open but cannot is held by a lock file.
+    const bool isHeld = !opened && m_port->error() == QSerialPort::PermissionError
+        && access(QFile::encodeName(device).constData(), R_OK | W_OK) == 0;
     if (isHeld) {
-        m_port->close(); // else this program would be among the holders
-        return QStringLiteral("in use by %1").arg(holderText(holdersOf(device)));
+        m_claim.release(); // else this program would be among the holders
+        return inUseText(device);
     }
     if (!opened || !configure())
         return m_port->errorString();
+    if (!tellEmptyFromGone(m_port->handle()))
+        return qt_error_string(errno);
     if (m_settings.kernelSwitchesDirection && !switchDirectionByKernel(m_port->handle()))
         return QStringLiteral("its driver cannot switch the RS-485 direction; leave that to the "
                               "adapter");
@@ -122,6 +129,7 @@ void SerialLine::close()
 {
     m_descriptor = -1;
     m_port->close();
+    m_claim.release();
 }
 
 bool SerialLine::isOpen() const
@@ -237,12 +245,13 @@ int SerialLine::readInto(char *to, int most)
     do {
         count = ::read(m_descriptor, to, static_cast<std::size_t>(most));
     } while (count < 0 && errno == EINTR);
+    const bool isEmpty = count < 0 && errno == EAGAIN;
     if (count > 0)
         noteActivity();
-    else if (count < 0 && errno != EAGAIN)
-        close();
-    else
+    else if (isEmpty)
         m_foundEmpty = now();
+    else
+        close();
     return static_cast<int>(std::max<ssize_t>(count, 0));
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/line.h"
+#include "host/port_claim.h"
 
 #include <memory>
 
@@ -40,6 +41,7 @@ private:
     void noteActivity();
 
     LineSettings m_settings;
+    PortClaim m_claim; // outlives the port's own descriptor
     std::unique_ptr<QSerialPort> m_port;
     int m_descriptor = -1; // of the open port
     Duration m_lastActivity { 0 };

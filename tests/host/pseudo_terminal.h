@@ -40,6 +40,24 @@ public:
                   bytes.size());
     }
 
+    /// Waits for so many bytes; gives fewer where the near end was closed.
+    QByteArray read(int count) const
+    {
+        QByteArray bytes(count, '\0');
+        int length = 0;
+        while (length < count) {
+            const ssize_t more =
+                ::read(m_far, bytes.data() + length, static_cast<size_t>(count - length));
+            if (more <= 0)
+                break;
+            length += static_cast<int>(more);
+        }
+        return bytes.left(length);
+    }
+
+    /// The descriptor, for what a signal handler may do.
+    int farEnd() const { return m_far; }
+
     /// What the near end has set; a pseudo-terminal knows no parity.
     termios settings() const
     {

@@ -11,9 +11,12 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <thread>
 
@@ -88,6 +91,46 @@ TEST_F(SerialLineTest, AHolderThatOnlyLocksIsTheOnlyOneNamed)
     EXPECT_EQ(error.toStdString(),
               adapter.path().toStdString() + ": in use by korvane_host_test (process "
                   + std::to_string(holder) + ")");
+}
+
+TEST_F(SerialLineTest, ARefusedOpenLeavesTheHoldersSettingsAlone)
+{
+    const PseudoTerminal adapter;
+    const int holder = ::open(adapter.path().toLatin1().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_EQ(flock(holder, LOCK_EX | LOCK_NB), 0);
+    termios held = adapter.settings();
+    cfsetspeed(&held, B38400);
+    held.c_cflag |= CSTOPB;
+    held.c_lflag |= ICANON;
+    ASSERT_EQ(tcsetattr(holder, TCSANOW, &held), 0);
+    SerialLine line(on(adapter.path()));
+
+    const bool opened = line.open(nullptr);
+
+    const termios seen = adapter.settings();
+    close(holder);
+    EXPECT_FALSE(opened);
+    EXPECT_EQ(cfgetospeed(&seen), static_cast<speed_t>(B38400));
+    EXPECT_NE(seen.c_cflag & CSTOPB, 0U);
+    EXPECT_NE(seen.c_lflag & ICANON, 0U);
+}
+
+TEST_F(SerialLineTest, AnOpenPortIsInExclusiveMode)
+{
+    const PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    ASSERT_TRUE(line.open(nullptr));
+
+    const int another =
+        ::open(adapter.path().toLatin1().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+
+    // Root alone gets past it.
+    int isExclusive = another < 0 && errno == EBUSY ? 1 : 0;
+    if (another >= 0) {
+        EXPECT_EQ(ioctl(another, TIOCGEXCL, &isExclusive), 0);
+        close(another);
+    }
+    EXPECT_EQ(isExclusive, 1);
 }
 
 TEST_F(SerialLineTest, AClosedPortIsFreeForTheNext)
@@ -249,4 +292,131 @@ TEST_F(SerialLineTest, SilenceCountsFromTheLastByteThatCameMeanwhile)
     EXPECT_TRUE(silent);
     EXPECT_EQ(line.discardInput(), 0) << "what came meanwhile is dropped";
     EXPECT_GE(line.now() - before, std::chrono::milliseconds(40));
+}
+
+TEST_F(SerialLineTest, AnAdapterThatGoesAwayEndsTheWaitForSilence)
+{
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+
+    adapter.unplug();
+    const bool silent = line.awaitSilence(std::chrono::milliseconds(1), line.now() + seconds(3600));
+
+    EXPECT_FALSE(silent);
+    EXPECT_FALSE(line.isOpen());
+}
+
+TEST_F(SerialLineTest, AnAdapterThatGoesAwayIsNoticedAsInputIsDiscarded)
+{
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+
+    adapter.unplug();
+    const int dropped = line.discardInput();
+
+    EXPECT_EQ(dropped, 0);
+    EXPECT_FALSE(line.isOpen());
+}
+
+TEST_F(SerialLineTest, AClosedLineNeitherSendsNorWaits)
+{
+    SerialLine line(on(QStringLiteral("/dev/none")));
+    const Duration never = line.now() + seconds(3600);
+
+    EXPECT_FALSE(line.send("x"));
+    EXPECT_TRUE(line.receive(1, never).isEmpty());
+    EXPECT_EQ(line.discardInput(), 0);
+    EXPECT_FALSE(line.awaitSilence(seconds(1800), never));
+}
+
+TEST_F(SerialLineTest, AFrameThatTheKernelTakesInPartsIsSentWhole)
+{
+    const PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    QByteArray sent;
+    for (int i = 0; i < 200'000; ++i) // many times what a terminal has room for
+        sent.append(static_cast<char>(i * 7 / 251));
+    QByteArray arrived;
+    std::thread farEnd([&] { arrived = adapter.read(200'000); });
+
+    const bool isSent = line.send(sent);
+
+    if (!isSent)
+        line.close(); // ends what the far end waits for
+    farEnd.join();
+    EXPECT_TRUE(isSent);
+    EXPECT_TRUE(arrived == sent);
+}
+
+namespace {
+
+volatile std::sig_atomic_t signalsLeft = 0;
+volatile int replyTo = -1; // far end of the line that the last signal writes to
+
+void replyAtLast(int)
+{
+    signalsLeft = signalsLeft - 1;
+    if (signalsLeft == 0) [[maybe_unused]]
+        const auto written = ::write(replyTo, "reply", 5);
+}
+
+/// A signal each millisecond that breaks into the calls of this thread.
+class Interruptions {
+public:
+    Interruptions(int count, int farEnd)
+    {
+        signalsLeft = count;
+        replyTo = farEnd;
+        struct sigaction action = {};
+        action.sa_handler = replyAtLast; // without SA_RESTART
+        sigaction(SIGALRM, &action, &m_former);
+        const itimerval each { { 0, 1000 }, { 0, 1000 } };
+        setitimer(ITIMER_REAL, &each, nullptr);
+    }
+    ~Interruptions()
+    {
+        const itimerval never {};
+        setitimer(ITIMER_REAL, &never, nullptr);
+        sigaction(SIGALRM, &m_former, nullptr);
+    }
+    Interruptions(const Interruptions &) = delete;
+    Interruptions &operator=(const Interruptions &) = delete;
+
+private:
+    struct sigaction m_former = {};
+};
+
+} // namespace
+
+TEST_F(SerialLineTest, SignalsDoNotEndTheWaitForAReply)
+{
+    const PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    const Interruptions signals(5, adapter.farEnd());
+
+    const QByteArray bytes = line.receive(5, line.now() + seconds(3600));
+
+    EXPECT_EQ(bytes, "reply");
+    EXPECT_LE(signalsLeft, 0);
+}
+
+TEST_F(SerialLineTest, SignalsDoNotShortenTheWaitForSilence)
+{
+    constexpr auto gap = std::chrono::milliseconds(20);
+    const PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    // What the line heard last is the reply that comes amid the signals.
+    const Interruptions signals(5, adapter.farEnd());
+    const Duration before = line.now();
+
+    const bool silent = line.awaitSilence(gap, before + seconds(3600));
+
+    EXPECT_TRUE(silent);
+    EXPECT_TRUE(line.isOpen());
+    EXPECT_GE(line.now() - before, gap);
 }
