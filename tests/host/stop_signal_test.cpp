@@ -13,6 +13,7 @@
 
 using dx4::host::StopSignal;
 using std::chrono::hours;
+using std::chrono::milliseconds;
 
 namespace {
 
@@ -115,6 +116,31 @@ TEST(StopSignalTest, ASignalEndsTheWait)
 
     std::signal(SIGALRM, SIG_DFL);
     EXPECT_EQ(signal.number(), SIGTERM);
+}
+
+TEST(StopSignalTest, ASignalEndsOneWaitOfEachUser)
+{
+    StopSignal first;
+    StopSignal second;
+    std::raise(SIGTERM);
+
+    first.wait(hours(1));
+    first.wait(milliseconds(1)); // passes in full: the loop that stops the drives pauses too
+    second.wait(hours(1));
+
+    EXPECT_TRUE(first.hasCome());
+    EXPECT_TRUE(second.hasCome());
+}
+
+TEST(StopSignalTest, AUserThatComesAfterTheSignalIsWokenToo)
+{
+    const StopSignal first;
+    std::raise(SIGTERM);
+    StopSignal late;
+
+    late.wait(hours(1));
+
+    EXPECT_EQ(late.number(), SIGTERM);
 }
 
 TEST(StopSignalTest, AnIgnoredSignalStaysIgnored)
