@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/time.h>
@@ -93,26 +94,31 @@ TEST_F(SerialLineTest, AHolderThatOnlyLocksIsTheOnlyOneNamed)
                   + std::to_string(holder) + ")");
 }
 
-TEST_F(SerialLineTest, ARefusedOpenLeavesTheHoldersSettingsAlone)
+TEST_F(SerialLineTest, ARefusedOpenTouchesNoSettingOfTheHolder)
 {
     const PseudoTerminal adapter;
     const int holder = ::open(adapter.path().toLatin1().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_EQ(flock(holder, LOCK_EX | LOCK_NB), 0);
     termios held = adapter.settings();
     cfsetspeed(&held, B38400);
-    held.c_cflag |= CSTOPB;
-    held.c_lflag |= ICANON;
+    held.c_iflag |= IXON;
     ASSERT_EQ(tcsetattr(holder, TCSANOW, &held), 0);
+    // In packet mode the far end hears of each change of the flow control, also of one undone.
+    int packetMode = 1;
+    ASSERT_EQ(ioctl(adapter.farEnd(), TIOCPKT, &packetMode), 0);
     SerialLine line(on(adapter.path()));
 
     const bool opened = line.open(nullptr);
 
+    pollfd heard {};
+    heard.fd = adapter.farEnd();
+    heard.events = POLLIN | POLLPRI;
+    const int changes = poll(&heard, 1, 0);
     const termios seen = adapter.settings();
     close(holder);
     EXPECT_FALSE(opened);
+    EXPECT_EQ(changes, 0);
     EXPECT_EQ(cfgetospeed(&seen), static_cast<speed_t>(B38400));
-    EXPECT_NE(seen.c_cflag & CSTOPB, 0U);
-    EXPECT_NE(seen.c_lflag & ICANON, 0U);
 }
 
 TEST_F(SerialLineTest, AnOpenPortIsInExclusiveMode)
