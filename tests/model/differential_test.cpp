@@ -13,31 +13,7 @@
 
 namespace {
 
-using model::EntryPoints;
 using model::Interpreter;
-
-EntryPoints entryPointsOf(const LoadedDriver &loaded)
-{
-    return { loaded.getProtocolType,
-             loaded.getDriverParameter,
-             loaded.getDriverPropertyPage,
-             loaded.setDriverPropertyPage,
-             loaded.setAddrValueChangeCallBack,
-             loaded.initProperty,
-             loaded.getRegListByType,
-             loaded.getRegDiscription,
-             loaded.checkAddrValidity,
-             loaded.checkAddr,
-             loaded.multiCopy,
-             loaded.setRcpAddress,
-             loaded.addrMerge,
-             loaded.getSendFrame,
-             loaded.addConditionRead,
-             loaded.dealRcvFrame,
-             loaded.getData,
-             loaded.setData,
-             loaded.state };
-}
 
 long numberFrom(const char *variable, long otherwise)
 {
@@ -58,7 +34,7 @@ class Differential : public ::testing::Test {
 protected:
     LoadedDriver loaded;
     const std::vector<unsigned char> noBytes = std::vector<unsigned char>(64, 0);
-    Interpreter player { entryPointsOf(loaded), noBytes.data(), noBytes.size() };
+    Interpreter player { loaded, noBytes.data(), noBytes.size() };
 };
 
 } // namespace
@@ -74,7 +50,7 @@ TEST(DifferentialRun, TheDriverAndTheModelAgreeAfterEveryOperation)
         for (int script = 0; script < 50 && played < wanted; ++script, ++seed) {
             const std::vector<unsigned char> bytes = randomBytes(seed);
 
-            Interpreter player(entryPointsOf(loaded), bytes.data(), bytes.size());
+            Interpreter player(loaded, bytes.data(), bytes.size());
             const bool agreed = player.play();
 
             ASSERT_TRUE(agreed) << "KORVANE_SEED=" << seed << '\n' << player.report();
@@ -112,7 +88,7 @@ TEST_F(Differential, ReportsAChangedByteInALongList)
 TEST_F(Differential, ReportsALostCallback)
 {
     const unsigned char bytes[] = { 30, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0 };
-    Interpreter writer(entryPointsOf(loaded), bytes, sizeof bytes);
+    Interpreter writer(loaded, bytes, sizeof bytes);
     _DATA_ monitored;
     monitored.station = 1;
     monitored.regType = QStringLiteral("F");
