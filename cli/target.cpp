@@ -4,15 +4,12 @@
 
 #include "cli/nearest_word.h"
 #include "host/address_range.h"
-#include "host/notation.h"
-#include "register_tables.h"
+#include "host/address_verdict.h"
 
 #include <QRegularExpression>
 
 namespace dx4::cli {
 namespace {
-
-constexpr int indexesPerGroup = 256;
 
 /// One word taken apart: "2:Fc.13" is station 2, letters "F", address "c.13".
 struct Word {
@@ -40,29 +37,14 @@ void tell(Failure *failure, const QString &text)
         *failure = { ExitUsage, text };
 }
 
-QString outOfRange(const QString &regType, int address)
-{
-    const QString where = host::fullAddress(regType, address);
-    if (regType == REG_LIST[1]) {
-        return QStringLiteral("%1 is out of range; D reaches from 0 to 31 (0xD01F)").arg(where);
-    }
-    const int group = address / indexesPerGroup;
-    if (regType != REG_LIST[0] || address < 0 || group >= parameterGroupCount)
-        return QStringLiteral("%1 is out of range; %2 has address 0 alone").arg(where, regType);
-    const int first = group * indexesPerGroup;
-    return QStringLiteral("%1 is out of range; the group reaches from %2 to %3")
-        .arg(where, host::fullAddress(regType, first + REG_F_ADDRESS[group][0]),
-             host::fullAddress(regType, first + REG_F_ADDRESS[group][1]));
-}
-
 bool checkType(const QString &regType, Failure *failure)
 {
-    if (typeNames().contains(regType))
+    if (host::registerTypeNames().contains(regType))
         return true;
     tell(failure,
          QStringLiteral("no register type \"%1\"; types are %2%3")
-             .arg(regType, typeNames().join(QStringLiteral(", ")),
-                  suggestion(regType, typeNames())));
+             .arg(regType, host::registerTypeNames().join(QStringLiteral(", ")),
+                  suggestion(regType, host::registerTypeNames())));
     return false;
 }
 
@@ -83,7 +65,7 @@ std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
     if (code == AddressAccepted)
         return target;
     const int last = target.address + range->count - 1;
-    const QString verdict = verdictText(code, range->regType, last);
+    const QString verdict = host::addressVerdictText(code, range->regType, last);
     const bool namesAddress =
         code == AddressOutOfRange || code == AddressReadOnly || code == AddressWriteOnly;
     tell(failure, namesAddress ? verdict : QStringLiteral("\"%1\": %2").arg(text.text, verdict));
@@ -91,39 +73,6 @@ std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
 }
 
 } // namespace
-
-QStringList typeNames()
-{
-    QStringList names;
-    for (const QString &name : REG_LIST)
-        names.append(name);
-    return names;
-}
-
-QString verdictText(int code, const QString &regType, int address)
-{
-    switch (code) {
-    case AddressAccepted:
-        return QStringLiteral("%1 is acceptable").arg(host::fullAddress(regType, address));
-    case AddressNotOffered:
-        return QStringLiteral("%1 is not offered").arg(regType);
-    case AddressOutOfRange:
-        return outOfRange(regType, address);
-    case AddressTypeUnknown:
-        return typeNames().contains(regType)
-            ? QStringLiteral("no such group; groups are 0 to 9 and c")
-            : QStringLiteral("no register type \"%1\"; types are %2")
-                  .arg(regType, typeNames().join(QStringLiteral(", ")));
-    case AddressReadOnly:
-        return QStringLiteral("%1 can only be read; F, CW and FRE can be written").arg(regType);
-    case AddressWriteOnly:
-        return QStringLiteral("%1 can only be written; F, D, SW and FU can be read").arg(regType);
-    case AddressTooLong:
-        return QStringLiteral("the address has too many characters");
-    default:
-        return QStringLiteral("not an address of type %1").arg(regType);
-    }
-}
 
 std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int station,
                                                 Failure *failure)

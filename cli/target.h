@@ -39,13 +39,4 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int st
 std::optional<QVector<Target>> parseTargets(const QStringList &words, int station, AccessMode mode,
                                             const host::DriverApi &api, Failure *failure);
 
-/// The driver's verdict on an address in words, with what would be right.
-///
-/// @param code     of intf_checkAddr
-/// @param address  as the driver converted it; meant by AddressOutOfRange alone
-QString verdictText(int code, const QString &regType, int address);
-
-/// Names of all register types.
-QStringList typeNames();
-
 } // namespace dx4::cli

@@ -2,6 +2,7 @@
 // Registers with the values that a user wants to give them, and runs cut to requests.
 #include "cli/values.h"
 
+#include "host/address_verdict.h"
 #include "host/length.h"
 #include "host/notation.h"
 
@@ -43,7 +44,8 @@ std::optional<Target> lengthened(Target target, int count, AccessMode mode,
     const int code = api.checkAddr(target.regType, host::addressText(target.regType, first),
                                    &target.address, 0, count, mode);
     if (code != AddressAccepted) {
-        *failure = { ExitUsage, verdictText(code, target.regType, first + count - 1) };
+        *failure = { ExitUsage,
+                     host::addressVerdictText(code, target.regType, first + count - 1) };
         return std::nullopt;
     }
     target.count = count;

@@ -3,8 +3,8 @@
 #include "host/plan.h"
 
 #include "host/address_range.h"
+#include "host/address_verdict.h"
 #include "host/notation.h"
-#include "register_tables.h"
 
 #include <algorithm>
 #include <iterator>
@@ -35,7 +35,6 @@ namespace {
 
 constexpr int lastStation = 247;
 constexpr int largestBlock = 123; // registers; both reads and writes of this length fit a frame
-constexpr int indexesPerGroup = 256;
 constexpr int requestBytes = 8;
 constexpr int replyFrameBytes = 5; // of a read reply, besides its registers
 
@@ -43,33 +42,6 @@ void tell(QString *error, const QString &what)
 {
     if (error)
         *error = what;
-}
-
-QString rangeHint(const QString &regType, int address)
-{
-    if (regType == REG_LIST[1])
-        return QStringLiteral("D reaches from 0 to 31");
-    const int group = address / indexesPerGroup;
-    if (regType != REG_LIST[0] || group < 0 || group >= parameterGroupCount)
-        return QStringLiteral("%1 has address 0 alone").arg(regType);
-    const int first = group * indexesPerGroup;
-    return QStringLiteral("the group reaches from %1 to %2")
-        .arg(addressText(regType, first + REG_F_ADDRESS[group][0]),
-             addressText(regType, first + REG_F_ADDRESS[group][1]));
-}
-
-QString verdict(int code, const QString &regType, int address)
-{
-    switch (code) {
-    case AddressOutOfRange:
-        return QStringLiteral("out of range; %1").arg(rangeHint(regType, address));
-    case AddressWriteOnly:
-        return QStringLiteral("%1 can only be written; F, D, SW and FU can be read").arg(regType);
-    case AddressTooLong:
-        return QStringLiteral("the address has too many characters");
-    default:
-        return QStringLiteral("not an address of type %1").arg(regType);
-    }
 }
 
 template <typename Registers> void sortUnique(Registers &registers)
@@ -115,7 +87,7 @@ std::optional<QVector<Planner::Register>> Planner::registersOf(const PlanEntry &
     const int code = m_scratch.api().checkAddr(range->regType, range->firstText, &first, 0,
                                                range->count, ReadAccess);
     if (code != AddressAccepted) {
-        tell(error, verdict(code, range->regType, first));
+        tell(error, addressVerdictText(code, range->regType, first + range->count - 1));
         return std::nullopt;
     }
     QVector<Register> registers;

@@ -6,6 +6,7 @@
 #include "cli/nearest_word.h"
 #include "cli/output.h"
 #include "cli/target.h"
+#include "host/address_verdict.h"
 #include "host/notation.h"
 
 namespace dx4::cli {
@@ -61,10 +62,10 @@ Verdict judge(const host::DriverApi &api, const Options &options)
     verdict.code = api.checkAddr(verdict.regType, verdict.addrText, &verdict.address, 0,
                                  options.count, accessMode(options));
     const bool beyond = verdict.code == AddressOutOfRange;
-    verdict.words = verdictText(verdict.code, verdict.regType,
-                                verdict.address + (beyond ? options.count - 1 : 0));
-    if (!typeNames().contains(verdict.regType))
-        verdict.words += suggestion(verdict.regType, typeNames());
+    verdict.words = host::addressVerdictText(verdict.code, verdict.regType,
+                                             verdict.address + (beyond ? options.count - 1 : 0));
+    if (!host::registerTypeNames().contains(verdict.regType))
+        verdict.words += suggestion(verdict.regType, host::registerTypeNames());
     return verdict;
 }
 

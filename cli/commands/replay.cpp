@@ -8,6 +8,7 @@
 #include "cli/target.h"
 #include "cli/value_output.h"
 #include "cli/watch_plan.h"
+#include "host/address_verdict.h"
 #include "host/guarded_exchange.h"
 #include "host/pcap_file.h"
 #include "host/replay.h"
@@ -46,7 +47,7 @@ QList<KEY_ADDRESS> recordedReads(const QVector<host::RecordedFrame> &frames)
 void printChange(host::Link &link, const host::ValueChange &change, bool json,
                  const RegisterNames &names)
 {
-    if (!typeNames().contains(change.name))
+    if (!host::registerTypeNames().contains(change.name))
         return; // the outcome of a condition read
     const Target target { change.station, change.name, change.address, 1 };
     printValues(target, link.values(change.station, change.name, change.address), json, names);

@@ -299,7 +299,8 @@ TEST(Config, AnEntryThatTheDriverRefusesIsNamedWithItsLine)
 
     EXPECT_EQ(
         errors,
-        (Texts { "a.toml:4: station 1, \"D 40\": out of range; D reaches from 0 to 31",
+        (Texts { "a.toml:4: station 1, \"D 40\": D 40 (0xD028) is out of range; D reaches from 0 "
+                 "to 31 (0xD01F)",
                  "a.toml:6: station 1, \"CW\": CW can only be written; F, D, SW and FU can be "
                  "read" }));
 }

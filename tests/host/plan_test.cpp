@@ -118,10 +118,14 @@ INSTANTIATE_TEST_SUITE_P(
         RefusalRow { "UnknownType", 1, "X 1", 16,
                      "station 1, \"X 1\": no register type \"X\"; types are F, D, CW, FRE, SW, "
                      "FU" },
-        RefusalRow { "PastTheEndOfGroupC", 1, "F c.14", 16,
-                     "station 1, \"F c.14\": out of range; the group reaches from c.0 to c.13" },
-        RefusalRow { "PastTheMonitors", 2, "D 30-32", 16,
-                     "station 2, \"D 30-32\": out of range; D reaches from 0 to 31" },
+        RefusalRow {
+            "PastTheEndOfGroupC", 1, "F c.14", 16,
+            "station 1, \"F c.14\": F c.14 (0xFC0E) is out of range; the group reaches from "
+            "F c.0 (0xFC00) to F c.13 (0xFC0D)" },
+        RefusalRow {
+            "PastTheMonitors", 2, "D 30-32", 16,
+            "station 2, \"D 30-32\": D 32 (0xD020) is out of range; D reaches from 0 to 31 "
+            "(0xD01F)" },
         RefusalRow { "WriteOnly", 1, "CW", 16,
                      "station 1, \"CW\": CW can only be written; F, D, SW and FU can be read" },
         RefusalRow { "GroupThatTheDriversCheckLetsPass", 1, "F d.5", 16,
