@@ -34,8 +34,6 @@ void readLine(ConfigTable table, LineSettings &line)
         line.echo);
     table.flag("rs485", line.kernelSwitchesDirection);
     table.refuseTheRest();
-    if (!table.has("port"))
-        table.wrong("port", QStringLiteral("is missing; give the device under [line]"));
 }
 
 void readLink(ConfigTable table, LinkSettings &link)

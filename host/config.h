@@ -34,7 +34,7 @@ struct StopPolicy {
 };
 
 struct Config {
-    LineSettings line;
+    LineSettings line; ///< the port may be empty: one file for several ports, named by the host
     LinkSettings link;
     StopPolicy stop;
     QVector<StationConfig> stations;

@@ -18,7 +18,8 @@ QStringList differences(const Config &running, const Config &wanted)
     };
     const LineSettings &a = running.line;
     const LineSettings &b = wanted.line;
-    compare(a.port == b.port, QStringLiteral("line.port"));
+    // Without a port the file has no say in it: the host named the one that is open.
+    compare(b.port.isEmpty() || a.port == b.port, QStringLiteral("line.port"));
     compare(a.speed == b.speed, QStringLiteral("line.speed"));
     compare(a.parity == b.parity, QStringLiteral("line.parity"));
     compare(a.stopBits == b.stopBits, QStringLiteral("line.stop_bits"));

@@ -75,6 +75,12 @@ bool SerialLine::open(QString *error)
 {
     if (isOpen())
         return true;
+    if (m_settings.port.isEmpty()) {
+        if (error)
+            *error = QStringLiteral("no serial port is named; a configuration has it as port under "
+                                    "[line]");
+        return false;
+    }
     // Resolved each time: an adapter that comes back may be another device under its lasting name.
     const QString device = portDevice(m_settings.port);
     // Made anew, because it belongs to the thread that makes it and that is the one to use it.

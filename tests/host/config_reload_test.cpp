@@ -134,6 +134,19 @@ TEST_F(ConfigReloadTest, EverySettingOfTheLineThatDiffersIsNamed)
         "link.tries link.block_size");
 }
 
+TEST_F(ConfigReloadTest, FileWithoutAPortAsksForNoOther)
+{
+    Config running;
+    running.line.port = QStringLiteral("named by the host");
+    ConfigReload named(link, planner, running);
+    prepare("[[station]]\naddress = 1\n"); // writes the file
+
+    EXPECT_TRUE(named.prepare(folder.filePath(QStringLiteral("host.toml")), nullptr));
+    EXPECT_EQ(named.needRestart(), QStringList());
+    named.apply();
+    EXPECT_EQ(named.current().line.port, QStringLiteral("named by the host"));
+}
+
 TEST_F(ConfigReloadTest, SettingsOfTheLineWaitForARestart)
 {
     prepare("[line]\nport = \"\"\nspeed = 19200\n[link]\nblock_size = 8\n"

@@ -217,12 +217,18 @@ TEST_P(ConfigErrors, AreNamedWithTheirLine)
     EXPECT_EQ(textsOf(errors), GetParam().errors);
 }
 
+TEST(Config, PortMayBeLeftToTheHost)
+{
+    const auto config = parseConfig("[line]\nspeed = 19200\n[[station]]\naddress = 1\n", nullptr);
+
+    ASSERT_TRUE(config.has_value());
+    EXPECT_EQ(config->line.port, QString());
+    EXPECT_EQ(config->line.speed, 19200);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Config, ConfigErrors,
     ::testing::Values(
-        ConfigRow { "APortIsNeeded",
-                    "[line]\nspeed = 9600\n[[station]]\naddress = 1\n",
-                    { "a.toml:1: port: is missing; give the device under [line]" } },
         ConfigRow { "AStationIsNeeded",
                     "line.port = \"a\"\n",
                     { "a.toml: no station; begin one by [[station]]" } },

@@ -164,6 +164,19 @@ TEST_F(SerialLineTest, APortThatDoesNotExistIsNamed)
     EXPECT_TRUE(error.startsWith(QStringLiteral("/dev/none: "))) << error.toStdString();
 }
 
+TEST_F(SerialLineTest, APortThatNobodyNamesIsRefusedInThoseWords)
+{
+    SerialLine unnamed { LineSettings() };
+    QString error;
+
+    const bool opened = unnamed.open(&error);
+
+    EXPECT_FALSE(opened);
+    EXPECT_EQ(error,
+              QStringLiteral("no serial port is named; a configuration has it as port under "
+                             "[line]"));
+}
+
 TEST_F(SerialLineTest, ADriverThatCannotSwitchTheDirectionIsRefused)
 {
     const PseudoTerminal adapter;
