@@ -143,16 +143,26 @@ QString withHelp(const QString &text, const QString &command)
     return pointer.arg(text, command);
 }
 
-int refuse(const CLI::App &app, const CLI::ParseError &error, int argc, char **argv)
+int refuse(const Place &place, const QString &why)
 {
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
-    const Place place = findPlace(app, arguments);
     const QString command = place.path.join(QLatin1Char(' '));
     const QString help =
         (QStringList { QStringLiteral("dx4") } + place.path).join(QLatin1Char(' '));
-    return complain(command, { ExitUsage, withHelp(explain(place, error), help) });
+    return complain(command, { ExitUsage, withHelp(why, help) });
+}
+
+/// An option of the command with nothing behind its "=", as a script with an empty variable writes
+/// it: the parser would take the next word for the value. Empty where there is none.
+QString optionWithoutValue(const Place &place)
+{
+    const QStringList known = optionNames(*place.app);
+    for (const QString &word : place.rest) {
+        if (word == QLatin1String("--"))
+            break;
+        if (word.endsWith(QLatin1Char('=')) && known.contains(word.chopped(1)))
+            return word.chopped(1);
+    }
+    return QString();
 }
 
 } // namespace
@@ -292,6 +302,13 @@ int CommandLine::run(int argc, char **argv)
 {
     m_app->footer("Addresses are written as the drive shows them: F c.13, D 0-9, SW, 2:D 4.\n"
                   "Exit codes: 0 done, 1 device or line, 2 usage; dx4(1) lists them all.");
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const Place place = findPlace(*m_app, arguments);
+    const QString empty = optionWithoutValue(place);
+    if (!empty.isEmpty())
+        return refuse(place, QStringLiteral("%1: nothing given behind \"=\"").arg(empty));
     try {
         m_app->parse(argc, argv);
     } catch (const CLI::Success &wanted) { // --help and --version
@@ -299,7 +316,7 @@ int CommandLine::run(int argc, char **argv)
         m_exitCode = m_app->exit(wanted, text);
         writeText(QString::fromStdString(text.str()));
     } catch (const CLI::ParseError &error) {
-        return refuse(*m_app, error, argc, argv);
+        return refuse(place, explain(place, error));
     }
     const QString loss = outputLoss();
     if (loss.isEmpty())

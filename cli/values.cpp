@@ -14,6 +14,15 @@ namespace {
 constexpr int highestValue = 65535;
 constexpr int mostRegisters = 123; // longer than any group; keeps the addition small
 
+/// Whether a word begins a run of registers, "F", "F8.3" or "2:D".
+bool namesRegisters(const QString &word)
+{
+    const auto runs = splitTargets({ word }, 1, nullptr);
+    return runs
+        && host::registerTypeNames().contains(
+            runs->constFirst().text.section(QLatin1Char(' '), 0, 0));
+}
+
 std::optional<quint16> parseValue(const QString &text, Failure *failure)
 {
     bool isNumber = false;
@@ -21,10 +30,12 @@ std::optional<quint16> parseValue(const QString &text, Failure *failure)
     const int value = isHex ? text.mid(2).toInt(&isNumber, 16) : text.toInt(&isNumber, 10);
     if (isNumber && value >= 0 && value <= highestValue)
         return static_cast<quint16>(value);
-    *failure = {
-        ExitUsage,
-        QStringLiteral("\"%1\" is no value; values are 0 to 65535 or 0x0 to 0xFFFF").arg(text)
-    };
+    const QString why = namesRegisters(text)
+        ? QStringLiteral("\"%1\" begins another address, and a command takes one; values of "
+                         "registers in a row stand together, such as F 8.2 20 15, other registers "
+                         "take a command each")
+        : QStringLiteral("\"%1\" is no value; values are 0 to 65535 or 0x0 to 0xFFFF");
+    *failure = { ExitUsage, why.arg(text) };
     return std::nullopt;
 }
 
@@ -44,8 +55,7 @@ std::optional<Target> lengthened(Target target, int count, AccessMode mode,
     const int code = api.checkAddr(target.regType, host::addressText(target.regType, first),
                                    &target.address, 0, count, mode);
     if (code != AddressAccepted) {
-        *failure = { ExitUsage,
-                     host::addressVerdictText(code, target.regType, first + count - 1) };
+        *failure = { ExitUsage, host::addressVerdictText(code, target.regType, first + count - 1) };
         return std::nullopt;
     }
     target.count = count;
