@@ -34,6 +34,13 @@ int complainLineGone(const Session &session, const QString &command)
         command, { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
 }
 
+int codeOfEnd(PollEnd end, bool hasEnd, const QString &command)
+{
+    if (end != PollEnd::Asked || !hasEnd || !interrupted())
+        return ExitDone;
+    return complain(command, { ExitInterrupted, QStringLiteral("interrupted") });
+}
+
 PollEnd poll(Session &session, const QString &command, const PollSettings &settings)
 {
     using Step = host::Runtime::Step;

@@ -37,6 +37,11 @@ std::optional<host::Duration> patienceOf(int seconds, bool hasEnd);
 /// Says that the line of this session is gone. @return the exit code
 int complainLineGone(const Session &session, const QString &command);
 
+/// The code of a command whose loop ended with nothing wrong. Ended by hand, one that has an end of
+/// its own says that it was not done; one that runs until Ctrl-C was. A reader who has gone had
+/// enough.
+int codeOfEnd(PollEnd end, bool hasEnd, const QString &command);
+
 /// Steps the session's runtime.
 ///
 /// @param command  for notes

@@ -4,6 +4,7 @@
 
 #include "cli/commands/demo_view.h"
 #include "cli/driver_file.h"
+#include "cli/interrupt.h"
 #include "cli/polling.h"
 #include "cli/register_names.h"
 #include "cli/simulator_process.h"
@@ -201,6 +202,8 @@ Failure judge(const host::CounterSet &counters, PollEnd end)
     const bool hadTime = end == PollEnd::Enough;
     if (counters.total().giveUps > 0 || (counters.reads().good == 0 && hadTime))
         return { ExitNoReply, QStringLiteral("not every request was answered") };
+    if (end == PollEnd::Asked && interrupted())
+        return { ExitInterrupted, QStringLiteral("interrupted") };
     return { ExitDone, QString() };
 }
 

@@ -3,6 +3,7 @@
 #include "cli/commands/get.h"
 
 #include "cli/driver_file.h"
+#include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/reply_text.h"
 #include "cli/session.h"
@@ -42,6 +43,8 @@ int readAll(Session &session, const QVector<Target> &targets, const RegisterName
             printValues(target, *values, session.options().json, names);
             continue;
         }
+        if (failure.code == ExitInterrupted && !interrupted())
+            break; // the reader had enough
         printFailure(session, target, failure);
         exitCode = exitCode == ExitDone ? failure.code : exitCode;
         // What one station or register refuses says nothing about the next one.

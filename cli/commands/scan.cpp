@@ -2,6 +2,7 @@
 // dx4 scan: finds the stations on a line.
 #include "cli/commands/scan.h"
 
+#include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/reply_text.h"
 #include "cli/scan_state.h"
@@ -101,6 +102,8 @@ int endEarly(const Options &options, const ScanState &state, Failure failure)
         : QStringLiteral("--resume %1").arg(options.resume);
     if (failure.code == ExitInterrupted)
         failure.text += QStringLiteral(" before station %1").arg(state.next);
+    if (failure.code == ExitInterrupted && !interrupted())
+        failure.code = ExitDone; // the reader had enough
     failure.text += QStringLiteral("; go on with %1").arg(how);
     return complain(QStringLiteral("scan"), failure);
 }

@@ -128,7 +128,8 @@ int runStats(const Options &options)
             name,
             { causeCode(session->verdict()),
               QStringLiteral("nothing was answered: %1").arg(causeText(session->verdict())) });
-    return stopped ? ExitDone : ExitFailed;
+    const int exitCode = codeOfEnd(end, true, name);
+    return stopped ? exitCode : ExitFailed;
 }
 
 } // namespace

@@ -65,13 +65,13 @@ PollEnd follow(Session &session, WatchList &list, WatchView &view, const Options
     return end;
 }
 
-int outcome(const Session &session, PollEnd end)
+int outcome(const Session &session, PollEnd end, bool hasEnd)
 {
     const QString name = QStringLiteral("watch");
     if (end == PollEnd::LineGone)
         return complainLineGone(session, name);
     if (session.runtime().counters().reads().good > 0 || end != PollEnd::Enough)
-        return ExitDone;
+        return codeOfEnd(end, hasEnd, name);
     return complain(name,
                     { causeCode(session.verdict()),
                       QStringLiteral("nothing was read: %1").arg(causeText(session.verdict())) });
@@ -109,8 +109,8 @@ int runWatch(const Options &options)
     }
     // Whoever ends the watch by hand goes away; a watch that is over by itself was a look.
     const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
-    const int exitCode = outcome(*session, end);
-    return exitCode == ExitDone && !stopped ? ExitFailed : exitCode;
+    const int exitCode = outcome(*session, end, options.rounds > 0);
+    return stopped ? exitCode : ExitFailed;
 }
 
 } // namespace

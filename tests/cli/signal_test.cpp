@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 
 namespace {
@@ -48,6 +49,20 @@ TEST(Ending, InterruptIsTheUsualEndOfAWatch)
     EXPECT_EQ(codeAfterInterrupt(bench, "dx4 watch D 0-13"), 0);
 }
 
+TEST(Ending, InterruptedBeforeItsOwnEndIsNotDone)
+{
+    Bench bench;
+    bench.serve("1");
+
+    EXPECT_EQ(codeAfterInterrupt(bench, "dx4 watch --rounds 1000000 D 0"), 130);
+    EXPECT_EQ(talkAfterInterrupt(bench, "dx4 stats --requests 1000000", 130),
+              "dx4 stats: interrupted\n");
+    EXPECT_EQ(
+        codeAfterInterrupt(bench, "dx4 demo --seconds 3600 --sim '" SIMULATOR_FILE "' 2>demo.txt"),
+        130);
+    EXPECT_EQ(contentOf(bench.folder() + "/demo.txt"), "dx4 demo: interrupted\n");
+}
+
 TEST(Ending, InterruptedWatchSendsTheConfiguredStop)
 {
     Bench bench;
@@ -69,8 +84,8 @@ TEST(Ending, InterruptedRecordAndStatsSendTheConfiguredStop)
 
     EXPECT_EQ(talkAfterInterrupt(bench, "dx4 record --config plant.toml line.pcap", 0),
               "dx4 record: station 1 stopped\n");
-    EXPECT_EQ(talkAfterInterrupt(bench, "dx4 stats --requests 1000000 --config plant.toml", 0),
-              "dx4 stats: station 1 stopped\n");
+    EXPECT_EQ(talkAfterInterrupt(bench, "dx4 stats --requests 1000000 --config plant.toml", 130),
+              "dx4 stats: station 1 stopped\ndx4 stats: interrupted\n");
 }
 
 TEST(Ending, UnconfirmedStopIsAFailure)
@@ -145,6 +160,21 @@ TEST(Ending, WatchEndsWithTheReaderOfItsPipe)
 
     EXPECT_EQ(printed.out, "time,station,type,address,register,value,state,name,scaled,unit\n");
     EXPECT_EQ(printed.err, "code 0\n");
+}
+
+TEST(Ending, ReadersWhoHaveHadEnoughAreNoInterrupt)
+{
+    Bench bench;
+    bench.serve("1");
+
+    for (const char *command : { "get --timeout 60000 SW 9:SW", "scan --timeout 60000",
+                                 "watch --rounds 1000000 D 0-13" }) {
+        const Printed printed = bench.run(std::string("{ dx4 ") + command
+                                          + " 2>/dev/null; echo \"code $?\" >&2; } | head -n 1");
+
+        EXPECT_EQ(std::count(printed.out.begin(), printed.out.end(), '\n'), 1) << command;
+        EXPECT_EQ(printed.err, "code 0\n") << command;
+    }
 }
 
 TEST(Ending, DemoWithoutAReaderStillStopsTheMotor)
