@@ -43,6 +43,16 @@ QVector<RecordedFrame> FrameRing::frames() const
     return result;
 }
 
+QVector<RecordedFrame> FrameRing::takeEnded()
+{
+    QVector<RecordedFrame> ended;
+    while (m_frames.size() > 1 || (m_frames.size() == 1 && m_frames.front().isRequest)) {
+        ended.append(std::move(m_frames.front()));
+        m_frames.pop_front();
+    }
+    return ended;
+}
+
 void FrameRing::add(RecordedFrame frame)
 {
     m_frames.push_back(std::move(frame));

@@ -39,6 +39,10 @@ public:
     /// Oldest first.
     QVector<RecordedFrame> frames() const;
 
+    /// Takes the frames out that nothing can be added to any more, oldest first: all but a reply
+    /// that came last. For whoever keeps them elsewhere while the line is polled.
+    QVector<RecordedFrame> takeEnded();
+
     /// Frames that were forgotten so far.
     quint64 forgotten() const { return m_forgotten; }
 

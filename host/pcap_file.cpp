@@ -2,8 +2,6 @@
 // Recorded frames in a file that Wireshark decodes, and back.
 #include "host/pcap_file.h"
 
-#include "capture/pcap.h"
-
 #include <QFile>
 #include <QSaveFile>
 
@@ -12,15 +10,6 @@
 
 namespace dx4::host {
 namespace {
-
-capture::Frame outward(const RecordedFrame &frame, Duration offset)
-{
-    capture::Frame result;
-    result.time = frame.time + offset;
-    result.sender = frame.isRequest ? capture::Sender::Master : capture::Sender::Station;
-    result.bytes.assign(frame.bytes.begin(), frame.bytes.end());
-    return result;
-}
 
 RecordedFrame inward(const capture::Frame &frame)
 {
@@ -41,6 +30,15 @@ Duration wallClockOffset(Duration lineNow)
 {
     const auto wall = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::duration_cast<Duration>(wall) - lineNow;
+}
+
+capture::Frame outward(const RecordedFrame &frame, Duration offset)
+{
+    capture::Frame result;
+    result.time = frame.time + offset;
+    result.sender = frame.isRequest ? capture::Sender::Master : capture::Sender::Station;
+    result.bytes.assign(frame.bytes.begin(), frame.bytes.end());
+    return result;
 }
 
 bool writePcap(const QString &path, const QVector<RecordedFrame> &frames, Duration offset,

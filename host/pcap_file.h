@@ -2,6 +2,7 @@
 // Recorded frames in a file that Wireshark decodes, and back.
 #pragma once
 
+#include "capture/pcap.h"
 #include "host/frame_ring.h"
 
 #include <QString>
@@ -14,6 +15,9 @@ namespace dx4::host {
 ///
 /// @param lineNow  the line's clock at this moment
 Duration wallClockOffset(Duration lineNow);
+
+/// The frame as capture::PcapWriter takes it. @param offset  added to its time
+capture::Frame outward(const RecordedFrame &frame, Duration offset);
 
 /// Writes the frames in the pcap format; shown by: tshark -r FILE -o mbrtu.udp.port:502 -V
 ///

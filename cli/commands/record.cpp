@@ -4,14 +4,11 @@
 
 #include "cli/output.h"
 #include "cli/polling.h"
+#include "cli/recording.h"
 #include "cli/watch_plan.h"
-#include "host/length.h"
-#include "host/pcap_file.h"
 
 namespace dx4::cli {
 namespace {
-
-constexpr int mostFrames = 1000000; // some hours of a busy line
 
 struct Options {
     LineOptions line;
@@ -20,20 +17,27 @@ struct Options {
     int reconnect = -1; ///< s
 };
 
-void report(const QString &file, const host::FrameRing &ring, bool json)
+void report(const QString &file, quint64 frames, bool json)
 {
-    const int frames = host::lengthOf(ring.frames());
-    if (json) {
+    if (json)
         printJson({ { QStringLiteral("file"), file },
-                    { QStringLiteral("frames"), frames },
-                    { QStringLiteral("forgotten"), static_cast<qint64>(ring.forgotten()) } });
-        return;
-    }
-    printLine(QStringLiteral("%1 in %2")
-                  .arg(counted(static_cast<quint64>(frames), "frame", "frames"), file));
-    if (ring.forgotten() > 0)
-        note(QStringLiteral("record"),
-             QStringLiteral("the first %1 frames were forgotten").arg(ring.forgotten()));
+                    { QStringLiteral("frames"), static_cast<qint64>(frames) } });
+    else
+        printLine(QStringLiteral("%1 in %2").arg(counted(frames, "frame", "frames"), file));
+}
+
+/// Polls until it has had enough, or the file takes no more.
+PollEnd keep(Session &session, host::FrameRing &ring, Recording &recording, const Options &options,
+             qint64 reads)
+{
+    PollSettings settings;
+    settings.enough = [&] {
+        return recording.failed()
+            || (reads > 0 && endedReads(session.runtime().counters()) >= reads);
+    };
+    settings.afterStep = [&] { recording.add(ring.takeEnded()); };
+    settings.patience = patienceOf(options.reconnect, reads > 0);
+    return poll(session, QStringLiteral("record"), settings);
 }
 
 int runRecord(const Options &options)
@@ -43,31 +47,30 @@ int runRecord(const Options &options)
     Failure failure;
     const auto plan =
         makePlan(wordsOrConfigured(options.words.mid(1), options.line), options.line, &failure);
-    if (!plan || !canBeWritten(file, &failure))
+    if (!plan)
         return complain(name, failure);
-    host::FrameRing ring(mostFrames);
+    Recording recording(file);
+    if (!recording.canBegin())
+        return complain(name, { ExitFailed, recording.error() });
+    host::FrameRing ring;
     SessionWishes wishes;
     wishes.ring = &ring;
     const auto session = Session::open(options.line, &failure, wishes);
     if (!session)
         return complain(name, failure);
     session->runtime().setPlan(*plan);
+    recording.begin(session->line().now());
     const qint64 reads = options.rounds * static_cast<qint64>(plan->blocks.size());
-    PollSettings settings;
-    settings.enough = [&] {
-        return reads > 0 && endedReads(session->runtime().counters()) >= reads;
-    };
-    settings.patience = patienceOf(options.reconnect, reads > 0);
-    const PollEnd end = poll(*session, name, settings);
+    const PollEnd end = keep(*session, ring, recording, options, reads);
     const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
-    QString error;
-    // What was heard until the line broke is worth most.
-    if (!host::writePcap(file, ring.frames(), host::wallClockOffset(session->line().now()), &error))
-        return complain(name, { ExitFailed, error });
-    report(file, ring, options.line.json);
+    recording.add(ring.frames());
+    report(file, recording.frames(), options.line.json);
+    if (recording.failed())
+        return complain(name, { ExitFailed, recording.error() });
     if (end == PollEnd::LineGone)
         return complainLineGone(*session, name);
-    return stopped ? ExitDone : ExitFailed;
+    const int exitCode = codeOfEnd(end, options.rounds > 0, name);
+    return stopped ? exitCode : ExitFailed;
 }
 
 } // namespace

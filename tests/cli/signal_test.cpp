@@ -55,6 +55,8 @@ TEST(Ending, InterruptedBeforeItsOwnEndIsNotDone)
     bench.serve("1");
 
     EXPECT_EQ(codeAfterInterrupt(bench, "dx4 watch --rounds 1000000 D 0"), 130);
+    EXPECT_EQ(talkAfterInterrupt(bench, "dx4 record --rounds 1000000 line.pcap D 0", 130),
+              "dx4 record: interrupted\n");
     EXPECT_EQ(talkAfterInterrupt(bench, "dx4 stats --requests 1000000", 130),
               "dx4 stats: interrupted\n");
     EXPECT_EQ(
@@ -175,6 +177,21 @@ TEST(Ending, ReadersWhoHaveHadEnoughAreNoInterrupt)
         EXPECT_EQ(std::count(printed.out.begin(), printed.out.end(), '\n'), 1) << command;
         EXPECT_EQ(printed.err, "code 0\n") << command;
     }
+}
+
+TEST(Ending, KilledRecordingKeepsWhatItHeard)
+{
+    Bench bench;
+    bench.serve("1");
+    ChildProcess record(bench.shell("exec dx4 record line.pcap SW"));
+    // The file's head has 24 bytes.
+    while (bench.run("stat -c %s line.pcap").out.size() < 4)
+        ;
+
+    record.signal(SIGKILL);
+    record.wait();
+
+    EXPECT_EQ(bench.run("dx4 replay line.pcap").out, "1  SW 0 (0x2000)         1  0x0001\n");
 }
 
 TEST(Ending, DemoWithoutAReaderStillStopsTheMotor)

@@ -114,6 +114,27 @@ TEST(FrameRing, BytesWithoutARequestBetweenAreOneReply)
                                         { milliseconds(4), false, "bcd" } }));
 }
 
+TEST(FrameRing, HandsOverWhatNothingCanBeAddedTo)
+{
+    FrameRing ring;
+    ring.addRequest(milliseconds(1), "a");
+    const QVector<RecordedFrame> request = ring.takeEnded();
+    ring.addReplyBytes(milliseconds(2), "b", milliseconds(5));
+    const QVector<RecordedFrame> replyThatMayGoOn = ring.takeEnded();
+    ring.addReplyBytes(milliseconds(3), "c", milliseconds(5));
+    ring.addRequest(milliseconds(4), "d");
+
+    const QVector<RecordedFrame> rest = ring.takeEnded();
+
+    EXPECT_EQ(request, (QVector<RecordedFrame> { { milliseconds(1), true, "a" } }));
+    EXPECT_EQ(replyThatMayGoOn, QVector<RecordedFrame>());
+    EXPECT_EQ(rest,
+              (QVector<RecordedFrame> { { milliseconds(3), false, "bc" },
+                                        { milliseconds(4), true, "d" } }));
+    EXPECT_EQ(ring.frames(), QVector<RecordedFrame>());
+    EXPECT_EQ(ring.forgotten(), 0U);
+}
+
 TEST(RecordingLine, KeepsRequestAndReplyWithTheLinesTimes)
 {
     MemoryLine line(hello, slow());
