@@ -5,11 +5,11 @@
 #include "cli/driver_file.h"
 #include "cli/target.h"
 #include "host/config.h"
+#include "host/modbus_limits.h"
 
 namespace dx4::cli {
 namespace {
 
-constexpr int largestBlock = 123; // registers
 constexpr int fastestSpeed = 4000000; // bit/s
 
 QString formatText(const host::LineSettings &line)
@@ -93,11 +93,12 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
     command.choice("--format", options.format, "data bits, parity, stop bits; else 8N1",
                    { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
                      QStringLiteral("8E2"), QStringLiteral("8O1"), QStringLiteral("8O2") });
-    command.number("--station", options.station, "of addresses that name none", 1, lastStation);
+    command.number("--station", options.station, "of addresses that name none", 1,
+                   host::lastStation);
     command.number("--timeout", options.timeout, "ms until a reply must begin; else 300", 1, 60000);
     command.number("--retries", options.retries, "repetitions of a failed request; else 2", 0, 100);
     command.number("--block", options.block, "most registers of one request; else 16", 1,
-                   largestBlock);
+                   host::largestBlock);
     command.flag("--json", options.json, "print one JSON object per line");
     addDriverOption(command, options.driver);
     command.prepare([&options, name] { return readConfiguration(options, name); });

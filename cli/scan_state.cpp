@@ -4,6 +4,7 @@
 
 #include "cli/output.h"
 #include "cli/target.h"
+#include "host/modbus_limits.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -17,7 +18,7 @@ namespace {
 
 bool isPossible(const ScanState &state)
 {
-    const bool placed = state.next >= 1 && state.next <= lastStation + 1;
+    const bool placed = state.next >= 1 && state.next <= host::lastStation + 1;
     return placed && std::all_of(state.found.cbegin(), state.found.cend(), [&](int station) {
                return station >= 1 && station < state.next;
            });

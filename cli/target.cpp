@@ -5,6 +5,7 @@
 #include "cli/nearest_word.h"
 #include "host/address_range.h"
 #include "host/address_verdict.h"
+#include "host/modbus_limits.h"
 
 #include <QRegularExpression>
 
@@ -92,7 +93,7 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int st
             continue;
         }
         const int asked = word.station.isEmpty() ? station : word.station.toInt();
-        if (asked < 1 || asked > lastStation) {
+        if (asked < 1 || asked > host::lastStation) {
             const QString given = word.station.isEmpty() ? QString::number(asked) : word.station;
             tell(failure, QStringLiteral("no station %1; stations are 1 to 247").arg(given));
             return std::nullopt;

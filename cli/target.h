@@ -12,8 +12,6 @@
 
 namespace dx4::cli {
 
-constexpr int lastStation = 247; // of Modbus
-
 /// A run of registers that the driver accepts.
 struct Target {
     int station = 1;

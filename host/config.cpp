@@ -4,6 +4,7 @@
 
 #include "host/address_range.h"
 #include "host/config_table.h"
+#include "host/modbus_limits.h"
 
 #include <QFile>
 #include <QSet>
@@ -13,8 +14,6 @@
 namespace dx4::host {
 namespace {
 
-constexpr int lastStation = 247;
-constexpr int largestBlock = 123; // registers; both reads and writes of this length fit a frame
 constexpr int mostTries = 100;
 constexpr int longestTimeoutMs = 60'000;
 constexpr int longestGapMs = 1'000;

@@ -2,6 +2,7 @@
 // The parameters of one station as a file that people read and compare.
 #include "host/parameter_set.h"
 
+#include "host/modbus_limits.h"
 #include "host/notation.h"
 #include "register_tables.h"
 
@@ -14,7 +15,6 @@
 namespace dx4::host {
 namespace {
 
-constexpr int lastStation = 247;
 constexpr int indexesPerGroup = 256;
 constexpr int groupC = 10;
 constexpr uint highestValue = 0xFFFF;

@@ -4,6 +4,7 @@
 
 #include "host/address_range.h"
 #include "host/address_verdict.h"
+#include "host/modbus_limits.h"
 #include "host/notation.h"
 
 #include <algorithm>
@@ -33,8 +34,6 @@ struct Planner::Register {
 
 namespace {
 
-constexpr int lastStation = 247;
-constexpr int largestBlock = 123; // registers; both reads and writes of this length fit a frame
 constexpr int requestBytes = 8;
 constexpr int replyFrameBytes = 5; // of a read reply, besides its registers
 

@@ -3,6 +3,7 @@
 #include "host/write_desk.h"
 
 #include "host/length.h"
+#include "host/modbus_limits.h"
 #include "host/notation.h"
 #include "host/verdict_text.h"
 #include "register_tables.h"
@@ -13,7 +14,6 @@ namespace dx4::host {
 namespace {
 
 constexpr int firstId = 1000; // above every tag that a host or the driver itself uses
-constexpr int lastStation = 247;
 constexpr int mostWaiting = 512; // beyond, the driver overwrites its last entry
 constexpr int functionByte = 1;
 constexpr unsigned char readFunction = 3;

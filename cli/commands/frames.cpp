@@ -10,11 +10,10 @@
 #include "cli/values.h"
 #include "host/length.h"
 #include "host/link.h"
+#include "host/modbus_limits.h"
 
 namespace dx4::cli {
 namespace {
-
-constexpr int largestBlock = 123; // registers
 
 struct Options {
     QString driver;
@@ -122,8 +121,9 @@ std::shared_ptr<Options> addCommon(Command &command, const char *help)
 {
     auto options = std::make_shared<Options>();
     command.words("address", options->words, help);
-    command.number("--station", options->station, "station to ask", 1, lastStation);
-    command.number("--block", options->block, "most registers of one request", 1, largestBlock);
+    command.number("--station", options->station, "station to ask", 1, host::lastStation);
+    command.number("--block", options->block, "most registers of one request", 1,
+                   host::largestBlock);
     command.flag("--json", options->json, "print one JSON object per frame");
     addDriverOption(command, options->driver);
     return options;
@@ -136,7 +136,7 @@ void addFrames(CommandLine &line)
     Command frames = line.add("frames", "show requests and explain frames; needs no line");
     Command read = frames.sub("read", "show the requests that read these registers");
     const auto reading = addCommon(read, "registers to read");
-    read.number("--count", reading->count, "registers from the address on", 1, largestBlock);
+    read.number("--count", reading->count, "registers from the address on", 1, host::largestBlock);
     read.example(QStringLiteral("dx4 frames read D 0 --count 4 --station 3"),
                  QStringLiteral("the request for four monitor values"));
     read.action([reading] { return runRead(*reading); });

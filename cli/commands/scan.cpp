@@ -9,6 +9,7 @@
 #include "cli/session.h"
 #include "cli/target.h"
 #include "host/length.h"
+#include "host/modbus_limits.h"
 
 #include <QFile>
 #include <QTextStream>
@@ -24,7 +25,7 @@ constexpr int barWidth = 40;
 struct Options {
     LineOptions line;
     int from = 1;
-    int to = lastStation;
+    int to = host::lastStation;
     QString resume; ///< file of the state; empty: none
 };
 
@@ -182,8 +183,8 @@ void addScan(CommandLine &line)
     const auto options = std::make_shared<Options>();
     options->line.timeout = 100; // most stations are not there
     options->line.retries = 0;
-    command.number("--from", options->from, "first station to ask", 1, lastStation);
-    command.number("--to", options->to, "last station to ask", 1, lastStation);
+    command.number("--from", options->from, "first station to ask", 1, host::lastStation);
+    command.number("--to", options->to, "last station to ask", 1, host::lastStation);
     command.text("--resume", options->resume, "keep the state here and go on from it", "FILE");
     addLineOptions(command, options->line, QStringLiteral("scan"));
     command.example(QStringLiteral("dx4 scan --port /dev/ttyUSB0 --to 3"),
