@@ -4,6 +4,7 @@
 #   frames  every line of a ```frame block in docs/wire.md and docs/cycle.md ends in its Modbus CRC
 #   tests   every test that docs/behaviour.md names is defined in tests/, and every row names one
 #   links   every local file that a document links to exists
+#   lines   every line of src/ that docs/testing.md explains a change of stands in its file
 set -euo pipefail
 
 failures=0
@@ -86,8 +87,26 @@ check_links() {
   done
 }
 
+# Prints "file line" for every row of the changes that no test notices.
+explained_lines() {
+  awk '/^## / { inside = /^## Changes that no test notices$/ }
+       inside && /^### `/ { split($0, part, "`"); file = part[2] }
+       inside && /^\| `/ { sub(/^\| `/, ""); sub(/` \| .* \| .* \|$/, ""); gsub(/\\\|/, "|"); print file, $0 }' \
+    docs/testing.md
+}
+
+check_lines() {
+  local count=0 file line
+  while read -r file line; do
+    count=$((count + 1))
+    find src -name "$file" -exec sed 's/^ *//' {} + | grep -xF -- "$line" >/dev/null ||
+      fail "docs/testing.md explains a line that $file does not have: $line"
+  done < <(explained_lines)
+  [ $count -ge 50 ] || fail "only $count lines found"
+}
+
 case ${1:-} in
-  frames | tests | links) "check_$1" ;;
-  *) echo "usage: check_docs.sh frames|tests|links" >&2; exit 2 ;;
+  frames | tests | links | lines) "check_$1" ;;
+  *) echo "usage: check_docs.sh frames|tests|links|lines" >&2; exit 2 ;;
 esac
 [ $failures -eq 0 ]

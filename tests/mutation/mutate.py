@@ -5,7 +5,8 @@
 Works on copies of the tracked files under --work, never in the tree itself. There the driver is one
 shared library that the tests load and link, so that a change costs a compilation, a link and the
 tests up to the first that fails. A change that no test notices survives: a test is missing, or the
-change makes no difference and is explained in docs/testing.md.
+change makes no difference and has a row in docs/testing.md. Ends with 1 when one has none, or when a
+row is of a change that is noticed or no longer there.
 """
 
 import argparse
@@ -27,7 +28,10 @@ import sys
 import threading
 import time
 
+import explained
+
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+EXPLANATIONS = os.path.join(ROOT, "docs", "testing.md")
 
 # Kind, pattern, replacement. Blanks around the binary operators keep templates, pointers, references
 # and signs apart from them; clang-format sees to the blanks.
@@ -355,6 +359,8 @@ def parse_arguments():
     parser.add_argument("--jobs", type=int, default=1, metavar="N", help="copies of the tree at work")
     parser.add_argument("--resume", action="store_true", help="keep the results of lines that did not change")
     parser.add_argument("--list", action="store_true", help="print the changes and stop")
+    parser.add_argument("--tables", action="store_true",
+                        help="print the survivors as the tables of docs/testing.md, with what is known of them")
     parser.add_argument("--work", default=os.path.join(ROOT, "build", "mutation"),
                         help="directory for copies and results (default build/mutation)")
     return parser.parse_args()
@@ -406,12 +412,26 @@ def run_all(mutants, options, results_path):
                                       described(mutant_of(result))), flush=True)
 
 
-def print_summary(results):
+def print_summary(results, keys, options):
+    """True when each survivor is explained, and nothing else is."""
     counts = collections.Counter(result["outcome"] for result in results)
     print("\n" + ", ".join("%d %s" % (count, name) for name, count in sorted(counts.items())))
-    for result in results:
-        if result["outcome"] == "survived":
-            print(described(mutant_of(result)))
+    reasons = explained.read(EXPLANATIONS)
+    judged = {mutant_of(result): result["outcome"] for result in results}
+    survivors = [mutant for mutant in sorted(judged) if judged[mutant] == "survived"]
+    if options.tables:
+        print(explained.tables([keys[mutant] for mutant in survivors], reasons))
+    unknown = [mutant for mutant in survivors if keys[mutant] not in reasons]
+    for mutant in unknown:
+        print("not explained: " + described(mutant))
+    files = {os.path.basename(path) for path in sources(options.files)}
+    alive = {keys[mutant] for mutant in survivors}
+    alive |= {key for mutant, key in keys.items() if mutant not in judged}
+    stale = [key for key in reasons
+             if key not in alive and (key[0] in files or not options.files)]
+    for key in stale:
+        print("explained, but noticed or no longer there: %s: %s: %s" % key)
+    return not unknown and not stale
 
 
 def main():
@@ -420,6 +440,7 @@ def main():
     os.makedirs(options.work, exist_ok=True)
     copy_tree(tree)
     mutants = [mutant for path in sources(options.files) for mutant in mutants_of(tree, path)]
+    keys = explained.named(mutants)
     if options.sample and options.sample < len(mutants):
         chosen = random.Random(options.seed).sample(range(len(mutants)), options.sample)
         mutants = [mutants[index] for index in sorted(chosen)]
@@ -438,8 +459,7 @@ def main():
     left = [mutant for mutant in mutants if key_of(mutant) not in known]
     if left:
         run_all(left, options, results_path)
-    print_summary(read_results(results_path))
-    return 0
+    return 0 if print_summary(read_results(results_path), keys, options) else 1
 
 
 if __name__ == "__main__":
