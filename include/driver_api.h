@@ -7,7 +7,8 @@
 // - Buffers, strings and lists passed in stay the host's; the driver copies what it keeps. The
 //   shared block, the recipe buffer and the mutex must outlive the link. A string handed out stays
 //   valid after the library is unloaded.
-// - Lists and vectors handed in for output are appended to, never cleared.
+// - Lists and vectors handed in for output are appended to, never cleared. Only intf_addrMerge
+//   replaces the list that it is given.
 // - Register values are two bytes per register, low byte first.
 // - Nothing throws and nothing is logged. Failures are small integers, named in result_codes.h.
 // - A null output pointer is not written. A null input text counts as empty.
@@ -73,7 +74,7 @@ KORVANE_EXPORT void intf_setAddrValueChangeCallBack(ValueChangeCallback callback
 /// @param hostParam     stored, not used
 /// @param recipeBuffer  recipe values, 16-bit units; null: none is read, none is stored
 /// @param result        out: 0
-/// @param propertyText  Latin-1, fields between "#": link number, writes stay local (0 or 1), a
+/// @param propertyText  Latin-1, fields between "#": link number, writes stay local (0: no), a
 ///                      stored field, retry limit in bad replies, block size in registers. Decimal;
 ///                      what is no number counts as 0. With fewer than five fields the settings
 ///                      stay as they were

@@ -3,7 +3,6 @@
 #include "driver_api.h"
 #include "korvane_dx4/address_text.h"
 #include "wire/register_type.h"
-#include "wire/wrap.h"
 
 #include <QStringList>
 
@@ -15,6 +14,12 @@ constexpr int monitorValues = 32; // D 0 to 31 can be read
 constexpr int notOffered = 0; // typeFlag
 constexpr int noSubIndex = -1;
 
+// In 64 bits: a run that is too long for 32 is out of range too.
+qint64 endOf(int address, int count)
+{
+    return qint64 { address } + count;
+}
+
 // Deliberate: a group that has no row is accepted.
 AddressCheck checkParameterRange(int address, int count)
 {
@@ -23,7 +28,7 @@ AddressCheck checkParameterRange(int address, int count)
         return AddressAccepted;
     const int lowest = packedAddress(group, REG_F_ADDRESS[group][0]);
     const int behindHighest = packedAddress(group, REG_F_ADDRESS[group][1]) + 1;
-    const bool inRange = lowest <= address && wrapAdd(address, count) <= behindHighest;
+    const bool inRange = lowest <= address && endOf(address, count) <= behindHighest;
     return inRange ? AddressAccepted : AddressOutOfRange;
 }
 
@@ -40,7 +45,7 @@ AddressCheck checkNumber(const QString &text, int &address, int count, int regis
     address = text.toInt(&isNumber, 10);
     if (!isNumber)
         return AddressMalformed;
-    const bool inRange = address >= 0 && wrapAdd(address, count) <= registers;
+    const bool inRange = address >= 0 && endOf(address, count) <= registers;
     return inRange ? AddressAccepted : AddressOutOfRange;
 }
 

@@ -3,7 +3,6 @@
 #include "driver_api.h"
 #include "korvane_dx4/address_text.h"
 #include "wire/register_type.h"
-#include "wire/wrap.h"
 
 using namespace dx4;
 
@@ -47,7 +46,7 @@ QString parameterText(int address)
     return groupText + QLatin1Char('.') + QString::number(index);
 }
 
-bool isBehindGroupEnd(int address, int group)
+bool isBehindGroupEnd(qint64 address, int group)
 {
     return group == address / 256 && address % 256 > REG_F_ADDRESS[group][1];
 }
@@ -57,19 +56,21 @@ bool isBehindGroupEnd(int address, int group)
 //
 // Deliberate: the next group is that of the base, not of the copy, so that copies stepped group by
 // group restart at group 1 when they meet a shorter group.
+//
+// In 64 bits, because a copy far behind the range has to stay behind it.
 void copyParameters(Copies &copies, int startAddress, int count, int step)
 {
     const int highestIndex = REG_F_ADDRESS[groupC][1];
     const int highest = packedAddress(groupC, highestIndex);
     const QString highestText = parameterText(highest);
-    int base = startAddress;
+    qint64 base = startAddress;
     int remaining = count;
     for (int k = 0; k < remaining; ++k) {
-        int address = wrapAdd(base, wrapMul(k, step));
+        qint64 address = base + qint64 { k } * step;
         for (int group = 0; group < parameterGroupCount; ++group) {
             if (!isBehindGroupEnd(address, group))
                 continue;
-            base = wrapMul(base / 256 + 1, 256);
+            base = (base / 256 + 1) * 256;
             remaining -= k;
             k = 0;
             address = base;
@@ -77,7 +78,7 @@ void copyParameters(Copies &copies, int startAddress, int count, int step)
         if (address > highest)
             copies.appendClamp(highest, highestText);
         else
-            copies.append(address, parameterText(address));
+            copies.append(static_cast<int>(address), parameterText(static_cast<int>(address)));
     }
 }
 
@@ -86,11 +87,12 @@ void copyNumbers(Copies &copies, RegisterType type, int startAddress, int count,
     const QString &highestText = REG_DESCRIPTION[type][HighestColumn];
     const int highest = highestText.toInt();
     for (int k = 0; k < count; ++k) {
-        const int address = wrapAdd(startAddress, wrapMul(k, step));
+        const qint64 address = startAddress + qint64 { k } * step;
         if (address > highest)
             copies.appendClamp(highest, highestText);
         else
-            copies.append(address, QString::number(static_cast<unsigned>(address)));
+            copies.append(static_cast<int>(address),
+                          QString::number(static_cast<unsigned>(address)));
     }
 }
 

@@ -82,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
                       CheckRow { "EmptyRunMayStartBehindTheEnd", "F", "0.19", 0, 19, 0 },
                       CheckRow { "EmptyRunTwoBehindTheEndIsRefused", "F", "0.20", 2, 20, 0 },
                       CheckRow { "NegativeRunIsSummedAsItStands", "F", "0.20", 0, 20, -1 },
-                      CheckRow { "SumWrapsAt32Bits", "F", "0.1", 0, 1, 2147483647 }),
+                      CheckRow { "RunPast32BitsIsOutOfRange", "F", "0.1", 2, 1, 2147483647 }),
     rowName);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -140,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(
                       CheckRow { "RunPast32IsOutOfRange", "D", "0", 2, 0, 33 },
                       CheckRow { "RunOfTwoFrom31IsOutOfRange", "D", "31", 2, 31, 2 },
                       CheckRow { "EmptyRunAt32IsAccepted", "D", "32", 0, 32, 0 },
-                      CheckRow { "SumWrapsAt32Bits", "D", "5", 0, 5, 2147483647 },
+                      CheckRow { "RunPast32BitsIsOutOfRange", "D", "5", 2, 5, 2147483647 },
                       CheckRow { "LeadingZeroIsAccepted", "D", "05", 0, 5 },
                       CheckRow { "BlankBeforeIsSkipped", "D", " 5", 0, 5 },
                       CheckRow { "ThreeCharactersAreTooLong", "D", "031", 16 },

@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
                       ValidityRow { "Group9HasNo12", "F", "9.12", 2, 2316 },
                       ValidityRow { "RunPastTheEndIsOutOfRange", "F", "0.17", 2, 17, 3 },
                       ValidityRow { "RunUpToTheEndIsAccepted", "F", "0.17", 0, 17, 2 },
-                      ValidityRow { "SumWrapsAt32Bits", "F", "0.1", 0, 1, 2147483647 }),
+                      ValidityRow { "RunPast32BitsIsOutOfRange", "F", "0.1", 2, 1, 2147483647 }),
     rowName);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -108,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(
                       ValidityRow { "RunUpTo32IsAccepted", "D", "30", 0, 30, 2 },
                       ValidityRow { "RunPast32IsOutOfRange", "D", "30", 2, 30, 3 },
                       ValidityRow { "EmptyRunAt32IsAccepted", "D", "32", 0, 32, 0 },
-                      ValidityRow { "SumWrapsAt32Bits", "D", "5", 0, 5, 2147483647 },
+                      ValidityRow { "RunPast32BitsIsOutOfRange", "D", "5", 2, 5, 2147483647 },
                       ValidityRow { "LengthIsNotTested", "D", "00005", 0, 5 },
                       ValidityRow { "BlanksAroundAreSkipped", "D", " 5 ", 0, 5 },
                       ValidityRow { "HexadecimalIsMalformed", "D", "0x5", 4, 0 },

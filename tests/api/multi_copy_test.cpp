@@ -104,7 +104,12 @@ INSTANTIATE_TEST_SUITE_P(
         CopyRow { "OneCopyOfFuIsInRange", "FU", 0, 1, 1, 1, "0 ", "0 " },
         CopyRow { "NegativeAddressPrintsUnsigned", "D", -1, 2, 1, 1, "4294967295 0 ", "-1 0 " },
         CopyRow { "NegativeCwPrintsUnsigned", "CW", -1, 3, 1, 2, "4294967295 0 0 ", "-1 0 0 " },
-        CopyRow { "SumWrapsAt32Bits", "D", INT_MAX, 2, 1, 2, "37 2147483648 ", "37 -2147483648 " }),
+        CopyRow { "StaysClampedBehind32Bits", "D", INT_MAX, 2, 1, 2, "37 37 ", "37 37 " },
+        CopyRow { "LargestStepStaysClamped", "D", 36, 3, INT_MAX, 2, "36 37 37 ", "36 37 37 " },
+        CopyRow { "ProductBehind32BitsStaysClamped", "CW", 0, 5, 1073741824, 2, "0 0 0 0 0 ",
+                  "0 0 0 0 0 " },
+        CopyRow { "SmallestStartPrintsUnsigned", "D", INT_MIN, 3, INT_MAX, 2,
+                  "2147483648 4294967295 37 ", "-2147483648 -1 37 " }),
     rowName);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -135,6 +140,8 @@ INSTANTIATE_TEST_SUITE_P(
                   "256 257 " },
         CopyRow { "ACopyFarBehindTheEndOfGroupCCarriesTheBase", "F", 5, 2, 2805, 1, "0.5 1.0 ",
                   "5 256 " },
+        CopyRow { "FStaysClampedBehind32Bits", "F", 0, 5, 1073741824, 2, "0.0 c.13 c.13 c.13 c.13 ",
+                  "0 2573 2573 2573 2573 " },
         CopyRow { "StartAboveTheHighestIsClamped", "F", 5000, 2, 1, 2, "c.13 c.13 ", "2573 2573 " },
         CopyRow { "Group11IsClamped", "F", 2816, 1, 1, 2, "c.13 ", "2573 " },
         CopyRow { "IndexHasNoLeadingZero", "F", 2565, 1, 1, 1, "c.5 ", "2565 " }),

@@ -48,7 +48,7 @@ int checkParameterRange(int address, int count)
         return 0;
     const int first = group * 256;
     const bool below = first > address;
-    const bool above = wrap(1LL * address + count) > first + highestIndex[group] + 1;
+    const bool above = 1LL * address + count > first + highestIndex[group] + 1;
     return below || above ? 2 : 0;
 }
 
@@ -70,7 +70,7 @@ int checkText(const QString &regType, const QString &text, int *address, int cou
     if (parameter)
         return checkParameterRange(parsed.address, count);
     const int end = regType == QLatin1String("D") ? 32 : 1;
-    const bool outside = parsed.address < 0 || wrap(1LL * parsed.address + count) > end;
+    const bool outside = parsed.address < 0 || 1LL * parsed.address + count > end;
     return outside ? 2 : 0;
 }
 
@@ -108,11 +108,11 @@ Copies copyPlain(int start, int count, int step, int highest)
 {
     Copies copies;
     for (int k = 0; k < count; ++k) {
-        const int address = wrap(start + 1LL * k * step);
+        const long long address = start + 1LL * k * step;
         if (address > highest)
             copies.clamp(highest, QString::number(highest));
         else
-            copies.add(address, unsignedText(address));
+            copies.add(static_cast<int>(address), unsignedText(static_cast<int>(address)));
     }
     return copies;
 }
@@ -120,14 +120,14 @@ Copies copyPlain(int start, int count, int step, int highest)
 Copies copyParameters(int start, int count, int step)
 {
     Copies copies;
-    int base = start;
+    long long base = start;
     int remaining = count;
     for (int k = 0; k < remaining; ++k) {
-        int address = wrap(base + 1LL * k * step);
+        long long address = base + 1LL * k * step;
         for (int group = 0; group <= 10; ++group) {
             if (address / 256 != group || address % 256 <= highestIndex[group])
                 continue;
-            base = wrap((base / 256 + 1LL) * 256);
+            base = (base / 256 + 1) * 256;
             remaining -= k;
             k = 0;
             address = base;
@@ -135,7 +135,7 @@ Copies copyParameters(int start, int count, int step)
         if (address > lastParameter)
             copies.clamp(lastParameter, QStringLiteral("c.13"));
         else
-            copies.add(address, parameterText(address));
+            copies.add(static_cast<int>(address), parameterText(static_cast<int>(address)));
     }
     return copies;
 }
