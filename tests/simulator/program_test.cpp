@@ -235,7 +235,7 @@ TEST(SimulatorProgram, SameSeedGivesTheSameLogTwice)
         ServedLine line({ "--faults", faults, "--seed", "7", "--log", log, "--speed", "0" });
         for (int n = 0; n < 20; ++n) {
             Master master(line.device);
-            master.setTimeoutMs(200);
+            master.setTimeoutMs(900);
             master.read(0xF800);
         }
         EXPECT_EQ(line.quit(), 0);
