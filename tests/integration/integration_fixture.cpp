@@ -31,7 +31,7 @@ LineSettings lineSettings(const ModbusPeer &peer)
     LineSettings settings;
     settings.port = QString::fromStdString(peer.device());
     settings.speed = 115200;
-    settings.responseTimeout = std::chrono::milliseconds(100);
+    settings.responseTimeout = std::chrono::milliseconds(300);
     return settings;
 }
 
