@@ -10,8 +10,14 @@ AdapterEcho::State AdapterEcho::state() const
         return m_mode == EchoMode::Yes ? State::Present : State::Absent;
     if (m_echoes >= exchangesToBelieve)
         return State::Present;
-    // A line that brought an echo once may bring it again: one reply without it is no proof.
-    return m_clean >= (m_hasEchoed ? exchangesToBelieve : 1) ? State::Absent : State::Unknown;
+    return m_clean >= cleanToBelieve() ? State::Absent : State::Unknown;
+}
+
+/// A reply without an echo is no proof, as an adapter may lose one. Where there was an echo already
+/// it takes many more: a line that loses one in ten loses three in a row every other minute.
+int AdapterEcho::cleanToBelieve() const
+{
+    return m_hasEchoed ? cleanAfterAnEcho : exchangesToBelieve;
 }
 
 void AdapterEcho::noteEcho()

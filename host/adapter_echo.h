@@ -27,6 +27,9 @@ public:
 
     State state() const;
 
+    /// Exchanges in a row without an echo that it takes to believe in its absence.
+    int cleanToBelieve() const;
+
     /// A request came back before its reply.
     void noteEcho();
 
@@ -44,8 +47,11 @@ private:
     int m_clean = 0; ///< exchanges in a row
 };
 
-/// Exchanges in a row that it takes to believe in an echo, or after one in its absence. Until the
-/// first echo a single reply without one is enough.
+/// Exchanges in a row that it takes to believe in an echo, or in its absence where there was none
+/// since the line was opened.
 inline constexpr int exchangesToBelieve = 3;
+
+/// Exchanges in a row without one that it takes after an echo.
+inline constexpr int cleanAfterAnEcho = 16;
 
 } // namespace dx4::host

@@ -112,7 +112,7 @@ Reply BreakerExchange::probe(const FRAME_PRO &request)
 {
     const Duration timeout =
         m_breaker.probeTimeout(request.var.station, m_line.settings().responseTimeout);
-    Reply reply = m_guard.runWithin(request, timeout);
+    Reply reply = m_guard.runWithin(request, { timeout, std::nullopt, false });
     reply.canRetry = reply.canRetry && reply.kind == Reply::Kind::LineDown;
     return reply;
 }

@@ -55,6 +55,15 @@ quint64 &counterOf(RequestCounts &counts, const ReplyVerdict &verdict)
     return counts.exceptions[verdict.exceptionCode];
 }
 
+/// What came and went around a request.
+void countBesides(RequestCounts &counts, const ExchangeReport &report, Duration held)
+{
+    counts.lateReplies += static_cast<quint64>(report.lateReplies);
+    counts.echoProbes += static_cast<quint64>(report.echoProbes);
+    counts.clearingReads += static_cast<quint64>(report.clearingReads);
+    counts.busy += held;
+}
+
 QJsonObject exceptionsJson(const std::map<int, quint64> &exceptions)
 {
     QJsonObject json;
@@ -98,9 +107,11 @@ void RequestCounts::add(const RequestCounts &other)
     retries += other.retries;
     giveUps += other.giveUps;
     notAsked += other.notAsked;
+    withheld += other.withheld;
     lateReplies += other.lateReplies;
     echoes += other.echoes;
     echoProbes += other.echoProbes;
+    clearingReads += other.clearingReads;
     junkBytes += other.junkBytes;
     bytesSent += other.bytesSent;
     bytesReceived += other.bytesReceived;
@@ -123,9 +134,11 @@ QJsonObject RequestCounts::toJson() const
         { QStringLiteral("retries"), number(retries) },
         { QStringLiteral("give_ups"), number(giveUps) },
         { QStringLiteral("not_asked"), number(notAsked) },
+        { QStringLiteral("withheld"), number(withheld) },
         { QStringLiteral("late_replies"), number(lateReplies) },
         { QStringLiteral("echoes"), number(echoes) },
         { QStringLiteral("echo_probes"), number(echoProbes) },
+        { QStringLiteral("clearing_reads"), number(clearingReads) },
         { QStringLiteral("junk_bytes"), number(junkBytes) },
         { QStringLiteral("bytes_sent"), number(bytesSent) },
         { QStringLiteral("bytes_received"), number(bytesReceived) },
@@ -134,19 +147,25 @@ QJsonObject RequestCounts::toJson() const
     };
 }
 
+void CounterSet::countWithheld(const FRAME_PRO &request, const ExchangeReport &report,
+                               Duration held)
+{
+    RequestCounts &counts = m_blocks[blockOf(request)];
+    ++counts.withheld;
+    countBesides(counts, report, held);
+}
+
 void CounterSet::countExchange(const FRAME_PRO &request, const ExchangeReport &report,
                                Duration held)
 {
     RequestCounts &counts = m_blocks[blockOf(request)];
     ++counts.requests;
     ++counterOf(counts, report.verdict);
-    counts.lateReplies += static_cast<quint64>(report.lateReplies);
+    countBesides(counts, report, held);
     counts.junkBytes += static_cast<quint64>(report.junkBytes);
     counts.echoes += report.echoStripped ? 1U : 0U;
-    counts.echoProbes += static_cast<quint64>(report.echoProbes);
     counts.bytesSent += static_cast<quint64>(request.sendLength);
     counts.bytesReceived += static_cast<quint64>(report.bytesHeard);
-    counts.busy += held;
     const ReplyCause cause = report.verdict.cause;
     if (cause == ReplyCause::Good || cause == ReplyCause::Exception)
         ++counts.turnaround[turnaroundClass(report.answerDelay)];

@@ -48,9 +48,11 @@ struct RequestCounts {
     quint64 retries = 0; ///< requests that are sent again
     quint64 giveUps = 0; ///< requests that used up their tries
     quint64 notAsked = 0; ///< failed without using the line
+    quint64 withheld = 0; ///< not sent, because a reply that is owed could pass for theirs
     quint64 lateReplies = 0;
     quint64 echoes = 0; ///< the adapter's own, stripped
     quint64 echoProbes = 0; ///< the guard's own reads, to learn of an echo; not among the requests
+    quint64 clearingReads = 0; ///< the guard's own, to learn what is still owed; not counted either
     quint64 junkBytes = 0; ///< skipped
     quint64 bytesSent = 0;
     quint64 bytesReceived = 0; ///< while a reply was awaited
@@ -66,6 +68,9 @@ class CounterSet {
 public:
     /// Counts one exchange that used the line.
     void countExchange(const FRAME_PRO &request, const ExchangeReport &report, Duration held);
+
+    /// Counts a request that was not sent for what its station owes.
+    void countWithheld(const FRAME_PRO &request, const ExchangeReport &report, Duration held);
 
     /// Counts what became of the request.
     void countRetry(const FRAME_PRO &request) { ++m_blocks[blockOf(request)].retries; }

@@ -49,14 +49,22 @@ void Cycle::count(Step step)
     if (m_reply.kind == Reply::Kind::NotAsked)
         return m_counters.countNotAsked(m_request);
     ExchangeReport report = m_exchange.report();
-    // Without a guard the driver decides, and it believes more than a close look does.
-    if (step == Step::Served)
-        report.verdict = { ReplyCause::Good, 0 };
-    m_counters.countExchange(m_request, report, m_reply.turnaround);
+    if (m_reply.kind == Reply::Kind::Withheld)
+        m_counters.countWithheld(m_request, report, m_reply.turnaround);
+    else
+        countSent(step, report);
     if (step == Step::Retry)
         m_counters.countRetry(m_request);
     if (step == Step::GivenUp)
         m_counters.countGiveUp(m_request);
+}
+
+void Cycle::countSent(Step step, ExchangeReport report)
+{
+    // Without a guard the driver decides, and it believes more than a close look does.
+    if (step == Step::Served)
+        report.verdict = { ReplyCause::Good, 0 };
+    m_counters.countExchange(m_request, report, m_reply.turnaround);
 }
 
 } // namespace dx4::host

@@ -39,6 +39,7 @@ public:
 private:
     static Step stepOf(ReplyResult result);
     void count(Step step);
+    void countSent(Step step, ExchangeReport report);
 
     Link &m_link;
     Exchange &m_exchange;

@@ -6,6 +6,8 @@
 #include "host/reply_check.h"
 #include "host_records.h"
 
+#include <QVector>
+
 namespace dx4::host {
 
 /// What a request brought.
@@ -15,7 +17,8 @@ struct Reply {
         Incomplete, ///< some bytes, then nothing until the deadline
         Silence, ///< nothing until the deadline
         LineDown, ///< the line is closed or broke; the request may not have left
-        NotAsked, ///< the station is not to be asked; the line was not used
+        NotAsked, ///< the station or this request is not to be asked; the line was not used
+        Withheld, ///< not sent: a reply that the station still owes could pass for its own
     };
 
     Kind kind = Kind::Silence;
@@ -31,9 +34,11 @@ struct ExchangeReport {
     int junkBytes = 0; ///< skipped before the reply; no frame
     int foreignFrames = 0; ///< whole frames that answered another request
     int foreignStation = 0; ///< station of the last of them; 0 when there was none
-    int lateReplies = 0; ///< replies that came after their request had timed out
+    int lateReplies = 0; ///< replies to earlier requests, or maybe to them; none was believed
     bool echoStripped = false; ///< the adapter gave the request back before the reply
     int echoProbes = 0; ///< reads of the guard's own, to learn whether the adapter echoes
+    int clearingReads = 0; ///< reads of the guard's own, to learn what the station still owes
+    QVector<int> heardStations; ///< of each late reply, and of each frame nobody was asked for
     Duration answerDelay { 0 }; ///< turnaround less the wire time of request and reply
 };
 

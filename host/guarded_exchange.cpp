@@ -2,108 +2,40 @@
 // An exchange that lets only the request's own reply through to the driver.
 #include "host/guarded_exchange.h"
 
-#include "host/length.h"
-#include "register_tables.h"
+#include "host/guard_requests.h"
+#include "host/modbus_frame.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
+#include <utility>
 
 namespace dx4::host {
 namespace {
 
-constexpr int functionByte = 1;
-constexpr int exceptionLength = 5;
-constexpr int statusWordType = 4; // in the table of types
 constexpr int mostHeard = 1024; // bytes; a line that babbles on is no reply
-constexpr unsigned char readFunction = 3;
-constexpr unsigned char writeOneFunction = 6;
-constexpr unsigned char writeManyFunction = 16;
-constexpr int writeManyTarget = 6; // bytes up to the count: all that the echo repeats
+
+/// For one request: each that is answered settles something, and three settle everything.
+constexpr int mostClearingReads = 8;
+
+/// Of an echo that was damaged more than this comes through; less in front of a reply is noise.
+constexpr int leastOfEcho = 4;
 
 /// USB adapters hand bytes over in bursts up to 16 ms apart; a shorter pause ends no frame.
 constexpr Duration longestPause = std::chrono::milliseconds(20);
 
-QByteArray bytesOf(const FRAME_PRO &request)
-{
-    return QByteArray(reinterpret_cast<const char *>(request.frame), request.sendLength);
-}
-
-/// Whether the reply equals the request, as an adapter's echo does.
-bool repliesLikeEcho(const FRAME_PRO &request)
-{
-    return request.frame[functionByte] == writeOneFunction;
-}
-
-/// A read of the status word, which every drive has; the shortest whose reply is no echo.
-FRAME_PRO echoProbe(int station)
-{
-    const int address = REG_OFFSETADDR[statusWordType];
-    const std::array<int, 6> payload = {
-        station, readFunction, address / 256, address % 256, 0, 1
-    };
-    FRAME_PRO probe;
-    QByteArray bytes;
-    for (int byte : payload)
-        bytes.append(static_cast<char>(byte));
-    const unsigned crc = crcOf(bytes + QByteArray(2, 0));
-    bytes.append(static_cast<char>(crc & 0xFFU)).append(static_cast<char>(crc >> 8));
-    std::transform(bytes.begin(), bytes.end(), probe.frame,
-                   [](char byte) { return static_cast<unsigned char>(byte); });
-    probe.sendLength = lengthOf(bytes);
-    probe.replyLength = 7;
-    probe.replyDataLength = 2;
-    probe.var.station = station;
-    return probe;
-}
-
-bool isSame(const FRAME_PRO &a, const FRAME_PRO &b)
-{
-    return bytesOf(a) == bytesOf(b);
-}
-
-/// Whether a reply to one could pass for a reply to the other.
-bool isConfusable(const FRAME_PRO &a, const FRAME_PRO &b)
-{
-    const bool sameShape = a.frame[0] == b.frame[0]
-        && a.frame[functionByte] == b.frame[functionByte] && a.replyLength == b.replyLength;
-    if (!sameShape || isSame(a, b))
-        return false;
-    if (a.frame[functionByte] == writeManyFunction)
-        return std::equal(a.frame, a.frame + writeManyTarget, b.frame);
-    return a.frame[functionByte] == readFunction;
-}
-
-bool isReply(const FRAME_PRO &request, const QByteArray &bytes)
-{
-    const ReplyCause cause = checkReply(request, bytes).cause;
-    return cause == ReplyCause::Good || cause == ReplyCause::Exception;
-}
-
-bool beginsLikeReply(const FRAME_PRO &request, const QByteArray &bytes)
-{
-    return bytes.size() > functionByte
-        && static_cast<unsigned char>(bytes.at(0)) == request.frame[0]
-        && static_cast<unsigned char>(bytes.at(functionByte)) == request.frame[functionByte];
-}
+/// A hiccup of a drive, as when it stores a parameter, may last longer than many short timeouts.
+constexpr Duration leastLongestAnswer = std::chrono::seconds(3);
 
 /// Whether the bytes are one frame of any station, whatever it says.
 bool isFrame(const QByteArray &bytes)
 {
-    FRAME_PRO any;
-    any.frame[0] = bytes.isEmpty() ? 0 : static_cast<unsigned char>(bytes.at(0));
-    any.replyLength = lengthOf(bytes);
-    const ReplyCause cause = checkReply(any, bytes).cause;
-    return cause != ReplyCause::Silence && cause != ReplyCause::Truncated
-        && cause != ReplyCause::BadCrc;
+    return bytes.size() >= exceptionLength && crcIsRight(bytes);
 }
 
-/// Bytes to wait for next: up to where an exception ends, then the reply, then one by one.
-int missingBytes(const FRAME_PRO &request, const QByteArray &heard)
+bool beginsLikeReply(const FRAME_PRO &request, const QByteArray &bytes)
 {
-    if (heard.size() < exceptionLength)
-        return std::min(exceptionLength, request.replyLength) - lengthOf(heard);
-    return std::max(request.replyLength - lengthOf(heard), 1);
+    return bytes.size() > functionByte && byteAt(bytes, stationByte) == request.frame[stationByte]
+        && byteAt(bytes, functionByte) == request.frame[functionByte];
 }
 
 Reply::Kind kindOf(ReplyCause cause)
@@ -125,95 +57,218 @@ Reply::Kind kindOf(ReplyCause cause)
     return Reply::Kind::Incomplete;
 }
 
+Duration noLaterThan(const std::optional<Duration> &bound, Duration moment)
+{
+    return bound ? std::min(moment, *bound) : moment;
+}
+
 } // namespace
 
 GuardedExchange::GuardedExchange(Line &line)
     : m_line(line)
+    , m_finder([this](int station, int function) { return m_owed.lengths(station, function); })
     , m_echo(line.settings().echo)
+    , m_answerTimes(line.settings().responseTimeout)
 {
 }
 
 Reply GuardedExchange::run(const FRAME_PRO &request)
 {
-    return runWithin(request, m_line.settings().responseTimeout);
+    return runWithin(request, { timeoutOf(request.frame[stationByte]), std::nullopt, false });
 }
 
-Reply GuardedExchange::runWithin(const FRAME_PRO &request, Duration timeout)
+Reply GuardedExchange::runWithin(const FRAME_PRO &request, const Allowance &allowance)
 {
-    const bool mayMislead = repliesLikeEcho(request);
-    const bool isUrgent = request.var.varKind == safeStopTag;
-    int probes = mayMislead && !isUrgent ? learnEcho(request.var.station, timeout) : 0;
-    Reply reply = exchange(request, timeout);
-    const bool isUnproven = mayMislead && reply.kind == Reply::Kind::Silence;
-    if (isUnproven && m_report.echoStripped) {
-        m_echo.noteLoneCopy();
-        const ExchangeReport report = m_report;
-        probes += isUrgent ? learnEcho(request.var.station, timeout) : 0;
-        m_report = report;
+    beginReport();
+    if (isDegenerate(request))
+        return { Reply::Kind::NotAsked, {}, false, Duration { 0 } };
+    const Duration start = m_line.now();
+    const bool isCopied = repliesLikeEcho(request);
+    if (isCopied && !allowance.isUrgent)
+        learnEcho(request, allowance);
+    if (!allowance.isUrgent && !clear(request, allowance)) {
+        m_report.verdict = {};
+        if (!m_line.isOpen())
+            return lineDown(start);
+        return { Reply::Kind::Withheld, {}, true, m_line.now() - start };
     }
-    m_report.echoProbes = probes;
+    const Reply reply = exchange(request, allowance);
+    if (isCopied && reply.kind == Reply::Kind::Silence && m_report.echoStripped)
+        m_echo.noteLoneCopy();
     return reply;
 }
 
-/// Asks the station for something else until the adapter is known, or the station is silent.
-///
-/// @return reads that were sent
-int GuardedExchange::learnEcho(int station, Duration timeout)
+Reply GuardedExchange::probe(int station, const Allowance &allowance)
 {
-    int probes = 0;
-    while (m_echo.state() == AdapterEcho::State::Unknown && probes < exchangesToBelieve) {
-        const Reply reply = exchange(echoProbe(station), timeout);
-        ++probes;
-        const ReplyCause cause = m_report.verdict.cause;
-        const bool isAnswered = cause == ReplyCause::Good || cause == ReplyCause::Exception;
-        if (reply.kind == Reply::Kind::LineDown || !isAnswered)
-            break;
-    }
-    return probes;
+    return runWithin(statusWordRead(station), allowance);
+}
+
+Reply GuardedExchange::broadcast(quint16 controlWord, const Allowance &allowance)
+{
+    beginReport();
+    const FRAME_PRO request = controlWordBroadcast(controlWord);
+    m_owed.expire(0, m_line.now(), Duration { 0 });
+    const Duration start = m_line.now();
+    if (!send(request, allowance))
+        return lineDown(start);
+    m_owed.noteGivenUp();
+    const Duration end = noLaterThan(allowance.until, *m_lastActivity + allowance.timeout);
+    while (m_line.isOpen() && m_line.now() < end)
+        hear(m_line.receive(mostHeard, end));
+    return { Reply::Kind::Complete, {}, false, m_line.now() - start };
+}
+
+void GuardedExchange::listen()
+{
+    m_report = {};
+    hear(m_line.receive(mostHeard, m_line.now()));
+    m_lateBefore += m_report.lateReplies; // counted with the exchange that follows
+}
+
+void GuardedExchange::beginReport()
+{
+    m_report = {};
+    m_report.lateReplies = std::exchange(m_lateBefore, 0);
 }
 
 void GuardedExchange::forgetLine()
 {
     m_echo = AdapterEcho(m_line.settings().echo);
-    m_unanswered.clear();
+    m_finder.takeRest();
+    m_lastActivity.reset();
 }
 
-Reply GuardedExchange::exchange(const FRAME_PRO &request, Duration timeout)
+Reply GuardedExchange::lineDown(Duration start)
+{
+    forgetLine();
+    return { Reply::Kind::LineDown, {}, true, m_line.now() - start };
+}
+
+/// Asks the station for something else until the adapter is known, or the station is silent.
+void GuardedExchange::learnEcho(const FRAME_PRO &request, const Allowance &allowance)
+{
+    while (m_echo.state() == AdapterEcho::State::Unknown
+           && m_report.echoProbes < m_echo.cleanToBelieve()) {
+        const auto read = clearingRead(request, true);
+        if (!read)
+            break;
+        const Reply reply = exchange(*read, allowance);
+        ++m_report.echoProbes;
+        const bool isAnswered =
+            reply.kind == Reply::Kind::Complete || m_report.verdict.cause == ReplyCause::Exception;
+        if (!isAnswered)
+            break;
+    }
+}
+
+/// Brings the station to tell that nothing it owes can be taken for the reply to this request.
+///
+/// @return false when it did not; the request must not go out
+bool GuardedExchange::clear(const FRAME_PRO &request, const Allowance &allowance)
+{
+    const int station = request.frame[stationByte];
+    m_owed.expire(station, m_line.now(), longestAnswer());
+    bool isThere = false;
+    while (m_owed.couldMislead(request) && m_report.clearingReads < mostClearingReads) {
+        const bool mayAsk = m_line.now() >= m_clearing[station].askAgainAt;
+        const auto read = mayAsk ? clearingRead(request, isThere) : std::nullopt;
+        if (!read)
+            awaitClear(request, noLaterThan(allowance.until, m_line.now() + allowance.timeout));
+        isThere = read && askToClear(*read, allowance);
+        if (!isThere)
+            break;
+    }
+    return !m_owed.couldMislead(request);
+}
+
+/// Sends a read of the guard's own. Each answer settles something, so that asking goes on.
+///
+/// @return whether it was answered
+bool GuardedExchange::askToClear(const FRAME_PRO &read, const Allowance &allowance)
+{
+    ++m_report.clearingReads;
+    m_heardRefusal = false;
+    const Reply reply = exchange(read, allowance);
+    if (reply.kind == Reply::Kind::Complete || m_report.verdict.cause == ReplyCause::Exception)
+        return true;
+    Clearing &clearing = m_clearing[read.frame[stationByte]];
+    clearing.refusals += m_heardRefusal ? 1 : 0;
+    // One that was seen to answer late may still have all of it before it, and gets no more to do
+    // than it can answer. Any other is asked each time, so that it is found when it is back.
+    if (clearing.isLate) {
+        clearing.pause = std::clamp(2 * clearing.pause, allowance.timeout, longestAnswer());
+        clearing.askAgainAt = m_line.now() + clearing.pause;
+    }
+    return false;
+}
+
+/// A read whose reply is told from everything owed; another one each time that a refusal came, as
+/// the drive may not know the registers.
+///
+/// @param isThere  the station answers; one that may be gone is asked the same once more, so that
+///                 there is always something left to tell from it
+std::optional<FRAME_PRO> GuardedExchange::clearingRead(const FRAME_PRO &request, bool isThere) const
+{
+    const QVector<FRAME_PRO> reads = readsOfManyLengths(request);
+    const auto again = std::find_if(reads.begin(), reads.end(), [&](const FRAME_PRO &read) {
+        return !isThere && m_owed.wasLast(read) && !m_owed.couldMislead(read)
+            && bytesOf(read) != bytesOf(request);
+    });
+    if (again != reads.end())
+        return *again;
+    const auto clearing = m_clearing.find(request.frame[stationByte]);
+    const int first = clearing == m_clearing.end() ? 0 : clearing->second.refusals;
+    for (int i = 0; i < reads.size(); ++i) {
+        const FRAME_PRO &read = reads.at((first + i) % reads.size());
+        if (m_owed.isUnmistakable(read))
+            return read;
+    }
+    return std::nullopt;
+}
+
+/// Listens until nothing owed can be taken for the reply to this request any more.
+void GuardedExchange::awaitClear(const FRAME_PRO &request, Duration until)
+{
+    while (m_line.isOpen() && m_line.now() < until && m_owed.couldMislead(request))
+        hear(m_line.receive(m_finder.missing(), until));
+}
+
+Duration GuardedExchange::longestAnswer() const
+{
+    return std::max(mostTimeouts * m_line.settings().responseTimeout, leastLongestAnswer);
+}
+
+Reply GuardedExchange::exchange(const FRAME_PRO &request, const Allowance &allowance)
 {
     const LineSettings &settings = m_line.settings();
-    m_report = {};
-    m_heard.clear();
-    awaitLateReplies(request);
-    awaitGap(request);
-
-    const Duration start = m_line.now();
-    const Duration requestEnd = start + settings.wireTime(request.sendLength);
-    if (!m_line.send(bytesOf(request))) {
-        forgetLine();
-        return { Reply::Kind::LineDown, {}, true, m_line.now() - start };
-    }
-    collect(request, requestEnd + timeout + settings.wireTime(request.replyLength));
-    if (m_report.verdict.cause != ReplyCause::Good && !m_line.isOpen()) {
-        forgetLine();
-        return { Reply::Kind::LineDown, {}, true, m_line.now() - start };
-    }
-
-    const Duration late =
-        requestEnd + timeout + settings.wireTime(request.replyLength) + settings.responseTimeout;
-    const ReplyCause cause = m_report.verdict.cause;
-    if (cause == ReplyCause::Good || cause == ReplyCause::Exception)
-        prolongUnanswered(request, late);
-    else if (!isDamagedReply(cause, request))
-        noteUnanswered(request, late);
+    m_report.verdict = {};
+    m_report.echoStripped = false;
+    m_report.bytesHeard = 0;
+    m_report.junkBytes = 0;
+    m_report.foreignFrames = 0;
+    m_reply.clear();
+    const Duration begun = m_line.now();
+    if (!send(request, allowance))
+        return lineDown(begun);
+    const Duration requestEnd = *m_lastActivity;
+    const Duration start = requestEnd - settings.wireTime(request.sendLength);
+    const Duration wait = allowance.timeout + settings.wireTime(request.replyLength);
+    collect(request, noLaterThan(allowance.until, requestEnd + wait), allowance);
+    m_owed.noteGivenUp();
+    if (m_report.verdict.cause != ReplyCause::Good && !m_line.isOpen())
+        return lineDown(start);
     return finish(request, start);
 }
 
-/// A damaged reply is still this request's own, so that no other is to be expected. A whole one of
-/// the same shape may be a late answer to another request.
-bool GuardedExchange::isDamagedReply(ReplyCause cause, const FRAME_PRO &request) const
+/// @return false when the line is closed or broke
+bool GuardedExchange::send(const FRAME_PRO &request, const Allowance &allowance)
 {
-    const bool isDamaged = cause == ReplyCause::BadCrc || cause == ReplyCause::Truncated;
-    return isDamaged && beginsLikeReply(request, m_heard);
+    awaitGap(request, allowance);
+    const Duration end = m_line.now() + m_line.settings().wireTime(request.sendLength);
+    // Noted first: what a line that breaks has let through may be answered when it is back.
+    m_owed.noteSent(request, m_echo.state() != AdapterEcho::State::Absent, end);
+    m_lastActivity = end;
+    return m_line.send(bytesOf(request));
 }
 
 Reply GuardedExchange::finish(const FRAME_PRO &request, Duration start)
@@ -221,124 +276,150 @@ Reply GuardedExchange::finish(const FRAME_PRO &request, Duration start)
     const ReplyVerdict &verdict = m_report.verdict;
     const Duration turnaround = m_line.now() - start;
     const Duration wire = m_line.settings().wireTime(request.sendLength)
-        + m_line.settings().wireTime(lengthOf(m_heard) + m_report.junkBytes);
+        + m_line.settings().wireTime(lengthOf(m_reply) + m_report.junkBytes);
     m_report.answerDelay = std::max(turnaround - wire, Duration { 0 });
-    const QByteArray forDriver = verdict.cause == ReplyCause::Good ? m_heard : QByteArray();
+    const QByteArray forDriver = verdict.cause == ReplyCause::Good ? m_reply : QByteArray();
     return { kindOf(verdict.cause), forDriver, verdict.canRetry(), turnaround };
 }
 
-/// Lets replies pass by that are overdue and could be taken for this request's.
-void GuardedExchange::awaitLateReplies(const FRAME_PRO &request)
-{
-    for (Unanswered &entry : m_unanswered) {
-        if (!isConfusable(entry.request, request))
-            continue;
-        while (entry.replies > 0 && m_line.isOpen() && m_line.now() < entry.until) {
-            const QByteArray late = m_line.receive(entry.request.replyLength, entry.until);
-            if (!late.isEmpty())
-                ++m_report.lateReplies;
-            --entry.replies;
-        }
-    }
-    const auto isOver = [this](const Unanswered &entry) {
-        return entry.replies <= 0 || m_line.now() >= entry.until;
-    };
-    m_unanswered.erase(std::remove_if(m_unanswered.begin(), m_unanswered.end(), isOver),
-                       m_unanswered.end());
-}
-
-void GuardedExchange::awaitGap(const FRAME_PRO &request)
+/// Listens until the line was silent for as long as a frame needs before it.
+void GuardedExchange::awaitGap(const FRAME_PRO &request, const Allowance &allowance)
 {
     const LineSettings &settings = m_line.settings();
-    const auto extra = m_extraGaps.find(request.frame[0]);
+    const auto extra = m_extraGaps.find(request.frame[stationByte]);
     const Duration gap =
         settings.silentGap() + (extra == m_extraGaps.end() ? Duration { 0 } : extra->second);
     // A station that chatters without end must not stop the rotation.
-    m_line.awaitSilence(gap, m_line.now() + std::max(settings.responseTimeout, 2 * gap));
-    m_line.discardInput();
+    const Duration limit =
+        noLaterThan(allowance.until, m_line.now() + std::max(settings.responseTimeout, 2 * gap));
+    hear(m_line.receive(mostHeard, m_line.now()));
+    if (!m_lastActivity) {
+        m_line.awaitSilence(gap, limit); // what others did before is the line's to know
+        m_lastActivity = m_line.now() - gap;
+    }
+    while (m_line.isOpen() && m_line.now() < std::min(*m_lastActivity + gap, limit))
+        hear(m_line.receive(mostHeard, std::min(*m_lastActivity + gap, limit)));
+    m_finder.takeRest(); // the beginning of a frame that nobody ended
 }
 
-void GuardedExchange::collect(const FRAME_PRO &request, Duration deadline)
+/// Takes in what comes while no reply is awaited.
+void GuardedExchange::hear(const QByteArray &bytes)
 {
-    bool found = false;
-    while (!found && m_heard.size() < mostHeard) {
-        // Behind a damaged reply comes nothing more; behind junk the reply may still come.
-        const bool isWhole =
-            m_heard.size() >= request.replyLength && beginsLikeReply(request, m_heard);
-        const Duration pause = std::max(m_line.settings().silentGap(), longestPause);
-        const Duration limit = isWhole ? std::min(deadline, m_line.now() + pause) : deadline;
-        const int missing = missingBytes(request, m_heard);
+    if (bytes.isEmpty())
+        return;
+    m_lastActivity = m_line.now();
+    m_finder.add(bytes);
+    while (const auto found = m_finder.next())
+        takeFrame(nullptr, *found);
+}
+
+void GuardedExchange::collect(const FRAME_PRO &request, Duration deadline,
+                              const Allowance &allowance)
+{
+    const LineSettings &settings = m_line.settings();
+    while (m_report.bytesHeard < mostHeard) {
+        // Behind a damaged reply comes nothing more, most likely: it stays owed all the same.
+        const Duration pause = std::max(settings.silentGap(), longestPause);
+        const Duration limit =
+            seemsDamaged(request) ? std::min(deadline, m_line.now() + pause) : deadline;
+        const int missing = m_finder.missing();
         const QByteArray more = m_line.receive(missing, limit);
-        m_heard += more;
         m_report.bytesHeard += lengthOf(more);
-        if (stripEcho(request)) {
-            deadline += m_line.settings().wireTime(request.sendLength);
-            continue;
+        m_finder.add(more);
+        if (!more.isEmpty())
+            m_lastActivity = m_line.now();
+        while (const auto found = m_finder.next()) {
+            if (takeFrame(&request, *found))
+                return;
+            deadline =
+                noLaterThan(allowance.until, deadline + settings.wireTime(lengthOf(found->frame)));
         }
-        if (m_heard.size() > request.replyLength)
-            deadline += m_line.settings().wireTime(lengthOf(more));
-        found = findReply(request);
         if (more.size() < missing)
             break;
     }
-    if (found)
-        return;
-    m_report.verdict = checkReply(request, m_heard);
-    noteSkipped(m_heard);
+    const QByteArray rest = m_finder.takeRest();
+    noteSkipped(rest);
+    if (!rest.isEmpty())
+        m_reply = rest; // says more than a frame of somebody else's before it
+    m_report.verdict = checkReply(request, m_reply);
 }
 
-/// Looks for the reply at every place of what was heard, and cuts it out.
-bool GuardedExchange::findReply(const FRAME_PRO &request)
+/// Whether what was heard looks like the whole reply, but for its CRC.
+bool GuardedExchange::seemsDamaged(const FRAME_PRO &request) const
 {
-    for (int start = 0; start + exceptionLength <= m_heard.size(); ++start) {
-        for (int length : { exceptionLength, request.replyLength }) {
-            const QByteArray candidate = m_heard.mid(start, length);
-            if (static_cast<unsigned char>(candidate.at(0)) != request.frame[0]
-                || candidate.size() != length || !isReply(request, candidate))
-                continue;
-            noteSkipped(m_heard.left(start));
-            m_heard = candidate;
-            m_report.verdict = checkReply(request, candidate);
-            noteEchoOf(request, start);
-            return true;
-        }
+    const bool echoIsOver = m_report.echoStripped || m_echo.state() == AdapterEcho::State::Absent;
+    return echoIsOver && m_finder.rest().size() >= request.replyLength
+        && beginsLikeReply(request, m_finder.rest());
+}
+
+/// Finds out whose a frame is.
+///
+/// @param request  in hand; null when there is none
+/// @return whether it is the reply to the request in hand
+bool GuardedExchange::takeFrame(const FRAME_PRO *request, const FrameFinder::Found &found)
+{
+    if (request)
+        noteSkipped(found.skipped);
+    const int station = byteAt(found.frame, stationByte);
+    const OwedReplies::Claim claim = m_owed.take(found.frame, m_line.now());
+    switch (claim.kind) {
+    case OwedReplies::Kind::Own:
+        m_reply = found.frame;
+        m_report.verdict = checkReply(*request, found.frame);
+        noteReply(*request, claim);
+        noteAnswerTime(station, claim, lengthOf(found.frame));
+        m_clearing.erase(station);
+        return true;
+    case OwedReplies::Kind::Late:
+        ++m_report.lateReplies;
+        m_report.heardStations.append(station);
+        m_clearing[station].isLate = true;
+        m_heardRefusal = m_heardRefusal || found.frame.size() == exceptionLength;
+        noteAnswerTime(station, claim, lengthOf(found.frame));
+        break;
+    case OwedReplies::Kind::Echo:
+        m_report.echoStripped = m_report.echoStripped || claim.isOfCurrent;
+        noteEcho(found.frame);
+        break;
+    case OwedReplies::Kind::Unowed:
+        m_reply = found.frame;
+        noteSkipped(found.frame);
+        break;
     }
     return false;
 }
 
-/// Takes the adapter's copy of the request away, where it cannot be the reply itself.
-///
-/// @return whether something was taken
-bool GuardedExchange::stripEcho(const FRAME_PRO &request)
+/// A copy of a single write may be its reply and tells nothing of the adapter.
+void GuardedExchange::noteEcho(const QByteArray &copy)
 {
-    const bool mayBeReply = repliesLikeEcho(request);
-    if (m_report.echoStripped || (mayBeReply && m_echo.state() == AdapterEcho::State::Absent))
-        return false;
-    // Behind junk too where it could pass for the reply; elsewhere it does no harm there.
-    const QByteArray echo = bytesOf(request);
-    const int start = mayBeReply ? static_cast<int>(m_heard.indexOf(echo)) : 0;
-    if (start < 0 || m_heard.mid(start, request.sendLength) != echo)
-        return false;
-    noteSkipped(m_heard.left(start));
-    m_heard.remove(0, start + request.sendLength);
-    m_report.echoStripped = true;
-    if (!mayBeReply)
-        m_echo.noteEcho();
-    return true;
+    if (byteAt(copy, functionByte) == writeOneFunction)
+        return;
+    if (m_echo.state() == AdapterEcho::State::Absent)
+        m_owed.expectEchoes();
+    m_echo.noteEcho();
 }
 
-/// What a reply says of the adapter, with so many bytes before it.
-void GuardedExchange::noteEchoOf(const FRAME_PRO &request, int skipped)
+/// What a reply says of the adapter.
+void GuardedExchange::noteReply(const FRAME_PRO &request, const OwedReplies::Claim &claim)
 {
-    const bool mayMislead = repliesLikeEcho(request);
-    const bool isCopy = mayMislead && m_report.verdict.cause == ReplyCause::Good;
-    if (mayMislead && m_report.echoStripped)
+    const bool mayBeCopy = repliesLikeEcho(request);
+    const bool isCopy = mayBeCopy && m_report.verdict.cause == ReplyCause::Good;
+    if (mayBeCopy && m_report.echoStripped)
         m_echo.noteEcho(); // what was taken away was no reply
-    else if (!isCopy && !m_report.echoStripped && skipped == 0)
-        m_echo.noteNoEcho(); // bytes before it might have been a damaged echo
+    else if (!isCopy && !m_report.echoStripped && claim.isSingle && m_report.junkBytes < leastOfEcho
+             && m_report.foreignFrames == 0)
+        m_echo.noteNoEcho(); // more bytes before it might have been a damaged echo
 }
 
-/// Sorts what was not the reply: a frame of somebody else's, a late one, or junk.
+void GuardedExchange::noteAnswerTime(int station, const OwedReplies::Claim &claim, int length)
+{
+    if (!claim.asked)
+        return;
+    const Duration delay = m_line.now() - *claim.asked - m_line.settings().wireTime(length);
+    m_answerTimes.noteAnswer(station, std::max(delay, Duration { 0 }), claim.isSingle);
+}
+
+/// Sorts what nobody was asked for: a frame of somebody else's, or junk.
 void GuardedExchange::noteSkipped(const QByteArray &bytes)
 {
     if (bytes.isEmpty())
@@ -348,35 +429,8 @@ void GuardedExchange::noteSkipped(const QByteArray &bytes)
         return;
     }
     ++m_report.foreignFrames;
-    m_report.foreignStation = static_cast<unsigned char>(bytes.at(0));
-    for (Unanswered &entry : m_unanswered) {
-        if (entry.replies > 0 && isReply(entry.request, bytes)) {
-            --entry.replies;
-            ++m_report.lateReplies;
-            return;
-        }
-    }
-}
-
-void GuardedExchange::noteUnanswered(const FRAME_PRO &request, Duration until)
-{
-    for (Unanswered &entry : m_unanswered) {
-        if (!isSame(entry.request, request))
-            continue;
-        ++entry.replies;
-        entry.until = until;
-        return;
-    }
-    m_unanswered.push_back({ request, 1, until });
-}
-
-/// The reply that came may have been that of an earlier try; then this one's is still to come.
-void GuardedExchange::prolongUnanswered(const FRAME_PRO &request, Duration until)
-{
-    for (Unanswered &entry : m_unanswered) {
-        if (isSame(entry.request, request))
-            entry.until = until;
-    }
+    m_report.foreignStation = byteAt(bytes, stationByte);
+    m_report.heardStations.append(m_report.foreignStation);
 }
 
 } // namespace dx4::host

@@ -3,74 +3,122 @@
 #pragma once
 
 #include "host/adapter_echo.h"
+#include "host/answer_times.h"
 #include "host/exchange.h"
+#include "host/frame_finder.h"
+#include "host/owed_replies.h"
 
 #include <map>
-#include <vector>
+#include <optional>
 
 namespace dx4::host {
+
+/// How long one exchange may take, and what may be done for it.
+struct Allowance {
+    Duration timeout { 0 }; ///< end of the request to the first byte of its reply
+    std::optional<Duration> until; ///< moment at which it ends, whatever the line does
+    bool isUrgent = false; ///< goes out at once: nothing else is asked before or behind it
+};
 
 /// Finds the reply in what the line brings: strips the adapter's echo, skips junk and other
 /// stations' frames, recognises an exception at its fifth byte. What is not the request's own reply
 /// reaches the driver as no bytes at all.
 ///
-/// A read reply names no register, so one that comes late would pass for the next read of the same
-/// station and length. After a timeout such a request waits until the missing reply has come, or
-/// until another response timeout has passed in silence; other requests need not wait, as their
-/// replies differ. A station must not be slower than twice the response timeout.
+/// A reply is believed only if it can be the answer to nothing but the request in hand. A read
+/// reply names no register, so one that comes late would pass for the next read of the same station
+/// and length. A station that did not answer therefore owes a reply until it was seen, or until the
+/// station answered something that it was asked later and that cannot be mistaken. While it owes
+/// one it is asked only what that reply cannot pass for, or the same once more; for anything else
+/// it is first asked for a number of registers that it does not owe. A request that must not go out
+/// yet ends as Withheld. Other stations are asked meanwhile.
 ///
 /// The reply of a single-register write equals its request. One copy confirms such a write only
-/// while the adapter is known not to echo; else it takes two. Where it is not known, short reads of
-/// the same station find out before the write goes out, or behind it where the write is a safe
-/// stop.
+/// while the adapter is known not to echo; else it takes one more than there can be echoes. Where
+/// it is not known, short reads of the same station find out before the write goes out.
 class GuardedExchange : public Exchange {
 public:
     /// @param line  outlives the exchange
     explicit GuardedExchange(Line &line);
 
-    /// Sends the request and waits for its reply for the line's response timeout.
+    /// Sends the request and waits for its reply for the station's response timeout.
     Reply run(const FRAME_PRO &request) override;
 
-    /// As run(), with another response timeout.
-    Reply runWithin(const FRAME_PRO &request, Duration timeout);
+    /// As run(), with limits of its own.
+    Reply runWithin(const FRAME_PRO &request, const Allowance &allowance);
+
+    /// Reads the status word once, by itself and not for the driver.
+    Reply probe(int station, const Allowance &allowance);
+
+    /// Writes the control word of all stations at once. Nobody answers a broadcast, so nothing is
+    /// confirmed by it; it ends after the turnaround that stations need to carry it out.
+    Reply broadcast(quint16 controlWord, const Allowance &allowance);
+
+    /// Takes in what has come since the last exchange, without waiting; the report has it.
+    void listen();
 
     const ExchangeReport &report() const override { return m_report; }
 
     /// Silence that a station needs before a request, on top of the line's own gap.
     void setExtraGap(int station, Duration extra) { m_extraGaps[station] = extra; }
 
-    /// Forgets the adapter and what it may still bring: the line is another one since it was
-    /// opened again. An exchange that finds the line closed does so by itself.
+    /// Response timeout of a station: that of the line, or a longer one that was learnt.
+    Duration timeoutOf(int station) const { return m_answerTimes.timeoutOf(station); }
+
+    /// The slowest of its last answers, wire times taken off; none before the first.
+    std::optional<Duration> answerTime(int station) const
+    {
+        return m_answerTimes.slowestOf(station);
+    }
+
+    /// What was learnt of a station's timeout, in words and once; empty when nothing was.
+    QString takeNotice() { return m_answerTimes.takeNotice(); }
+
+    /// Forgets the adapter: the line is another one since it was opened again. What stations owe
+    /// they may still bring. An exchange that finds the line closed does so by itself.
     void forgetLine();
 
 private:
-    /// A request whose replies may still come.
-    struct Unanswered {
-        FRAME_PRO request;
-        int replies = 1;
-        Duration until { 0 }; ///< moment after which none is expected
+    /// How a station is brought to tell that it owes nothing.
+    struct Clearing {
+        Duration askAgainAt { 0 };
+        Duration pause { 0 };
+        int refusals = 0; ///< heard after such a read, which may have been meant
+        bool isLate = false; ///< what it was asked before came late
     };
 
-    Reply exchange(const FRAME_PRO &request, Duration timeout);
-    int learnEcho(int station, Duration timeout);
-    void awaitLateReplies(const FRAME_PRO &request);
-    void awaitGap(const FRAME_PRO &request);
-    void collect(const FRAME_PRO &request, Duration deadline);
-    bool findReply(const FRAME_PRO &request);
-    bool stripEcho(const FRAME_PRO &request);
-    void noteEchoOf(const FRAME_PRO &request, int skipped);
-    void noteSkipped(const QByteArray &bytes);
-    void noteUnanswered(const FRAME_PRO &request, Duration until);
-    void prolongUnanswered(const FRAME_PRO &request, Duration until);
-    bool isDamagedReply(ReplyCause cause, const FRAME_PRO &request) const;
+    void beginReport();
+    Reply lineDown(Duration start);
+    Reply exchange(const FRAME_PRO &request, const Allowance &allowance);
     Reply finish(const FRAME_PRO &request, Duration start);
+    void learnEcho(const FRAME_PRO &request, const Allowance &allowance);
+    bool clear(const FRAME_PRO &request, const Allowance &allowance);
+    bool askToClear(const FRAME_PRO &read, const Allowance &allowance);
+    void awaitClear(const FRAME_PRO &request, Duration until);
+    std::optional<FRAME_PRO> clearingRead(const FRAME_PRO &request, bool isThere) const;
+    Duration longestAnswer() const;
+    void awaitGap(const FRAME_PRO &request, const Allowance &allowance);
+    bool send(const FRAME_PRO &request, const Allowance &allowance);
+    void hear(const QByteArray &bytes);
+    void collect(const FRAME_PRO &request, Duration deadline, const Allowance &allowance);
+    bool seemsDamaged(const FRAME_PRO &request) const;
+    bool takeFrame(const FRAME_PRO *request, const FrameFinder::Found &found);
+    void noteEcho(const QByteArray &copy);
+    void noteReply(const FRAME_PRO &request, const OwedReplies::Claim &claim);
+    void noteAnswerTime(int station, const OwedReplies::Claim &claim, int length);
+    void noteSkipped(const QByteArray &bytes);
 
     Line &m_line;
     ExchangeReport m_report;
-    QByteArray m_heard; ///< of this exchange, without what was skipped; then the reply alone
+    OwedReplies m_owed;
+    FrameFinder m_finder;
+    QByteArray m_reply; // what the verdict of the report is about
     AdapterEcho m_echo;
-    std::vector<Unanswered> m_unanswered;
+    AnswerTimes m_answerTimes;
+    std::map<int, Clearing> m_clearing;
+    bool m_heardRefusal = false; // late, so that it is not known of what
     std::map<int, Duration> m_extraGaps;
+    std::optional<Duration> m_lastActivity; // of the line, as far as it was followed
+    int m_lateBefore = 0; // late replies since the last exchange
 };
 
 } // namespace dx4::host

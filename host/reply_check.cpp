@@ -2,35 +2,15 @@
 // Whether a reply answers its request, looked at more closely than the driver does.
 #include "host/reply_check.h"
 
-#include "host/length.h"
+#include "host/frame_finder.h"
+#include "host/modbus_frame.h"
 
 #include <algorithm>
 
 namespace dx4::host {
 namespace {
 
-constexpr int stationByte = 0;
-constexpr int functionByte = 1;
-constexpr int byteCountByte = 2;
-constexpr int exceptionCodeByte = 2;
-constexpr int exceptionLength = 5;
-constexpr int echoedBytes = 6; // station, function, address, value or count
-constexpr int crcBytes = 2;
-constexpr unsigned readFunction = 3;
-constexpr unsigned exceptionBit = 0x80;
 constexpr int lastHopelessException = 3;
-
-unsigned byteAt(const QByteArray &bytes, int position)
-{
-    return static_cast<unsigned char>(bytes.at(position));
-}
-
-bool crcIsRight(const QByteArray &frame)
-{
-    const unsigned crc = crcOf(frame);
-    return byteAt(frame, lengthOf(frame) - 2) == (crc & 0xFFU)
-        && byteAt(frame, lengthOf(frame) - 1) == crc >> 8;
-}
 
 bool isException(const FRAME_PRO &request, const QByteArray &reply)
 {
@@ -62,17 +42,6 @@ ReplyCause checkPayload(const FRAME_PRO &request, const QByteArray &reply)
 bool ReplyVerdict::canRetry() const
 {
     return cause != ReplyCause::Exception || exceptionCode > lastHopelessException;
-}
-
-unsigned crcOf(const QByteArray &frame)
-{
-    unsigned crc = 0xFFFF;
-    for (int i = 0; i < frame.size() - crcBytes; ++i) {
-        crc ^= byteAt(frame, i);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1U) ? (crc >> 1) ^ 0xA001U : crc >> 1;
-    }
-    return crc;
 }
 
 ReplyVerdict checkReply(const FRAME_PRO &request, const QByteArray &reply)

@@ -30,9 +30,6 @@ struct ReplyVerdict {
     bool canRetry() const;
 };
 
-/// CRC of a frame's bytes ahead of its last two.
-unsigned crcOf(const QByteArray &frame);
-
 /// Compares a reply with its request: CRC, station, function, byte count of a read, address and
 /// value or count of a write's echo. The driver itself believes length and CRC.
 ReplyVerdict checkReply(const FRAME_PRO &request, const QByteArray &reply);

@@ -43,18 +43,20 @@ TEST_P(AdapterEchoLearns, FromExchangesInARow)
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, AdapterEchoLearns,
-    ::testing::Values(Row { "NothingAtFirst", "", "unknown" },
-                      Row { "OneCleanReplyIsEnoughAtFirst", "c", "absent" },
-                      Row { "ALoneCopyTeachesNothing", "l", "unknown" },
-                      Row { "ALoneCopyDoesNotShakeACleanLine", "cl", "absent" },
-                      Row { "OneEchoShakesACleanLine", "ccce", "unknown" },
-                      Row { "TwoCleanRepliesAfterAnEchoAreTooFew", "ecc", "unknown" },
-                      Row { "ThreeCleanRepliesAfterAnEchoAreEnough", "eccc", "absent" },
-                      Row { "AnEchoBetweenCleanRepliesBeginsAnew", "eccecc", "unknown" },
-                      Row { "TwoEchoesAreTooFew", "ee", "unknown" },
-                      Row { "ThreeEchoesAreEnough", "eee", "present" },
-                      Row { "ALoneCopyShakesAnEcho", "eeel", "unknown" },
-                      Row { "ACleanReplyShakesAnEcho", "eeec", "unknown" }),
+    ::testing::Values(
+        Row { "NothingAtFirst", "", "unknown" },
+        Row { "TwoCleanRepliesAreTooFewAtFirst", "cc", "unknown" },
+        Row { "ThreeCleanRepliesAreEnoughAtFirst", "ccc", "absent" },
+        Row { "ALoneCopyTeachesNothing", "l", "unknown" },
+        Row { "ALoneCopyDoesNotShakeACleanLine", "cccl", "absent" },
+        Row { "OneEchoShakesACleanLine", "ccce", "unknown" },
+        Row { "FifteenCleanRepliesAfterAnEchoAreTooFew", "eccccccccccccccc", "unknown" },
+        Row { "SixteenCleanRepliesAfterAnEchoAreEnough", "ecccccccccccccccc", "absent" },
+        Row { "AnEchoBetweenCleanRepliesBeginsAnew", "eccccccccecccccccc", "unknown" },
+        Row { "TwoEchoesAreTooFew", "ee", "unknown" },
+        Row { "ThreeEchoesAreEnough", "eee", "present" },
+        Row { "ALoneCopyShakesAnEcho", "eeel", "unknown" },
+        Row { "ACleanReplyShakesAnEcho", "eeec", "unknown" }),
     [](const auto &row) { return std::string(row.param.name); });
 
 TEST(AdapterEchoTest, WhatTheUserSaysIsBelieved)

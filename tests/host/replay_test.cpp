@@ -150,7 +150,7 @@ TEST_F(ReplayTest, WhatTheGuardMadeOfTheLineItMakesAgain)
     EXPECT_EQ(second.cache(), first.cache());
 }
 
-TEST_F(ReplayTest, AReadOfTheGuardsOwnComesBackAsAOneOffRead)
+TEST_F(ReplayTest, ReadsOfTheGuardsOwnComeBackAsOneOffReads)
 {
     GuardedExchange guarded(recording);
     Cycle guardedCycle(first.link, guarded);
@@ -169,7 +169,7 @@ TEST_F(ReplayTest, AReadOfTheGuardsOwnComesBackAsAOneOffRead)
     const ReplayResult result = replay(second.link, replayed, exchange);
 
     EXPECT_TRUE(result.complete) << result.stoppedAt.toStdString();
-    EXPECT_EQ(result.played, 3);
+    EXPECT_EQ(result.played, 5) << "three of the status word, the write and a polled block";
     EXPECT_EQ(first.changes, (Texts { "1 D 0 = 4660", "1 D 1 = 7" }));
     EXPECT_EQ(second.link.registerState(1, QStringLiteral("FRE"), 0).value, 500);
     EXPECT_EQ(second.link.registerState(1, QStringLiteral("D"), 0).value, 4660);
