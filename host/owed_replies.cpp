@@ -189,10 +189,11 @@ bool OwedReplies::couldMislead(const FRAME_PRO &request) const
     const QByteArray bytes = bytesOf(request);
     bool writtenSince = false;
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-        const bool isSame = !writtenSince && isSameRequest(*entry, bytes, request.var.varKind);
-        if (!isSame && looksAlike(entry->request, entry->replyLength, bytes, request.replyLength))
+        const bool isSame = isSameRequest(*entry, bytes, request.var.varKind);
+        const bool isOther = !isSame || writtenSince;
+        if (isOther && looksAlike(entry->request, entry->replyLength, bytes, request.replyLength))
             return true;
-        writtenSince = writtenSince || entry->isWrite;
+        writtenSince = writtenSince || (entry->isWrite && !isSame);
     }
     return false;
 }

@@ -14,7 +14,7 @@ protected:
     WriteDeskTest()
     {
         host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
-        host.steps(1);
+        host.steps(3); // the adapter is known not to echo
     }
 
     const WriteOutcome &last() const { return host.outcomeRecords.back(); }
