@@ -168,8 +168,11 @@ bool GuardedExchange::clear(const FRAME_PRO &request, const Allowance &allowance
 {
     const int station = request.frame[stationByte];
     m_owed.expire(station, m_line.now(), longestAnswer());
+    const auto isUnclear = [&] {
+        return m_owed.couldMislead(request) || m_owed.owesTooMuch(station);
+    };
     bool isThere = false;
-    while (m_owed.couldMislead(request) && m_report.clearingReads < mostClearingReads) {
+    while (isUnclear() && m_report.clearingReads < mostClearingReads) {
         const bool mayAsk = m_line.now() >= m_clearing[station].askAgainAt;
         const auto read = mayAsk ? clearingRead(request, isThere) : std::nullopt;
         if (!read)
@@ -178,7 +181,7 @@ bool GuardedExchange::clear(const FRAME_PRO &request, const Allowance &allowance
         if (!isThere)
             break;
     }
-    return !m_owed.couldMislead(request);
+    return !isUnclear();
 }
 
 /// Sends a read of the guard's own. Each answer settles something, so that asking goes on.
@@ -311,6 +314,8 @@ void GuardedExchange::hear(const QByteArray &bytes)
     m_finder.add(bytes);
     while (const auto found = m_finder.next())
         takeFrame(nullptr, *found);
+    if (m_finder.rest().size() > mostHeard)
+        m_finder.takeRest(); // a line that babbles while nobody asks
 }
 
 void GuardedExchange::collect(const FRAME_PRO &request, Duration deadline,

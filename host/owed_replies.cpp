@@ -10,6 +10,7 @@
 namespace dx4::host {
 namespace {
 
+constexpr std::size_t mostEntries = 64; // of a station that does not answer
 constexpr std::size_t mostTimes = 16; // of equal requests; beyond, only their number is kept
 
 bool beginsEqual(const QByteArray &a, const QByteArray &b)
@@ -196,6 +197,12 @@ bool OwedReplies::couldMislead(const FRAME_PRO &request) const
         writtenSince = writtenSince || (entry->isWrite && !isSame);
     }
     return false;
+}
+
+bool OwedReplies::owesTooMuch(int station) const
+{
+    const auto found = m_stations.find(station);
+    return found != m_stations.end() && found->second.size() >= mostEntries;
 }
 
 bool OwedReplies::isUnmistakable(const FRAME_PRO &read) const

@@ -62,6 +62,10 @@ public:
     /// none that may be another's.
     bool couldMislead(const FRAME_PRO &request) const;
 
+    /// Whether a station owes so much that it has to tell what is left of that before it is asked
+    /// anything else.
+    bool owesTooMuch(int station) const;
+
     /// Whether the reply to a read would be told from all that its station owes.
     bool isUnmistakable(const FRAME_PRO &read) const;
 
