@@ -168,11 +168,8 @@ bool GuardedExchange::clear(const FRAME_PRO &request, const Allowance &allowance
 {
     const int station = request.frame[stationByte];
     m_owed.expire(station, m_line.now(), longestAnswer());
-    const auto isUnclear = [&] {
-        return m_owed.couldMislead(request) || m_owed.owesTooMuch(station);
-    };
     bool isThere = false;
-    while (isUnclear() && m_report.clearingReads < mostClearingReads) {
+    while (isUnclear(request) && m_report.clearingReads < mostClearingReads) {
         const bool mayAsk = m_line.now() >= m_clearing[station].askAgainAt;
         const auto read = mayAsk ? clearingRead(request, isThere) : std::nullopt;
         if (!read)
@@ -181,7 +178,12 @@ bool GuardedExchange::clear(const FRAME_PRO &request, const Allowance &allowance
         if (!isThere)
             break;
     }
-    return !isUnclear();
+    return !isUnclear(request);
+}
+
+bool GuardedExchange::isUnclear(const FRAME_PRO &request) const
+{
+    return m_owed.couldMislead(request) || m_owed.owesTooMuch(request.frame[stationByte]);
 }
 
 /// Sends a read of the guard's own. Each answer settles something, so that asking goes on.
@@ -232,7 +234,7 @@ std::optional<FRAME_PRO> GuardedExchange::clearingRead(const FRAME_PRO &request,
 /// Listens until nothing owed can be taken for the reply to this request any more.
 void GuardedExchange::awaitClear(const FRAME_PRO &request, Duration until)
 {
-    while (m_line.isOpen() && m_line.now() < until && m_owed.couldMislead(request))
+    while (m_line.isOpen() && m_line.now() < until && isUnclear(request))
         hear(m_line.receive(m_finder.missing(), until));
 }
 

@@ -92,6 +92,7 @@ private:
     Reply finish(const FRAME_PRO &request, Duration start);
     void learnEcho(const FRAME_PRO &request, const Allowance &allowance);
     bool clear(const FRAME_PRO &request, const Allowance &allowance);
+    bool isUnclear(const FRAME_PRO &request) const;
     bool askToClear(const FRAME_PRO &read, const Allowance &allowance);
     void awaitClear(const FRAME_PRO &request, Duration until);
     std::optional<FRAME_PRO> clearingRead(const FRAME_PRO &request, bool isThere) const;
