@@ -7,6 +7,7 @@
 #include "host/modbus_limits.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
@@ -127,6 +128,23 @@ void readRoot(const toml::table &file, Config &config, QVector<ConfigError> &err
     root.refuseTheRest();
 }
 
+/// Texts quote the file, which may break off in the middle of a word or have line breaks in a key:
+/// such a character is left out at the end of a quotation and is a space elsewhere.
+QString onOneLine(QString text)
+{
+    static const QRegularExpression atTheEnd(QStringLiteral("[\\p{C}\\p{Zl}\\p{Zp}]+(?=['\"])"));
+    static const QRegularExpression anywhere(QStringLiteral("[\\p{C}\\p{Zl}\\p{Zp}]+"));
+    return text.remove(atTheEnd).replace(anywhere, QStringLiteral(" "));
+}
+
+void report(const QVector<ConfigError> &found, QVector<ConfigError> *errors)
+{
+    if (!errors)
+        return;
+    for (const ConfigError &error : found)
+        errors->append({ error.line, onOneLine(error.text) });
+}
+
 } // namespace
 
 QString ConfigError::in(const QString &file) const
@@ -150,8 +168,7 @@ std::optional<Config> parseConfig(const QByteArray &text, QVector<ConfigError> *
     }
     std::stable_sort(found.begin(), found.end(),
                      [](const ConfigError &a, const ConfigError &b) { return a.line < b.line; });
-    if (errors)
-        *errors += found;
+    report(found, errors);
     return found.isEmpty() ? std::optional<Config>(config) : std::nullopt;
 }
 
@@ -183,8 +200,7 @@ std::optional<Plan> planOf(const Config &config, Planner &planner, QVector<Confi
         plan = planner.make(entries, &why);
     if (found.isEmpty() && !plan)
         found.append({ 0, why });
-    if (errors)
-        *errors += found;
+    report(found, errors);
     return plan;
 }
 

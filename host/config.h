@@ -43,7 +43,7 @@ struct Config {
 /// One thing that is wrong with a file.
 struct ConfigError {
     int line = 0; ///< from 1; 0 where the file as a whole is meant
-    QString text; ///< what is wrong and what would be right
+    QString text; ///< one line: what is wrong and what would be right
 
     /// "FILE:12: TEXT", as editors and compilers show it.
     QString in(const QString &file) const;

@@ -280,6 +280,20 @@ INSTANTIATE_TEST_SUITE_P(
                     "at = \"F 17\"\n",
                     { "a.toml:5: at: not an address; write \"F 8.2\" or \"F 8.2-8.5\", with groups "
                       "0 to 9 and c" } },
+        ConfigRow { "ATrueThatIsCutShort",
+                    "[line]\nrs485 = tru\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: Error while parsing boolean: expected 'true', saw 'tru'" } },
+        ConfigRow { "AFalseThatIsCutShort",
+                    "[line]\nrs485 = fals\r\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: Error while parsing boolean: expected 'false', saw 'fals'" } },
+        ConfigRow { "AKeyWithALineBreak",
+                    "[line]\n\"a\\nb\" = 1\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: a b: no such key; expected one of port, speed, parity, "
+                      "stop_bits, timeout_ms, echo, rs485" } },
+        ConfigRow { "ANameWithALineBreak",
+                    "[[station]]\naddress = 1\nname = \"x\\n\"\n"
+                    "[[station]]\naddress = 2\nname = \"x\\n\"\n",
+                    { "a.toml:6: name: \"x\" is taken" } },
         ConfigRow { "EveryErrorIsToldInTheOrderOfTheFile",
                     "[[station]]\naddress = 0\n[line]\nport = 5\nspeed = \"fast\"\n",
                     { "a.toml:2: address: expected a whole number from 1 to 247",
@@ -309,6 +323,16 @@ TEST(Config, AnEntryThatTheDriverRefusesIsNamedWithItsLine)
                  "to 31 (0xD01F)",
                  "a.toml:6: station 1, \"CW\": CW can only be written; F, D, SW and FU can be "
                  "read" }));
+}
+
+TEST(Config, AnEntryThatTheDriverRefusesIsToldOnOneLine)
+{
+    const Texts errors = planErrors("[[station]]\naddress = 1\n"
+                                    "[[station.register]]\nat = \"D 40\\n\"\n");
+
+    EXPECT_EQ(errors,
+              Texts { "a.toml:3: station 1, \"D 40\": D 40 (0xD028) is out of range; D reaches "
+                      "from 0 to 31 (0xD01F)" });
 }
 
 TEST(Scaling, AQuantityGoesBackToTheNearestRegisterValue)
