@@ -5,6 +5,7 @@
 #include "host/length.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace dx4::host {
@@ -18,6 +19,14 @@ bool holds(const QList<VARIABLE> &list, int tag)
 {
     return std::any_of(list.begin(), list.end(),
                        [tag](const VARIABLE &request) { return request.varKind == tag; });
+}
+
+std::unique_ptr<Plugin> notNull(std::unique_ptr<Plugin> plugin)
+{
+    if (!plugin)
+        throw std::invalid_argument("no driver: the plug-in is null; hand over one that "
+                                    "Plugin::load() gave, which says why where it gives none");
+    return plugin;
 }
 
 } // namespace
@@ -53,7 +62,7 @@ QByteArray LinkSettings::propertyText() const
 }
 
 Link::Link(std::unique_ptr<Plugin> plugin, const LinkSettings &settings)
-    : m_plugin(std::move(plugin))
+    : m_plugin(notNull(std::move(plugin)))
     , m_settings(settings)
     , m_sharedBlock(hostBlockBytes, 0)
     , m_recipeBuffer(recipeBufferUnits, 0)

@@ -49,6 +49,8 @@ public:
     using ChangeHandler = std::function<void(const ValueChange &)>;
 
     /// Takes the driver over and starts the link: all lists and the cache are empty afterwards.
+    ///
+    /// @param plugin  not null: std::invalid_argument is thrown for one that could not be loaded
     Link(std::unique_ptr<Plugin> plugin, const LinkSettings &settings);
 
     /// Ends the driver's callback, then unloads the driver.

@@ -5,6 +5,7 @@
 #include "host/length.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace dx4::host {
@@ -14,6 +15,9 @@ MemoryLine::MemoryLine(Responder responder, const LineSettings &settings)
     , m_settings(settings)
     , m_lastActivity(-settings.silentGap())
 {
+    if (!m_responder)
+        throw std::invalid_argument("a line in memory without a responder; where nobody is to "
+                                    "answer, hand over one that gives an empty Answer");
 }
 
 bool MemoryLine::open(QString *error)

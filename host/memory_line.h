@@ -24,6 +24,7 @@ public:
     /// Called once per frame sent. Silence is an empty Answer.
     using Responder = std::function<Answer(const QByteArray &request)>;
 
+    /// @param responder  not null: std::invalid_argument is thrown
     explicit MemoryLine(Responder responder, const LineSettings &settings = LineSettings());
 
     bool open(QString *error) override;

@@ -35,7 +35,8 @@ struct Plan {
 /// Each plan is tried out on a driver that polls nothing, before anybody relies on it.
 class Planner {
 public:
-    /// @param scratch   a private copy of the driver
+    /// @param scratch   a private copy of the driver; not null: std::invalid_argument is thrown for
+    ///                  one that could not be loaded
     /// @param settings  of the link that will poll; its block size counts
     Planner(std::unique_ptr<Plugin> scratch, const LinkSettings &settings);
 

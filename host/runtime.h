@@ -49,7 +49,8 @@ public:
     using Step = Cycle::Step;
     using AlarmHandler = std::function<void(const QString &)>;
 
-    /// @param plugin    a private copy where the process has another line
+    /// @param plugin    a private copy where the process has another line; not null:
+    ///                  std::invalid_argument is thrown for one that could not be loaded
     /// @param line      outlives the runtime; opened by step() when it is closed
     Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettings &settings);
 

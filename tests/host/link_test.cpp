@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -152,4 +153,19 @@ TEST(Link, AHandlerMayWriteOnAnotherLink)
     left.write(1, typeF, 3, { 7, 8 });
 
     EXPECT_EQ(changes, (Texts { "left 3", "right", "left 4" }));
+}
+
+TEST(Link, RefusesAPlugInThatIsNull)
+{
+    std::string reason;
+
+    try {
+        const Link link(nullptr, LinkSettings());
+    } catch (const std::invalid_argument &error) {
+        reason = error.what();
+    }
+
+    EXPECT_EQ(reason,
+              "no driver: the plug-in is null; hand over one that Plugin::load() gave, which says "
+              "why where it gives none");
 }

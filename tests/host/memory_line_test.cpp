@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 using namespace dx4::host;
 using std::chrono::milliseconds;
 
@@ -150,4 +152,9 @@ TEST(MemoryLine, AnUnpluggedLineRefusesUntilItIsPluggedInAndOpened)
     EXPECT_EQ(error, QStringLiteral("memory line: unplugged"));
     EXPECT_TRUE(openedAgain);
     EXPECT_TRUE(line.send("?"));
+}
+
+TEST(MemoryLine, RefusesToBeWithoutAResponder)
+{
+    EXPECT_THROW(MemoryLine(nullptr), std::invalid_argument);
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -282,4 +283,9 @@ TEST(Plan, RandomWishesAreAllReadFromTheirOwnStation)
         ASSERT_EQ(static_cast<int>(asked.size()), plan->wantedRegisters + plan->separators);
         ASSERT_EQ(plan->wantedRegisters, static_cast<int>(wishes.registers.size()));
     }
+}
+
+TEST(Planner, RefusesADriverThatIsNull)
+{
+    EXPECT_THROW(Planner(nullptr, LinkSettings()), std::invalid_argument);
 }

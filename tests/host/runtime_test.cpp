@@ -4,6 +4,7 @@
 
 #include <QJsonArray>
 
+#include <stdexcept>
 #include <thread>
 
 using namespace dx4::host;
@@ -133,6 +134,13 @@ TEST_F(RuntimeTest, AGivenUpRequestIsCountedOnce)
     EXPECT_EQ(host.host.counters().total().giveUps, 1U);
     EXPECT_EQ(host.host.counters().total().retries, 2U);
     EXPECT_EQ(host.host.counters().total().timeouts, 3U);
+}
+
+TEST(Runtime, RefusesAPlugInThatIsNull)
+{
+    ScriptedLine stations;
+
+    EXPECT_THROW(Runtime(nullptr, stations.line, RuntimeSettings()), std::invalid_argument);
 }
 
 namespace {
