@@ -11,6 +11,13 @@ Cycle::Cycle(Link &link, Exchange &exchange)
 
 Cycle::Step Cycle::step()
 {
+    Step done = Step::Idle;
+    m_link.handlerErrors().during([&] { done = exchange(); });
+    return done;
+}
+
+Cycle::Step Cycle::exchange()
+{
     if (!m_link.nextFrame(m_request))
         return Step::Idle;
     m_reply = m_exchange.run(m_request);

@@ -22,7 +22,8 @@ public:
     /// @param link, exchange  outlive the cycle
     Cycle(Link &link, Exchange &exchange);
 
-    /// One exchange, from asking for a frame to handing back its reply.
+    /// One exchange, from asking for a frame to handing back its reply. What the link's handler
+    /// throws leaves from here once the exchange is counted; request() and reply() tell of it then.
     Step step();
 
     /// What happened since the cycle was made.
@@ -37,6 +38,7 @@ public:
     const QString &errorText() const { return m_errorText; }
 
 private:
+    Step exchange();
     static Step stepOf(ReplyResult result);
     void count(Step step);
     void countSent(Step step, ExchangeReport report);

@@ -81,8 +81,10 @@ Link::~Link()
 
 QList<KEY_ADDRESS> Link::poll(QList<KEY_ADDRESS> addresses)
 {
-    const Scope scope(this);
-    api().addrMerge(addresses);
+    m_errors.during([&] {
+        const Scope scope(this);
+        api().addrMerge(addresses);
+    });
     return addresses;
 }
 
@@ -93,12 +95,15 @@ bool Link::nextFrame(FRAME_PRO &frame)
 
 ReplyResult Link::handReply(const QByteArray &bytes, QString *errorText)
 {
-    const Scope scope(this);
     QByteArray reply = bytes;
     QString text;
-    const int result = api().dealRcvFrame(reply, text);
-    if (errorText)
-        *errorText = text;
+    int result = NoRequestPending;
+    m_errors.during([&] {
+        const Scope scope(this);
+        result = api().dealRcvFrame(reply, text);
+        if (errorText)
+            *errorText = text;
+    });
     return static_cast<ReplyResult>(result);
 }
 
@@ -132,14 +137,16 @@ RegisterState Link::registerState(int station, const QString &regType, int addre
 void Link::write(int station, const QString &regType, int address, const QVector<quint16> &values,
                  int tag)
 {
-    const Scope scope(this);
     std::vector<unsigned char> bytes;
     bytes.reserve(static_cast<size_t>(values.size()) * 2);
     for (quint16 value : values) {
         bytes.push_back(static_cast<unsigned char>(value & 0xFF));
         bytes.push_back(static_cast<unsigned char>(value >> 8));
     }
-    api().setData(station, regType, address, lengthOf(values), bytes.data(), tag);
+    m_errors.during([&] {
+        const Scope scope(this);
+        api().setData(station, regType, address, lengthOf(values), bytes.data(), tag);
+    });
 }
 
 void Link::addConditionRead(int station, const QString &regType, int address, int count, int tag)
@@ -151,23 +158,27 @@ void Link::failWrites()
 {
     const int most = triesToFailWrites();
     FRAME_PRO request;
-    for (int i = 0; i < most && waitingWrites() > 0; ++i) {
-        if (nextFrame(request))
-            handReply(QByteArray());
-    }
+    m_errors.during([&] {
+        for (int i = 0; i < most && waitingWrites() > 0; ++i) {
+            if (nextFrame(request))
+                handReply(QByteArray());
+        }
+    });
 }
 
 void Link::failAhead(int tag)
 {
     const int most = hasWrite(tag) ? triesToFailWrites() : 0;
     FRAME_PRO request;
-    for (int i = 0; i < most; ++i) {
-        if (!nextFrame(request))
-            continue;
-        if (request.var.varKind == tag)
-            return;
-        handReply(QByteArray());
-    }
+    m_errors.during([&] {
+        for (int i = 0; i < most; ++i) {
+            if (!nextFrame(request))
+                continue;
+            if (request.var.varKind == tag)
+                return;
+            handReply(QByteArray());
+        }
+    });
 }
 
 /// Each takes its tries. After some in a row a polled block has its turn, or the driver pauses
@@ -199,8 +210,9 @@ bool Link::hasConditionRead(int tag) const
 
 void Link::dispatch(int linkNumber, int station, QString &name, int address)
 {
-    if (callingLink && callingLink->m_handler)
-        callingLink->m_handler({ linkNumber, station, name, address });
+    Link *const link = callingLink;
+    if (link && link->m_handler)
+        link->m_errors.call([&] { link->m_handler({ linkNumber, station, name, address }); });
 }
 
 KEY_ADDRESS wanted(int station, const QString &regType, int address, int count)

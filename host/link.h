@@ -2,6 +2,7 @@
 // One link: a loaded driver with everything that a host must lend it.
 #pragma once
 
+#include "host/handler_errors.h"
 #include "host/plugin.h"
 
 #include <QList>
@@ -63,6 +64,10 @@ public:
 
     /// Called for every change that the driver reports, before the driver's call returns. It may
     /// read values, write and ask for condition reads through this link.
+    ///
+    /// What it throws does not pass through the driver. The first exception leaves from the call of
+    /// this link that led to the report, once the driver has done with it: from handReply(), poll()
+    /// or write(), or from the call of a Cycle, WriteDesk or Runtime around them.
     void onChange(ChangeHandler handler) { m_handler = std::move(handler); }
 
     /// Replaces the cyclic reads; not while a request is in flight.
@@ -112,6 +117,9 @@ public:
     bool hasWrite(int tag) const;
     bool hasConditionRead(int tag) const;
 
+    /// Shared by all that call handlers on this link's account.
+    HandlerErrors &handlerErrors() { return m_errors; }
+
 private:
     class Scope;
     int triesToFailWrites() const;
@@ -123,6 +131,7 @@ private:
     std::vector<unsigned short> m_recipeBuffer;
     QMutex m_mutex;
     ChangeHandler m_handler;
+    HandlerErrors m_errors;
 };
 
 /// An address record for Link::poll.

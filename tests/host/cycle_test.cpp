@@ -5,6 +5,8 @@
 
 #include "driver_fixture.h"
 
+#include <stdexcept>
+
 using namespace dx4::host;
 using std::chrono::milliseconds;
 
@@ -63,6 +65,18 @@ TEST_F(CycleTest, AnAnsweredRequestIsServed)
     EXPECT_EQ(value(), 0x1234);
     EXPECT_EQ(cycle.reply().kind, Reply::Kind::Complete);
     EXPECT_EQ(line.sent(), QVector<QByteArray> { withGoodCrc("01 03 D0 00 00 01") });
+}
+
+TEST_F(CycleTest, AnExchangeIsCountedBeforeWhatAHandlerThrewLeaves)
+{
+    link.onChange([](const ValueChange &) { throw std::runtime_error("handler"); });
+
+    EXPECT_THROW(cycle.step(), std::runtime_error);
+
+    EXPECT_EQ(value(), 0x1234);
+    EXPECT_EQ(cycle.counters().total().requests, 1U);
+    EXPECT_EQ(cycle.counters().total().good, 1U);
+    EXPECT_TRUE(link.api().state->sendFrames.isEmpty());
 }
 
 TEST_F(CycleTest, NothingToSendIsIdleAndTouchesNoLine)

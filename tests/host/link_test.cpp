@@ -155,6 +155,98 @@ TEST(Link, AHandlerMayWriteOnAnotherLink)
     EXPECT_EQ(changes, (Texts { "left 3", "right", "left 4" }));
 }
 
+namespace {
+
+/// A link that polls F 3 to 5 of station 1 and whose handler throws "address A" at each change.
+class ThrowingHandler : public ::testing::Test {
+protected:
+    ThrowingHandler()
+    {
+        link.poll({ wanted(1, typeF, 3, 3) });
+        link.onChange([this](const ValueChange &change) {
+            changes.push_back(std::to_string(change.address));
+            throw std::runtime_error("address " + changes.back());
+        });
+    }
+
+    /// What the call throws; empty when nothing.
+    template <typename Call> static std::string thrownBy(Call call)
+    {
+        try {
+            call();
+        } catch (const std::exception &error) {
+            return error.what();
+        }
+        return {};
+    }
+
+    const QString typeF = QStringLiteral("F");
+    Link link { privateCopy(), LinkSettings() };
+    Texts changes;
+};
+
+} // namespace
+
+TEST_F(ThrowingHandler, EndsNoReply)
+{
+    FRAME_PRO request;
+    link.nextFrame(request);
+
+    const std::string thrown =
+        thrownBy([&] { link.handReply(QByteArray::fromHex("010306000100020003FD74")); });
+
+    EXPECT_EQ(thrown, "address 3");
+    EXPECT_EQ(changes, (Texts { "3", "4", "5" }));
+    EXPECT_EQ(link.values(1, typeF, 3, 3), (QVector<quint16> { 1, 2, 3 }));
+    EXPECT_TRUE(link.api().state->sendFrames.isEmpty());
+}
+
+TEST_F(ThrowingHandler, EndsNoWrite)
+{
+    const std::string thrown = thrownBy([&] { link.write(1, typeF, 3, { 7, 8 }); });
+
+    EXPECT_EQ(thrown, "address 3");
+    EXPECT_EQ(changes, (Texts { "3", "4" }));
+    EXPECT_EQ(link.values(1, typeF, 3, 2), (QVector<quint16> { 7, 8 }));
+    EXPECT_EQ(link.waitingWrites(), 1);
+}
+
+TEST_F(ThrowingHandler, DoesNotKeepWritesFromBeingFailed)
+{
+    thrownBy([&] { link.write(1, typeF, 3, { 7 }); });
+    thrownBy([&] { link.write(1, typeF, 4, { 8 }); });
+
+    const std::string thrown = thrownBy([&] { link.failWrites(); });
+
+    EXPECT_EQ(thrown, "address 3");
+    EXPECT_EQ(link.waitingWrites(), 0);
+}
+
+TEST_F(ThrowingHandler, ThrowsFromEachCallAnew)
+{
+    thrownBy([&] { link.write(1, typeF, 3, { 7 }); });
+
+    const std::string quiet = thrownBy([&] { link.values(1, typeF, 3); });
+    const std::string thrown = thrownBy([&] { link.write(1, typeF, 4, { 8 }); });
+
+    EXPECT_EQ(quiet, "");
+    EXPECT_EQ(thrown, "address 4");
+}
+
+TEST_F(ThrowingHandler, OfAnotherLinkThrowsIntoTheHandlerThatWrote)
+{
+    Link left(privateCopy(), LinkSettings());
+    left.poll({ wanted(1, typeF, 9) });
+    std::string inside;
+    left.onChange(
+        [&](const ValueChange &) { inside = thrownBy([&] { link.write(1, typeF, 3, { 5 }); }); });
+
+    const std::string outside = thrownBy([&] { left.write(1, typeF, 9, { 7 }); });
+
+    EXPECT_EQ(inside, "address 3");
+    EXPECT_EQ(outside, "");
+}
+
 TEST(Link, RefusesAPlugInThatIsNull)
 {
     std::string reason;
