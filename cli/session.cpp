@@ -196,13 +196,16 @@ QVector<WriteResult> Session::write(const Target &target, const QVector<quint16>
 {
     QVector<WriteResult> results;
     for (const Target &piece : pieces(target, m_options.plant.link.blockSize)) {
-        std::optional<host::WriteOutcome> ended;
-        m_runtime->onOutcome([&ended](const host::WriteOutcome &outcome) { ended = outcome; });
         const int readsBefore = requests(false);
         const int writesBefore = requests(true);
-        m_runtime->write({ piece.station, piece.regType, piece.address,
-                           values.mid(piece.address - target.address, piece.count), manner.always,
-                           manner.readBack });
+        const int id = m_runtime->write({ piece.station, piece.regType, piece.address,
+                                          values.mid(piece.address - target.address, piece.count),
+                                          manner.always, manner.readBack });
+        std::optional<host::WriteOutcome> ended;
+        m_runtime->onOutcome([&ended, id](const host::WriteOutcome &outcome) {
+            if (outcome.id == id)
+                ended = outcome;
+        });
         m_runtime->run([&ended] { return ended || shouldEnd(); });
         m_runtime->onOutcome({});
         if (ended && ended->end == host::WriteEnd::Confirmed) {

@@ -13,6 +13,9 @@ namespace {
 
 constexpr int recipeBufferUnits = 65536; // every 16-bit offset that a recipe record may name
 
+// Writes and condition reads that the driver serves in a row before a polled block has its turn.
+constexpr int mostInARow = 5;
+
 thread_local Link *callingLink = nullptr;
 
 bool holds(const QList<VARIABLE> &list, int tag)
@@ -196,6 +199,12 @@ int Link::waitingWrites() const
 int Link::waitingConditionReads() const
 {
     return lengthOf(api().state->conditionList);
+}
+
+bool Link::sendsWriteNext() const
+{
+    const korvane_dx4 &state = *api().state;
+    return state.sendFrames.isEmpty() && state.writeList.isEmpty() && state.tryCount < mostInARow;
 }
 
 bool Link::hasWrite(int tag) const

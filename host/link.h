@@ -112,6 +112,11 @@ public:
     int waitingWrites() const;
     int waitingConditionReads() const;
 
+    /// Whether a write handed over now would be what nextFrame() gives: no request is in progress,
+    /// no other write waits, and it is not the turn of a polled block. A write that the driver
+    /// keeps waiting could be overtaken and cannot be taken back.
+    bool sendsWriteNext() const;
+
     /// Whether a request of this tag waits. It leaves without a word when a newer one of the same
     /// registers takes its place, and a condition read also with another one that failed.
     bool hasWrite(int tag) const;

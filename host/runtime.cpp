@@ -52,6 +52,7 @@ Runtime::Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettin
     if (!m_settings.pause)
         m_settings.pause = sleepFor;
     m_desk.setGate([this](const WriteWish &wish) { return gate(wish); });
+    m_desk.setStopTest([this](const WriteWish &wish) { return isStop(wish); });
 }
 
 Runtime::~Runtime() = default;
@@ -72,6 +73,11 @@ void Runtime::applyPlan()
     m_nextPlan.reset();
 }
 
+bool Runtime::isStop(const WriteWish &wish) const
+{
+    return wish.regType == QLatin1String("CW") && m_stop.isStop(wish.station, wish.values);
+}
+
 Refusal Runtime::gate(const WriteWish &wish) const
 {
     const bool isCommand = wish.regType == QLatin1String("CW");
@@ -80,8 +86,7 @@ Refusal Runtime::gate(const WriteWish &wish) const
     if (!m_line.isOpen() || m_breaker.isLeftAlone(wish.station))
         return Refusal::NotConnected;
     // A drive that has never been heard must not be started blindly; stopping it does no harm.
-    if (isCommand && !m_stop.isStop(wish.station, wish.values)
-        && !m_breaker.hasAnswered(wish.station))
+    if (isCommand && !isStop(wish) && !m_breaker.hasAnswered(wish.station))
         return Refusal::NotAnswered;
     return Refusal::None;
 }
@@ -112,13 +117,23 @@ bool Runtime::ensureOpen()
 
 Runtime::Step Runtime::step()
 {
+    m_desk.deliver();
+    const Step done = takeStep();
+    m_desk.deliver();
+    return done;
+}
+
+Runtime::Step Runtime::takeStep()
+{
     watchUser();
     if (!ensureOpen())
         return Step::LineDown;
     if (m_stopping)
         m_stop.prepare(m_line.now());
-    const int mostPassedOver = m_blocks + m_link.waitingWrites() + m_link.waitingConditionReads();
+    const int mostPassedOver =
+        m_blocks + m_link.waitingWrites() + m_link.waitingConditionReads() + m_desk.pending();
     for (int passed = 0; passed <= mostPassedOver; ++passed) {
+        m_desk.prepare();
         const Step step = m_cycle.step();
         if (step == Step::Idle)
             break;
@@ -176,10 +191,17 @@ void Runtime::lineWentDown()
 
 void Runtime::run(const std::function<bool()> &enough)
 {
+    bool wasNews = false;
     while (!enough()) {
+        const int before = m_desk.reported();
         const Step done = step();
-        if (done == Step::Idle || done == Step::LineDown)
+        const bool isNews = m_desk.reported() != before;
+        // Whoever waits for an outcome is asked at once. Not twice in a row: a handler that answers
+        // each refusal by another write would take all of the processor.
+        const bool isAskedFirst = isNews && !wasNews;
+        if ((done == Step::Idle || done == Step::LineDown) && !isAskedFirst)
             m_settings.pause(idleTime());
+        wasNews = isNews;
     }
 }
 
@@ -228,10 +250,18 @@ void Runtime::beginStop()
     m_stopping = true;
     m_link.failWrites();
     m_desk.abandon(WriteEnd::Refused, Refusal::Stopping, QStringLiteral("a stop goes first"));
+    m_desk.deliver();
     m_stopping = m_stop.isPending();
 }
 
 StopReport Runtime::stop(Duration budget)
+{
+    const StopReport report = stopDrives(budget);
+    m_desk.deliver();
+    return report;
+}
+
+StopReport Runtime::stopDrives(Duration budget)
 {
     beginStop();
     if (!m_stopping)

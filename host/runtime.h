@@ -42,8 +42,10 @@ struct StopReport {
 
 /// Runs one line: plan, link, guarded exchange, breaker, writes, safe stop and counters.
 ///
-/// All calls come from one thread, one Runtime per thread and line; handlers run inside step(),
-/// write() or stop(). Lines in one process need private copies of the driver.
+/// All calls come from one thread, one Runtime per thread and line. Lines in one process need
+/// private copies of the driver.
+///
+/// Handlers run inside step(), run() and stop(), none inside write(). They may write and read.
 class Runtime {
 public:
     using Step = Cycle::Step;
@@ -82,8 +84,13 @@ public:
     /// State of one register.
     Value value(int station, const QString &regType, int address) const;
 
-    /// Takes a write; its outcome is reported once. @return its id
+    /// Takes a write; writes to one station take effect in the order of these calls. The outcome is
+    /// reported once, and not before the call returns: by a step or by stop().
+    ///
+    /// @return its id
     int write(const WriteWish &wish) { return m_desk.submit(wish); }
+
+    /// Writes whose outcome was not reported.
     int pendingWrites() const { return m_desk.pending(); }
 
     void onOutcome(WriteDesk::OutcomeHandler handler) { m_desk.onOutcome(std::move(handler)); }
@@ -117,6 +124,9 @@ public:
 
 private:
     Refusal gate(const WriteWish &wish) const;
+    bool isStop(const WriteWish &wish) const;
+    Step takeStep();
+    StopReport stopDrives(Duration budget);
     bool ensureOpen();
     void applyPlan();
     void settle(Step step);
@@ -128,7 +138,6 @@ private:
     void followStop();
     void alarm(const QString &text);
     std::optional<Duration> readAt(int station, const QString &regType, int address) const;
-
     Line &m_line;
     RuntimeSettings m_settings;
     Link m_link;

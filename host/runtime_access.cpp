@@ -51,15 +51,11 @@ AccessResult RuntimeAccess::write(int station, const QString &regType, int addre
     wish.values = { value };
     wish.always = true;
 
-    // A refusal is reported before the write has told its id.
-    m_submitting = true;
+    m_ended.reset();
     m_expected = m_runtime.write(wish);
-    m_submitting = false;
-    for (const WriteOutcome &outcome : std::exchange(m_early, {}))
-        note(outcome);
     m_runtime.run([this] { return m_ended.has_value(); });
     m_expected = 0;
-    const WriteOutcome outcome = *std::exchange(m_ended, std::nullopt);
+    const WriteOutcome outcome = *m_ended;
     if (kindOf(outcome) == AccessResult::Kind::Done)
         return {};
     return { kindOf(outcome), outcome.text, {} };
@@ -72,9 +68,7 @@ bool RuntimeAccess::isLeftAlone(int station) const
 
 void RuntimeAccess::note(const WriteOutcome &outcome)
 {
-    if (m_submitting)
-        m_early.append(outcome);
-    else if (outcome.id == m_expected)
+    if (outcome.id == m_expected)
         m_ended = outcome;
     else if (m_others)
         m_others(outcome);

@@ -31,9 +31,7 @@ private:
 
     Runtime &m_runtime;
     WriteDesk::OutcomeHandler m_others;
-    bool m_submitting = false;
     int m_expected = 0; ///< id of the write that is waited for; 0: none
-    QVector<WriteOutcome> m_early; ///< reported while the write was submitted
     std::optional<WriteOutcome> m_ended;
 };
 

@@ -13,8 +13,10 @@
 namespace dx4::host {
 namespace {
 
+using Request = QueuedWrite::Request;
+
 constexpr int firstId = 1000; // above every tag that a host or the driver itself uses
-constexpr int mostWaiting = 512; // beyond, the driver overwrites its last entry
+constexpr int mostWaiting = 512;
 constexpr int functionByte = 1;
 constexpr unsigned char readFunction = 3;
 constexpr int firstDataByte = 3;
@@ -22,18 +24,6 @@ constexpr int firstDataByte = 3;
 bool isParameter(const WriteWish &wish)
 {
     return wish.regType == REG_LIST[0];
-}
-
-bool isSameRun(const WriteWish &a, const WriteWish &b)
-{
-    return a.station == b.station && a.regType == b.regType && a.address == b.address
-        && a.values.size() == b.values.size();
-}
-
-bool overlaps(const WriteWish &a, const WriteWish &b)
-{
-    return a.station == b.station && a.regType == b.regType
-        && a.address < b.address + lengthOf(b.values) && b.address < a.address + lengthOf(a.values);
 }
 
 /// Values in a read reply that was found good.
@@ -46,6 +36,22 @@ QVector<quint16> valuesIn(const QByteArray &reply, int count)
         values.append(static_cast<quint16>(high * 256 + low));
     }
     return values;
+}
+
+QString notConfirmed()
+{
+    return QStringLiteral("sent, but not confirmed: %1");
+}
+
+QString notSent()
+{
+    return QStringLiteral("not sent: %1");
+}
+
+QString replacedText(bool byStop)
+{
+    return byStop ? QStringLiteral("not sent: a stop was written after it")
+                  : QStringLiteral("replaced by a newer value");
 }
 
 QString notReadBack()
@@ -75,20 +81,24 @@ WriteDesk::WriteDesk(Link &link)
 
 int WriteDesk::submit(const WriteWish &wish)
 {
-    const int id = m_nextId++;
-    const Refusal refusal = refusalOf(wish);
+    const bool isStop = m_isStop && m_isStop(wish);
+    const QVector<int> replaced = m_queue.replacedBy(wish, isStop);
+    const int others = m_queue.size() - lengthOf(replaced);
+    Refusal refusal = refusalOf(wish);
+    // A stop is always taken: no station has more than one that waits.
+    if (refusal == Refusal::None && others >= mostWaiting && !isStop)
+        refusal = Refusal::QueueFull;
+    if (refusal == Refusal::None || isStop) {
+        for (int id : replaced)
+            finish(*m_queue.find(id), { WriteEnd::Replaced, replacedText(isStop) });
+    }
+    const bool isCompared = isParameter(wish) && !wish.always;
+    const QueuedWrite write { m_nextId++, wish, isCompared ? Request::Compare : Request::Send };
     if (refusal == Refusal::None)
-        replaceComparing(wish);
-    const Position entry = m_entries.insert({ id, { wish, Stage::Comparing } }).first;
-    if (refusal != Refusal::None)
-        finish(entry, { WriteEnd::Refused, refusalText(refusal), refusal });
-    else if (m_link.settings().writesStayLocal)
-        keepLocal(entry);
-    else if (isParameter(wish) && !wish.always)
-        readAgain(entry, Stage::Comparing);
+        m_queue.add(write);
     else
-        queue(entry);
-    return id;
+        finish(write, { WriteEnd::Refused, refusalText(refusal), refusal });
+    return write.id;
 }
 
 Refusal WriteDesk::refusalOf(const WriteWish &wish) const
@@ -113,163 +123,156 @@ Refusal WriteDesk::refusalOf(const WriteWish &wish) const
                                              &address, 0, lengthOf(wish.values), WriteAccess);
     if (whole != AddressAccepted)
         return refusalOfCheck(whole);
-    if (m_link.waitingWrites() >= mostWaiting || pending() >= mostWaiting)
-        return Refusal::QueueFull;
     return m_gate ? m_gate(wish) : Refusal::None;
 }
 
-/// A write that is still being compared has not reached the driver, which would replace it.
-void WriteDesk::replaceComparing(const WriteWish &wish)
+void WriteDesk::prepare()
 {
-    QVector<int> replaced;
-    for (const auto &[id, entry] : m_entries) {
-        if (entry.stage == Stage::Comparing && isSameRun(entry.wish, wish))
-            replaced.append(id);
-    }
-    finishReplaced(replaced);
+    noteDropped();
+    if (m_link.settings().writesStayLocal)
+        return keepLocal();
+    QueuedWrite *const write = m_asked == 0 ? m_queue.next() : nullptr;
+    const bool isRead = write && write->next != Request::Send;
+    if (!write || (!isRead && !m_link.sendsWriteNext()))
+        return;
+    const WriteWish wish = write->wish; // handlers of the change may end the write
+    m_asked = write->id;
+    m_queue.passTurn(wish.station);
+    if (isRead)
+        return m_link.addConditionRead(wish.station, wish.regType, wish.address,
+                                       lengthOf(wish.values), m_asked);
+    write->handedOver = true;
+    m_link.write(wish.station, wish.regType, wish.address, wish.values, m_asked);
 }
 
 /// The driver shows the values and queues nothing.
-void WriteDesk::keepLocal(Position entry)
+void WriteDesk::keepLocal()
 {
-    const WriteWish wish = entry->second.wish;
-    const int id = entry->first;
-    m_link.write(wish.station, wish.regType, wish.address, wish.values, id);
-    const Position kept = m_entries.find(id); // unless a handler of the change ended it
-    if (kept != m_entries.end())
-        finish(kept, { WriteEnd::Confirmed, QStringLiteral("kept here, nothing is sent") });
-}
-
-void WriteDesk::queue(Position entry)
-{
-    const WriteWish wish = entry->second.wish;
-    entry->second.stage = Stage::Queued;
-    m_link.write(wish.station, wish.regType, wish.address, wish.values, entry->first);
-    sweep();
-}
-
-void WriteDesk::readAgain(Position entry, Stage stage)
-{
-    const WriteWish &wish = entry->second.wish;
-    entry->second.stage = stage;
-    m_link.addConditionRead(wish.station, wish.regType, wish.address, lengthOf(wish.values),
-                            entry->first);
+    const QVector<int> ids = m_queue.ids();
+    m_link.handlerErrors().during([&] {
+        for (int id : ids) {
+            const QueuedWrite *const write = m_queue.find(id);
+            if (!write)
+                continue; // ended by a handler of another one's change
+            const WriteWish wish = write->wish;
+            finish(*write, { WriteEnd::Confirmed, QStringLiteral("kept here, nothing is sent") });
+            m_link.write(wish.station, wish.regType, wish.address, wish.values, id);
+        }
+    });
 }
 
 void WriteDesk::afterStep(const Cycle &cycle, Cycle::Step step, const ReplyVerdict &verdict)
 {
     const FRAME_PRO &request = cycle.request();
-    const Position entry = m_entries.find(request.var.varKind);
+    QueuedWrite *const write = m_queue.find(m_asked);
     const bool isRead = request.frame[functionByte] == readFunction;
     const bool isOurs =
-        entry != m_entries.end() && isRead == (entry->second.stage != Stage::Queued);
-    const bool wasAsked = cycle.reply().kind != Reply::Kind::NotAsked;
-    if (isOurs && !isRead && wasAsked)
-        entry->second.sent = true;
-    if (isOurs && step == Cycle::Step::Served)
-        served(entry, cycle);
-    else if (isOurs && step == Cycle::Step::GivenUp)
-        givenUp(entry, verdict, wasAsked ? verdictText(verdict) : notAskedText());
-    sweep();
+        write && request.var.varKind == write->id && isRead == (write->next != Request::Send);
+    if (isOurs)
+        settle(*write, cycle, step, verdict);
+    noteDropped();
+    deliver();
 }
 
-void WriteDesk::served(Position entry, const Cycle &cycle)
+void WriteDesk::settle(QueuedWrite &write, const Cycle &cycle, Cycle::Step step,
+                       const ReplyVerdict &verdict)
 {
-    const WriteWish wish = entry->second.wish;
-    const Stage stage = entry->second.stage;
-    if (stage == Stage::Queued && wish.readBack && isParameter(wish)) {
-        readAgain(entry, Stage::ReadingBack);
+    const bool wasAsked = cycle.reply().kind != Reply::Kind::NotAsked;
+    write.sent = write.sent || (write.next == Request::Send && wasAsked);
+    if (step != Cycle::Step::Served && step != Cycle::Step::GivenUp)
+        return;
+    m_asked = 0;
+    if (step == Cycle::Step::Served)
+        served(write, cycle.reply().bytes);
+    else
+        givenUp(write, verdict, wasAsked ? verdictText(verdict) : notAskedText());
+}
+
+void WriteDesk::served(QueuedWrite &write, const QByteArray &reply)
+{
+    const WriteWish &wish = write.wish;
+    if (write.next == Request::Send && wish.readBack && isParameter(wish)) {
+        write.next = Request::ReadBack;
         return;
     }
-    const bool isEqual = stage == Stage::Queued
-        || valuesIn(cycle.reply().bytes, lengthOf(wish.values)) == wish.values;
-    if (stage == Stage::ReadingBack && !isEqual)
-        return finish(
-            entry, { WriteEnd::NotTaken, QStringLiteral("echoed, but reads back another value") });
-    // What the station holds says nothing while an older write of it still waits.
-    if (stage == Stage::Comparing && (!isEqual || overlapsQueued(entry->first, wish)))
-        return queue(entry);
-    finish(entry,
-           { WriteEnd::Confirmed,
-             stage == Stage::Comparing ? QStringLiteral("held already, not written")
-                                       : QStringLiteral("confirmed") });
+    const bool isEqual =
+        write.next == Request::Send || valuesIn(reply, lengthOf(wish.values)) == wish.values;
+    if (write.next == Request::Compare && !isEqual)
+        write.next = Request::Send;
+    else if (write.next == Request::Compare)
+        finish(write, { WriteEnd::Confirmed, QStringLiteral("held already, not written") });
+    else if (isEqual)
+        finish(write, { WriteEnd::Confirmed, QStringLiteral("confirmed") });
+    else
+        finish(write,
+               { WriteEnd::NotTaken, QStringLiteral("echoed, but reads back another value") });
 }
 
-void WriteDesk::givenUp(Position entry, const ReplyVerdict &verdict, const QString &reason)
+void WriteDesk::givenUp(const QueuedWrite &write, const ReplyVerdict &verdict,
+                        const QString &reason)
 {
     const bool isRejected = verdict.cause == ReplyCause::Exception;
     const WriteEnd end = isRejected ? WriteEnd::Rejected : WriteEnd::TimedOut;
-    const QString text = entry->second.stage == Stage::ReadingBack ? notReadBack().arg(reason)
+    const QString text = write.next == Request::ReadBack ? notReadBack().arg(reason)
         : isRejected ? QStringLiteral("rejected with %1").arg(reason)
                      : reason;
-    finish(entry, { end, text, Refusal::None, verdict.exceptionCode });
+    finish(write, { end, text, Refusal::None, verdict.exceptionCode });
 }
 
-bool WriteDesk::overlapsQueued(int id, const WriteWish &wish) const
+/// Finds what left the driver without a step of its own: reads that went with a failed one, which
+/// are asked again in their turn, and a write that somebody else had given up.
+void WriteDesk::noteDropped()
 {
-    return std::any_of(m_entries.begin(), m_entries.end(), [&](const auto &other) {
-        return other.first != id && other.second.stage == Stage::Queued
-            && overlaps(other.second.wish, wish);
+    const QueuedWrite *const write = m_queue.find(m_asked);
+    const bool isRead = write && write->next != Request::Send;
+    if (write && (isRead ? m_link.hasConditionRead(m_asked) : m_link.hasWrite(m_asked)))
+        return;
+    m_asked = 0;
+    if (write && !isRead)
+        finish(*write,
+               { WriteEnd::TimedOut,
+                 (write->sent ? notConfirmed() : notSent())
+                     .arg(QStringLiteral("another request went first")) });
+}
+
+/// Ends a write; its outcome waits for deliver().
+void WriteDesk::finish(const QueuedWrite &write, const End &end)
+{
+    const WriteWish &wish = write.wish;
+    m_ended.push_back({ write.id, end.kind, end.refusal, end.exceptionCode, write.sent,
+                        QStringLiteral("station %1, %2: %3")
+                            .arg(wish.station)
+                            .arg(fullAddress(wish.regType, wish.address), end.text) });
+    m_queue.remove(write.id);
+}
+
+void WriteDesk::deliver()
+{
+    HandlerErrors &errors = m_link.handlerErrors();
+    errors.during([&] {
+        for (std::size_t left = m_ended.size(); left > 0 && !m_ended.empty(); --left) {
+            const WriteOutcome outcome = m_ended.front();
+            const OutcomeHandler handler = m_handler; // it may set another one
+            m_ended.pop_front();
+            ++m_reported;
+            if (handler)
+                errors.call([&] { handler(outcome); });
+        }
     });
-}
-
-void WriteDesk::finish(Position entry, const End &end)
-{
-    const WriteWish &wish = entry->second.wish;
-    const WriteOutcome outcome { entry->first,
-                                 end.kind,
-                                 end.refusal,
-                                 end.exceptionCode,
-                                 entry->second.sent,
-                                 QStringLiteral("station %1, %2: %3")
-                                     .arg(wish.station)
-                                     .arg(fullAddress(wish.regType, wish.address), end.text) };
-    m_entries.erase(entry);
-    if (m_handler)
-        m_handler(outcome);
-}
-
-void WriteDesk::finishReplaced(const QVector<int> &ids)
-{
-    for (int id : ids) {
-        const Position entry = m_entries.find(id);
-        if (entry != m_entries.end())
-            finish(entry, { WriteEnd::Replaced, QStringLiteral("replaced by a newer value") });
-    }
-}
-
-/// Finds what the driver dropped without a word: replaced writes, and reads that went with a
-/// failed one.
-void WriteDesk::sweep()
-{
-    QVector<int> replaced;
-    for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry) {
-        const Stage stage = entry->second.stage;
-        if (stage != Stage::Queued && !m_link.hasConditionRead(entry->first))
-            readAgain(entry, stage);
-        if (stage == Stage::Queued && !m_link.hasWrite(entry->first))
-            replaced.append(entry->first);
-    }
-    finishReplaced(replaced);
 }
 
 void WriteDesk::abandon(WriteEnd end, Refusal refusal, const QString &reason)
 {
-    QVector<int> ids;
-    for (const auto &[id, entry] : m_entries)
-        ids.append(id);
+    m_asked = 0;
+    const QVector<int> ids = m_queue.ids();
     for (int id : ids) {
-        const Position entry = m_entries.find(id);
-        if (entry == m_entries.end())
-            continue;
+        const QueuedWrite &write = *m_queue.find(id);
         // The station may have carried out what was sent, and has if it is being read back.
-        const QString doubt = entry->second.stage == Stage::ReadingBack
-            ? notReadBack()
-            : QStringLiteral("sent, but not confirmed: %1");
-        if (entry->second.sent)
-            finish(entry, { WriteEnd::TimedOut, doubt.arg(reason) });
+        const QString doubt = write.next == Request::ReadBack ? notReadBack() : notConfirmed();
+        if (write.sent)
+            finish(write, { WriteEnd::TimedOut, doubt.arg(reason) });
         else
-            finish(entry, { end, QStringLiteral("not sent: %1").arg(reason), refusal });
+            finish(write, { end, notSent().arg(reason), refusal });
     }
 }
 

@@ -4,30 +4,19 @@
 
 #include "host/cycle.h"
 #include "host/reply_check.h"
+#include "host/write_queue.h"
 
-#include <QVector>
-
+#include <deque>
 #include <functional>
-#include <map>
 
 namespace dx4::host {
-
-/// What is to be written.
-struct WriteWish {
-    int station = 1;
-    QString regType; ///< "F", "CW" or "FRE"
-    int address = 0; ///< internal address of the first register
-    QVector<quint16> values; ///< one per register
-    bool always = false; ///< "F": write also what the station holds already
-    bool readBack = false; ///< "F": read after the echo and compare; others cannot be read
-};
 
 /// How a write ended.
 enum class WriteEnd {
     Confirmed, ///< echoed by the station and read back where asked; or nothing was to be sent
     Rejected, ///< the station answered with an exception
     TimedOut, ///< no right reply came, the line went down, or a stop went first once it was sent
-    Replaced, ///< a newer write of the same registers took its place
+    Replaced, ///< a newer write of the same registers took its place, or a stop
     Refused, ///< never queued, or dropped before it was sent; see Refusal
     NotTaken, ///< echoed, but another value was read back
 };
@@ -41,7 +30,7 @@ enum class Refusal {
     Range, ///< no such address
     NotConnected, ///< the line is closed, or the station is left alone
     NotAnswered, ///< a command to a station that has not answered yet
-    QueueFull, ///< the driver would overwrite another write
+    QueueFull, ///< 512 wait already
     Stopping, ///< a safe stop is under way
 };
 
@@ -55,12 +44,24 @@ struct WriteOutcome {
     QString text; ///< one line for the user: which register, what happened
 };
 
-/// Queues writes in the driver and follows each to its end.
+/// Brings writes to the stations, each station's in the order of submission, and follows each to
+/// its end.
 ///
-/// The driver shows a written value at once, takes anything, and never drops a command of more than
-/// one register: such writes are refused here. Parameters are read first and written only when they
-/// differ, because the drive's memory wears out; the value then shows once its write is queued.
-/// A one-off read that fails drops all that wait in the driver; those of this desk are asked again.
+/// The driver keeps what it was given: it takes anything, replaces a write in the middle of its
+/// list, never takes one back, and never drops a command of more than one register. So it is handed
+/// one request at a time, when it would send it at once; all others wait here. Parameters are read
+/// first and written only when they differ, because the drive's memory wears out.
+///
+/// Handlers run in deliver() and afterStep() alone. What one throws leaves from there once all have
+/// been called. A host without a Runtime has its step as a whole done before that:
+///
+///     link.handlerErrors().during([&] {
+///         desk.deliver();
+///         desk.prepare();
+///         const Cycle::Step step = cycle.step();
+///         if (step != Cycle::Step::Idle)
+///             desk.afterStep(cycle, step, verdict);
+///     });
 class WriteDesk {
 public:
     using OutcomeHandler = std::function<void(const WriteOutcome &)>;
@@ -68,60 +69,72 @@ public:
     /// Gives a reason to refuse a wish that is right in itself, or Refusal::None.
     using Gate = std::function<Refusal(const WriteWish &)>;
 
+    /// Whether a wish stops its station.
+    using StopTest = std::function<bool(const WriteWish &)>;
+
     /// @param link  outlives the desk
     explicit WriteDesk(Link &link);
 
-    /// Called once per write when it ends. It may submit the next one.
+    /// Called once per write when it has ended. It may submit the next one.
     void onOutcome(OutcomeHandler handler) { m_handler = std::move(handler); }
     void setGate(Gate gate) { m_gate = std::move(gate); }
 
-    /// Takes a write. When it is refused its outcome is reported before the call returns.
+    /// A wish of which `isStop` is true takes the place of all writes of the same registers that
+    /// were not sent, wherever they wait, even when it is refused itself. Others take the place of
+    /// the station's last one, if that is of the same registers.
+    void setStopTest(StopTest isStop) { m_isStop = std::move(isStop); }
+
+    /// Takes a write. Nothing is reported before the next deliver(), a refusal neither.
     ///
     /// @return its id, 1000 or more, never used twice
     int submit(const WriteWish &wish);
 
-    /// To be called after each step of the cycle that was not Idle.
+    /// To be called before each step of the cycle: hands the driver what is due.
+    void prepare();
+
+    /// To be called after each step of the cycle that was not Idle. Reports what has ended.
     void afterStep(const Cycle &cycle, Cycle::Step step, const ReplyVerdict &verdict);
 
-    /// Ends every waiting write; what they have in the driver is the caller's to give up. One that
+    /// Reports what has ended since the last call. What ends because of a handler, as a write that
+    /// is refused, is for the next one.
+    void deliver();
+
+    /// Ends every waiting write; what the driver has of them is the caller's to give up. One that
     /// was sent ends as timed out, whatever `end` the others get.
     void abandon(WriteEnd end, Refusal refusal, const QString &reason);
 
-    /// Writes that have not ended.
-    int pending() const { return static_cast<int>(m_entries.size()); }
+    /// Writes whose outcome was not reported.
+    int pending() const { return m_queue.size() + static_cast<int>(m_ended.size()); }
+
+    /// Outcomes reported since the desk was made.
+    int reported() const { return m_reported; }
 
 private:
-    enum class Stage { Comparing, Queued, ReadingBack };
-    struct Entry {
-        WriteWish wish;
-        Stage stage;
-        bool sent = false; ///< at least once
-    };
     struct End {
         WriteEnd kind;
         QString text;
         Refusal refusal = Refusal::None;
         int exceptionCode = 0;
     };
-    using Position = std::map<int, Entry>::iterator;
 
     Refusal refusalOf(const WriteWish &wish) const;
-    bool overlapsQueued(int id, const WriteWish &wish) const;
-    void replaceComparing(const WriteWish &wish);
-    void keepLocal(Position entry);
-    void queue(Position entry);
-    void readAgain(Position entry, Stage stage);
-    void served(Position entry, const Cycle &cycle);
-    void givenUp(Position entry, const ReplyVerdict &verdict, const QString &reason);
-    void finish(Position entry, const End &end);
-    void finishReplaced(const QVector<int> &ids);
-    void sweep();
+    void keepLocal();
+    void settle(QueuedWrite &write, const Cycle &cycle, Cycle::Step step,
+                const ReplyVerdict &verdict);
+    void served(QueuedWrite &write, const QByteArray &reply);
+    void givenUp(const QueuedWrite &write, const ReplyVerdict &verdict, const QString &reason);
+    void noteDropped();
+    void finish(const QueuedWrite &write, const End &end);
 
     Link &m_link;
     OutcomeHandler m_handler;
     Gate m_gate;
-    std::map<int, Entry> m_entries; // by id
+    StopTest m_isStop;
+    WriteQueue m_queue;
+    std::deque<WriteOutcome> m_ended; // not reported yet
+    int m_asked = 0; ///< id of the write of which the driver has a request; 0: none
     int m_nextId;
+    int m_reported = 0;
 };
 
 /// "confirmed", "rejected", "timed out", "replaced", "refused", "not taken".

@@ -93,6 +93,31 @@ TEST(Link, ShowsAWrittenValueWhileItsWriteWaits)
     EXPECT_EQ(link.waitingWrites(), 1);
 }
 
+TEST(Link, KnowsWhetherAWriteHandedOverNowWouldBeSentNext)
+{
+    Link link(privateCopy(), LinkSettings());
+    link.poll({ wanted(1, typeD, 0) });
+    FRAME_PRO frame;
+    int agreed = 0;
+    int sentNext = 0;
+
+    for (int i = 0; i < 20; ++i) {
+        const bool isNext = link.sendsWriteNext();
+        link.write(1, QStringLiteral("F"), i % 2, { 1 }, 1000 + i);
+        link.nextFrame(frame);
+        agreed += isNext == (frame.var.varKind == 1000 + i) ? 1 : 0;
+        sentNext += isNext ? 1 : 0;
+        EXPECT_FALSE(link.sendsWriteNext()) << "a request is in progress";
+        while (link.waitingWrites() > 0 || !link.api().state->sendFrames.isEmpty()) {
+            link.nextFrame(frame);
+            link.handReply(QByteArray());
+        }
+    }
+
+    EXPECT_EQ(agreed, 20);
+    EXPECT_EQ(sentNext, 17);
+}
+
 TEST(Link, LooksAtAnUnknownRegisterWithoutCreatingIt)
 {
     const Link link(privateCopy(), LinkSettings());

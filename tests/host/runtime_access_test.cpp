@@ -125,20 +125,18 @@ TEST_F(RuntimeAccessTest, AReadWhosePlaceAnotherOfTheSameRegisterTookIsAskedAgai
 {
     reg(0xF105) = 5;
     under.steps(1);
-    under.host.onOutcome([this](const WriteOutcome &outcome) {
-        otherOutcomes.push_back(std::to_string(outcome.id));
-        if (outcome.id == 1001)
-            under.write(1, "F", 0x0105, { 5 }); // compared first
-    });
-    under.write(1, "F", 0x0106, { 0 }); // at the head of the reads, whose place nobody takes
-    under.write(1, "CW", 0, { 1 });
+    // At the head of the reads, whose place nobody takes.
+    under.host.link().addConditionRead(1, QStringLiteral("F"), 0x0106, 1, 1);
+    under.write(1, "F", 0x0105, { 5 }); // compared first
 
     const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
-    under.steps(4);
 
     EXPECT_EQ(result.kind, AccessResult::Kind::Done) << result.reason.toStdString();
     EXPECT_EQ(result.values, QVector<quint16> { 5 });
-    EXPECT_EQ(otherOutcomes, (Texts { "1001", "1000", "1002" }));
+    EXPECT_EQ(otherOutcomes, Texts { "1000 confirmed" });
+    EXPECT_EQ(under.stations.line.sent().mid(1),
+              (QVector<QByteArray> { framed("01 03 F1 06 00 01"), framed("01 03 F1 05 00 01"),
+                                     framed("01 03 F1 05 00 01") }));
 }
 
 TEST_F(RuntimeAccessTest, AReadThatGoesWithAFailedOneIsAskedAgain)
@@ -146,7 +144,8 @@ TEST_F(RuntimeAccessTest, AReadThatGoesWithAFailedOneIsAskedAgain)
     reg(0xF105) = 5;
     under.steps(1);
     under.write(1, "F", 0x0106, { 1 });
-    under.stations.changes.push_back(instead(framed("01 83 02")));
+    under.stations.changes = { silence(), instead(framed("01 83 02")) };
+    under.steps(1);
 
     const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
 

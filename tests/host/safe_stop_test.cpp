@@ -207,6 +207,7 @@ TEST_F(SafeStopTest, NoOtherWritePassesBeforeTheStopIsConfirmed)
     host.host.stop(seconds(3));
 
     host.write(1, "CW", 0, { 1 });
+    host.steps(1);
 
     EXPECT_EQ(host.outcomeRecords.back().refusal, Refusal::Stopping);
 }
@@ -270,7 +271,7 @@ TEST(SafeStop, WithoutStopsTheWritesEndAndTheReportSaysSo)
 {
     RuntimeUnderTest host;
     host.write(1, "FRE", 0, { 1 });
-    host.write(1, "FRE", 0, { 2 });
+    host.write(1, "F", 0, { 2 });
 
     const StopReport report = host.host.stop(seconds(5));
 
@@ -317,7 +318,8 @@ TEST(SafeStop, AStopMayGoToAStationThatNeverAnswered)
 
     host.write(2, "CW", 0, { 4 });
     host.write(2, "CW", 0, { 1 });
+    host.steps(1);
 
-    EXPECT_EQ(host.outcomes, Texts { "1001 refused" });
+    EXPECT_EQ(host.outcomes, (Texts { "1001 refused", "1000 confirmed" }));
     EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::NotAnswered);
 }

@@ -28,6 +28,15 @@ QByteArray withCrcBehind(const QByteArray &payload)
     return frame;
 }
 
+/// Exception 2: no such register.
+QByteArray exceptionTo(const QByteArray &request)
+{
+    QByteArray reply = request.left(1);
+    reply.append(static_cast<char>(byteAt(request, 1) | 0x80));
+    reply.append('\2');
+    return withCrcBehind(reply);
+}
+
 } // namespace
 
 QByteArray framed(const std::string &hex)
@@ -66,9 +75,13 @@ QByteArray ScriptedLine::answer(const QByteArray &request)
 {
     const int station = byteAt(request, 0);
     const int first = wordAt(request, 2);
-    const int count = wordAt(request, 4);
+    const int count = byteAt(request, 1) == 6 ? 1 : wordAt(request, 4);
+    for (int i = 0; i < count; ++i) {
+        if (refused.count({ station, first + i }) != 0)
+            return exceptionTo(request);
+    }
     if (byteAt(request, 1) == 6)
-        registers[{ station, first }] = count;
+        registers[{ station, first }] = wordAt(request, 4);
     if (byteAt(request, 1) == 16) {
         for (int i = 0; i < count; ++i)
             registers[{ station, first + i }] = wordAt(request, 7 + 2 * i);

@@ -30,6 +30,7 @@ public:
 
     dx4::host::MemoryLine line;
     std::map<std::pair<int, int>, int> registers; ///< by station and Modbus register; others are 0
+    std::set<std::pair<int, int>> refused; ///< registers that exception 2 answers, by station
     std::set<int> dead; ///< stations that hear and say nothing
     std::map<int, dx4::host::Duration> slow; ///< how long a station takes to answer; others 0
     std::deque<Change> changes; ///< for the next replies, one each

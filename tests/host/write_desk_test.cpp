@@ -130,7 +130,7 @@ TEST_F(WriteDeskTest, ANewerParameterReplacesOneThatIsBeingCompared)
 TEST_F(WriteDeskTest, AComparisonIsNotBelievedWhileAnOlderWriteWaits)
 {
     host.stations.registers[{ 1, 0xF000 }] = 5;
-    host.host.write({ 1, QStringLiteral("F"), 0, { 6 }, true, false });
+    host.host.write({ 1, QStringLiteral("F"), 0, { 6, 6 }, true, false });
     host.write(1, "F", 0, { 5 });
 
     host.steps(8);
@@ -261,6 +261,8 @@ TEST(WriteDesk, WritesThatStayLocalEndAtOnceAndUnsent)
     RuntimeUnderTest host(settings);
     host.write(1, "F", 0, { 9 });
 
+    host.host.step();
+
     EXPECT_EQ(host.outcomes, Texts { "1000 confirmed (held)" });
     EXPECT_EQ(host.outcomeRecords.back().text.toStdString(),
               "station 1, F 0.0 (0xF000): kept here, nothing is sent");
@@ -321,18 +323,22 @@ QVector<quint16> zeros(int count)
 
 } // namespace
 
-TEST_P(WriteRefusal, IsReportedBeforeTheDriverSeesIt)
+TEST_P(WriteRefusal, IsReportedByTheNextStepAndNeverReachesTheDriver)
 {
     RuntimeUnderTest host;
     host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
     host.steps(1);
-
     host.host.write(GetParam().wish);
+    const Texts early = host.outcomes;
 
+    host.steps(1);
+
+    EXPECT_EQ(early, Texts {});
     ASSERT_EQ(host.outcomes, Texts { "1000 refused" });
     EXPECT_EQ(host.outcomeRecords.front().refusal, GetParam().refusal);
-    EXPECT_EQ(host.host.link().waitingWrites(), 0);
-    EXPECT_EQ(host.host.link().waitingConditionReads(), 0);
+    EXPECT_EQ(host.host.pendingWrites(), 0);
+    EXPECT_EQ(host.sent(1, 3), 2) << "the polled block";
+    EXPECT_EQ(host.stations.line.sent().size(), 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -363,6 +369,7 @@ TEST_F(WriteDeskTest, AClosedLineRefuses)
     host.stations.line.unplug();
 
     host.write(1, "CW", 0, { 1 });
+    host.steps(1);
 
     ASSERT_EQ(host.outcomes, Texts { "1000 refused" });
     EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::NotConnected);
@@ -374,6 +381,7 @@ TEST_F(WriteDeskTest, AStationThatIsLeftAloneRefuses)
     host.runFor(seconds(3));
 
     host.write(1, "FRE", 0, { 1 });
+    host.steps(1);
 
     ASSERT_EQ(host.outcomes, Texts { "1000 refused" });
     EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::NotConnected);
@@ -383,7 +391,9 @@ TEST_F(WriteDeskTest, AFullQueueRefuses)
 {
     for (int i = 0; i < 513; ++i)
         host.host.write({ 1 + i % 247, QStringLiteral("F"), i / 247, { 1 }, true, false });
+    host.host.step();
 
-    ASSERT_EQ(host.outcomes, Texts { "1512 refused" });
+    ASSERT_EQ(host.outcomes, (Texts { "1512 refused", "1000 confirmed" }));
     EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::QueueFull);
+    EXPECT_EQ(host.host.pendingWrites(), 511);
 }
