@@ -177,8 +177,10 @@ void WriteDesk::afterStep(const Cycle &cycle, Cycle::Step step, const ReplyVerdi
 void WriteDesk::settle(QueuedWrite &write, const Cycle &cycle, Cycle::Step step,
                        const ReplyVerdict &verdict)
 {
-    const bool wasAsked = cycle.reply().kind != Reply::Kind::NotAsked;
-    write.sent = write.sent || (write.next == Request::Send && wasAsked);
+    const Reply::Kind kind = cycle.reply().kind;
+    const bool wasAsked = kind != Reply::Kind::NotAsked;
+    const bool wasSent = wasAsked && kind != Reply::Kind::Withheld;
+    write.sent = write.sent || (write.next == Request::Send && wasSent);
     if (step != Cycle::Step::Served && step != Cycle::Step::GivenUp)
         return;
     m_asked = 0;
