@@ -21,6 +21,20 @@ void sleepFor(Duration span)
     std::this_thread::sleep_for(span);
 }
 
+/// The latest of the times of all blocks that have the register.
+std::optional<Duration> latest(const std::map<BlockKey, Duration> &times, int station,
+                               const QString &regType, int address)
+{
+    std::optional<Duration> latest;
+    for (const auto &[key, time] : times) {
+        const bool isInside = key.station == station && key.regType == regType
+            && address >= key.address && address < key.address + key.count;
+        if (isInside && (!latest || time > *latest))
+            latest = time;
+    }
+    return latest;
+}
+
 QString noStopsText()
 {
     return QStringLiteral("no stops are configured, nothing was stopped");
@@ -150,6 +164,7 @@ void Runtime::settle(Step step)
     if (m_cycle.reply().kind == Reply::Kind::NotAsked) {
         m_desk.afterStep(m_cycle, step, ReplyVerdict {});
     } else if (step == Step::LineDown) {
+        noteKnowledge(step);
         m_desk.afterStep(m_cycle, step, ReplyVerdict {}); // the request may have left
         lineWentDown();
     } else {
@@ -164,8 +179,7 @@ void Runtime::settleAsked(Step step)
     m_openDelay = Duration { 0 }; // the line carried an exchange
     if (step == Step::GivenUp && !isAnswer(m_guard.report().verdict.cause))
         m_breaker.noteGiveUp(request.var.station, m_line.now());
-    if (step == Step::Served)
-        noteValues();
+    noteKnowledge(step);
     if (m_stopping) {
         m_stop.afterStep(m_cycle, step, m_line.now());
         followStop();
@@ -173,11 +187,16 @@ void Runtime::settleAsked(Step step)
     m_desk.afterStep(m_cycle, step, m_guard.report().verdict);
 }
 
-void Runtime::noteValues()
+/// A write that was sent and not confirmed may have been carried out: what was known of its
+/// registers before says nothing any more. After a refusal that is final it does.
+void Runtime::noteKnowledge(Step step)
 {
     const BlockKey key = blockOf(m_cycle.request());
-    if (!key.isWrite)
-        m_reads[key] = m_line.now();
+    const bool isRefused = step != Step::LineDown && !m_guard.report().verdict.canRetry();
+    if (step == Step::Served)
+        m_known[key] = m_line.now();
+    else if (key.isWrite && !isRefused)
+        m_doubts[key] = m_line.now();
 }
 
 /// A command that waited while the line was down must not start a drive minutes later.
@@ -216,30 +235,20 @@ Duration Runtime::idleTime() const
     return std::max(next - m_line.now(), Duration { 1000 });
 }
 
-std::optional<Duration> Runtime::readAt(int station, const QString &regType, int address) const
-{
-    std::optional<Duration> latest;
-    for (const auto &[key, time] : m_reads) {
-        const bool isInside = key.station == station && key.regType == regType
-            && address >= key.address && address < key.address + key.count;
-        if (isInside && (!latest || time > *latest))
-            latest = time;
-    }
-    return latest;
-}
-
 Value Runtime::value(int station, const QString &regType, int address) const
 {
     const RegisterState state = m_link.registerState(station, regType, address);
-    const std::optional<Duration> time = readAt(station, regType, address);
+    const std::optional<quint16> waiting = m_desk.waitingValue(station, regType, address);
+    const std::optional<Duration> time = latest(m_known, station, regType, address);
+    const std::optional<Duration> doubt = latest(m_doubts, station, regType, address);
     Value value;
-    value.value = state.value;
+    value.value = waiting.value_or(state.value);
     value.known = time.has_value();
     value.failed = state.failed;
-    value.writePending = state.writePending;
+    value.writePending = waiting || state.writePending;
     value.age = time ? m_line.now() - *time : Duration { 0 };
-    value.stale = !time || value.age > m_settings.staleAfter || !m_line.isOpen()
-        || m_breaker.isLeftAlone(station);
+    value.stale = !time || (doubt && *doubt >= *time) || value.age > m_settings.staleAfter
+        || !m_line.isOpen() || m_breaker.isLeftAlone(station);
     return value;
 }
 

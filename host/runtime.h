@@ -26,12 +26,14 @@ struct RuntimeSettings {
 
 /// What is known of one register.
 struct Value {
-    quint16 value = 0; ///< the written one while its write waits
-    bool known = false; ///< read at least once; else `value` means nothing
+    quint16 value = 0; ///< the written one from write() to the end of the write
+    bool known = false; ///< read, or written with confirmation, at least once; else `value` means
+                        ///< nothing
     bool failed = false; ///< the last read of it was given up
-    bool stale = false; ///< unknown, too old, or its line or station is not there
-    bool writePending = false;
-    Duration age { 0 }; ///< since the reply that brought it; 0 when unknown
+    bool stale = false; ///< unknown, too old, its line or station is not there, or it was sent
+                        ///< another value since which was not confirmed
+    bool writePending = false; ///< a write of it has not ended
+    Duration age { 0 }; ///< since the reply that brought or confirmed it; 0 when unknown
 };
 
 /// How a stop ended.
@@ -131,13 +133,12 @@ private:
     void applyPlan();
     void settle(Step step);
     void settleAsked(Step step);
-    void noteValues();
+    void noteKnowledge(Step step);
     void lineWentDown();
     void beginStop();
     void watchUser();
     void followStop();
     void alarm(const QString &text);
-    std::optional<Duration> readAt(int station, const QString &regType, int address) const;
     Line &m_line;
     RuntimeSettings m_settings;
     Link m_link;
@@ -150,7 +151,8 @@ private:
     AlarmHandler m_alarm;
     std::optional<Plan> m_nextPlan;
     int m_blocks = 0;
-    std::map<BlockKey, Duration> m_reads; // when each block was last answered
+    std::map<BlockKey, Duration> m_known; // when each block was last read, or written
+    std::map<BlockKey, Duration> m_doubts; // when each block was last sent without confirmation
     Duration m_start;
     Duration m_lastUser;
     Duration m_openAt { 0 };

@@ -109,6 +109,12 @@ public:
     /// Outcomes reported since the desk was made.
     int reported() const { return m_reported; }
 
+    /// The value that a register is to have, as the newest write of it that has not ended says.
+    std::optional<quint16> waitingValue(int station, const QString &regType, int address) const
+    {
+        return m_queue.waitingValue(station, regType, address);
+    }
+
 private:
     struct End {
         WriteEnd kind;

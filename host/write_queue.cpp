@@ -56,6 +56,20 @@ QVector<int> WriteQueue::replacedBy(const WriteWish &newer, bool isStop) const
     return replaced;
 }
 
+std::optional<quint16> WriteQueue::waitingValue(int station, const QString &regType,
+                                                int address) const
+{
+    for (auto entry = m_writes.rbegin(); entry != m_writes.rend(); ++entry) {
+        const WriteWish &wish = entry->second.wish;
+        const int offset = address - wish.address;
+        const bool isInside = wish.station == station && wish.regType == regType && offset >= 0
+            && offset < wish.values.size();
+        if (isInside)
+            return wish.values.at(offset);
+    }
+    return std::nullopt;
+}
+
 QVector<int> WriteQueue::ids() const
 {
     QVector<int> ids;

@@ -6,6 +6,7 @@
 #include <QVector>
 
 #include <map>
+#include <optional>
 
 namespace dx4::host {
 
@@ -56,6 +57,9 @@ public:
     /// out one with others behind it would reorder effects. A stop replaces all of them: the drive
     /// is not to start once it was asked for.
     QVector<int> replacedBy(const WriteWish &newer, bool isStop) const;
+
+    /// The value that a register is to have, as the newest write of it says.
+    std::optional<quint16> waitingValue(int station, const QString &regType, int address) const;
 
     QVector<int> ids() const; ///< ascending
     int size() const { return static_cast<int>(m_writes.size()); }

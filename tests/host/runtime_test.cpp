@@ -59,6 +59,86 @@ TEST_F(RuntimeTest, AGivenUpReadKeepsItsValueAndIsMarked)
     EXPECT_TRUE(shown().failed);
 }
 
+TEST_F(RuntimeTest, AConfirmedCommandIsKnownAndAgesLikeAReadValue)
+{
+    host.steps(1);
+    host.write(1, "CW", 0, { 3 });
+    host.steps(1);
+    const Value fresh = host.host.value(1, QStringLiteral("CW"), 0);
+
+    host.stations.line.advance(seconds(5) + milliseconds(1));
+
+    const Value old = host.host.value(1, QStringLiteral("CW"), 0);
+    EXPECT_EQ(fresh.value, 3);
+    EXPECT_TRUE(fresh.known);
+    EXPECT_FALSE(fresh.stale);
+    EXPECT_FALSE(fresh.writePending);
+    EXPECT_EQ(fresh.age, Duration { 0 });
+    EXPECT_EQ(old.value, 3);
+    EXPECT_EQ(old.age, milliseconds(5001));
+    EXPECT_TRUE(old.stale);
+}
+
+TEST_F(RuntimeTest, AConfirmedRunOfParametersIsKnownRegisterByRegister)
+{
+    host.steps(1);
+    host.write(1, "F", 2, { 8, 9 });
+    host.steps(3); // compared, written
+
+    const Value second = host.host.value(1, QStringLiteral("F"), 3);
+    EXPECT_EQ(second.value, 9);
+    EXPECT_TRUE(second.known);
+    EXPECT_FALSE(second.stale);
+    EXPECT_FALSE(host.host.value(1, QStringLiteral("F"), 4).known);
+}
+
+TEST_F(RuntimeTest, AWriteThatWaitsShowsItsValueAndIsNotKnownByIt)
+{
+    host.steps(1);
+    host.write(1, "FRE", 0, { 100 });
+    host.write(1, "F", 2, { 8 });
+
+    const Value frequency = host.host.value(1, QStringLiteral("FRE"), 0);
+    const Value parameter = host.host.value(1, QStringLiteral("F"), 2);
+
+    EXPECT_EQ(frequency.value, 100);
+    EXPECT_TRUE(frequency.writePending);
+    EXPECT_FALSE(frequency.known);
+    EXPECT_EQ(parameter.value, 8);
+    EXPECT_TRUE(parameter.writePending);
+}
+
+TEST_F(RuntimeTest, ACommandThatWasSentAndNotConfirmedMakesTheOneBeforeDoubtful)
+{
+    host.steps(1);
+    host.write(1, "CW", 0, { 3 });
+    host.steps(1);
+    host.stations.changes = { silence(), silence(), silence() };
+    host.write(1, "CW", 0, { 0 });
+
+    host.steps(3);
+
+    const Value command = host.host.value(1, QStringLiteral("CW"), 0);
+    EXPECT_EQ(host.outcomes, (Texts { "1000 confirmed", "1001 timed out" }));
+    EXPECT_EQ(command.value, 3);
+    EXPECT_TRUE(command.stale) << "the station may hold 0";
+}
+
+TEST_F(RuntimeTest, ARefusedCommandLeavesTheOneBeforeAsItWas)
+{
+    host.steps(1);
+    host.write(1, "CW", 0, { 3 });
+    host.steps(1);
+    host.stations.changes = { instead(framed("01 86 03")) };
+    host.write(1, "CW", 0, { 9 });
+
+    host.steps(1);
+
+    const Value command = host.host.value(1, QStringLiteral("CW"), 0);
+    EXPECT_EQ(command.value, 3);
+    EXPECT_FALSE(command.stale);
+}
+
 TEST_F(RuntimeTest, APulledPlugMarksValuesStaleAndAReturningLineIsReopened)
 {
     host.steps(1);

@@ -260,12 +260,14 @@ TEST(WriteDesk, WritesThatStayLocalEndAtOnceAndUnsent)
     settings.link.writesStayLocal = true;
     RuntimeUnderTest host(settings);
     host.write(1, "F", 0, { 9 });
+    const int before = host.value(1, "F", 0);
 
     host.host.step();
 
     EXPECT_EQ(host.outcomes, Texts { "1000 confirmed (held)" });
     EXPECT_EQ(host.outcomeRecords.back().text.toStdString(),
               "station 1, F 0.0 (0xF000): kept here, nothing is sent");
+    EXPECT_EQ(before, 9);
     EXPECT_EQ(host.value(1, "F", 0), 9);
     EXPECT_TRUE(host.stations.line.sent().isEmpty());
 }
