@@ -74,7 +74,7 @@ Runtime::~Runtime() = default;
 void Runtime::setPlan(const Plan &plan)
 {
     m_nextPlan = plan;
-    applyPlan();
+    m_link.handlerErrors().during([this] { applyPlan(); });
 }
 
 /// A reply is stored against the lists that its request came from: they change between two
@@ -131,9 +131,12 @@ bool Runtime::ensureOpen()
 
 Runtime::Step Runtime::step()
 {
-    m_desk.deliver();
-    const Step done = takeStep();
-    m_desk.deliver();
+    Step done = Step::Idle;
+    m_link.handlerErrors().during([&] {
+        m_desk.deliver();
+        done = takeStep();
+        m_desk.deliver();
+    });
     return done;
 }
 
@@ -265,8 +268,11 @@ void Runtime::beginStop()
 
 StopReport Runtime::stop(Duration budget)
 {
-    const StopReport report = stopDrives(budget);
-    m_desk.deliver();
+    StopReport report;
+    m_link.handlerErrors().during([&] {
+        report = stopDrives(budget);
+        m_desk.deliver();
+    });
     return report;
 }
 
@@ -319,7 +325,7 @@ void Runtime::watchUser()
 void Runtime::alarm(const QString &text)
 {
     if (m_alarm)
-        m_alarm(text);
+        m_link.handlerErrors().call([&] { m_alarm(text); });
 }
 
 } // namespace dx4::host

@@ -47,7 +47,10 @@ struct StopReport {
 /// All calls come from one thread, one Runtime per thread and line. Lines in one process need
 /// private copies of the driver.
 ///
-/// Handlers run inside step(), run() and stop(), none inside write(). They may write and read.
+/// Handlers run inside step(), run() and stop(), none inside write(). They may write and read. The
+/// first exception that a handler throws in a call is thrown by that call once it has done all that
+/// it does without one: requests are settled and counted, outcomes reported, stops followed, the
+/// other handlers called. run() ends with the step, stop() has stopped the drives before.
 class Runtime {
 public:
     using Step = Cycle::Step;

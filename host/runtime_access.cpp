@@ -2,6 +2,8 @@
 // Registers read and written over a runtime.
 #include "host/runtime_access.h"
 
+#include <QScopeGuard>
+
 #include <utility>
 
 namespace dx4::host {
@@ -53,8 +55,9 @@ AccessResult RuntimeAccess::write(int station, const QString &regType, int addre
 
     m_ended.reset();
     m_expected = m_runtime.write(wish);
+    // Also where a handler throws: the outcome is the others' from then on.
+    const auto forget = qScopeGuard([this] { m_expected = 0; });
     m_runtime.run([this] { return m_ended.has_value(); });
-    m_expected = 0;
     const WriteOutcome outcome = *m_ended;
     if (kindOf(outcome) == AccessResult::Kind::Done)
         return {};
