@@ -44,12 +44,12 @@ struct Pair {
     {
         for (std::uint64_t plant = 0; guarded.steps < steps(); ++plant) {
             SeededChance chance(seed() + plant);
-            Trial trial(chance, stations);
+            VirtualTrial trial(chance, stations);
             trial.steps(stepsOfOnePlant);
             guarded.add(trial.counts());
             SeededChance same(seed() + plant);
-            Trial compared(same, stations);
-            ToldExchange exchange(compared.plant());
+            VirtualTrial compared(same, stations);
+            ToldExchange exchange(compared.plant);
             compared.useExchange(exchange);
             compared.steps(stepsOfOnePlant);
             told.add(compared.counts());
@@ -64,7 +64,7 @@ TEST(BelievedReplies, AreOfTheirOwnRequestInAnyPlant)
     TrialCounts total;
     for (std::uint64_t plant = 0; total.steps < steps(); ++plant) {
         SeededChance chance(seed() + plant);
-        Trial trial(chance);
+        VirtualTrial trial(chance);
 
         trial.steps(stepsOfOnePlant);
 

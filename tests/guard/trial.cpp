@@ -2,6 +2,8 @@
 // One host asking late stations, and what it believed that was not so.
 #include "trial.h"
 
+#include "trial_requests.h"
+
 #include <algorithm>
 #include <sstream>
 
@@ -10,7 +12,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr int requestBytes = 8;
 constexpr int mostOlder = 128; // versions; beyond, it is a step back
 constexpr Duration comparable =
     std::chrono::seconds(20); // before the versions have gone half round
@@ -19,41 +20,6 @@ int wordAt(const QByteArray &bytes, int position)
 {
     return static_cast<unsigned char>(bytes.at(position)) * 256
         + static_cast<unsigned char>(bytes.at(position + 1));
-}
-
-void close(FRAME_PRO &frame, int payload)
-{
-    unsigned crc = 0xFFFF;
-    for (int i = 0; i < payload; ++i) {
-        crc ^= frame.frame[i];
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1U) != 0 ? (crc >> 1) ^ 0xA001U : crc >> 1;
-    }
-    frame.frame[payload] = static_cast<unsigned char>(crc & 0xFFU);
-    frame.frame[payload + 1] = static_cast<unsigned char>(crc >> 8);
-    frame.sendLength = payload + 2;
-}
-
-FRAME_PRO request(int station, int function, int address, int value)
-{
-    FRAME_PRO frame;
-    const int words[] = { station * 256 + function, address, value };
-    for (int i = 0; i < 3; ++i) {
-        frame.frame[2 * i] = static_cast<unsigned char>(words[i] / 256);
-        frame.frame[2 * i + 1] = static_cast<unsigned char>(words[i] % 256);
-    }
-    frame.replyLength = requestBytes;
-    frame.var.station = station;
-    close(frame, requestBytes - 2);
-    return frame;
-}
-
-FRAME_PRO read(int station, int address, int count)
-{
-    FRAME_PRO frame = request(station, 3, address, count);
-    frame.replyDataLength = 2 * count;
-    frame.replyLength = 5 + 2 * count;
-    return frame;
 }
 
 } // namespace
@@ -74,16 +40,6 @@ void TrialCounts::add(const TrialCounts &other)
 
 namespace {
 
-LineSettings settingsBy(Chance &chance)
-{
-    static constexpr int speeds[] = { 9600, 19200, 38400, 57600, 115200 };
-    static constexpr int timeouts[] = { 20, 50, 100, 300, 1000 };
-    LineSettings settings;
-    settings.speed = speeds[chance.pick(5)];
-    settings.responseTimeout = milliseconds(timeouts[chance.pick(5)]);
-    return settings;
-}
-
 LineHabit habitBy(Chance &chance, LineSettings &settings)
 {
     LineHabit habit;
@@ -100,31 +56,51 @@ LineHabit habitBy(Chance &chance, LineSettings &settings)
 
 } // namespace
 
-Trial::Trial(Chance &chance, Stations stations)
+LineChoice anyLine(Chance &chance)
+{
+    static constexpr int speeds[] = { 9600, 19200, 38400, 57600, 115200 };
+    static constexpr int timeouts[] = { 20, 50, 100, 300, 1000 };
+    LineChoice choice;
+    choice.settings.speed = speeds[chance.pick(5)];
+    choice.settings.responseTimeout = milliseconds(timeouts[chance.pick(5)]);
+    choice.habit = habitBy(chance, choice.settings);
+    return choice;
+}
+
+LineChoice quickLine(Chance &chance)
+{
+    static constexpr int speeds[] = { 57600, 115200 };
+    LineChoice choice;
+    choice.settings.speed = speeds[chance.pick(2)];
+    choice.settings.responseTimeout = milliseconds(chance.pick(31) + 20);
+    choice.habit = habitBy(chance, choice.settings);
+    return choice;
+}
+
+Trial::Trial(Chance &chance, const LineChoice &line, Plant &plant, Stations stations)
     : m_chance(chance)
-    , m_settings(settingsBy(chance))
-    , m_line(habitBy(chance, m_settings))
-    , m_plant(m_settings, m_line, chance)
-    , m_guard(m_plant)
+    , m_plant(plant)
+    , m_guard(plant.line())
     , m_exchange(&m_guard)
     , m_writesPerMille(chance.pick(4) * 100)
     , m_switchesPerMille(chance.pick(3) * 2)
 {
+    const LineSettings &settings = line.settings;
+    const LineHabit &habit = line.habit;
     std::ostringstream text;
-    text << m_settings.speed << " bit/s, timeout " << m_settings.responseTimeout.count() / 1000
-         << " ms, echoes " << m_line.echoes << " (mode " << static_cast<int>(m_settings.echo)
-         << "), damaged " << m_line.damaged << ", lost " << m_line.lost << ", foreign "
-         << m_line.foreign << ", late echoes " << m_line.lateEcho << '\n';
+    text << settings.speed << " bit/s, timeout " << settings.responseTimeout.count() / 1000
+         << " ms, echoes " << habit.echoes << " (mode " << static_cast<int>(settings.echo)
+         << "), damaged " << habit.damaged << ", lost " << habit.lost << ", foreign "
+         << habit.foreign << ", late echoes " << habit.lateEcho << '\n';
     m_text = text.str();
-    addStations(stations);
+    addStations(settings.responseTimeout, stations);
     addBlocks();
 }
 
-void Trial::addStations(Stations stations)
+void Trial::addStations(Duration timeout, Stations stations)
 {
     const int count = static_cast<int>(m_chance.pick(4)) + 1;
     for (int number = 1; number <= count; ++number) {
-        const Duration timeout = m_settings.responseTimeout;
         LateHabit habit;
         habit.pattern = static_cast<LateHabit::Pattern>(m_chance.pick(3));
         habit.buffers = m_chance.pick(2) == 0;
@@ -152,10 +128,10 @@ void Trial::addBlocks()
                 m_chance.pick(5) == 0 ? static_cast<int>(m_chance.pick(8)) + 1 : usual;
             const int first = static_cast<int>(m_chance.pick(static_cast<unsigned>(16 - count)));
             const unsigned kind = m_chance.pick(6);
-            m_blocks.push_back(kind == 0 ? read(station, 0x2000 + (first & 1), 1)
+            m_blocks.push_back(kind == 0 ? readOf(station, 0x2000 + (first & 1), 1)
                                    : kind == 1
-                                   ? read(station, 0xD000 + first + (count == 1 ? 1 : 0), count)
-                                   : read(station, (kind < 4 ? 0xD000 : 0xF000) + first, count));
+                                   ? readOf(station, 0xD000 + first + (count == 1 ? 1 : 0), count)
+                                   : readOf(station, (kind < 4 ? 0xD000 : 0xF000) + first, count));
         }
     }
 }
@@ -165,20 +141,20 @@ FRAME_PRO Trial::write(int station)
     FRAME_PRO frame;
     switch (m_chance.pick(4)) {
     case 0:
-        frame = request(station, 6, 0x1001, static_cast<int>(m_chance.pick(3)));
+        frame = requestOf(station, 6, 0x1001, static_cast<int>(m_chance.pick(3)));
         break;
     case 1:
-        frame = request(station, 6, 0x1002, ++m_nextValue % 65536);
+        frame = requestOf(station, 6, 0x1002, ++m_nextValue % 65536);
         break;
     case 2:
-        frame = request(station, 6, 0xF00E + static_cast<int>(m_chance.pick(2)), 7);
+        frame = requestOf(station, 6, 0xF00E + static_cast<int>(m_chance.pick(2)), 7);
         break;
     default:
-        frame = request(station, 16, 0xF004, 2);
+        frame = requestOf(station, 16, 0xF004, 2);
         frame.frame[6] = 4;
         for (int i = 7; i < 11; ++i)
             frame.frame[i] = static_cast<unsigned char>(m_chance.pick(256));
-        close(frame, 11);
+        closeFrame(frame, 11);
         break;
     }
     frame.var.varKind = 1000 + ++m_nextValue;
@@ -188,7 +164,7 @@ FRAME_PRO Trial::write(int station)
 void Trial::nextRequest()
 {
     m_request.triesLeft = static_cast<int>(m_chance.pick(3)) + 1;
-    m_request.begun = m_plant.now();
+    m_request.begun = now();
     const FRAME_PRO &block = m_blocks[static_cast<std::size_t>(m_nextBlock) % m_blocks.size()];
     if (m_chance.happens(m_writesPerMille)) {
         m_request.frame = write(block.var.station);
@@ -200,21 +176,62 @@ void Trial::nextRequest()
 
 void Trial::step()
 {
-    if (m_chance.happens(m_switchesPerMille)) {
-        const bool isOff = m_plant.habitOf(1).isOff;
-        m_plant.setOff(1, !isOff);
-    }
+    if (m_chance.happens(m_switchesPerMille))
+        m_plant.toggle(1);
+    if (m_chance.happens(m_besidesPerMille))
+        return doBesides();
     if (m_request.triesLeft == 0)
         nextRequest();
-    const Duration before = m_plant.now();
+    const Duration before = now();
     const Reply reply = m_exchange->run(m_request.frame);
-    m_counts.time += m_plant.now() - before;
-    ++m_counts.steps;
+    m_counts.time += now() - before;
     --m_request.triesLeft;
+    judge(reply);
+}
+
+/// What a host does but for serving its plan. Each is a step, and what it brings is judged alike.
+void Trial::doBesides()
+{
+    Line &line = m_plant.line();
+    const int station = static_cast<int>(m_chance.pick(4)) + 1;
+    const Duration timeout = line.settings().responseTimeout;
+    m_request.triesLeft = 0;
+    m_request.begun = now();
+    switch (m_chance.pick(6)) {
+    case 0: // opened again: by somebody else
+        line.close();
+        line.open(nullptr);
+        return;
+    case 1: // and after an exchange that found it closed
+        line.close();
+        m_request.frame = m_blocks.front();
+        judge(m_guard.run(m_request.frame));
+        line.open(nullptr);
+        return;
+    case 2:
+        m_guard.listen();
+        return;
+    case 3:
+        m_request.frame = readOf(station, 0x2000, 1);
+        return judge(m_guard.probe(station, { timeout, std::nullopt, m_chance.pick(2) == 0 }));
+    case 4:
+        m_guard.broadcast(0, { timeout / 4, std::nullopt, true });
+        return;
+    default:
+        m_request.frame = m_chance.pick(2) == 0 ? write(station) : m_blocks.front();
+        const Duration until = now() + timeout * (m_chance.pick(30) + 1) / 10;
+        return judge(m_guard.runWithin(m_request.frame, { timeout, until, m_chance.pick(2) == 0 }));
+    }
+}
+
+void Trial::judge(const Reply &reply)
+{
+    ++m_counts.steps;
+    const ExchangeReport &report = m_exchange->report();
     m_counts.withheld += reply.kind == Reply::Kind::Withheld ? 1 : 0;
-    m_counts.late += m_exchange->report().lateReplies;
-    const bool isRefused = m_exchange->report().verdict.cause == ReplyCause::Exception;
-    const bool isGood = m_exchange->report().verdict.cause == ReplyCause::Good;
+    m_counts.late += report.lateReplies;
+    const bool isRefused = report.verdict.cause == ReplyCause::Exception;
+    const bool isGood = report.verdict.cause == ReplyCause::Good;
     if (isGood && m_request.frame.frame[1] == 3)
         judgeRead(reply.bytes);
     else if (isGood)
@@ -233,25 +250,24 @@ void Trial::judgeRead(const QByteArray &reply)
     const int count = m_request.frame.frame[5];
     for (int i = 0; i < count; ++i) {
         const int value = wordAt(reply, 3 + 2 * i);
-        const int version = value / LatePlant::ordinals;
-        if (value % LatePlant::ordinals != m_plant.ordinalOf(station, first + i))
+        const int version = value / LateStations::ordinals;
+        if (value % LateStations::ordinals != m_plant.ordinalOf(station, first + i))
             wrong(m_counts.wrongValues, "a value of another register");
         Shown &last = m_shown[{ station, first + i }];
-        const bool isComparable = last.at > m_plant.now() - comparable;
+        const bool isComparable = last.at > now() - comparable;
         if (isComparable && ((version - last.version) & 0xFF) > mostOlder)
             wrong(m_counts.wrongValues, "a value older than one shown before");
-        last = { version, m_plant.now() };
+        last = { version, now() };
     }
 }
 
 void Trial::judgeWrite()
 {
     ++m_counts.goodWrites;
-    const QByteArray sent(reinterpret_cast<const char *>(m_request.frame.frame),
-                          m_request.frame.sendLength);
+    const QByteArray sent = sentBy(m_request.frame);
     const auto &done = m_plant.carriedOut(m_request.frame.var.station);
     const bool isDone = std::any_of(done.rbegin(), done.rend(), [&](const CarriedOut &write) {
-        return write.request == sent && write.at >= m_request.begun && write.at <= m_plant.now();
+        return write.request == sent && write.at >= m_request.begun && write.at <= now();
     });
     if (!isDone)
         wrong(m_counts.falseConfirmations, "a write that was not carried out");
@@ -264,7 +280,7 @@ void Trial::judgeRefusal()
     const int count = m_request.frame.frame[1] == 6 ? 1 : m_request.frame.frame[5];
     bool isRefused = false;
     for (int i = 0; i < count; ++i)
-        isRefused = isRefused || LatePlant::isRefused(first + i);
+        isRefused = isRefused || LateStations::isRefused(first + i);
     if (!isRefused)
         wrong(m_counts.falseRefusals, "a refusal of another request");
 }
@@ -276,10 +292,7 @@ void Trial::wrong(long &count, const std::string &what)
         return;
     std::ostringstream text;
     text << "step " << m_counts.steps << ": " << what << ", asked by "
-         << QByteArray(reinterpret_cast<const char *>(m_request.frame.frame),
-                       m_request.frame.sendLength)
-                .toHex(' ')
-                .toStdString()
-         << '\n';
+         << sentBy(m_request.frame).toHex(' ').toStdString() << '\n'
+         << m_plant.history();
     m_firstWrong = text.str();
 }

@@ -4,6 +4,7 @@
 
 #include "host/guarded_exchange.h"
 #include "late_plant.h"
+#include "plant.h"
 
 #include <string>
 #include <vector>
@@ -25,13 +26,29 @@ struct TrialCounts {
     long wrong() const { return wrongValues + falseConfirmations + falseRefusals; }
 };
 
-/// A plant and a host with a plan, all by chance. Each request has one to three tries, as the
+/// What a line is like before its stations are known.
+struct LineChoice {
+    dx4::host::LineSettings settings;
+    LineHabit habit;
+};
+
+LineChoice anyLine(Chance &chance);
+
+/// With response timeouts of 20 to 50 ms, for real time.
+LineChoice quickLine(Chance &chance);
+
+/// Stations and a host with a plan, all by chance. Each request has one to three tries, as the
 /// driver gives them.
 class Trial {
 public:
     enum class Stations { Any, InTime };
 
-    explicit Trial(Chance &chance, Stations stations = Stations::Any);
+    /// @param plant  is as `line` says and has no station yet; outlives the trial
+    Trial(Chance &chance, const LineChoice &line, Plant &plant, Stations stations = Stations::Any);
+
+    /// So many steps of 1000 do something that is none of the plan: open the line anew, listen,
+    /// probe, write at once or to all.
+    void doBesides(unsigned perMille) { m_besidesPerMille = perMille; }
 
     /// One try of a request.
     void step();
@@ -49,7 +66,6 @@ public:
 
     /// Uses an exchange that believes what has the right length, for the pace alone.
     void useExchange(dx4::host::Exchange &exchange) { m_exchange = &exchange; }
-    LatePlant &plant() { return m_plant; }
 
 private:
     struct Request {
@@ -63,19 +79,20 @@ private:
         dx4::host::Duration at = -std::chrono::hours(1);
     };
 
-    void addStations(Stations stations);
+    dx4::host::Duration now() const { return m_plant.line().now(); }
+    void addStations(dx4::host::Duration timeout, Stations stations);
     void addBlocks();
     void nextRequest();
     FRAME_PRO write(int station);
+    void doBesides();
+    void judge(const dx4::host::Reply &reply);
     void judgeRead(const QByteArray &reply);
     void judgeWrite();
     void judgeRefusal();
     void wrong(long &count, const std::string &what);
 
     Chance &m_chance;
-    dx4::host::LineSettings m_settings;
-    LineHabit m_line;
-    LatePlant m_plant;
+    Plant &m_plant;
     dx4::host::GuardedExchange m_guard;
     dx4::host::Exchange *m_exchange;
     std::vector<FRAME_PRO> m_blocks;
@@ -85,7 +102,30 @@ private:
     int m_nextValue = 0;
     unsigned m_writesPerMille = 0;
     unsigned m_switchesPerMille = 0;
+    unsigned m_besidesPerMille = 0;
     TrialCounts m_counts;
     std::string m_text;
     std::string m_firstWrong;
+};
+
+/// A line in virtual time, by chance.
+struct AnyPlant {
+    explicit AnyPlant(Chance &chance)
+        : line(anyLine(chance))
+        , plant(line.settings, line.habit, chance)
+    {
+    }
+    LineChoice line;
+    LatePlant plant;
+};
+
+/// A trial in virtual time.
+class VirtualTrial : private AnyPlant, public Trial {
+public:
+    explicit VirtualTrial(Chance &chance, Stations stations = Stations::Any)
+        : AnyPlant(chance)
+        , Trial(chance, line, plant, stations)
+    {
+    }
+    using AnyPlant::plant;
 };
