@@ -273,7 +273,10 @@ bool GuardedExchange::send(const FRAME_PRO &request, const Allowance &allowance)
     // Noted first: what a line that breaks has let through may be answered when it is back.
     m_owed.noteSent(request, m_echo.state() != AdapterEcho::State::Absent, end);
     m_lastActivity = end;
-    return m_line.send(bytesOf(request));
+    const bool isSent = m_line.send(bytesOf(request));
+    if (!isSent)
+        m_owed.noteGivenUp(); // nobody waits for its reply
+    return isSent;
 }
 
 Reply GuardedExchange::finish(const FRAME_PRO &request, Duration start)

@@ -17,7 +17,7 @@ public:
     virtual unsigned pick(unsigned below) = 0;
 
     /// Whether something happens that does so in `perMille` of 1000 cases.
-    bool happens(unsigned perMille) { return perMille > 0 && pick(1000) < perMille; }
+    virtual bool happens(unsigned perMille) { return perMille > 0 && pick(1000) < perMille; }
 };
 
 class SeededChance : public Chance {
@@ -32,7 +32,8 @@ private:
     std::mt19937_64 m_engine;
 };
 
-/// Reads numbers off an input; all choices are the first one when it has ended.
+/// Reads numbers off an input; all choices are the first one when it has ended, and nothing
+/// happens.
 class BytesChance : public Chance {
 public:
     BytesChance(const unsigned char *bytes, std::size_t size)
@@ -49,7 +50,12 @@ public:
         return number % below;
     }
 
+    /// One byte each, however rare it is meant to be: what happens is for the input to say.
+    bool happens(unsigned perMille) override { return perMille > 0 && pick(256) >= leastToHappen; }
+
 private:
+    static constexpr unsigned leastToHappen = 224;
+
     const unsigned char *m_next;
     std::size_t m_left;
 };
