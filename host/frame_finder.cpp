@@ -8,6 +8,13 @@
 #include <utility>
 
 namespace dx4::host {
+namespace {
+
+constexpr int aroundReadData = 5; // station, function, byte count, CRC
+constexpr int aroundValues = 9; // of a write of several: head and CRC
+constexpr int valueCountByte = 6; // of a write of several
+
+} // namespace
 
 FrameFinder::FrameFinder(Lengths lengths)
     : m_lengths(std::move(lengths))
@@ -42,12 +49,36 @@ std::optional<FrameFinder::Found> FrameFinder::next()
             place = m_places.erase(place);
             continue;
         }
+        if (liesInAnother(*place)) {
+            ++place;
+            continue;
+        }
         Found found { m_bytes.left(place->start), frame };
         m_bytes.remove(0, place->end);
         lookAgain();
         return found;
     }
     return std::nullopt;
+}
+
+/// Registers may hold the bytes of a frame. They are none while what they lie in is on its way and
+/// has announced just the length that is expected.
+bool FrameFinder::liesInAnother(const Place &place) const
+{
+    return std::any_of(m_places.begin(), m_places.end(), [&](const Place &other) {
+        return other.start < place.start && other.end > m_bytes.size() && announcesLength(other);
+    });
+}
+
+bool FrameFinder::announcesLength(const Place &place) const
+{
+    const int length = place.end - place.start;
+    const auto holds = [&](int position, int number) {
+        return place.start + position < m_bytes.size()
+            && byteAt(m_bytes, place.start + position) == number;
+    };
+    return (holds(functionByte, readFunction) && holds(byteCountByte, length - aroundReadData))
+        || (holds(functionByte, writeManyFunction) && holds(valueCountByte, length - aroundValues));
 }
 
 int FrameFinder::missing() const

@@ -11,8 +11,9 @@
 
 namespace dx4::host {
 
-/// Finds whole frames wherever they begin, each as soon as its last byte is there. Every place is
-/// looked at once for each length, so that a line that babbles costs no more than its bytes.
+/// Finds whole frames wherever they begin, each as soon as its last byte is there, but none inside
+/// of another that is on its way. Every place is looked at once for each length, so that a line
+/// that babbles costs no more than its bytes.
 class FrameFinder {
 public:
     /// Lengths that a frame may have which begins with these two bytes.
@@ -47,6 +48,8 @@ private:
     };
 
     void openPlaces();
+    bool liesInAnother(const Place &place) const;
+    bool announcesLength(const Place &place) const;
 
     Lengths m_lengths;
     QByteArray m_bytes;

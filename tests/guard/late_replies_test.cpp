@@ -44,3 +44,14 @@ TEST_F(LateReplies, OfARequestThatABrokenLineDidNotTakeAreOfNobodyInHand)
     EXPECT_EQ(broken.kind, Reply::Kind::LineDown);
     EXPECT_EQ(guard.report().lateReplies, 1);
 }
+
+TEST_F(LateReplies, WhoseRegistersHoldTheBytesOfARefusalRefuseNothing)
+{
+    inverter.registers = { { { 1, 0xD000 }, 0x0183 },
+                           { { 1, 0xD001 }, 0x02C0 },
+                           { { 1, 0xD002 }, 0xF100 } };
+
+    const Reply reply = guard.run(readOf(1, 0xD000, 4));
+
+    EXPECT_EQ(reply.bytes, framed("01 03 08 01 83 02 C0 F1 00 00 00"));
+}
