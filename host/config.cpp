@@ -50,6 +50,9 @@ void readStop(ConfigTable table, StopPolicy &stop)
     if (word >= 0)
         stop.controlWord = static_cast<quint16>(word);
     table.milliseconds("confirm_ms", 1, longestTimeoutMs, stop.confirmWithin);
+    table.flag("broadcast", stop.broadcast);
+    if (stop.broadcast && !table.has("control_word"))
+        table.wrong("broadcast", QStringLiteral("there is no control_word to send"));
     table.refuseTheRest();
 }
 

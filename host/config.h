@@ -31,6 +31,7 @@ struct StationConfig {
 struct StopPolicy {
     std::optional<quint16> controlWord; ///< "CW" value that stops the drive; none: nothing is sent
     Duration confirmWithin = std::chrono::seconds(2); ///< for the echoes of all stations
+    bool broadcast = false; ///< the drives take the stop as a broadcast, which goes first then
 };
 
 struct Config {

@@ -43,7 +43,9 @@ ConfigReload::ConfigReload(Runtime &runtime, Planner &planner, Config current)
     : ConfigReload(runtime.link(), planner, std::move(current),
                    [&runtime](const Config &config, const Plan &plan) {
                        runtime.setPlan(plan);
-                       runtime.setStops(runtimeSettings(config).stops);
+                       const RuntimeSettings settings = runtimeSettings(config);
+                       runtime.setStops(settings.stops);
+                       runtime.setStopBroadcast(settings.stopBroadcast);
                        setExtraGaps(runtime.guard(), config);
                    })
 {

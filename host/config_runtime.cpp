@@ -8,6 +8,8 @@ RuntimeSettings runtimeSettings(const Config &config)
 {
     RuntimeSettings settings;
     settings.link = config.link;
+    settings.stopBroadcast = config.stop.broadcast;
+    settings.stopBudget = config.stop.confirmWithin;
     for (const StationConfig &station : config.stations) {
         if (config.stop.controlWord)
             settings.stops.append({ station.address, *config.stop.controlWord });

@@ -8,7 +8,7 @@
 namespace dx4::host {
 
 /// Settings for a runtime: the link and, where the configuration has a stop, the stop of every
-/// station; all else at its default.
+/// station, its time and whether it is broadcast; all else at its default.
 RuntimeSettings runtimeSettings(const Config &config);
 
 /// Sets the extra gaps of the configuration's stations; others stay as they were.

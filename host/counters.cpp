@@ -13,6 +13,7 @@ namespace {
 
 constexpr int functionByte = 1;
 constexpr unsigned char readFunction = 3;
+constexpr int probeBytes = 8;
 
 qint64 number(quint64 count)
 {
@@ -169,6 +170,17 @@ void CounterSet::countExchange(const FRAME_PRO &request, const ExchangeReport &r
     const ReplyCause cause = report.verdict.cause;
     if (cause == ReplyCause::Good || cause == ReplyCause::Exception)
         ++counts.turnaround[turnaroundClass(report.answerDelay)];
+}
+
+void CounterSet::countProbe(int station, const ExchangeReport &report, Duration held)
+{
+    FRAME_PRO probe;
+    probe.frame[functionByte] = readFunction;
+    probe.sendLength = probeBytes;
+    probe.var.station = station;
+    probe.var.regType = QStringLiteral("SW");
+    probe.var.count = 1;
+    countExchange(probe, report, held);
 }
 
 RequestCounts CounterSet::block(const BlockKey &key) const

@@ -71,6 +71,8 @@ public:
 
     /// Counts a request that was not sent for what its station owes.
     void countWithheld(const FRAME_PRO &request, const ExchangeReport &report, Duration held);
+    /// Counts a probe of a station that is left alone, as a read of its status word.
+    void countProbe(int station, const ExchangeReport &report, Duration held);
 
     /// Counts what became of the request.
     void countRetry(const FRAME_PRO &request) { ++m_blocks[blockOf(request)].retries; }

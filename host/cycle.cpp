@@ -60,9 +60,10 @@ void Cycle::count(Step step)
         m_counters.countWithheld(m_request, report, m_reply.turnaround);
     else
         countSent(step, report);
-    if (step == Step::Retry)
+    const bool isAskedAgain = step == Step::GivenUp && m_reply.isRepeated;
+    if (step == Step::Retry || isAskedAgain)
         m_counters.countRetry(m_request);
-    if (step == Step::GivenUp)
+    else if (step == Step::GivenUp)
         m_counters.countGiveUp(m_request);
 }
 

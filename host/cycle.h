@@ -32,6 +32,12 @@ public:
     /// Counts a line that was found closed between two steps.
     void noteLineDown() { m_counters.countLineDown(); }
 
+    /// Counts a read of the status word that did not come from the driver.
+    void noteProbe(int station, const ExchangeReport &report, Duration held)
+    {
+        m_counters.countProbe(station, report, held);
+    }
+
     /// The request, its reply and the driver's line about it, of the last step that was not Idle.
     const FRAME_PRO &request() const { return m_request; }
     const Reply &reply() const { return m_reply; }

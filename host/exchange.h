@@ -25,6 +25,7 @@ struct Reply {
     QByteArray bytes; ///< for the driver
     bool canRetry = true; ///< false: asking again cannot bring another answer
     Duration turnaround { 0 }; ///< from the call that sent the request to the end of the wait
+    bool isRepeated = false; ///< where it failed: the host makes the request anew, it is not over
 };
 
 /// What one exchange met, for counters and messages.
@@ -41,9 +42,6 @@ struct ExchangeReport {
     QVector<int> heardStations; ///< of each late reply, and of each frame nobody was asked for
     Duration answerDelay { 0 }; ///< turnaround less the wire time of request and reply
 };
-
-/// Tag of a write that is sent at once, whatever else is due: VARIABLE::varKind of the safe stop.
-inline constexpr int safeStopTag = 900;
 
 /// Carries one request to the station and its reply back. Checks that go beyond the driver's own
 /// and stations that are not to be asked are further implementations around this one.

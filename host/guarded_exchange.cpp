@@ -86,7 +86,8 @@ Reply GuardedExchange::runWithin(const FRAME_PRO &request, const Allowance &allo
     const bool isCopied = repliesLikeEcho(request);
     if (isCopied && !allowance.isUrgent)
         learnEcho(request, allowance);
-    if (!allowance.isUrgent && !clear(request, allowance)) {
+    const bool mayGo = allowance.isUrgent || clear(request, allowance);
+    if (!mayGo || isTooLate(request, allowance)) {
         m_report.verdict = {};
         if (!m_line.isOpen())
             return lineDown(start);
@@ -96,6 +97,15 @@ Reply GuardedExchange::runWithin(const FRAME_PRO &request, const Allowance &allo
     if (isCopied && reply.kind == Reply::Kind::Silence && m_report.echoStripped)
         m_echo.noteLoneCopy();
     return reply;
+}
+
+/// Whether reads of the guard's own have taken the time that the request needs.
+bool GuardedExchange::isTooLate(const FRAME_PRO &request, const Allowance &allowance) const
+{
+    const bool hasAsked = m_report.echoProbes + m_report.clearingReads > 0;
+    const Duration needed =
+        gapBefore(request.frame[stationByte]) + m_line.settings().wireTime(request.sendLength);
+    return hasAsked && allowance.until && m_line.now() + needed > *allowance.until;
 }
 
 Reply GuardedExchange::probe(int station, const Allowance &allowance)
@@ -290,19 +300,26 @@ Reply GuardedExchange::finish(const FRAME_PRO &request, Duration start)
     return { kindOf(verdict.cause), forDriver, verdict.canRetry(), turnaround };
 }
 
+Duration GuardedExchange::gapBefore(int station) const
+{
+    const auto extra = m_extraGaps.find(station);
+    return m_line.settings().silentGap()
+        + (extra == m_extraGaps.end() ? Duration { 0 } : extra->second);
+}
+
 /// Listens until the line was silent for as long as a frame needs before it.
 void GuardedExchange::awaitGap(const FRAME_PRO &request, const Allowance &allowance)
 {
     const LineSettings &settings = m_line.settings();
-    const auto extra = m_extraGaps.find(request.frame[stationByte]);
-    const Duration gap =
-        settings.silentGap() + (extra == m_extraGaps.end() ? Duration { 0 } : extra->second);
+    const Duration gap = gapBefore(request.frame[stationByte]);
     // A station that chatters without end must not stop the rotation.
-    const Duration limit =
-        noLaterThan(allowance.until, m_line.now() + std::max(settings.responseTimeout, 2 * gap));
+    Duration limit = m_line.now() + std::max(settings.responseTimeout, 2 * gap);
+    if (allowance.until)
+        limit = std::min(limit, *allowance.until - settings.wireTime(request.sendLength));
     hear(m_line.receive(mostHeard, m_line.now()));
     if (!m_lastActivity) {
-        m_line.awaitSilence(gap, limit); // what others did before is the line's to know
+        m_line.awaitSilence(
+            gap, std::max(limit, m_line.now())); // what others did before is the line's to know
         m_lastActivity = m_line.now() - gap;
     }
     while (m_line.isOpen() && m_line.now() < std::min(*m_lastActivity + gap, limit))

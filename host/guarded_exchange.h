@@ -16,7 +16,9 @@ namespace dx4::host {
 /// How long one exchange may take, and what may be done for it.
 struct Allowance {
     Duration timeout { 0 }; ///< end of the request to the first byte of its reply
-    std::optional<Duration> until; ///< moment at which it ends, whatever the line does
+    /// Moment at which it ends, whatever the line does; the request goes out all the same, but not
+    /// behind reads of the guard's own that have taken its time.
+    std::optional<Duration> until;
     bool isUrgent = false; ///< goes out at once: nothing else is asked before or behind it
 };
 
@@ -64,6 +66,9 @@ public:
     /// Response timeout of a station: that of the line, or a longer one that was learnt.
     Duration timeoutOf(int station) const { return m_answerTimes.timeoutOf(station); }
 
+    /// Silence that is kept before a request to a station.
+    Duration gapBefore(int station) const;
+
     /// The slowest of its last answers, wire times taken off; none before the first.
     std::optional<Duration> answerTime(int station) const
     {
@@ -92,6 +97,7 @@ private:
     Reply finish(const FRAME_PRO &request, Duration start);
     void learnEcho(const FRAME_PRO &request, const Allowance &allowance);
     bool clear(const FRAME_PRO &request, const Allowance &allowance);
+    bool isTooLate(const FRAME_PRO &request, const Allowance &allowance) const;
     bool isUnclear(const FRAME_PRO &request) const;
     bool askToClear(const FRAME_PRO &read, const Allowance &allowance);
     void awaitClear(const FRAME_PRO &request, Duration until);

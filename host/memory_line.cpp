@@ -39,8 +39,12 @@ bool MemoryLine::send(const QByteArray &bytes)
     if (!m_open)
         return false;
     m_sent.append(bytes);
-    m_now += m_settings.wireTime(lengthOf(bytes));
+    const Duration end = m_now + m_settings.wireTime(lengthOf(bytes));
+    const bool isLost = m_collides && dropArrivalsUntil(end);
+    m_now = end;
     m_lastActivity = m_now;
+    if (isLost)
+        return true;
     const Answer answer = m_responder(bytes);
     schedule(answer.bytes, m_now + answer.delay);
     return m_open;
@@ -99,6 +103,18 @@ void MemoryLine::unplug()
 void MemoryLine::plugIn()
 {
     m_pluggedIn = true;
+}
+
+/// @return whether there was one to drop
+bool MemoryLine::dropArrivalsUntil(Duration end)
+{
+    const auto isHit = [this, end](const Arrival &arrival) {
+        return arrival.at > m_now && arrival.at <= end;
+    };
+    const auto kept = std::remove_if(m_arrivals.begin(), m_arrivals.end(), isHit);
+    const bool isAny = kept != m_arrivals.end();
+    m_arrivals.erase(kept, m_arrivals.end());
+    return isAny;
 }
 
 void MemoryLine::schedule(const QByteArray &bytes, Duration start)

@@ -40,6 +40,10 @@ public:
     /// Lets bytes arrive that nobody asked for, `delay` from now.
     void inject(const QByteArray &bytes, Duration delay = Duration { 0 });
 
+    /// From now on a frame that is sent and bytes that arrive meanwhile destroy each other, as on a
+    /// pair of wires that all share: no station hears the frame, and the bytes are lost.
+    void letFramesCollide() { m_collides = true; }
+
     /// Pulls the plug: the line closes and cannot be opened until plugIn().
     void unplug();
     void plugIn();
@@ -57,11 +61,13 @@ private:
     };
 
     void schedule(const QByteArray &bytes, Duration start);
+    bool dropArrivalsUntil(Duration end);
 
     Responder m_responder;
     LineSettings m_settings;
     bool m_open = true;
     bool m_pluggedIn = true;
+    bool m_collides = false;
     Duration m_now { 0 };
     Duration m_lastActivity;
     std::deque<Arrival> m_arrivals; // ascending by time

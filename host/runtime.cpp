@@ -4,8 +4,6 @@
 
 #include "host/length.h"
 
-#include <QStringList>
-
 #include <algorithm>
 #include <thread>
 
@@ -35,19 +33,6 @@ std::optional<Duration> latest(const std::map<BlockKey, Duration> &times, int st
     return latest;
 }
 
-QString noStopsText()
-{
-    return QStringLiteral("no stops are configured, nothing was stopped");
-}
-
-QString stationList(const QVector<int> &stations)
-{
-    QStringList names;
-    for (int station : stations)
-        names.append(QString::number(station));
-    return names.join(QStringLiteral(", "));
-}
-
 } // namespace
 
 Runtime::Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettings &settings)
@@ -59,14 +44,17 @@ Runtime::Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettin
     , m_exchange(line, m_guard, m_breaker)
     , m_cycle(m_link, m_exchange)
     , m_desk(m_link)
-    , m_stop(m_link, settings.stops)
+    , m_stop(m_link, settings.stops, [this](int station) { return outlookOf(station); })
     , m_start(line.now())
     , m_lastUser(line.now())
 {
     if (!m_settings.pause)
         m_settings.pause = sleepFor;
+    m_stop.setBroadcast(settings.stopBroadcast);
     m_desk.setGate([this](const WriteWish &wish) { return gate(wish); });
     m_desk.setStopTest([this](const WriteWish &wish) { return isStop(wish); });
+    m_exchange.setPurposes([this](const FRAME_PRO &request) { return purposeOf(request); },
+                           [this](int station) { return m_stop.takeAllowance(station); });
 }
 
 Runtime::~Runtime() = default;
@@ -84,6 +72,10 @@ void Runtime::applyPlan()
     if (!m_nextPlan || !m_link.api().state->sendFrames.isEmpty())
         return;
     m_blocks = lengthOf(m_link.poll(m_nextPlan->addresses));
+    std::set<int> stations;
+    for (const KEY_ADDRESS &address : std::as_const(m_nextPlan->addresses))
+        stations.insert(address.station);
+    m_breaker.setPolled(stations);
     m_nextPlan.reset();
 }
 
@@ -95,12 +87,14 @@ bool Runtime::isStop(const WriteWish &wish) const
 Refusal Runtime::gate(const WriteWish &wish) const
 {
     const bool isCommand = wish.regType == QLatin1String("CW");
-    if (m_stopping)
-        return Refusal::Stopping;
-    if (!m_line.isOpen() || m_breaker.isLeftAlone(wish.station))
+    const bool stops = isStop(wish);
+    const Refusal stopping = stopGate(wish, stops);
+    if (stopping != Refusal::None)
+        return stopping;
+    if (!m_line.isOpen() || (!stops && m_breaker.isLeftAlone(wish.station)))
         return Refusal::NotConnected;
     // A drive that has never been heard must not be started blindly; stopping it does no harm.
-    if (isCommand && !isStop(wish) && !m_breaker.hasAnswered(wish.station))
+    if (isCommand && !stops && !m_breaker.hasAnswered(wish.station))
         return Refusal::NotAnswered;
     return Refusal::None;
 }
@@ -122,7 +116,7 @@ bool Runtime::ensureOpen()
         m_lineError.clear();
         m_guard.forgetLine();
         m_wasOpen = true;
-        m_stop.tryNow();
+        m_stop.resume(m_line.now(), m_settings.stopBudget);
         return true;
     }
     m_openAt = m_line.now() + m_openDelay;
@@ -145,8 +139,16 @@ Runtime::Step Runtime::takeStep()
     watchUser();
     if (!ensureOpen())
         return Step::LineDown;
-    if (m_stopping)
-        m_stop.prepare(m_line.now());
+    listen();
+    if (m_stop.isUrgent(m_line.now()))
+        return stopStep();
+    lookAfterSilent();
+    return cycleStep();
+}
+
+/// Asks for the next request of a station that is not left alone.
+Runtime::Step Runtime::cycleStep()
+{
     const int mostPassedOver =
         m_blocks + m_link.waitingWrites() + m_link.waitingConditionReads() + m_desk.pending();
     for (int passed = 0; passed <= mostPassedOver; ++passed) {
@@ -180,13 +182,12 @@ void Runtime::settleAsked(Step step)
 {
     const FRAME_PRO &request = m_cycle.request();
     m_openDelay = Duration { 0 }; // the line carried an exchange
-    if (step == Step::GivenUp && !isAnswer(m_guard.report().verdict.cause))
+    const bool isSilent = step == Step::GivenUp && wasAsked(m_cycle.reply())
+        && !isAnswer(m_guard.report().verdict.cause);
+    if (isSilent && !isUnproven())
         m_breaker.noteGiveUp(request.var.station, m_line.now());
     noteKnowledge(step);
-    if (m_stopping) {
-        m_stop.afterStep(m_cycle, step, m_line.now());
-        followStop();
-    }
+    settleStop(step);
     m_desk.afterStep(m_cycle, step, m_guard.report().verdict);
 }
 
@@ -235,6 +236,9 @@ Duration Runtime::idleTime() const
         next = std::min(next, m_openAt);
     else if (probe)
         next = std::min(next, *probe);
+    const std::optional<Duration> stop = m_stop.nextTry(m_line.now());
+    if (m_line.isOpen() && stop)
+        next = std::min(next, *stop);
     return std::max(next - m_line.now(), Duration { 1000 });
 }
 
@@ -253,73 +257,6 @@ Value Runtime::value(int station, const QString &regType, int address) const
     value.stale = !time || (doubt && *doubt >= *time) || value.age > m_settings.staleAfter
         || !m_line.isOpen() || m_breaker.isLeftAlone(station);
     return value;
-}
-
-void Runtime::beginStop()
-{
-    // First of all, so that nothing gets in which is submitted as others are dropped.
-    m_stop.begin();
-    m_stopping = true;
-    m_link.failWrites();
-    m_desk.abandon(WriteEnd::Refused, Refusal::Stopping, QStringLiteral("a stop goes first"));
-    m_desk.deliver();
-    m_stopping = m_stop.isPending();
-}
-
-StopReport Runtime::stop(Duration budget)
-{
-    StopReport report;
-    m_link.handlerErrors().during([&] {
-        report = stopDrives(budget);
-        m_desk.deliver();
-    });
-    return report;
-}
-
-StopReport Runtime::stopDrives(Duration budget)
-{
-    beginStop();
-    if (!m_stopping)
-        return { {}, noStopsText() };
-    const Duration end = m_line.now() + budget;
-    run([&] { return !m_stopping || m_line.now() >= end; });
-    StopReport report { m_stop.unconfirmed(), QStringLiteral("all stops confirmed") };
-    if (report.unconfirmed.isEmpty())
-        return report;
-    report.text = QStringLiteral("STOP NOT CONFIRMED by station %1: it may still run")
-                      .arg(stationList(report.unconfirmed));
-    alarm(report.text);
-    return report;
-}
-
-/// Brings a station that answers again to its stop, and ends with the last confirmation.
-void Runtime::followStop()
-{
-    const VARIABLE &served = m_cycle.request().var;
-    if (served.varKind != safeStopTag && isAnswer(m_guard.report().verdict.cause))
-        m_stop.tryStation(served.station);
-    if (m_stop.isPending())
-        return;
-    m_stopping = false;
-    alarm(QStringLiteral("all stops confirmed"));
-}
-
-void Runtime::noteUser()
-{
-    m_lastUser = m_line.now();
-    m_userGone = false;
-}
-
-void Runtime::watchUser()
-{
-    const bool isLate = m_settings.userPatience > Duration { 0 }
-        && m_line.now() - m_lastUser > m_settings.userPatience;
-    if (!isLate || m_userGone)
-        return;
-    m_userGone = true;
-    alarm(QStringLiteral("the user interface is silent: %1")
-              .arg(m_stop.isConfigured() ? QStringLiteral("stopping") : noStopsText()));
-    beginStop();
 }
 
 void Runtime::alarm(const QString &text)

@@ -22,6 +22,12 @@ struct RuntimeSettings {
     Duration staleAfter = std::chrono::seconds(5); ///< age from which a value counts as old
     Duration userPatience { 0 }; ///< silence of the user that leads to a stop; 0: never
     std::function<void(Duration)> pause; ///< lets time pass; null: the thread sleeps
+    /// The drives take a broadcast of "CW": where all stops have the same value it goes before
+    /// them, to every drive on the line.
+    bool stopBroadcast = false;
+    /// For the stop that `userPatience` begins, and for the stops that are sent once more when the
+    /// line is back.
+    Duration stopBudget = std::chrono::seconds(2);
 };
 
 /// What is known of one register.
@@ -69,7 +75,7 @@ public:
     void setPlan(const Plan &plan);
 
     /// One exchange. A closed line is opened first, with pauses that grow to 2 s. Stations that are
-    /// left alone are passed over.
+    /// left alone are passed over; where the probe of one is due it goes before the exchange.
     ///
     /// @return Idle: there is nothing to ask for now; LineDown: the line is closed. In both cases
     ///         call again after idleTime()
@@ -104,17 +110,31 @@ public:
     /// Called with what must not go unheard: a stop that was not confirmed, or was at last.
     void onAlarm(AlarmHandler handler) { m_alarm = std::move(handler); }
 
-    /// Drops all waiting writes, sends the configured stops and waits for their echoes. What is
-    /// unconfirmed after `budget` is reported by an alarm and sent first by the steps that follow;
-    /// until then other writes are refused. Where no stops are configured it drops the writes, and
-    /// the report says so.
+    /// Drops all waiting writes, sends the configured stops and waits for their echoes, no longer
+    /// than `budget` or than one request to each station takes. Every station has its stop after
+    /// that; with a budget of 0 none is waited for. Nothing else is sent meanwhile, and every write
+    /// is refused.
+    ///
+    /// What is unconfirmed is reported by an alarm and repeated by the steps that follow. Until it
+    /// is confirmed or given up, a station takes no write but its stop. Where no stops are
+    /// configured the writes are dropped, and the report says so.
     StopReport stop(Duration budget);
+
+    /// The user is there and gives up the stops that are not confirmed; an alarm names their
+    /// stations. A stop that waits in the driver may still go out once.
+    ///
+    /// @return those stations; they may still run
+    QVector<int> cancelStop();
 
     /// Replaces RuntimeSettings::stops, as a reloaded configuration may have other stations. A
     /// station whose stop is not confirmed yet keeps its command.
     void setStops(const QVector<StopCommand> &stops) { m_stop.setCommands(stops); }
 
-    /// The user is there. With a patience set, a user who is silent for longer stops the drives.
+    /// Replaces RuntimeSettings::stopBroadcast.
+    void setStopBroadcast(bool isWanted) { m_stop.setBroadcast(isWanted); }
+
+    /// The user is there. With a patience set, a user who is silent for longer stops the drives;
+    /// no write is taken then until the last stop is confirmed, or the user is back.
     void noteUser();
 
     const CounterSet &counters() const { return m_cycle.counters(); }
@@ -128,19 +148,32 @@ public:
     Link &link() { return m_link; }
 
 private:
+    class StopCall;
+
     Refusal gate(const WriteWish &wish) const;
     bool isStop(const WriteWish &wish) const;
     Step takeStep();
     StopReport stopDrives(Duration budget);
+    Refusal stopGate(const WriteWish &wish, bool isStop) const;
     bool ensureOpen();
     void applyPlan();
+    Step cycleStep();
     void settle(Step step);
     void settleAsked(Step step);
     void noteKnowledge(Step step);
     void lineWentDown();
-    void beginStop();
+    void listen();
+    void showLife();
+    void lookAfterSilent();
+    void probe(int station);
+    Purpose purposeOf(const FRAME_PRO &request) const;
+    StopOutlook outlookOf(int station) const;
+    void beginStop(Duration budget);
+    bool goesOn(Duration end) const;
+    Step stopStep();
+    bool isUnproven() const;
+    void settleStop(Step step);
     void watchUser();
-    void followStop();
     void alarm(const QString &text);
     Line &m_line;
     RuntimeSettings m_settings;
@@ -162,7 +195,7 @@ private:
     Duration m_openDelay { 0 };
     QString m_lineError;
     bool m_wasOpen = false;
-    bool m_stopping = false; // until the last stop is confirmed
+    int m_stopCalls = 0; // under way
     bool m_userGone = false;
 };
 

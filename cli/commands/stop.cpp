@@ -32,17 +32,44 @@ QVector<int> stationsOf(const Options &options)
     return stations;
 }
 
+Target commandOf(int station)
+{
+    return { station, QStringLiteral("CW"), 0, 1 };
+}
+
+void print(Session &session, const QVector<WriteResult> &results, int station, quint16 word)
+{
+    printResults(results, commandOf(station), { word }, session.options().json,
+                 RegisterNames(session.options().plant, session.runtime().link().api(), true));
+}
+
 int stopOne(Session &session, int station, quint16 word)
 {
     Failure failure { ExitDone, QString() };
-    const Target target { station, QStringLiteral("CW"), 0, 1 };
-    const auto results = session.write(target, { word }, {}, &failure);
-    printResults(results, target, { word }, session.options().json,
-                 RegisterNames(session.options().plant, session.runtime().link().api(), true));
+    print(session, session.write(commandOf(station), { word }, {}, &failure), station, word);
     if (failure.code == ExitDone)
         return ExitDone;
     failure.text += QStringLiteral("; the motor may still turn");
     return complain(QStringLiteral("stop"), failure);
+}
+
+/// One pass over all of them goes first, so that none waits for those that do not answer.
+int stopAll(Session &session, const QVector<int> &stations, quint16 word)
+{
+    const QVector<int> unconfirmed = session.stop().unconfirmed;
+    int exitCode = ExitDone;
+    for (const int station : stations) {
+        host::WriteOutcome confirmed;
+        confirmed.id = host::safeStopTag;
+        confirmed.sent = true;
+        int code = ExitDone;
+        if (unconfirmed.contains(station))
+            code = stopOne(session, station, word);
+        else
+            print(session, { { commandOf(station), confirmed } }, station, word);
+        exitCode = exitCode == ExitDone ? code : exitCode;
+    }
+    return exitCode;
 }
 
 int runStop(const Options &options)
@@ -63,12 +90,8 @@ int runStop(const Options &options)
     const auto session = Session::open(line, &failure, wishes);
     if (!session)
         return complain(name, failure);
-    int exitCode = ExitDone;
-    for (const int station : stations) {
-        const int code = stopOne(*session, station, word);
-        exitCode = exitCode == ExitDone ? code : exitCode;
-    }
-    return exitCode;
+    return options.all ? stopAll(*session, stations, word)
+                       : stopOne(*session, stations.constFirst(), word);
 }
 
 } // namespace

@@ -134,44 +134,117 @@ TEST_F(EightStations, AllDeadLeavesTheLineQuietBetweenProbes)
     EXPECT_LE(host.stations.line.sent().size() - before, 9);
 }
 
-TEST(Breaker, DelaysDoubleUpToTheLongest)
+namespace {
+
+/// A breaker of one polled station that has answered once and is left alone since 0 s.
+Breaker breakerOfADeadStation()
 {
     Breaker breaker;
+    breaker.setPolled({ 1 });
+    breaker.noteAnswer(1, Duration { 0 });
+    breaker.noteGiveUp(1, Duration { 0 });
+    breaker.noteGiveUp(1, Duration { 0 });
+    return breaker;
+}
+
+} // namespace
+
+TEST(Breaker, DelaysDoubleUpToTheLongest)
+{
+    Breaker breaker = breakerOfADeadStation();
     Texts delays;
     Duration now { 0 };
 
-    for (int i = 0; i < 7; ++i) {
-        breaker.noteGiveUp(1, now);
+    for (int i = 0; i < 6; ++i) {
         const Duration next = breaker.nextProbe().value_or(now);
         delays.push_back(std::to_string((next - now) / milliseconds(1)));
         now = next;
+        breaker.noteGiveUp(1, now);
     }
 
-    EXPECT_EQ(delays, (Texts { "0", "1000", "2000", "4000", "8000", "9000", "9000" }));
+    EXPECT_EQ(delays, (Texts { "1000", "2000", "4000", "8000", "9000", "9000" }));
 }
 
 TEST(Breaker, AnAnswerStartsTheCountAnew)
 {
     Breaker breaker;
+    breaker.noteAnswer(1, seconds(0));
     breaker.noteGiveUp(1, seconds(0));
-    breaker.noteAnswer(1);
+    breaker.noteAnswer(1, seconds(0));
     breaker.noteGiveUp(1, seconds(1));
 
-    EXPECT_EQ(breaker.judge(1, seconds(1)), Breaker::Verdict::Ask);
+    EXPECT_FALSE(breaker.isLeftAlone(1));
 }
 
-TEST(Breaker, AProbeIsShortUntilTheStationShowsLife)
+TEST(Breaker, AStationNeverHeardIsLeftAloneAfterItsFirstRequest)
 {
     Breaker breaker;
-    breaker.noteGiveUp(1, seconds(0));
+
     breaker.noteGiveUp(1, seconds(0));
 
-    const Duration before = breaker.probeTimeout(1, seconds(1));
+    EXPECT_TRUE(breaker.isLeftAlone(1));
+}
+
+TEST(Breaker, ProbesAreShortUntilTheStationShowsLife)
+{
+    Breaker breaker = breakerOfADeadStation();
+
+    const Duration before = breaker.probeTimeout(1, seconds(1), milliseconds(5));
     breaker.noteSignOfLife(1, milliseconds(500));
 
     EXPECT_EQ(before, milliseconds(25));
-    EXPECT_EQ(breaker.probeTimeout(1, seconds(1)), seconds(1));
-    EXPECT_EQ(breaker.judge(1, milliseconds(500)), Breaker::Verdict::Probe);
+    EXPECT_EQ(breaker.probeTimeout(1, seconds(1), milliseconds(5)), seconds(1));
+    EXPECT_EQ(breaker.dueProbe(milliseconds(499)), std::nullopt);
+    EXPECT_EQ(breaker.dueProbe(milliseconds(500)), 1);
+}
+
+TEST(Breaker, ProbesWaitForAFortiethFromTheThirdOnForThatOfTheLongestDelay)
+{
+    Breaker breaker = breakerOfADeadStation();
+    Texts waits;
+
+    for (int i = 0; i < 9; ++i) {
+        waits.push_back(
+            std::to_string(breaker.probeTimeout(1, seconds(1), milliseconds(5)) / milliseconds(1)));
+        breaker.noteGiveUp(1, seconds(i));
+    }
+
+    EXPECT_EQ(waits, (Texts { "25", "50", "225", "225", "225", "225", "225", "1000", "225" }));
+}
+
+TEST(Breaker, AProbeWaitsForWhatALivingStationTakes)
+{
+    const Breaker breaker = breakerOfADeadStation();
+
+    EXPECT_EQ(breaker.probeTimeout(1, seconds(1), milliseconds(320)), milliseconds(320));
+    EXPECT_EQ(breaker.probeTimeout(1, milliseconds(300), milliseconds(320)), milliseconds(300));
+}
+
+TEST(Breaker, NobodyIsProbedOfWhomNothingIsWanted)
+{
+    Breaker breaker = breakerOfADeadStation();
+
+    breaker.setPolled({ 2 });
+    const auto unwanted = breaker.nextProbe();
+    breaker.noteAsked(1);
+
+    EXPECT_EQ(unwanted, std::nullopt);
+    EXPECT_EQ(breaker.nextProbe(), seconds(1));
+}
+
+TEST(Breaker, AFailedProbeLeavesThreeTimesItsTimeToTheLiving)
+{
+    Breaker alone = breakerOfADeadStation();
+    Breaker shared = breakerOfADeadStation();
+    shared.noteAnswer(2, seconds(0));
+
+    alone.noteProbeCost(milliseconds(500), seconds(2));
+    shared.noteProbeCost(milliseconds(500), seconds(2));
+
+    EXPECT_EQ(alone.dueProbe(seconds(2)), 1);
+    EXPECT_EQ(shared.dueProbe(milliseconds(3499)), std::nullopt);
+    EXPECT_EQ(shared.dueProbe(milliseconds(3500)), 1);
+    EXPECT_EQ(shared.nextProbe(), milliseconds(3500));
 }
 
 TEST(Breaker, AStationSlowerThanAShortProbeIsTakenBackByALongOne)

@@ -24,6 +24,7 @@ Config configOf(const char *text)
 TEST(ConfigRuntime, EveryStationIsStoppedAsTheFileSays)
 {
     const Config config = configOf("line.port = \"a\"\nlink.tries = 5\nstop.control_word = 6\n"
+                                   "stop.confirm_ms = 700\nstop.broadcast = true\n"
                                    "[[station]]\naddress = 2\n[[station]]\naddress = 9\n");
 
     const RuntimeSettings settings = runtimeSettings(config);
@@ -32,6 +33,8 @@ TEST(ConfigRuntime, EveryStationIsStoppedAsTheFileSays)
     ASSERT_EQ(settings.stops.size(), 2);
     EXPECT_EQ(settings.stops.at(1).station, 9);
     EXPECT_EQ(settings.stops.at(1).controlWord, 6);
+    EXPECT_TRUE(settings.stopBroadcast);
+    EXPECT_EQ(settings.stopBudget, milliseconds(700));
 }
 
 TEST(ConfigRuntime, WithoutAControlWordNothingIsStopped)
@@ -109,6 +112,17 @@ TEST_F(ReloadedRuntime, StopsTheStationsOfTheFile)
     EXPECT_TRUE(report.unconfirmed.isEmpty());
     EXPECT_EQ(under.sent(1, 6), 0);
     EXPECT_EQ(under.stations.registers.at({ 2, 0x1001 }), 6);
+}
+
+TEST_F(ReloadedRuntime, BroadcastsAsTheFileSays)
+{
+    const bool applied = replaceBy("line.port = \"a\"\n[stop]\ncontrol_word = 6\n"
+                                   "broadcast = true\n[[station]]\naddress = 2\n");
+
+    under.host.stop(reload.current().stop.confirmWithin);
+
+    EXPECT_TRUE(applied);
+    EXPECT_EQ(under.sent(0, 6), 1);
 }
 
 TEST_F(ReloadedRuntime, KeepsTheExtraGapsOfTheFile)

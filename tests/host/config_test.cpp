@@ -98,6 +98,7 @@ TEST(Config, WhatIsNotSaidStaysAtItsDefault)
     EXPECT_EQ(config->link.retryLimit, 3);
     EXPECT_EQ(config->link.blockSize, 16);
     EXPECT_EQ(config->stop.confirmWithin, milliseconds(2000));
+    EXPECT_FALSE(config->stop.broadcast);
     EXPECT_EQ(config->stations.at(0).extraGap, milliseconds(0));
     EXPECT_FALSE(config->stop.controlWord.has_value());
     EXPECT_TRUE(config->stations.at(0).registers.isEmpty());
@@ -109,7 +110,7 @@ TEST(Config, EveryKeyIsRead)
                                     "stop_bits = 2\ntimeout_ms = 7\necho = \"yes\"\n"
                                     "rs485 = true\n"
                                     "[link]\ntries = 9\nblock_size = 99\n"
-                                    "[stop]\ncontrol_word = 6\nconfirm_ms = 11\n"
+                                    "[stop]\ncontrol_word = 6\nconfirm_ms = 11\nbroadcast = true\n"
                                     "[[station]]\naddress = 247\nname = \"s\"\n"
                                     "extra_gap_ms = 13\n"
                                     "[[station.register]]\nat = \"D 5\"\nname = \"r\"\n"
@@ -129,6 +130,7 @@ TEST(Config, EveryKeyIsRead)
     EXPECT_EQ(config->link.blockSize, 99);
     EXPECT_EQ(config->stop.controlWord, 6);
     EXPECT_EQ(config->stop.confirmWithin, milliseconds(11));
+    EXPECT_TRUE(config->stop.broadcast);
     ASSERT_EQ(config->stations.size(), 1);
     const StationConfig &station = config->stations.at(0);
     EXPECT_EQ(station.address, 247);
@@ -250,6 +252,16 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "TheEchoIsAWord",
                     "[line]\nport = \"a\"\necho = true\n[[station]]\naddress = 1\n",
                     { "a.toml:3: echo: expected \"auto\", \"yes\", \"no\"" } },
+        ConfigRow { "TheBroadcastIsTrueOrFalse",
+                    "[stop]\ncontrol_word = 0\nbroadcast = 1\n[[station]]\naddress = 1\n",
+                    { "a.toml:3: broadcast: expected true or false" } },
+        ConfigRow { "ABroadcastNeedsAControlWord",
+                    "[stop]\nbroadcast = true\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: broadcast: there is no control_word to send" } },
+        ConfigRow { "TheKeysOfTheStop",
+                    "[stop]\nword = 0\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: word: no such key; expected one of control_word, confirm_ms, "
+                      "broadcast" } },
         ConfigRow { "TheBlockSizeEndsAt123",
                     "line.port = \"a\"\nlink.block_size = 124\n[[station]]\naddress = 1\n",
                     { "a.toml:2: block_size: expected a whole number from 1 to 123" } },

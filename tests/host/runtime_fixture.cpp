@@ -64,10 +64,11 @@ RuntimeUnderTest::RuntimeUnderTest(const RuntimeSettings &settings, const LineSe
 void RuntimeUnderTest::steps(int count)
 {
     for (int done = 0; done < count;) {
+        const auto before = stations.line.sent().size();
         const Runtime::Step step = host.step();
         if (step == Runtime::Step::Idle || step == Runtime::Step::LineDown)
             stations.line.advance(host.idleTime());
-        if (step != Runtime::Step::Idle)
+        if (step != Runtime::Step::Idle || stations.line.sent().size() > before)
             ++done;
     }
 }

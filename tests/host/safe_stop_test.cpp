@@ -110,14 +110,14 @@ TEST(SafeStop, ManyWaitingWritesAreDroppedWhereNothingIsPolled)
     EXPECT_EQ(host.host.link().waitingWrites(), 0);
 }
 
-TEST_F(SafeStopTest, TheStopIsTheNextFrameOnTheLine)
+TEST_F(SafeStopTest, TheStopIsTheNextFrameOnTheLineToTheStationHeardLastFirst)
 {
     const auto before = host.stations.line.sent().size();
 
     host.host.stop(seconds(5));
 
-    EXPECT_EQ(host.stations.line.sent().at(before), framed("01 06 10 01 00 00"));
-    EXPECT_EQ(host.stations.line.sent().at(before + 1), framed("02 06 10 01 00 04"));
+    EXPECT_EQ(host.stations.line.sent().mid(before),
+              (QVector<QByteArray> { framed("02 06 10 01 00 04"), framed("01 06 10 01 00 00") }));
 }
 
 namespace {
@@ -127,9 +127,9 @@ FRAME_PRO firstBehindManyWrites(Link &link)
 {
     for (int i = 0; i < 60; ++i)
         link.write(1, QStringLiteral("F"), i % 10 + i / 10 * 256, { 7 }, 1);
-    SafeStop stop(link, { { 1, 0 } });
-    stop.begin();
-    stop.prepare(Duration { 0 });
+    SafeStop stop(link, { { 1, 0 } }, [](int) { return StopOutlook(); });
+    stop.begin(Duration { 0 }, seconds(2));
+    stop.prepareNext(Duration { 0 });
     FRAME_PRO first;
     EXPECT_TRUE(link.nextFrame(first));
     return first;
@@ -181,10 +181,13 @@ TEST_F(SafeStopTest, AnUnconfirmedStopIsSentFirstOnceTheLineIsBack)
     host.runFor(seconds(5));
 
     EXPECT_EQ(report.unconfirmed, (QVector<int> { 1, 2 }));
-    // The adapter may be another one: its echo is looked for before a stop counts as confirmed.
-    EXPECT_EQ(host.stations.line.sent().mid(before, 4),
-              (QVector<QByteArray> { framed("01 06 10 01 00 00"), framed("01 03 20 00 00 01"),
-                                     framed("01 06 10 01 00 00"), framed("02 06 10 01 00 04") }));
+    // The adapter may be another one: once both have their stop its echo is looked for, before a
+    // stop counts as confirmed.
+    const QByteArray statusRead = framed("01 03 20 00 00 01");
+    EXPECT_EQ(
+        host.stations.line.sent().mid(before, 6),
+        (QVector<QByteArray> { framed("02 06 10 01 00 04"), framed("01 06 10 01 00 00"), statusRead,
+                               statusRead, statusRead, framed("01 06 10 01 00 00") }));
     EXPECT_EQ(host.alarms.back(), "all stops confirmed");
     EXPECT_EQ(command(2), 4);
 }
@@ -201,26 +204,30 @@ TEST_F(SafeStopTest, AStationThatComesBackIsStoppedAtLast)
     EXPECT_EQ(host.alarms.back(), "all stops confirmed");
 }
 
-TEST_F(SafeStopTest, NoOtherWritePassesBeforeTheStopIsConfirmed)
+TEST_F(SafeStopTest, NoOtherWriteGoesToAStationBeforeItsStopIsConfirmed)
 {
     host.stations.dead = { 2 };
     host.host.stop(seconds(3));
 
-    host.write(1, "CW", 0, { 1 });
+    host.write(2, "CW", 0, { 1 });
+    host.write(2, "FRE", 0, { 500 });
     host.steps(1);
 
-    EXPECT_EQ(host.outcomeRecords.back().refusal, Refusal::Stopping);
+    EXPECT_EQ(host.outcomes, (Texts { "1002 refused", "1003 refused" }));
+    EXPECT_EQ(host.outcomeRecords.at(2).refusal, Refusal::Stopping);
+    EXPECT_EQ(host.outcomeRecords.at(3).refusal, Refusal::Stopping);
 }
 
 TEST_F(SafeStopTest, TheEchoOfAnotherValueDoesNotConfirm)
 {
-    host.stations.changes = { instead(framed("01 06 10 01 00 01")),
+    host.stations.changes = { instead(framed("02 06 10 01 00 01")),
                               instead(framed("01 06 10 01 00 01")) };
 
     const StopReport report = host.host.stop(seconds(5));
 
     EXPECT_TRUE(report.unconfirmed.isEmpty());
-    EXPECT_EQ(host.sent(1, 6), 1 + 3);
+    EXPECT_EQ(host.sent(1, 6), 1 + 2);
+    EXPECT_EQ(host.sent(2, 6), 1 + 2);
 }
 
 TEST_F(SafeStopTest, AStationOfAnotherListIsStoppedToo)
