@@ -364,7 +364,7 @@ void GuardedExchange::collect(const FRAME_PRO &request, Duration deadline,
         if (more.size() < missing)
             break;
     }
-    const QByteArray rest = m_finder.takeRest();
+    const QByteArray rest = m_finder.rest(); // may go on to come as a late reply
     noteSkipped(rest);
     if (!rest.isEmpty())
         m_reply = rest; // says more than a frame of somebody else's before it

@@ -104,6 +104,15 @@ TEST_F(LateReplies, AreBelievedForTheSameReadOnceMore)
     EXPECT_EQ(guard.report().lateReplies, 0);
 }
 
+TEST_F(LateReplies, ThatBeginBeforeTheWaitEndsAreHeardToTheirEnd)
+{
+    const Reply cut = askForALate(105); // nine bytes, and the wait ends after 109 ms
+
+    EXPECT_EQ(cut.kind, Reply::Kind::Incomplete);
+    EXPECT_EQ(triesForB(), 1);
+    EXPECT_EQ(heardLate, 1);
+}
+
 TEST_F(LateReplies, AreNotSettledByNoise)
 {
     askForALate(180);
@@ -327,7 +336,7 @@ TEST_F(LateReplies, ARequestOfNoRegisterUsesNoLineAndEndsAtOnce)
     }
 }
 
-TEST(SlowStations, AreWaitedForAsLongAsWasLearntAndThatIsSaid)
+TEST(LateRepliesInARow, AreWaitedForFromThenOnAndThatIsSaid)
 {
     ScriptedLine inverter { slowLine() };
     GuardedExchange guard { inverter.line };
