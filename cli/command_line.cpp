@@ -5,6 +5,7 @@
 #include "cli/exit_code.h"
 #include "cli/nearest_word.h"
 #include "cli/output.h"
+#include "host/number_text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -88,8 +89,7 @@ QString unknownOption(const Place &place)
     const QStringList known = optionNames(*place.app);
     for (const QString &word : place.rest) {
         QString name = word.section(QLatin1Char('='), 0, 0);
-        bool isNumber = false;
-        word.toDouble(&isNumber);
+        const bool isNumber = host::parseDecimal(word.mid(1)).has_value();
         const bool isShort = name.size() == 2 && name != QLatin1String("-h");
         const bool isLong = name.startsWith(QLatin1String("--")) && !known.contains(name);
         if (name.startsWith(QLatin1Char('-')) && name.size() > 1 && !isNumber
@@ -184,7 +184,12 @@ void Command::words(const char *name, QStringList &value, const char *help, bool
         help);
     if (most > 0)
         option->expected(1, most);
-    option->required(required)->type_name("");
+    // An unset variable of a script would leave a word out, and the next one would take its place.
+    const auto check = [](const std::string &word) {
+        const bool isEmpty = QString::fromStdString(word).trimmed().isEmpty();
+        return isEmpty ? std::string("one word has nothing in it") : std::string();
+    };
+    option->required(required)->check(CLI::Validator(check, ""))->type_name("");
 }
 
 void Command::number(const char *option, int &value, const char *help, int lowest, int highest)
@@ -192,18 +197,19 @@ void Command::number(const char *option, int &value, const char *help, int lowes
     const QString allowed = QStringLiteral("%1 to %2").arg(lowest).arg(highest);
     const auto check = [=](const std::string &given) {
         const QString word = QString::fromStdString(given);
-        bool isNumber = false;
-        const int number = word.toInt(&isNumber);
-        if (isNumber && number >= lowest && number <= highest)
+        const std::optional<int> number = host::parseWholeNumber(word);
+        if (number && *number >= lowest && *number <= highest)
             return std::string();
-        const char *what = isNumber ? "is out of range" : "is no whole number";
+        const char *what = number ? "is out of range" : "is no whole number";
         return QStringLiteral("\"%1\" %2; %3 is allowed")
             .arg(word, QString::fromLatin1(what), allowed)
             .toStdString();
     };
     CLI::Option *added = m_app.add_option_function<std::string>(
         option,
-        [&value](const std::string &given) { value = QString::fromStdString(given).toInt(); },
+        [&value](const std::string &given) {
+            value = host::parseWholeNumber(QString::fromStdString(given)).value_or(value);
+        },
         help);
     added->check(CLI::Validator(check, ""))
         ->type_name(QStringLiteral("[%1-%2]").arg(lowest).arg(highest).toStdString());

@@ -207,7 +207,7 @@ std::optional<QByteArray> parseBytes(const QStringList &words, QString *error)
         if (digits.size() == 1)
             digits.prepend(QLatin1Char('0'));
         const QByteArray some = QByteArray::fromHex(digits.toLatin1());
-        const bool isHex = digits.size() % 2 == 0 && some.size() * 2 == digits.size();
+        const bool isHex = !digits.isEmpty() && some.size() * 2 == digits.size();
         if (!isHex || QString::fromLatin1(some.toHex()) != digits.toLower()) {
             *error = QStringLiteral("\"%1\" is no byte; write two hexadecimal digits per byte, "
                                     "such as 01 03 D0 00")

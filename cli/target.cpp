@@ -6,6 +6,7 @@
 #include "host/address_range.h"
 #include "host/address_verdict.h"
 #include "host/modbus_limits.h"
+#include "host/number_text.h"
 
 #include <QRegularExpression>
 
@@ -92,7 +93,7 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int st
             runs.last().text += QLatin1Char(' ') + word.address;
             continue;
         }
-        const int asked = word.station.isEmpty() ? station : word.station.toInt();
+        const int asked = host::parseWholeNumber(word.station).value_or(station);
         if (asked < 1 || asked > host::lastStation) {
             const QString given = word.station.isEmpty() ? QString::number(asked) : word.station;
             tell(failure, QStringLiteral("no station %1; stations are 1 to 247").arg(given));

@@ -5,13 +5,13 @@
 #include "host/address_verdict.h"
 #include "host/length.h"
 #include "host/notation.h"
+#include "host/number_text.h"
 
 #include <algorithm>
 
 namespace dx4::cli {
 namespace {
 
-constexpr int highestValue = 65535;
 constexpr int mostRegisters = 123; // longer than any group; keeps the addition small
 
 /// Whether a word begins a run of registers, "F", "F8.3" or "2:D".
@@ -25,11 +25,9 @@ bool namesRegisters(const QString &word)
 
 std::optional<quint16> parseValue(const QString &text, Failure *failure)
 {
-    bool isNumber = false;
-    const bool isHex = text.startsWith(QLatin1String("0x"));
-    const int value = isHex ? text.mid(2).toInt(&isNumber, 16) : text.toInt(&isNumber, 10);
-    if (isNumber && value >= 0 && value <= highestValue)
-        return static_cast<quint16>(value);
+    const auto value = host::parseRegisterValue(text);
+    if (value)
+        return value;
     const QString why = namesRegisters(text)
         ? QStringLiteral("\"%1\" begins another address, and a command takes one; values of "
                          "registers in a row stand together, such as F 8.2 20 15, other registers "

@@ -2,6 +2,7 @@
 // A run of registers as a user types it.
 #include "host/address_range.h"
 
+#include "host/number_text.h"
 #include "register_tables.h"
 
 #include <QRegularExpression>
@@ -33,8 +34,8 @@ std::optional<Ends> parseEnds(const QString &regType, const QString &text)
     Ends ends;
     ends.firstGroup = match.captured(1).toLower();
     ends.lastGroup = match.captured(3).isEmpty() ? ends.firstGroup : match.captured(3).toLower();
-    ends.first = match.captured(2).toInt();
-    ends.last = match.captured(4).isEmpty() ? ends.first : match.captured(4).toInt();
+    ends.first = parseWholeNumber(match.captured(2)).value_or(0);
+    ends.last = parseWholeNumber(match.captured(4)).value_or(ends.first);
     return ends;
 }
 

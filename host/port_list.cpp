@@ -2,6 +2,8 @@
 // Serial ports of the machine, their lasting names and who holds them.
 #include "host/port_list.h"
 
+#include "host/number_text.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -86,11 +88,10 @@ QVector<PortHolder> holdersOf(const QString &device)
         return holders;
     const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
     for (const QString &entry : entries) {
-        bool isProcess = false;
-        const int process = entry.toInt(&isProcess);
+        const std::optional<int> process = parseWholeNumber(entry);
         const QString folder = QStringLiteral("/proc/") + entry;
-        if (isProcess && hasOpen(folder, number))
-            holders.append({ process, programOf(folder) });
+        if (process && hasOpen(folder, number))
+            holders.append({ *process, programOf(folder) });
     }
     std::sort(holders.begin(), holders.end(),
               [](const PortHolder &a, const PortHolder &b) { return a.process < b.process; });

@@ -6,6 +6,7 @@
 #include "cli/register_names.h"
 #include "cli/session.h"
 #include "cli/write_output.h"
+#include "host/number_text.h"
 
 namespace dx4::cli {
 namespace {
@@ -26,10 +27,9 @@ host::Scaling frequencyScaling()
 
 std::optional<quint16> parseFrequency(const QString &text, Failure *failure)
 {
-    bool isNumber = false;
-    const double hertz = text.toDouble(&isNumber);
-    if (isNumber && hertz >= 0 && hertz <= highestFrequency)
-        return frequencyScaling().registerValue(hertz);
+    const std::optional<double> hertz = host::parseDecimal(text);
+    if (hertz && *hertz <= highestFrequency)
+        return frequencyScaling().registerValue(*hertz);
     *failure = {
         ExitUsage,
         QStringLiteral("\"%1\" is no frequency; write 0 to 655.35 Hz, such as 30.00").arg(text)

@@ -74,3 +74,13 @@ TEST(FrameText, BytesMayBeWrittenInSeveralWays)
               QStringLiteral("\"zz\" is no byte; write two hexadecimal digits per byte, such as 01 "
                              "03 D0 00"));
 }
+
+TEST(FrameText, AWordThatOnlyLooksLikeBytesIsNone)
+{
+    for (const char *word : { "", "0x", "0x0x1", "+1", "-1", "012", "1 2 x" }) {
+        QString error;
+
+        EXPECT_FALSE(parseBytes({ QString::fromLatin1(word) }, &error)) << word;
+        EXPECT_NE(error, QString()) << word;
+    }
+}
