@@ -26,6 +26,7 @@ void watchForInterrupt()
 void ignoreBrokenPipe()
 {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool interrupted()

@@ -9,7 +9,8 @@ namespace dx4::cli {
 /// From now on SIGINT, SIGTERM and SIGHUP are noted instead of ending the program.
 void watchForInterrupt();
 
-/// Writing to a pipe that nobody reads shall not end the program: a motor may have to be stopped.
+/// Writing to a pipe that nobody reads, or beyond the largest file that is allowed, shall not end
+/// the program: a motor may have to be stopped. The write fails instead.
 void ignoreBrokenPipe();
 
 /// Whether a signal has come.

@@ -4,9 +4,9 @@
 
 #include "cli/terminal.h"
 #include "host/length.h"
+#include "host/whole_file.h"
 
 #include <QJsonDocument>
-#include <QSaveFile>
 #include <QVector>
 
 #include <algorithm>
@@ -73,10 +73,10 @@ QString jsonText(const QJsonObject &object)
 
 bool canBeWritten(const QString &file, Failure *failure)
 {
-    QSaveFile probe(file); // written beside the file, which only commit() would touch
-    if (probe.open(QIODevice::WriteOnly))
+    QString error;
+    if (host::canReplaceFile(file, &error))
         return true;
-    *failure = { ExitFailed, QStringLiteral("%1: %2").arg(file, probe.errorString()) };
+    *failure = { ExitFailed, error };
     return false;
 }
 

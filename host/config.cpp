@@ -5,8 +5,8 @@
 #include "host/address_range.h"
 #include "host/config_table.h"
 #include "host/modbus_limits.h"
+#include "host/whole_file.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -177,11 +177,12 @@ std::optional<Config> parseConfig(const QByteArray &text, QVector<ConfigError> *
 
 std::optional<Config> loadConfig(const QString &path, QVector<ConfigError> *errors)
 {
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly))
-        return parseConfig(file.readAll(), errors);
+    QString why;
+    const auto text = readWholeFile(path, &why);
+    if (text)
+        return parseConfig(*text, errors);
     if (errors)
-        errors->append({ 0, file.errorString() });
+        errors->append({ 0, why });
     return std::nullopt;
 }
 

@@ -4,11 +4,11 @@
 
 #include "host/modbus_limits.h"
 #include "host/notation.h"
+#include "host/number_text.h"
+#include "host/whole_file.h"
 #include "register_tables.h"
 
-#include <QFile>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -17,7 +17,6 @@ namespace {
 
 constexpr int indexesPerGroup = 256;
 constexpr int groupC = 10;
-constexpr uint highestValue = 0xFFFF;
 
 QString nameOf(int address)
 {
@@ -70,24 +69,24 @@ private:
 
     QString takeStation(const QString &text)
     {
-        bool isNumber = false;
-        m_set.station = text.toInt(&isNumber);
+        if (m_hasStation)
+            return QStringLiteral("the station stands here twice");
+        m_set.station = parseWholeNumber(text).value_or(0);
         m_hasStation = true;
-        const bool good = isNumber && m_set.station >= 1 && m_set.station <= lastStation;
+        const bool good = m_set.station >= 1 && m_set.station <= lastStation;
         return good ? QString() : QStringLiteral("no station; stations are 1 to 247");
     }
 
     QString takeRegister(const QString &line)
     {
         static const QRegularExpression form(
-            QStringLiteral("^F ([0-9cC])\\.([0-9]{1,2}) (?:= ([0-9]{1,9})|refused)$"));
+            QStringLiteral("^F ([0-9cC])\\.([0-9]{1,2}) (?:= ([0-9]+)|refused)$"));
         const auto match = form.match(line);
         if (!match.hasMatch())
             return QStringLiteral("expected a line such as \"F 8.2 = 5\"");
         const QString group = match.captured(1).toLower();
-        const int address =
-            (group == QStringLiteral("c") ? groupC : group.toInt()) * indexesPerGroup
-            + match.captured(2).toInt();
+        const int address = parseWholeNumber(group).value_or(groupC) * indexesPerGroup
+            + parseWholeNumber(match.captured(2)).value_or(0);
         if (!allParameters().contains(address))
             return QStringLiteral("the drive has no %1").arg(nameOf(address));
         if (m_set.values.contains(address) || m_set.refused.contains(address))
@@ -97,15 +96,39 @@ private:
             std::sort(m_set.refused.begin(), m_set.refused.end());
             return {};
         }
-        const uint value = match.captured(3).toUInt();
-        m_set.values.insert(address, static_cast<quint16>(value));
-        return value <= highestValue ? QString() : QStringLiteral("a value is 0 to 65535");
+        const std::optional<quint16> value = parseRegisterValue(match.captured(3));
+        if (!value)
+            return QStringLiteral("a value is 0 to 65535");
+        m_set.values.insert(address, *value);
+        return {};
     }
 
     ParameterSet m_set;
     bool m_hasStation = false;
     bool m_ended = false;
 };
+
+/// What is wrong with a text, and in which line.
+struct WrongLine {
+    int line = 0; // from 1
+    QString text;
+};
+
+std::optional<ParameterSet> parse(const QString &text, WrongLine *wrong)
+{
+    Parser parser;
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString line = lines.at(i).section(QLatin1Char('#'), 0, 0).simplified();
+        *wrong = { i + 1, parser.take(line) };
+        if (!wrong->text.isEmpty())
+            return std::nullopt;
+    }
+    if (parser.hasStation())
+        return parser.set();
+    *wrong = { 1, QStringLiteral("expected a line such as \"station 1\"") };
+    return std::nullopt;
+}
 
 void tell(QString *error, const QString &what)
 {
@@ -172,44 +195,30 @@ QString toText(const ParameterSet &set)
 
 std::optional<ParameterSet> parseParameterSet(const QString &text, QString *error)
 {
-    Parser parser;
-    const QStringList lines = text.split(QLatin1Char('\n'));
-    for (int i = 0; i < lines.size(); ++i) {
-        const QString line = lines.at(i).section(QLatin1Char('#'), 0, 0).simplified();
-        const QString wrong = parser.take(line);
-        if (!wrong.isEmpty()) {
-            tell(error, QStringLiteral("line %1: %2").arg(i + 1).arg(wrong));
-            return std::nullopt;
-        }
-    }
-    if (parser.hasStation())
-        return parser.set();
-    tell(error, QStringLiteral("line 1: expected a line such as \"station 1\""));
-    return std::nullopt;
+    WrongLine wrong;
+    auto set = parse(text, &wrong);
+    if (!set)
+        tell(error, QStringLiteral("line %1: %2").arg(wrong.line).arg(wrong.text));
+    return set;
 }
 
 bool saveParameterSet(const QString &path, const ParameterSet &set, QString *error)
 {
-    QSaveFile file(path);
-    const QByteArray bytes = toText(set).toUtf8();
-    const bool saved =
-        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-    if (!saved)
-        tell(error, QStringLiteral("%1: %2").arg(path, file.errorString()));
-    return saved;
+    return replaceFile(path, toText(set).toUtf8(), error);
 }
 
 std::optional<ParameterSet> loadParameterSet(const QString &path, QString *error)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        tell(error, QStringLiteral("%1: %2").arg(path, file.errorString()));
+    QString why;
+    const auto bytes = readWholeFile(path, &why);
+    if (!bytes) {
+        tell(error, QStringLiteral("%1: %2").arg(path, why));
         return std::nullopt;
     }
-    QString why;
-    auto set = parseParameterSet(QString::fromUtf8(file.readAll()), &why);
+    WrongLine wrong;
+    auto set = parse(QString::fromUtf8(*bytes), &wrong);
     if (!set)
-        tell(error, QStringLiteral("%1: %2").arg(path, why));
+        tell(error, QStringLiteral("%1:%2: %3").arg(path).arg(wrong.line).arg(wrong.text));
     return set;
 }
 

@@ -55,7 +55,7 @@ bool saveParameterSet(const QString &path, const ParameterSet &set, QString *err
 
 /// Reads a file.
 ///
-/// @param error  out: which file, which line, what is wrong; may be null
+/// @param error  out: "FILE:3: " and what is wrong, as editors and compilers show it; may be null
 std::optional<ParameterSet> loadParameterSet(const QString &path, QString *error);
 
 } // namespace dx4::host

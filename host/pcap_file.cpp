@@ -2,9 +2,11 @@
 // Recorded frames in a file that Wireshark decodes, and back.
 #include "host/pcap_file.h"
 
-#include <QFile>
-#include <QSaveFile>
+#include "host/whole_file.h"
 
+#include <QFile>
+
+#include <cerrno>
 #include <fstream>
 #include <sstream>
 
@@ -49,20 +51,15 @@ bool writePcap(const QString &path, const QVector<RecordedFrame> &frames, Durati
     for (const RecordedFrame &frame : frames)
         writer.add(outward(frame, offset));
 
-    QSaveFile file(path);
-    const QByteArray bytes = QByteArray::fromStdString(buffer.str());
-    const bool saved =
-        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-    if (!saved)
-        tell(error, path, file.errorString());
-    return saved;
+    return replaceFile(path, QByteArray::fromStdString(buffer.str()), error);
 }
 
 std::optional<QVector<RecordedFrame>> readPcap(const QString &path, QString *error)
 {
+    errno = 0; // the stream itself tells no reason
     std::ifstream in(QFile::encodeName(path).toStdString(), std::ios::binary);
     if (!in) {
-        tell(error, path, QStringLiteral("cannot be read"));
+        tell(error, path, errno != 0 ? qt_error_string(errno) : QStringLiteral("cannot be read"));
         return std::nullopt;
     }
     std::string why;

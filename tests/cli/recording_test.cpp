@@ -4,13 +4,11 @@
 
 #include "host/pcap_file.h"
 
+#include "full_disk.h"
+
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-
-#include <csignal>
-
-#include <sys/resource.h>
 
 using namespace dx4;
 
@@ -23,24 +21,6 @@ host::RecordedFrame request(int number)
 {
     return { std::chrono::milliseconds(number), true, QByteArray(8, static_cast<char>(number)) };
 }
-
-/// Files of this process may not grow beyond so many bytes.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN); // else the process ends
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit { bytes, m_before.rlim_max };
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_before {};
-};
 
 class RecordingTest : public ::testing::Test {
 protected:

@@ -226,7 +226,7 @@ TEST_F(PcapFile, AMissingFileIsNamed)
     const auto frames = readPcap(path, &error);
 
     EXPECT_FALSE(frames.has_value());
-    EXPECT_EQ(textOf(error), textOf(path) + ": cannot be read");
+    EXPECT_EQ(textOf(error), textOf(path) + ": No such file or directory");
 }
 
 TEST_F(PcapFile, AFolderThatDoesNotExistIsNamed)
