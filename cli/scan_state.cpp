@@ -4,12 +4,10 @@
 
 #include "cli/output.h"
 #include "cli/target.h"
-#include "host/modbus_limits.h"
+#include "host/whole_file.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -18,9 +16,10 @@ namespace {
 
 bool isPossible(const ScanState &state)
 {
-    const bool placed = state.next >= 1 && state.next <= host::lastStation + 1;
+    const bool placed = state.from >= 1 && state.from <= state.next && state.next <= state.to + 1
+        && state.to <= host::lastStation;
     return placed && std::all_of(state.found.cbegin(), state.found.cend(), [&](int station) {
-               return station >= 1 && station < state.next;
+               return station >= state.from && station < state.next;
            });
 }
 
@@ -28,13 +27,13 @@ bool isPossible(const ScanState &state)
 
 std::optional<ScanState> loadScanState(const QString &file)
 {
-    QFile source(file);
-    if (!source.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QJsonObject object = QJsonDocument::fromJson(source.readAll()).object();
+    const auto text = host::readWholeFile(file, nullptr);
+    const QJsonObject object = QJsonDocument::fromJson(text.value_or(QByteArray())).object();
     if (!object.contains(QStringLiteral("next")))
         return std::nullopt;
     ScanState state;
+    state.from = object.value(QStringLiteral("from")).toInt(state.from);
+    state.to = object.value(QStringLiteral("to")).toInt(state.to);
     state.next = object.value(QStringLiteral("next")).toInt();
     const QJsonArray found = object.value(QStringLiteral("found")).toArray();
     for (const QJsonValue &station : found)
@@ -42,16 +41,21 @@ std::optional<ScanState> loadScanState(const QString &file)
     return isPossible(state) ? std::optional(state) : std::nullopt;
 }
 
-bool saveScanState(const QString &file, const ScanState &state)
+bool goesOn(const ScanState &state, int from, int to)
+{
+    return state.from == from && state.to <= to;
+}
+
+bool saveScanState(const QString &file, const ScanState &state, QString *error)
 {
     QJsonArray found;
     for (const int station : state.found)
         found.append(station);
-    QSaveFile target(file);
-    const QString text =
-        jsonText({ { QStringLiteral("next"), state.next }, { QStringLiteral("found"), found } });
-    return target.open(QIODevice::WriteOnly) && target.write(text.toUtf8() + '\n') > 0
-        && target.commit();
+    const QString text = jsonText({ { QStringLiteral("from"), state.from },
+                                    { QStringLiteral("to"), state.to },
+                                    { QStringLiteral("next"), state.next },
+                                    { QStringLiteral("found"), found } });
+    return host::replaceFile(file, text.toUtf8() + '\n', error);
 }
 
 } // namespace dx4::cli

@@ -15,6 +15,8 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <utility>
+
 #include <unistd.h>
 
 namespace dx4::cli {
@@ -24,9 +26,46 @@ constexpr int barWidth = 40;
 
 struct Options {
     LineOptions line;
-    int from = 1;
-    int to = host::lastStation;
+    int from = 0; ///< 0: not given
+    int to = 0;
     QString resume; ///< file of the state; empty: none
+};
+
+/// Keeps the state in a file, as long as that takes it.
+class Keeper {
+public:
+    explicit Keeper(QString file)
+        : m_file(std::move(file))
+    {
+    }
+
+    void keep(const ScanState &state)
+    {
+        QString error;
+        if (m_file.isEmpty() || m_failed || saveScanState(m_file, state, &error))
+            return;
+        m_failed = true;
+        note(QStringLiteral("scan"), QStringLiteral("the state is not kept: %1").arg(error));
+    }
+
+    /// The scan is through; the next one begins anew.
+    void drop()
+    {
+        QFile file(m_file);
+        if (m_file.isEmpty() || !file.exists() || file.remove())
+            return;
+        m_failed = true;
+        note(QStringLiteral("scan"),
+             QStringLiteral("%1 cannot be removed, and the scan is through: %2")
+                 .arg(m_file, file.errorString()));
+    }
+
+    bool failed() const { return m_failed; }
+    bool isKept() const { return !m_file.isEmpty() && !m_failed; }
+
+private:
+    QString m_file; // empty: nothing is kept
+    bool m_failed = false;
 };
 
 /// A bar on standard error, where that is a terminal.
@@ -90,17 +129,10 @@ QString ask(Session &session, int station, Failure *failure)
     return silent ? QString() : causeText(session.verdict());
 }
 
-void keepState(const QString &file, const ScanState &state)
+int endEarly(const Options &options, const ScanState &state, const Keeper &keeper, Failure failure)
 {
-    if (!file.isEmpty() && !saveScanState(file, state))
-        note(QStringLiteral("scan"), QStringLiteral("cannot write %1").arg(file));
-}
-
-int endEarly(const Options &options, const ScanState &state, Failure failure)
-{
-    const QString how = options.resume.isEmpty()
-        ? QStringLiteral("--from %1").arg(state.next)
-        : QStringLiteral("--resume %1").arg(options.resume);
+    const QString how = keeper.isKept() ? QStringLiteral("--resume %1").arg(options.resume)
+                                        : QStringLiteral("--from %1").arg(state.next);
     if (failure.code == ExitInterrupted)
         failure.text += QStringLiteral(" before station %1").arg(state.next);
     if (failure.code == ExitInterrupted && !interrupted())
@@ -109,16 +141,16 @@ int endEarly(const Options &options, const ScanState &state, Failure failure)
     return complain(QStringLiteral("scan"), failure);
 }
 
-int scan(Session &session, const Options &options, ScanState &state)
+int scan(Session &session, const Options &options, ScanState &state, Keeper &keeper)
 {
-    Progress progress(options.from, options.to);
-    while (state.next <= options.to) {
+    Progress progress(state.from, state.to);
+    while (state.next <= state.to) {
         progress.draw(state.next, host::lengthOf(state.found));
         Failure failure { ExitDone, QString() };
         const QString how = ask(session, state.next, &failure);
         if (failure.code != ExitDone) {
             progress.clear();
-            return endEarly(options, state, failure);
+            return endEarly(options, state, keeper, failure);
         }
         if (!how.isEmpty()) {
             progress.clear();
@@ -126,35 +158,57 @@ int scan(Session &session, const Options &options, ScanState &state)
             state.found.append(state.next);
         }
         ++state.next;
-        keepState(options.resume, state);
+        keeper.keep(state);
     }
     return ExitDone;
+}
+
+std::optional<ScanState> fromTheStart(int from, int to, Failure *failure)
+{
+    if (from <= to)
+        return ScanState { from, to, from, {} };
+    *failure = { ExitUsage, QStringLiteral("--to %1 is below --from %2").arg(to).arg(from) };
+    return std::nullopt;
+}
+
+/// The stations that are asked for; what is not said stays as it is in the file.
+std::optional<ScanState> goneOn(const Options &options, const ScanState &saved, Failure *failure)
+{
+    const int from = options.from > 0 ? options.from : saved.from;
+    const int to = options.to > 0 ? options.to : saved.to;
+    if (goesOn(saved, from, to))
+        return ScanState { from, to, saved.next, saved.found };
+    *failure = { ExitUsage,
+                 QStringLiteral("%1: its scan of stations %2 to %3 goes on with station %4; leave "
+                                "--from and --to out, or name another file with --resume")
+                     .arg(options.resume)
+                     .arg(saved.from)
+                     .arg(saved.to)
+                     .arg(saved.next) };
+    return std::nullopt;
 }
 
 /// Where the scan begins: anew, or where the file says.
 std::optional<ScanState> beginning(const Options &options, Failure *failure)
 {
-    ScanState anew;
-    anew.next = options.from;
-    if (options.resume.isEmpty())
-        return anew;
-    const bool exists = QFile::exists(options.resume);
-    const auto saved = exists ? loadScanState(options.resume) : anew;
-    if (!saved) // the end of the scan would remove it
-        *failure = { ExitFailed,
-                     QStringLiteral("%1: not the state of a scan; name another file with --resume")
-                         .arg(options.resume) };
-    return saved && canBeWritten(options.resume, failure) ? saved : std::nullopt;
+    const bool isAnew = options.resume.isEmpty() || !QFile::exists(options.resume);
+    if (!options.resume.isEmpty() && !canBeWritten(options.resume, failure))
+        return std::nullopt;
+    if (isAnew)
+        return fromTheStart(options.from > 0 ? options.from : 1,
+                            options.to > 0 ? options.to : host::lastStation, failure);
+    const auto saved = loadScanState(options.resume);
+    if (saved)
+        return goneOn(options, *saved, failure);
+    *failure = { ExitFailed, // the end of the scan would remove it
+                 QStringLiteral("%1: not the state of a scan; name another file with --resume")
+                     .arg(options.resume) };
+    return std::nullopt;
 }
 
 int runScan(const Options &options)
 {
     const QString name = QStringLiteral("scan");
-    if (options.to < options.from)
-        return complain(
-            name,
-            { ExitUsage,
-              QStringLiteral("--to %1 is below --from %2").arg(options.to).arg(options.from) });
     Failure failure;
     auto state = beginning(options, &failure);
     if (!state)
@@ -164,14 +218,16 @@ int runScan(const Options &options)
         return complain(name, failure);
     for (const int station : std::as_const(state->found))
         printFound(station, QStringLiteral("found before"), options.line.json);
-    const int exitCode = scan(*session, options, *state);
+    Keeper keeper(options.resume);
+    const int exitCode = scan(*session, options, *state, keeper);
     if (exitCode != ExitDone)
         return exitCode;
-    if (!options.resume.isEmpty())
-        QFile::remove(options.resume); // the next scan begins anew
+    keeper.drop();
     note(name,
          counted(static_cast<quint64>(state->found.size()), "station", "stations")
              + QStringLiteral(" found"));
+    if (keeper.failed())
+        return ExitFailed;
     return state->found.isEmpty() ? ExitNoReply : ExitDone;
 }
 
@@ -183,8 +239,8 @@ void addScan(CommandLine &line)
     const auto options = std::make_shared<Options>();
     options->line.timeout = 100; // most stations are not there
     options->line.retries = 0;
-    command.number("--from", options->from, "first station to ask", 1, host::lastStation);
-    command.number("--to", options->to, "last station to ask", 1, host::lastStation);
+    command.number("--from", options->from, "first station to ask; else 1", 1, host::lastStation);
+    command.number("--to", options->to, "last station to ask; else 247", 1, host::lastStation);
     command.text("--resume", options->resume, "keep the state here and go on from it", "FILE");
     addLineOptions(command, options->line, QStringLiteral("scan"));
     command.example(QStringLiteral("dx4 scan --port /dev/ttyUSB0 --to 3"),
