@@ -3,33 +3,58 @@
 #include "cli/recording.h"
 
 #include "host/pcap_file.h"
+#include "host/whole_file.h"
+
+#include <cerrno>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace dx4::cli {
+namespace {
+
+/// Whether there is nothing in a file that a recording must not take the place of.
+bool mayBeReplaced(const QString &path)
+{
+    QFile file(path);
+    if (!file.exists())
+        return true;
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    return isOpen && (file.size() == 0 || host::isPcap(file.read(host::pcapHeadBytes)));
+}
+
+} // namespace
 
 Recording::Recording(const QString &path)
-    : m_file(path)
+    : m_path(path)
 {
 }
 
-bool Recording::canBegin()
+bool Recording::canBegin(bool force)
 {
-    const bool existed = m_file.exists();
-    if (!m_file.open(QIODevice::ReadWrite))
-        return fail();
-    m_file.close();
-    if (!existed)
-        m_file.remove();
-    return true;
+    QString error;
+    if (!host::canReplaceFile(m_path, &error)) // first, as it opens no pipe
+        return fail(error);
+    return force || mayBeReplaced(m_path)
+        || fail(m_path
+                + QStringLiteral(": holds something else than a recording; name another file, or "
+                                 "replace it with --force"));
 }
 
 bool Recording::begin(host::Duration lineNow)
 {
-    // Unbuffered: what the program holds back is lost with it.
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
-        return fail();
     m_offset = host::wallClockOffset(lineNow);
     m_writer = std::make_unique<capture::PcapWriter>(m_waiting); // leaves the file's head
-    return write();
+    const QByteArray head = QByteArray::fromStdString(m_waiting.str());
+    m_waiting.str({});
+    host::FileReplacement file(m_path);
+    if (!file.open() || !file.write(head) || !file.putInPlace())
+        return fail(file.error());
+    m_size = head.size();
+    // Unbuffered: what the program holds back is lost with it.
+    return m_file.open(file.takeDescriptor(), QIODevice::WriteOnly | QIODevice::Unbuffered,
+                       QFileDevice::AutoCloseHandle)
+        || fail(QStringLiteral("%1: %2").arg(m_path, m_file.errorString()));
 }
 
 bool Recording::add(const QVector<host::RecordedFrame> &frames)
@@ -44,6 +69,19 @@ bool Recording::add(const QVector<host::RecordedFrame> &frames)
     return !failed();
 }
 
+bool Recording::end()
+{
+    if (failed() || !m_file.isOpen())
+        return !failed();
+    struct stat status { };
+    if (fsync(m_file.handle()) != 0 || fstat(m_file.handle(), &status) != 0)
+        return fail(QStringLiteral("%1: %2").arg(m_path, qt_error_string(errno)));
+    return status.st_nlink > 0
+        || fail(m_path
+                + QStringLiteral(": was removed or replaced as it was written; its frames are "
+                                 "lost"));
+}
+
 bool Recording::write()
 {
     const QByteArray bytes = QByteArray::fromStdString(m_waiting.str());
@@ -52,9 +90,8 @@ bool Recording::write()
         // A file that is nearly full takes a part, and gives the reason with the rest.
         const qint64 count = m_file.write(bytes.constData() + done, bytes.size() - done);
         if (count <= 0) {
-            fail();
-            if (!m_file.isSequential())
-                m_file.resize(m_size); // a part of a frame would make the file unreadable
+            fail(QStringLiteral("%1: %2").arg(m_path, m_file.errorString()));
+            m_file.resize(m_size); // a part of a frame would make the file unreadable
             return false;
         }
         done += count;
@@ -63,9 +100,9 @@ bool Recording::write()
     return true;
 }
 
-bool Recording::fail()
+bool Recording::fail(const QString &error)
 {
-    m_error = QStringLiteral("%1: %2").arg(m_file.fileName(), m_file.errorString());
+    m_error = error;
     return false;
 }
 

@@ -19,11 +19,15 @@ class Recording {
 public:
     explicit Recording(const QString &path);
 
-    /// Whether the file can be written, asked before there is anything to lose: one that exists
+    /// Whether the file can be replaced, asked before there is anything to lose: one that exists
     /// stays as it is, one that does not is not left behind.
-    bool canBegin();
+    ///
+    /// @param force  also one that holds something else than a recording
+    bool canBegin(bool force);
 
-    /// Empties the file. @param lineNow  the line's clock, for the times of the frames
+    /// Puts an empty recording in the file's place, or leaves it as it was.
+    ///
+    /// @param lineNow  the line's clock, for the times of the frames
     bool begin(host::Duration lineNow);
 
     /// Adds frames and hands them to the system. What does not fit as a whole is taken out again,
@@ -32,14 +36,18 @@ public:
     /// @return false when something could not be written, now or before; see error()
     bool add(const QVector<host::RecordedFrame> &frames);
 
+    /// Makes sure that all of it is on the disk and still has its name.
+    bool end();
+
     quint64 frames() const { return m_frames; } ///< in the file
     const QString &error() const { return m_error; } ///< "FILE: why"; empty: all went well
     bool failed() const { return !m_error.isEmpty(); }
 
 private:
     bool write();
-    bool fail();
+    bool fail(const QString &error);
 
+    const QString m_path;
     QFile m_file;
     std::ostringstream m_waiting;
     std::unique_ptr<capture::PcapWriter> m_writer;

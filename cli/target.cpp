@@ -104,6 +104,14 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int st
     return runs;
 }
 
+bool namesRegisters(const QString &word)
+{
+    const auto runs = splitTargets({ word }, 1, nullptr);
+    return runs
+        && host::registerTypeNames().contains(
+            runs->constFirst().text.section(QLatin1Char(' '), 0, 0));
+}
+
 std::optional<QVector<Target>> parseTargets(const QStringList &words, int station, AccessMode mode,
                                             const host::DriverApi &api, Failure *failure)
 {

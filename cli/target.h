@@ -33,6 +33,9 @@ struct TargetText {
 std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int station,
                                                 Failure *failure);
 
+/// Whether a word begins a run of registers, "F", "F8.3" or "2:D".
+bool namesRegisters(const QString &word);
+
 /// The same runs, checked by the driver for this kind of access.
 std::optional<QVector<Target>> parseTargets(const QStringList &words, int station, AccessMode mode,
                                             const host::DriverApi &api, Failure *failure);

@@ -14,15 +14,6 @@ namespace {
 
 constexpr int mostRegisters = 123; // longer than any group; keeps the addition small
 
-/// Whether a word begins a run of registers, "F", "F8.3" or "2:D".
-bool namesRegisters(const QString &word)
-{
-    const auto runs = splitTargets({ word }, 1, nullptr);
-    return runs
-        && host::registerTypeNames().contains(
-            runs->constFirst().text.section(QLatin1Char(' '), 0, 0));
-}
-
 std::optional<quint16> parseValue(const QString &text, Failure *failure)
 {
     const auto value = host::parseRegisterValue(text);

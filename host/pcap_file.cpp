@@ -54,6 +54,12 @@ bool writePcap(const QString &path, const QVector<RecordedFrame> &frames, Durati
     return replaceFile(path, QByteArray::fromStdString(buffer.str()), error);
 }
 
+bool isPcap(const QByteArray &head)
+{
+    std::istringstream in(head.left(pcapHeadBytes).toStdString());
+    return capture::readPcap(in, nullptr).has_value();
+}
+
 std::optional<QVector<RecordedFrame>> readPcap(const QString &path, QString *error)
 {
     errno = 0; // the stream itself tells no reason

@@ -27,6 +27,12 @@ capture::Frame outward(const RecordedFrame &frame, Duration offset);
 bool writePcap(const QString &path, const QVector<RecordedFrame> &frames, Duration offset,
                QString *error);
 
+/// Bytes at the beginning of a file that tell whether it is a recording.
+inline constexpr int pcapHeadBytes = 24;
+
+/// Whether a file that begins so is a recording of this host or of the simulator, maybe cut short.
+bool isPcap(const QByteArray &head);
+
 /// Reads a recording of this host or of the simulator; times are as in the file.
 ///
 /// @param error  out: which file and what is wrong with it; may be null

@@ -5,6 +5,7 @@
 #include "cli/output.h"
 #include "cli/polling.h"
 #include "cli/recording.h"
+#include "cli/target.h"
 #include "cli/watch_plan.h"
 
 namespace dx4::cli {
@@ -15,7 +16,21 @@ struct Options {
     QStringList words; ///< file, then addresses
     int rounds = 0; ///< 0: until Ctrl-C
     int reconnect = -1; ///< s
+    bool force = false; ///< whatever the file holds
 };
+
+/// Registers without a file would be recorded into a file of the first one's name.
+bool namesFile(const QStringList &words, Failure *failure)
+{
+    const QString &first = words.constFirst();
+    if (!namesRegisters(first))
+        return true;
+    *failure = { ExitUsage,
+                 QStringLiteral("\"%1\" is a register, and the file comes first: dx4 record "
+                                "line.pcap %2; a file of that name is ./%1")
+                     .arg(first, words.join(QLatin1Char(' '))) };
+    return false;
+}
 
 void report(const QString &file, quint64 frames, bool json)
 {
@@ -45,12 +60,14 @@ int runRecord(const Options &options)
     const QString name = QStringLiteral("record");
     const QString file = options.words.constFirst();
     Failure failure;
+    if (!namesFile(options.words, &failure))
+        return complain(name, failure);
     const auto plan =
         makePlan(wordsOrConfigured(options.words.mid(1), options.line), options.line, &failure);
     if (!plan)
         return complain(name, failure);
     Recording recording(file);
-    if (!recording.canBegin())
+    if (!recording.canBegin(options.force))
         return complain(name, { ExitFailed, recording.error() });
     host::FrameRing ring;
     SessionWishes wishes;
@@ -64,6 +81,7 @@ int runRecord(const Options &options)
     const PollEnd end = keep(*session, ring, recording, options, reads);
     const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
     recording.add(ring.frames());
+    recording.end();
     report(file, recording.frames(), options.line.json);
     if (recording.failed())
         return complain(name, { ExitFailed, recording.error() });
@@ -82,6 +100,7 @@ void addRecord(CommandLine &line)
     command.words("file", options->words, "a capture to write, then the registers to poll");
     command.number("--rounds", options->rounds, "through all registers; 0 until Ctrl-C", 0,
                    1000000);
+    command.flag("--force", options->force, "replace also a file that is no recording");
     addPollOptions(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("record"));
     command.example(QStringLiteral("dx4 record --port /dev/ttyUSB0 --rounds 5 line.pcap D 0-3 SW"),
