@@ -192,7 +192,8 @@ void Command::words(const char *name, QStringList &value, const char *help, bool
     option->required(required)->check(CLI::Validator(check, ""))->type_name("");
 }
 
-void Command::number(const char *option, int &value, const char *help, int lowest, int highest)
+void Command::number(const char *option, int &value, const char *help, int lowest, int highest,
+                     bool *isGiven)
 {
     const QString allowed = QStringLiteral("%1 to %2").arg(lowest).arg(highest);
     const auto check = [=](const std::string &given) {
@@ -207,8 +208,10 @@ void Command::number(const char *option, int &value, const char *help, int lowes
     };
     CLI::Option *added = m_app.add_option_function<std::string>(
         option,
-        [&value](const std::string &given) {
+        [&value, isGiven](const std::string &given) {
             value = host::parseWholeNumber(QString::fromStdString(given)).value_or(value);
+            if (isGiven)
+                *isGiven = true;
         },
         help);
     added->check(CLI::Validator(check, ""))

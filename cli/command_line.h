@@ -30,7 +30,10 @@ public:
                int most = 0);
 
     /// An option with a whole number within its limits.
-    void number(const char *option, int &value, const char *help, int lowest, int highest);
+    ///
+    /// @param isGiven  set where the option is; may be null
+    void number(const char *option, int &value, const char *help, int lowest, int highest,
+                bool *isGiven = nullptr);
 
     /// An option with a text. @param placeholder  how the help calls it
     void text(const char *option, QString &value, const char *help, const char *placeholder);

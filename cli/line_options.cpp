@@ -94,7 +94,7 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
                    { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
                      QStringLiteral("8E2"), QStringLiteral("8O1"), QStringLiteral("8O2") });
     command.number("--station", options.station, "of addresses that name none", 1,
-                   host::lastStation);
+                   host::lastStation, &options.stationIsGiven);
     command.number("--timeout", options.timeout, "ms until a reply must begin; else 300", 1, 60000);
     command.number("--retries", options.retries, "repetitions of a failed request; else 2", 0, 100);
     command.number("--block", options.block, "most registers of one request; else 16", 1,

@@ -16,6 +16,7 @@ struct LineOptions {
     QString format; ///< "8N1"
     int speed = 0; ///< bit/s; 0: not given
     int station = 1; ///< of addresses that name none
+    bool stationIsGiven = false; ///< by the option itself
     int timeout = 0; ///< ms from the end of a request to the first byte of its reply; 0: not given
     int retries = -1; ///< repetitions of a request that was not answered; -1: not given
     int block = 0; ///< most registers of one request; 0: not given

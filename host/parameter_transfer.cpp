@@ -74,6 +74,7 @@ private:
             return run.count > 1 ? readOneByOne(run) : refused(run.address, result.reason);
         case AccessResult::Kind::NoAnswer:
         case AccessResult::Kind::LineDown:
+        case AccessResult::Kind::NotBegun:
             return result.reason;
         }
         return result.reason;
@@ -119,40 +120,15 @@ QVector<int> addressesOf(const ParameterSet &set)
     return addresses;
 }
 
-/// Values that a set names, that the station does not hold, and that it did not refuse.
-QVector<ParameterDifference> unequal(const ParameterSet &wanted, const ParameterSet &held,
-                                     const Refusals &refusals)
+/// Values that a set names, and of which the station told another one.
+QVector<ParameterDifference> unequal(const ParameterSet &wanted, const ParameterSet &held)
 {
-    QVector<ParameterDifference> differences = compare(wanted, held);
-    const auto isElsewhere = [&refusals](const ParameterDifference &difference) {
-        return !difference.first.has_value() || refusals.contains(difference.address);
-    };
-    differences.erase(std::remove_if(differences.begin(), differences.end(), isElsewhere),
-                      differences.end());
-    return differences;
-}
-
-/// Writes what differs; gives why it broke off, empty when it did not.
-QString writeDifferences(RegisterAccess &access, int station,
-                         const QVector<ParameterDifference> &differences, int &written,
-                         Refusals &refusals)
-{
-    for (const ParameterDifference &difference : differences) {
-        const AccessResult result =
-            access.write(station, QStringLiteral("F"), difference.address, *difference.first);
-        switch (result.kind) {
-        case AccessResult::Kind::Done:
-            ++written;
-            break;
-        case AccessResult::Kind::Refused:
-            refusals.insert(difference.address, result.reason);
-            break;
-        case AccessResult::Kind::NoAnswer:
-        case AccessResult::Kind::LineDown:
-            return result.reason;
-        }
+    QVector<ParameterDifference> differences;
+    for (const ParameterDifference &difference : compare(wanted, held)) {
+        if (difference.first && difference.second)
+            differences.append(difference);
     }
-    return {};
+    return differences;
 }
 
 /// One restore on its way: compare, write, verify.
@@ -169,19 +145,20 @@ public:
 
     RestoreReport run()
     {
-        const ParameterSet held = read();
-        m_report.compared = lengthOf(held.values);
-        if (!m_report.interrupted.isEmpty())
-            return m_report;
-        m_report.remaining = unequal(m_wanted, held, m_refusals);
-        if (!m_report.remaining.isEmpty())
-            writeAndVerify();
+        look();
+        m_report.compared = m_report.verified + lengthOf(m_report.remaining);
+        const bool mayWrite = m_report.interrupted.isEmpty() && !m_report.remaining.isEmpty();
+        if (mayWrite && writeDifferences())
+            look();
         m_report.refused = m_refusals.values();
+        m_report.unseen = lengthOf(m_wanted.values) - m_report.verified - lengthOf(m_refusals)
+            - lengthOf(m_report.remaining);
         return m_report;
     }
 
 private:
-    ParameterSet read()
+    /// Reads what is wanted, as far as that goes, and notes what the station holds.
+    void look()
     {
         ParameterSet held;
         held.station = m_station;
@@ -189,22 +166,57 @@ private:
         m_report.interrupted = reader.read(addressesOf(m_wanted));
         for (auto it = reader.refusals().begin(); it != reader.refusals().end(); ++it)
             m_refusals.insert(it.key(), it.value());
-        return held;
+        m_report.remaining = unequal(m_wanted, held);
+        m_report.verified = lengthOf(held.values) - lengthOf(m_report.remaining);
+        forgetRefusalsOf(held);
     }
 
-    void writeAndVerify()
+    /// A register that was refused as it was written counts as refused, and as verified where
+    /// another write brought about what it was to hold.
+    void forgetRefusalsOf(const ParameterSet &held)
     {
-        m_report.interrupted =
-            writeDifferences(m_access, m_station, m_report.remaining, m_report.written, m_refusals);
-        if (!m_report.interrupted.isEmpty())
-            return;
-        const ParameterSet verified = read();
-        // Another write may have brought about what the station refused to take.
-        for (auto it = verified.values.begin(); it != verified.values.end(); ++it) {
+        for (auto it = held.values.begin(); it != held.values.end(); ++it) {
             if (m_wanted.values.value(it.key()) == it.value())
                 m_refusals.remove(it.key());
         }
-        m_report.remaining = unequal(m_wanted, verified, m_refusals);
+        const auto isRefused = [this](const ParameterDifference &difference) {
+            return m_refusals.contains(difference.address);
+        };
+        m_report.remaining.erase(
+            std::remove_if(m_report.remaining.begin(), m_report.remaining.end(), isRefused),
+            m_report.remaining.end());
+    }
+
+    /// Writes what differs. When that breaks off, what the write under way did is not known, and
+    /// only what comes behind it still differs for sure.
+    ///
+    /// @return whether it came to its end
+    bool writeDifferences()
+    {
+        const QVector<ParameterDifference> differences = m_report.remaining;
+        for (int i = 0; i < lengthOf(differences); ++i) {
+            const ParameterDifference &next = differences.at(i);
+            const AccessResult result =
+                m_access.write(m_station, QStringLiteral("F"), next.address, *next.first);
+            if (result.kind == AccessResult::Kind::Done)
+                ++m_report.written;
+            else if (result.kind == AccessResult::Kind::Refused)
+                m_refusals.insert(next.address, result.reason);
+            else
+                return breakOff(result, differences.mid(i));
+        }
+        return true;
+    }
+
+    /// @param left  what was not written, first the register of this result
+    bool breakOff(const AccessResult &result, const QVector<ParameterDifference> &left)
+    {
+        const bool maybeWritten = result.kind != AccessResult::Kind::NotBegun;
+        m_report.interrupted = result.reason;
+        m_report.remaining = maybeWritten ? left.mid(1) : left;
+        if (maybeWritten || m_report.written > 0)
+            m_report.verified = 0;
+        return false;
     }
 
     RegisterAccess &m_access;

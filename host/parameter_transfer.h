@@ -27,12 +27,15 @@ using TransferProgress = std::function<void(int done, int total)>;
 bool readParameters(RegisterAccess &access, ParameterSet &set, QString *error,
                     const TransferProgress &progress = {});
 
-/// What a restore came to.
+/// What a restore came to. Each register of the set is verified, refused, remaining or unseen.
 struct RestoreReport {
-    int compared = 0; ///< registers read and compared
+    int compared = 0; ///< registers read and compared before the first write
     int written = 0; ///< registers that differed and took the write
+    int verified = 0; ///< registers that held what is wanted when they were last read
     QStringList refused; ///< one line per register that the station refused to tell or to take
     QVector<ParameterDifference> remaining; ///< the rest that differs; first: wanted, second: held
+    int unseen =
+        0; ///< registers not read, or not since the last write: what they hold is not known
     QString interrupted; ///< why it broke off; empty when it came to its end
 
     /// Whether the station was seen to hold every value of the set.
@@ -46,7 +49,9 @@ struct RestoreReport {
 ///
 /// The station is read first and only what differs is written, as drives wear out their memory.
 /// Afterwards everything is read once more: a write may change other parameters. A restore that
-/// broke off is taken up by calling it again, what was written before no longer differs.
+/// broke off is taken up by calling it again, what was written before no longer differs. What had
+/// been written by then counts as unseen until it is read, as do registers that were equal: a write
+/// may change others.
 /// Parameters that the drive locks while it runs are refused by it and reported, each with the
 /// exception; they are not among those that still differ.
 ///

@@ -14,6 +14,7 @@ struct AccessResult {
         Refused, ///< the station answered with an exception, with all tries that could help
         NoAnswer, ///< no right reply came with all tries
         LineDown, ///< the line is closed; a write may still be carried out when it is back
+        NotBegun, ///< the job is to end: nothing was asked for
     };
 
     Kind kind = Kind::Done;

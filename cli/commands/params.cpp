@@ -56,7 +56,7 @@ public:
 private:
     static host::AccessResult ended()
     {
-        return { host::AccessResult::Kind::LineDown, QStringLiteral("interrupted"), {} };
+        return { host::AccessResult::Kind::NotBegun, QStringLiteral("interrupted"), {} };
     }
 
     host::RuntimeAccess m_access;
@@ -94,6 +94,25 @@ std::optional<host::ParameterSet> loadSet(const QString &file, Failure *failure)
     return set;
 }
 
+/// Parameters of one station do not meet another one by mistake.
+///
+/// @param what  would be done, "restore it to"
+bool mayMeet(const Options &options, const host::ParameterSet &set, const char *what,
+             Failure *failure)
+{
+    const LineOptions &line = options.line;
+    if (set.station == line.station || line.stationIsGiven)
+        return true;
+    *failure = { ExitUsage,
+                 QStringLiteral("%1 is of station %2; to %3 station %4 say --station %4, else "
+                                "--station %2")
+                     .arg(options.files.constFirst())
+                     .arg(set.station)
+                     .arg(QString::fromLatin1(what))
+                     .arg(line.station) };
+    return false;
+}
+
 void printSet(const host::ParameterSet &set, bool json)
 {
     if (!json) {
@@ -120,31 +139,59 @@ void printKept(const QString &file, const host::ParameterSet &set, bool json)
                   .arg(counted(static_cast<quint64>(count), "parameter", "parameters"), file));
 }
 
-int runDump(const Options &options)
+int dumpToOutput(const Options &options)
 {
-    const QString name = QStringLiteral("params dump");
-    const QString file = options.files.value(0);
     host::ParameterSet set;
     set.station = options.line.station;
     Failure failure;
-    if (!file.isEmpty() && QFileInfo::exists(file)) {
-        const auto begun = loadSet(file, &failure);
-        if (!begun)
-            return complain(name, failure);
-        if (!host::isComplete(*begun) && begun->station == set.station)
-            set = *begun; // goes on where it broke off
-    }
-    if (!file.isEmpty() && !canBeWritten(file, &failure))
-        return complain(name, failure);
     const bool complete = readSet(options.line, set, &failure);
+    printSet(set, options.line.json);
+    return complete ? ExitDone : complain(QStringLiteral("params dump"), failure);
+}
+
+/// What the file holds, made sure that it may be replaced; an empty set where there is no file.
+std::optional<host::ParameterSet> replaceable(const Options &options, Failure *failure)
+{
+    const QString &file = options.files.constFirst();
+    host::ParameterSet held;
+    held.station = options.line.station;
+    if (QFileInfo::exists(file)) {
+        const auto loaded = loadSet(file, failure);
+        if (!loaded || !mayMeet(options, *loaded, "replace it by", failure))
+            return std::nullopt;
+        held = *loaded;
+    }
+    return canBeWritten(file, failure) ? std::optional(held) : std::nullopt;
+}
+
+int dumpToFile(const Options &options)
+{
+    const QString name = QStringLiteral("params dump");
+    const QString &file = options.files.constFirst();
+    Failure failure;
+    const auto held = replaceable(options, &failure);
+    if (!held)
+        return complain(name, failure);
+    host::ParameterSet set;
+    set.station = options.line.station;
+    if (!host::isComplete(*held) && held->station == set.station)
+        set = *held; // goes on where it broke off
+    const bool complete = readSet(options.line, set, &failure);
+    if (!complete && host::isComplete(*held)) {
+        failure.text += QStringLiteral("; %1 stays as it was, a complete set").arg(file);
+        return complain(name, failure);
+    }
     QString error;
-    if (!file.isEmpty() && !set.values.isEmpty() && !host::saveParameterSet(file, set, &error))
+    if (!set.values.isEmpty() && !host::saveParameterSet(file, set, &error))
         return complain(name, { ExitFailed, error });
-    if (file.isEmpty())
-        printSet(set, options.line.json);
-    else if (!set.values.isEmpty())
+    if (!set.values.isEmpty())
         printKept(file, set, options.line.json);
     return complete ? ExitDone : complain(name, failure);
+}
+
+int runDump(const Options &options)
+{
+    return options.files.isEmpty() ? dumpToOutput(options) : dumpToFile(options);
 }
 
 void printDifferences(const QVector<host::ParameterDifference> &differences, bool json)
@@ -178,29 +225,43 @@ int runDiff(const Options &options)
         if (!loaded)
             return complain(name, failure);
         second = *loaded;
-    } else if (!readSet(options.line, second, &failure)) {
+    } else if (!mayMeet(options, *first, "compare it with", &failure)
+               || !readSet(options.line, second, &failure)) {
         return complain(name, failure);
     }
+    if (first->station != second.station)
+        note(name,
+             QStringLiteral("station %1 | station %2").arg(first->station).arg(second.station));
     const auto differences = host::compare(*first, second);
     printDifferences(differences, options.line.json);
     return differences.isEmpty() ? ExitDone : ExitDiffers;
 }
 
-void printReport(const host::RestoreReport &report, bool json)
+/// @param from, to  station of the file, and the one that was written to
+void printReport(const host::RestoreReport &report, int from, int to, bool json)
 {
     if (json) {
-        printJson({ { QStringLiteral("compared"), report.compared },
+        printJson({ { QStringLiteral("fileStation"), from },
+                    { QStringLiteral("station"), to },
+                    { QStringLiteral("compared"), report.compared },
                     { QStringLiteral("written"), report.written },
+                    { QStringLiteral("verified"), report.verified },
                     { QStringLiteral("refused"), QJsonArray::fromStringList(report.refused) },
                     { QStringLiteral("remaining"), host::lengthOf(report.remaining) },
+                    { QStringLiteral("notLookedAt"), report.unseen },
                     { QStringLiteral("restored"), report.isRestored() } });
         return;
     }
-    printLine(QStringLiteral("%1 compared, %2 written, %3 refused, %4 still different")
+    printLine(QStringLiteral("station %1 to station %2: %3 compared, %4 written, %5 verified")
+                  .arg(from)
+                  .arg(to)
                   .arg(report.compared)
                   .arg(report.written)
+                  .arg(report.verified));
+    printLine(QStringLiteral("%1 refused, %2 still different, %3 not looked at")
                   .arg(report.refused.size())
-                  .arg(report.remaining.size()));
+                  .arg(report.remaining.size())
+                  .arg(report.unseen));
 }
 
 int runRestore(const Options &options)
@@ -208,7 +269,7 @@ int runRestore(const Options &options)
     const QString name = QStringLiteral("params restore");
     Failure failure;
     const auto wanted = loadSet(options.files.constFirst(), &failure);
-    if (!wanted)
+    if (!wanted || !mayMeet(options, *wanted, "restore it to", &failure))
         return complain(name, failure);
     const auto session = Session::open(options.line, &failure);
     if (!session)
@@ -220,7 +281,7 @@ int runRestore(const Options &options)
     Access access(*session);
     const host::RestoreReport report =
         host::restoreParameters(access, options.line.station, *wanted, showProgress);
-    printReport(report, options.line.json);
+    printReport(report, wanted->station, options.line.station, options.line.json);
     for (const QString &refusal : report.refused)
         note(name, refusal);
     printDifferences(report.remaining, options.line.json);

@@ -127,6 +127,22 @@ TEST(Ending, InterruptedDumpKeepsWhatItHas)
     EXPECT_EQ(bench.run("tail -n 1 drive.txt").out, "complete\n");
 }
 
+TEST(Ending, InterruptedRestoreTellsWhatItHasNotLookedAt)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("dx4 params dump drive.txt");
+    bench.tell("fault kind = \"drop-request\", registers = \"F0.0\"");
+
+    const std::string talk =
+        talkAfterInterrupt(bench, "dx4 params restore --timeout 60000 drive.txt >report.txt", 130);
+
+    EXPECT_NE(talk.find("dx4 params restore: "), std::string::npos);
+    EXPECT_EQ(contentOf(bench.folder() + "/report.txt"),
+              "station 1 to station 1: 0 compared, 0 written, 0 verified\n"
+              "0 refused, 0 still different, 203 not looked at\n");
+}
+
 TEST(Ending, InterruptedScanSaysHowToGoOn)
 {
     Bench bench;

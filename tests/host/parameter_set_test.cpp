@@ -2,6 +2,7 @@
 // Parameter sets as text: written, read back, compared.
 #include "host/parameter_set.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -124,11 +125,26 @@ TEST(ParameterSet, AMissingFileIsNamed)
     EXPECT_EQ(error.toStdString(), "/none/fan.txt: No such file or directory");
 }
 
+TEST(ParameterSet, AWrongLineOfAFileIsNamedAsEditorsShowIt)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("fan.txt"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("station 1\nD 0 = 1\n") > 0);
+    file.close();
+    QString error;
+
+    const auto loaded = loadParameterSet(path, &error);
+
+    EXPECT_FALSE(loaded.has_value());
+    EXPECT_EQ(error, path + QStringLiteral(":2: expected a line such as \"F 8.2 = 5\""));
+}
+
 TEST_P(ParameterText, IsRefusedWithItsLine)
 {
     QString error;
 
-    const auto set = parseParameterSet(QString::fromLatin1(GetParam().text), &error);
+    const auto set = parseParameterSet(QString::fromUtf8(GetParam().text), &error);
 
     EXPECT_FALSE(set.has_value());
     EXPECT_EQ(error.toStdString(), GetParam().error);
@@ -140,6 +156,15 @@ INSTANTIATE_TEST_SUITE_P(
         TextRow { "WithoutStation", "F 0.0 = 1\n",
                   "line 1: expected a line such as \"station 1\"" },
         TextRow { "Station248", "station 248\n", "line 1: no station; stations are 1 to 247" },
+        TextRow { "StationWithASign", "station +2\n", "line 1: no station; stations are 1 to 247" },
+        TextRow { "StationInOtherDigits", "station \u0662\n",
+                  "line 1: no station; stations are 1 to 247" },
+        TextRow { "TwoStations", "station 1\nstation 2\n",
+                  "line 2: the station stands here twice" },
+        TextRow { "AValueOfManyDigits", "station 1\nF 0.0 = 4294967296\n",
+                  "line 2: a value is 0 to 65535" },
+        TextRow { "AValueInHexadecimal", "station 1\nF 0.0 = 0x10\n",
+                  "line 2: expected a line such as \"F 8.2 = 5\"" },
         TextRow { "C14IsPastTheEndOfGroupC", "station 1\nF c.14 = 1\n",
                   "line 2: the drive has no F c.14" },
         TextRow { "AnotherType", "station 1\nD 0 = 1\n",

@@ -89,6 +89,50 @@ private:
     }
 };
 
+/// Lets so many accesses through, as a program does that is then asked to end.
+class EndedAccess : public RegisterAccess {
+public:
+    EndedAccess(RegisterAccess &access, int accesses)
+        : m_access(access)
+        , m_left(accesses)
+    {
+    }
+
+    int blockSize() const override { return m_access.blockSize(); }
+    AccessResult read(int station, const QString &regType, int address, int count) override
+    {
+        return m_left-- > 0 ? m_access.read(station, regType, address, count) : ended();
+    }
+    AccessResult write(int station, const QString &regType, int address, quint16 value) override
+    {
+        return m_left-- > 0 ? m_access.write(station, regType, address, value) : ended();
+    }
+
+private:
+    static AccessResult ended()
+    {
+        return { AccessResult::Kind::NotBegun, QStringLiteral("interrupted"), {} };
+    }
+
+    RegisterAccess &m_access;
+    int m_left;
+};
+
+constexpr int readsOfAll = 19; // requests of up to 16 registers for all groups
+
+/// The numbers of a report in one line.
+std::string numbers(const RestoreReport &report)
+{
+    return QStringLiteral("%1 compared, %2 written, %3 verified, %4 refused, %5 differ, %6 unseen")
+        .arg(report.compared)
+        .arg(report.written)
+        .arg(report.verified)
+        .arg(report.refused.size())
+        .arg(report.remaining.size())
+        .arg(report.unseen)
+        .toStdString();
+}
+
 class ParameterTransfer : public ::testing::Test {
 protected:
     FakeDrive drive;
@@ -184,8 +228,8 @@ TEST_F(ParameterTransfer, OnlyWhatDiffersIsWritten)
     const RestoreReport report = restoreParameters(access, 1, set);
 
     EXPECT_TRUE(report.isRestored());
-    EXPECT_EQ(report.compared, 203);
-    EXPECT_EQ(report.written, 2);
+    EXPECT_EQ(numbers(report),
+              "203 compared, 2 written, 203 verified, 0 refused, 0 differ, 0 unseen");
     EXPECT_EQ(drive.written, (QVector<int> { 0xF105, 0xFC0D }));
     EXPECT_EQ(drive.value(0xF105), 5);
     EXPECT_EQ(drive.value(0xFC0D), 13);
@@ -286,6 +330,72 @@ TEST_F(ParameterTransfer, TheCauseOfAFailedReadIsNamed)
                   std::string(cause).rfind("exception", 0) == 0 ? AccessResult::Kind::Refused
                                                                 : AccessResult::Kind::NoAnswer);
     }
+}
+
+TEST_F(ParameterTransfer, ARestoreThatEndsAsItComparesTellsWhatItSaw)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF001, 99 } };
+    EndedAccess ended(access, 1);
+
+    const RestoreReport report = restoreParameters(ended, 1, set);
+
+    EXPECT_EQ(numbers(report),
+              "16 compared, 0 written, 15 verified, 0 refused, 1 differ, 187 unseen");
+    EXPECT_EQ(report.interrupted.toStdString(), "interrupted");
+    EXPECT_FALSE(report.isRestored());
+}
+
+TEST_F(ParameterTransfer, ARestoreThatEndsBeforeItsFirstWriteHasVerifiedTheRest)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 }, { 0xF106, 97 } };
+    EndedAccess ended(access, readsOfAll);
+
+    const RestoreReport report = restoreParameters(ended, 1, set);
+
+    EXPECT_EQ(numbers(report),
+              "203 compared, 0 written, 201 verified, 0 refused, 2 differ, 0 unseen");
+}
+
+TEST_F(ParameterTransfer, WhatWasWrittenDoesNotDifferWhereTheRestoreEndsBehindIt)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 }, { 0xF106, 97 } };
+    EndedAccess ended(access, readsOfAll + 1);
+
+    const RestoreReport report = restoreParameters(ended, 1, set);
+
+    EXPECT_EQ(numbers(report),
+              "203 compared, 1 written, 0 verified, 0 refused, 1 differ, 202 unseen");
+    EXPECT_EQ(report.remaining.at(0).text().toStdString(), "F 1.6 (0xF106): 6 | 97");
+}
+
+TEST_F(ParameterTransfer, ARestoreThatEndsAsItVerifiesTellsWhatItSawAgain)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 }, { 0xF106, 97 }, { 0xFC0D, 96 } };
+    drive.stubborn = { 0xF106 };
+    EndedAccess ended(access, readsOfAll + 3 + 3); // groups 0 and the first block of group 1
+
+    const RestoreReport report = restoreParameters(ended, 1, set);
+
+    EXPECT_EQ(numbers(report),
+              "203 compared, 3 written, 34 verified, 0 refused, 1 differ, 168 unseen");
+    EXPECT_EQ(report.remaining.at(0).text().toStdString(), "F 1.6 (0xF106): 6 | 97");
+}
+
+TEST_F(ParameterTransfer, AWriteWithoutAnAnswerMayHaveBeenCarriedOut)
+{
+    readParameters(access, set, &error);
+    drive.values = { { 0xF105, 99 }, { 0xF106, 97 }, { 0xF107, 96 } };
+    drive.silentAfter = readsOfAll + 1;
+
+    const RestoreReport report = restoreParameters(access, 1, set);
+
+    EXPECT_EQ(numbers(report),
+              "203 compared, 1 written, 0 verified, 0 refused, 1 differ, 202 unseen");
+    EXPECT_EQ(report.remaining.at(0).text().toStdString(), "F 1.7 (0xF107): 7 | 96");
 }
 
 TEST_F(ParameterTransfer, ARestoreThatBrokeOffIsTakenUpByTheNext)
