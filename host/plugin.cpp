@@ -5,12 +5,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryFile>
 
 #include <dlfcn.h>
-#include <unistd.h>
 
-#include <atomic>
 #include <utility>
 
 namespace dx4::host {
@@ -65,34 +62,6 @@ QStringList resolveAll(void *library, DriverApi &api)
     return resolve.missing();
 }
 
-void *openFile(const QString &path, QString *error)
-{
-    void *library = dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
-    if (!library && error)
-        *error =
-            QStringLiteral("cannot load the driver: %1").arg(QString::fromLocal8Bit(dlerror()));
-    return library;
-}
-
-/// The loader takes two files for one when their names or their inodes are equal, so each copy gets
-/// a name that this process never used before. The file may go at once: the mapping stays.
-void *openCopy(const QString &path, QString *error)
-{
-    static std::atomic<int> copies { 0 };
-    QFile original(path);
-    QTemporaryFile copy(QDir::temp().filePath(
-        QStringLiteral("korvane_dx4-%1-%2-XXXXXX.so").arg(getpid()).arg(++copies)));
-    const bool copied = original.open(QIODevice::ReadOnly) && copy.open()
-        && copy.write(original.readAll()) > 0 && copy.flush();
-    if (copied)
-        return openFile(copy.fileName(), error);
-    if (error) {
-        const QString reason = original.isOpen() ? copy.errorString() : original.errorString();
-        *error = QStringLiteral("cannot copy the driver %1: %2").arg(path, reason);
-    }
-    return nullptr;
-}
-
 } // namespace
 
 DriverFile locateDriver(const QString &explicitPath)
@@ -118,28 +87,25 @@ DriverFile locateDriver(const QString &explicitPath)
     return found;
 }
 
-Plugin::Plugin(QString file, void *library)
+Plugin::Plugin(QString file, LibraryFile library)
     : m_file(std::move(file))
-    , m_library(library)
+    , m_library(std::move(library))
 {
 }
 
-Plugin::~Plugin()
-{
-    dlclose(m_library);
-}
+Plugin::~Plugin() = default;
 
 std::unique_ptr<Plugin> Plugin::load(const QString &file, Instance instance, QString *error)
 {
     // A name without a slash would be searched for in the system's library folders.
     const QString path = QFileInfo(file).absoluteFilePath();
-    void *library =
-        instance == Instance::PrivateCopy ? openCopy(path, error) : openFile(path, error);
-    if (!library)
+    LibraryFile library = instance == Instance::PrivateCopy ? LibraryFile::openCopy(path, error)
+                                                            : LibraryFile::open(path, error);
+    if (!library.handle())
         return nullptr;
 
-    std::unique_ptr<Plugin> plugin(new Plugin(path, library));
-    const QStringList missing = resolveAll(library, plugin->m_api);
+    std::unique_ptr<Plugin> plugin(new Plugin(path, std::move(library)));
+    const QStringList missing = resolveAll(plugin->m_library.handle(), plugin->m_api);
     if (missing.isEmpty())
         return plugin;
     if (error) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "driver_api.h"
+#include "host/library_file.h"
 
 #include <QString>
 #include <QStringList>
@@ -55,7 +56,8 @@ class Plugin {
 public:
     enum class Instance {
         Shared, ///< the file itself; loading it twice gives the same state twice
-        PrivateCopy, ///< a temporary copy of the file with a state of its own
+        PrivateCopy, ///< a temporary copy with a state of its own, in memory where folders take
+                     ///< none
     };
 
     /// Loads the driver and resolves all its names.
@@ -77,10 +79,10 @@ public:
     QString file() const { return m_file; }
 
 private:
-    Plugin(QString file, void *library);
+    Plugin(QString file, LibraryFile library);
 
     QString m_file;
-    void *m_library;
+    LibraryFile m_library;
     DriverApi m_api;
 };
 

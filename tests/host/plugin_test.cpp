@@ -2,10 +2,19 @@
 // Finding, loading, copying and unloading the driver's file.
 #include "host/plugin.h"
 
+#include "full_disk.h"
+
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
+#include <QTemporaryDir>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using dx4::host::DriverFile;
 using dx4::host::locateDriver;
@@ -15,14 +24,94 @@ namespace {
 
 const QString driverPath = QStringLiteral(KORVANE_PLUGIN_FILE);
 
-/// Sets KORVANE_DRIVER for one test.
-class DriverVariable {
+/// Sets a variable of the environment for one test.
+class Variable {
 public:
-    explicit DriverVariable(const QString &path) { qputenv("KORVANE_DRIVER", path.toLocal8Bit()); }
-    ~DriverVariable() { qunsetenv("KORVANE_DRIVER"); }
-    DriverVariable(const DriverVariable &) = delete;
-    DriverVariable &operator=(const DriverVariable &) = delete;
+    Variable(const char *name, const QByteArray &value)
+        : m_name(name)
+        , m_before(qgetenv(name))
+        , m_wasSet(qEnvironmentVariableIsSet(name))
+    {
+        qputenv(name, value);
+    }
+    ~Variable()
+    {
+        if (m_wasSet)
+            qputenv(m_name, m_before);
+        else
+            qunsetenv(m_name);
+    }
+    Variable(const Variable &) = delete;
+    Variable &operator=(const Variable &) = delete;
+
+private:
+    const char *m_name;
+    QByteArray m_before;
+    bool m_wasSet;
 };
+
+class DriverVariable : public Variable {
+public:
+    explicit DriverVariable(const QString &path)
+        : Variable("KORVANE_DRIVER", path.toLocal8Bit())
+    {
+    }
+};
+
+QByteArray driverBytes()
+{
+    QFile file(driverPath);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+}
+
+/// A file that begins as the driver does and has so many bytes.
+class CutFile {
+public:
+    explicit CutFile(int bytes)
+        : path(m_folder.filePath(QStringLiteral("cut.so")))
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        EXPECT_EQ(file.write(driverBytes().left(bytes)), bytes);
+    }
+
+private:
+    QTemporaryDir m_folder;
+
+public:
+    const QString path;
+};
+
+constexpr int noNamespaces = 77;
+
+/// Loads two copies with a small file system of its own as the folder for temporary files, and
+/// gives what came of it as an exit code.
+int loadOn(const char *mountOptions, unsigned long flags, const QString &folder)
+{
+    const QByteArray place = QFile::encodeName(folder);
+    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0
+        || mount("none", place.constData(), "tmpfs", flags, mountOptions) != 0)
+        return noNamespaces;
+    qputenv("TMPDIR", place);
+    qunsetenv("XDG_RUNTIME_DIR");
+    const auto first = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+    const auto second = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+    const bool bothWork = first && second && first->api().state != second->api().state;
+    return bothWork && QDir(folder).isEmpty() ? 0 : 1;
+}
+
+/// The same in a process of its own.
+int codeOfLoadOn(const char *mountOptions, unsigned long flags)
+{
+    const QTemporaryDir folder;
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(loadOn(mountOptions, flags, folder.path()));
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
 
 } // namespace
 
@@ -107,6 +196,127 @@ TEST(Plugin, APrivateCopyLeavesNoFileBehind)
 
     ASSERT_TRUE(copy);
     EXPECT_EQ(QDir::temp().entryList(pattern).size(), before);
+}
+
+TEST(Plugin, ACopyThatNoFolderTakesIsLoadedFromMemory)
+{
+    const Variable temporary("TMPDIR", "/no/such/folder");
+    const Variable runtime("XDG_RUNTIME_DIR", "/no/such/folder/either");
+    const auto shared = Plugin::load(driverPath);
+    auto first = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+    const auto second = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+    ASSERT_TRUE(first && second);
+    first->api().state->retryLimit = 7;
+    second->api().state->retryLimit = 8;
+
+    first.reset();
+    const auto third = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+
+    ASSERT_TRUE(third);
+    EXPECT_EQ(second->api().state->retryLimit, 8);
+    EXPECT_EQ(third->api().state->retryLimit, 0);
+    EXPECT_EQ(shared->api().state->retryLimit, 0);
+}
+
+TEST(Plugin, ACopyGoesToTheNextFolderWhereOneIsMissing)
+{
+    const QTemporaryDir folder;
+    const Variable temporary("TMPDIR", "/no/such/folder");
+    const Variable runtime("XDG_RUNTIME_DIR", QFile::encodeName(folder.path()));
+    QString error;
+
+    const auto copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy, &error);
+
+    EXPECT_TRUE(copy) << error.toStdString();
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
+
+TEST(Plugin, ACopyThatFitsNowhereIsNotLoaded)
+{
+    const QTemporaryDir folder;
+    const Variable temporary("TMPDIR", QFile::encodeName(folder.path()));
+    const Variable runtime("XDG_RUNTIME_DIR", "");
+    QString error;
+    std::unique_ptr<Plugin> copy;
+    {
+        const FullDisk disk(100'000);
+        copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy, &error);
+    }
+
+    EXPECT_FALSE(copy);
+    EXPECT_EQ(error,
+              QStringLiteral("cannot copy the driver %1: %2: File too large, memory: File too "
+                             "large; set TMPDIR to a folder with room for %3 bytes that may hold "
+                             "programs")
+                  .arg(driverPath, folder.path())
+                  .arg(driverBytes().size()));
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
+
+TEST(Plugin, ACopyIsLoadedWhereTheTemporaryFolderIsFull)
+{
+    const int code = codeOfLoadOn("size=64k", 0);
+
+    if (code == noNamespaces)
+        GTEST_SKIP() << "this system lets no test mount anything";
+    EXPECT_EQ(code, 0);
+}
+
+TEST(Plugin, ACopyIsLoadedWhereTheTemporaryFolderHoldsNoPrograms)
+{
+    const int code = codeOfLoadOn("size=64m", MS_NOEXEC);
+
+    if (code == noNamespaces)
+        GTEST_SKIP() << "this system lets no test mount anything";
+    EXPECT_EQ(code, 0);
+}
+
+TEST(Plugin, AFileThatIsCutShortIsRefusedBeforeItIsMapped)
+{
+    const int whole = static_cast<int>(driverBytes().size());
+    for (int bytes : { 0, 3, 63, 64, 4096, whole / 2, whole - 1 }) {
+        const CutFile cut(bytes);
+        for (auto instance : { Plugin::Instance::Shared, Plugin::Instance::PrivateCopy }) {
+            QString error;
+
+            EXPECT_FALSE(Plugin::load(cut.path, instance, &error)) << bytes;
+            EXPECT_TRUE(error.contains(cut.path + QStringLiteral(": the file is")))
+                << error.toStdString();
+        }
+    }
+}
+
+TEST(Plugin, ACutFileIsNamedWithItsLengths)
+{
+    const auto whole = driverBytes().size();
+    const CutFile cut(4096);
+    QString error;
+
+    Plugin::load(cut.path, Plugin::Instance::Shared, &error);
+
+    EXPECT_EQ(error,
+              QStringLiteral("cannot load the driver: %1: the file is cut short: it has 4096 of %2 "
+                             "bytes; copy it anew")
+                  .arg(cut.path)
+                  .arg(whole));
+}
+
+TEST(Plugin, WhatIsNoLibraryIsRefusedUnopened)
+{
+    const QTemporaryDir folder;
+    const QString pipe = folder.filePath(QStringLiteral("pipe.so"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QString error;
+
+    EXPECT_FALSE(Plugin::load(pipe, Plugin::Instance::PrivateCopy, &error));
+    EXPECT_EQ(error.toStdString(),
+              "cannot copy the driver " + pipe.toStdString()
+                  + ": it is a folder, a device or a pipe");
+    EXPECT_FALSE(
+        Plugin::load(QStringLiteral("/proc/self/status"), Plugin::Instance::Shared, &error));
+    EXPECT_EQ(error.toStdString(),
+              "cannot load the driver: /proc/self/status: the file is no library; expected an ELF "
+              "file");
 }
 
 TEST(Plugin, ForgetsItsStateWhenUnloaded)
