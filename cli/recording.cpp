@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <utility>
+
 namespace dx4::cli {
 namespace {
 
@@ -25,8 +27,8 @@ bool mayBeReplaced(const QString &path)
 
 } // namespace
 
-Recording::Recording(const QString &path)
-    : m_path(path)
+Recording::Recording(QString path)
+    : m_path(std::move(path))
 {
 }
 

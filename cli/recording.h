@@ -17,7 +17,7 @@ namespace dx4::cli {
 /// that can be read up to there.
 class Recording {
 public:
-    explicit Recording(const QString &path);
+    explicit Recording(QString path);
 
     /// Whether the file can be replaced, asked before there is anything to lose: one that exists
     /// stays as it is, one that does not is not left behind.

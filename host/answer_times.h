@@ -20,10 +20,11 @@ public:
 
     /// A reply came.
     ///
-    /// @param delay  end of the request to the first byte of its reply; of the earliest request
-    ///               where several can have brought it
-    /// @param sure   only one request can have brought it
-    void noteAnswer(int station, Duration delay, bool sure);
+    /// @param number  of the station
+    /// @param delay   end of the request to the first byte of its reply; of the earliest request
+    ///                where several can have brought it
+    /// @param sure    only one request can have brought it
+    void noteAnswer(int number, Duration delay, bool sure);
 
     /// Response timeout of a station: the line's own, or a longer one that was learnt.
     Duration timeoutOf(int station) const;

@@ -234,7 +234,7 @@ Reply BreakerExchange::askOnce(const FRAME_PRO &request, const Allowance &allowa
 
 Reply BreakerExchange::probe(int station)
 {
-    const Reply reply = m_guard.probe(station, { probeTimeout(station), std::nullopt, false });
+    Reply reply = m_guard.probe(station, { probeTimeout(station), std::nullopt, false });
     noteReport(station, reply);
     const Duration now = m_line.now();
     if (wasAsked(reply) && !isAnswer(m_guard.report().verdict.cause)) {

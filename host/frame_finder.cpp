@@ -95,7 +95,7 @@ int FrameFinder::missing() const
 
 QByteArray FrameFinder::takeRest()
 {
-    const QByteArray rest = std::exchange(m_bytes, QByteArray());
+    QByteArray rest = std::exchange(m_bytes, QByteArray());
     lookAgain();
     return rest;
 }

@@ -93,7 +93,7 @@ Reply GuardedExchange::runWithin(const FRAME_PRO &request, const Allowance &allo
             return lineDown(start);
         return { Reply::Kind::Withheld, {}, true, m_line.now() - start };
     }
-    const Reply reply = exchange(request, allowance);
+    Reply reply = exchange(request, allowance);
     if (isCopied && reply.kind == Reply::Kind::Silence && m_report.echoStripped)
         m_echo.noteLoneCopy();
     return reply;

@@ -20,7 +20,7 @@ _dx4_options() {
     run) echo "--frequency --reverse --word $line" ;;
     stop) echo "--word --all $line" ;;
     line) echo '--json' ;;
-    record) echo "--rounds --reconnect $line" ;;
+    record) echo "--force --rounds --reconnect $line" ;;
     'params dump' | 'params diff' | 'params restore') echo "$line" ;;
     replay) echo "--names $line" ;;
   esac
