@@ -189,6 +189,14 @@ void Runtime::settleAsked(Step step)
     noteKnowledge(step);
     settleStop(step);
     m_desk.afterStep(m_cycle, step, m_guard.report().verdict);
+    tellNotice();
+}
+
+void Runtime::tellNotice()
+{
+    const QString text = m_guard.takeNotice();
+    if (m_notice && !text.isEmpty())
+        m_link.handlerErrors().call([&] { m_notice(text); });
 }
 
 /// A write that was sent and not confirmed may have been carried out: what was known of its

@@ -110,6 +110,9 @@ public:
     /// Called with what must not go unheard: a stop that was not confirmed, or was at last.
     void onAlarm(AlarmHandler handler) { m_alarm = std::move(handler); }
 
+    /// Called with what a user had better know of the line: a station that needs a longer timeout.
+    void onNotice(AlarmHandler handler) { m_notice = std::move(handler); }
+
     /// Drops all waiting writes, sends the configured stops and waits for their echoes, no longer
     /// than `budget` or than one request to each station takes. Every station has its stop after
     /// that; with a budget of 0 none is waited for. Nothing else is sent meanwhile, and every write
@@ -175,6 +178,7 @@ private:
     void settleStop(Step step);
     void watchUser();
     void alarm(const QString &text);
+    void tellNotice();
     Line &m_line;
     RuntimeSettings m_settings;
     Link m_link;
@@ -185,6 +189,7 @@ private:
     WriteDesk m_desk;
     SafeStop m_stop;
     AlarmHandler m_alarm;
+    AlarmHandler m_notice;
     std::optional<Plan> m_nextPlan;
     int m_blocks = 0;
     std::map<BlockKey, Duration> m_known; // when each block was last read, or written

@@ -339,3 +339,19 @@ TEST(TwoRuntimes, ADeadLineDoesNotDisturbTheOther)
     EXPECT_EQ(live.stations.line.sent(), alone.stations.line.sent());
     EXPECT_EQ(live.stations.line.now(), alone.stations.line.now());
 }
+
+TEST(RuntimeNotice, TellsOnceThatAStationNeedsALongerTimeout)
+{
+    RuntimeUnderTest host;
+    Texts notices;
+    host.host.onNotice([&](const QString &text) { notices.push_back(text.toStdString()); });
+    host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") }, { 1, QStringLiteral("F 0.0") } }));
+    host.stations.slow[1] = milliseconds(160);
+
+    host.runFor(seconds(20));
+
+    ASSERT_EQ(notices.size(), 1U);
+    EXPECT_EQ(
+        notices.front().rfind("station 1 answers later than the response timeout of 100 ms;", 0),
+        0U);
+}
