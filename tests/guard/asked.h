@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A request from its bytes as text.
+// Requests from their bytes as text.
 #pragma once
 
 #include "host_records.h"
@@ -23,4 +23,21 @@ inline FRAME_PRO asked(const std::string &hex, int tag = 0)
     request.var.station = request.frame[0];
     request.var.varKind = tag;
     return request;
+}
+
+inline const FRAME_PRO readA = asked("01 03 D0 00 00 02");
+inline const FRAME_PRO readB = asked("01 03 D0 08 00 02"); // as long as A
+inline const FRAME_PRO readOfThree = asked("01 03 D0 00 00 03");
+inline constexpr char runHex[] = "01 06 10 01 00 01";
+
+/// A write of the control word; its tries have the tag in common.
+inline FRAME_PRO run(int tag)
+{
+    return asked(runHex, tag);
+}
+
+/// A write of F0.00 and F0.01; its reply does not tell the values.
+inline FRAME_PRO writeMany(const std::string &values, int tag)
+{
+    return asked("01 10 F0 00 00 02 04 " + values, tag);
 }

@@ -25,7 +25,7 @@ protected:
             return more + QVector<int> { 9 };
         if (station == 1 && function == 16)
             return { 8, 15 };
-        return station == 1 && function == 0x83 ? QVector<int> { 5 } : QVector<int>();
+        return function == 0x83 ? QVector<int> { 5 } : QVector<int>();
     }
 
     /// What is found next as hex "skipped|frame", or "-".
@@ -168,6 +168,32 @@ TEST_F(FrameFinderTest, WhatTheEchoOfAWriteHoldsIsNotTakenOutOfIt)
 
     EXPECT_EQ(next(), '|' + holder.toHex(' ').toStdString());
     EXPECT_EQ(next(), "-");
+}
+
+TEST_F(FrameFinderTest, NothingOfWhatAReadReplyHoldsIsTakenOutOfIt)
+{
+    more = { 15 };
+    const QByteArray holder = framed("01 03 0A 01 83 02 C0 F1 01 83 02 C0 F1"); // two refusals
+    finder.add(holder.left(14));
+    ASSERT_EQ(next(), "-");
+
+    finder.add(holder.mid(14));
+
+    EXPECT_EQ(next(), '|' + holder.toHex(' ').toStdString());
+}
+
+TEST_F(FrameFinderTest, WhatHasNotAnnouncedItsLengthYetHidesNothing)
+{
+    finder.add(bytesOf("01") + framed("10 83 02"));
+
+    EXPECT_EQ(next(), "01|10 83 02 90 f4") << "01 10 may begin an echo of 15 bytes";
+}
+
+TEST_F(FrameFinderTest, WhatAnnouncesAnotherLengthHidesNothing)
+{
+    finder.add(bytesOf("01 10 F0 00 00 02 04") + framed("01 83 02"));
+
+    EXPECT_EQ(next(), "01 10 f0 00 00 02 04|01 83 02 c0 f1");
 }
 
 TEST_F(FrameFinderTest, WhatADamagedFrameHoldsIsTakenOutOfIt)

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Late replies, one case each: what is believed, what is withheld, and what is told.
-#include "asked.h"
-#include "buffering_station.h"
+#include "guarded_station.h"
 #include "host/cycle.h"
-#include "host/guarded_exchange.h"
-
-#include <gtest/gtest.h>
 
 #include <QJsonObject>
 
@@ -14,65 +10,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/// 10000 bit/s: a character takes 1 ms; 100 ms response timeout.
-LineSettings slowLine()
-{
-    LineSettings settings;
-    settings.speed = 10000;
-    settings.responseTimeout = milliseconds(100);
-    return settings;
-}
-
-const FRAME_PRO readA = asked("01 03 D0 00 00 02");
-const FRAME_PRO readB = asked("01 03 D0 08 00 02"); // as long as A
-const FRAME_PRO readOfThree = asked("01 03 D0 00 00 03");
-const QByteArray replyA = framed("01 03 04 AA AA AA AA");
-const QByteArray replyB = framed("01 03 04 BB BB BB BB");
-const QByteArray replyOfThree = framed("01 03 06 AA AA AA AA 00 00");
-const char runHex[] = "01 06 10 01 00 01";
-
-/// A is two registers of 0xAAAA, B two of 0xBBBB.
-class LateReplies : public ::testing::Test {
-protected:
-    LateReplies()
-    {
-        inverter.station.registers = { { { 1, 0xD000 }, 0xAAAA },
-                                       { { 1, 0xD001 }, 0xAAAA },
-                                       { { 1, 0xD008 }, 0xBBBB },
-                                       { { 1, 0xD009 }, 0xBBBB } };
-    }
-
-    /// Asks for A, whose reply begins to come so long after the request.
-    Reply askForALate(int milliseconds)
-    {
-        inverter.delays = { std::chrono::milliseconds(milliseconds) };
-        return guard.run(readA);
-    }
-
-    /// Asks for B until it is answered and gives the tries that it took; 0 when 9 were not enough
-    /// or anything but B was believed.
-    int triesForB()
-    {
-        for (int tries = 1; tries < 10; ++tries) {
-            const Reply reply = guard.run(readB);
-            heardLate += guard.report().lateReplies;
-            if (!reply.bytes.isEmpty())
-                return reply.bytes == replyB ? tries : 0;
-        }
-        return 0;
-    }
-
-    /// Three answers tell whether the adapter echoes.
-    void learnTheAdapter()
-    {
-        for (int i = 0; i < 3; ++i)
-            guard.run(readOfThree);
-    }
-
-    BufferingStation inverter { slowLine() };
-    GuardedExchange guard { inverter.line };
-    int heardLate = 0; // replies, while B was asked for
-};
+class LateReplies : public GuardedStation { };
 
 QByteArray flipped(QByteArray frame, int bit)
 {
@@ -181,8 +119,8 @@ TEST_F(LateReplies, AfterAFlippedBitInTheEchoOfAWriteConfirmOnlyByASecondCopy)
         inverter.echoes = { replacedBy(flipped(framed(runHex), bit)) };
         inverter.delays = { milliseconds(160) };
 
-        const Reply first = guard.run(asked(runHex, bit + 1));
-        const Reply second = guard.run(asked(runHex, bit + 1));
+        const Reply first = guard.run(run(bit + 1));
+        const Reply second = guard.run(run(bit + 1));
 
         ASSERT_TRUE(first.bytes.isEmpty());
         ASSERT_EQ(second.bytes, framed(runHex)) << "two of three copies are no echo";
@@ -199,7 +137,7 @@ TEST_F(LateReplies, ThatAreEchoesConfirmNoWriteOfADeadStation)
             inverter.adapterEchoes = false;
             inverter.line.inject(framed(runHex), milliseconds(120));
 
-            const Reply reply = guard.run(asked(runHex, tag));
+            const Reply reply = guard.run(run(tag));
 
             ASSERT_NE(reply.kind, Reply::Kind::Complete);
             ASSERT_TRUE(reply.bytes.isEmpty());
@@ -214,7 +152,7 @@ TEST_F(LateReplies, ThatRefuseDoNotFailAnotherRead)
 
     const Reply reply = guard.run(readOfThree);
 
-    EXPECT_EQ(reply.bytes, replyOfThree);
+    EXPECT_EQ(reply.bytes, replyToThree);
     EXPECT_EQ(guard.report().lateReplies, 1);
 }
 
@@ -225,7 +163,7 @@ TEST_F(LateReplies, ThatRefuseDoNotRejectAWriteThatTheDriveTook)
     inverter.delays = { milliseconds(150) };
     guard.run(asked("01 06 F0 0F 00 07", 1));
 
-    const Reply reply = guard.run(asked(runHex, 2));
+    const Reply reply = guard.run(run(2));
 
     EXPECT_EQ(reply.bytes, framed(runHex));
     EXPECT_EQ(guard.report().verdict.cause, ReplyCause::Good);

@@ -7,26 +7,12 @@
 
 #include <gtest/gtest.h>
 
-inline const FRAME_PRO readA = asked("01 03 D0 00 00 02");
-inline const FRAME_PRO readB = asked("01 03 D0 08 00 02"); // as long as A
-inline const FRAME_PRO readOfThree = asked("01 03 D0 00 00 03");
 inline const FRAME_PRO statusOfTwo = asked("02 03 20 00 00 01");
 inline constexpr char replyOfTwo[] = "01 03 04 12 34 56 78"; // to A or B
 inline constexpr char replyOfThree[] = "01 03 06 00 01 00 02 00 03";
 inline constexpr char replyOfStationTwo[] = "02 03 02 00 07";
 inline constexpr char refusal[] = "01 83 02";
-inline constexpr char runHex[] = "01 06 10 01 00 01";
 inline constexpr char runMany[] = "01 10 F0 00 00 02"; // the reply to any write of F0.00 and F0.01
-
-inline FRAME_PRO run(int tag)
-{
-    return asked(runHex, tag);
-}
-
-inline FRAME_PRO writeMany(const std::string &values, int tag)
-{
-    return asked("01 10 F0 00 00 02 04 " + values, tag);
-}
 
 /// Requests go out 10 ms apart from 10 ms on, and each frame comes 1 ms after what was before it.
 class OwedRepliesTest : public ::testing::Test {
