@@ -46,6 +46,7 @@ ConfigReload::ConfigReload(Runtime &runtime, Planner &planner, Config current)
                        const RuntimeSettings settings = runtimeSettings(config);
                        runtime.setStops(settings.stops);
                        runtime.setStopBroadcast(settings.stopBroadcast);
+                       runtime.setStopBudget(settings.stopBudget);
                        setExtraGaps(runtime.guard(), config);
                    })
 {

@@ -133,8 +133,9 @@ public:
     /// station whose stop is not confirmed yet keeps its command.
     void setStops(const QVector<StopCommand> &stops) { m_stop.setCommands(stops); }
 
-    /// Replaces RuntimeSettings::stopBroadcast.
+    /// Replaces RuntimeSettings::stopBroadcast and RuntimeSettings::stopBudget.
     void setStopBroadcast(bool isWanted) { m_stop.setBroadcast(isWanted); }
+    void setStopBudget(Duration budget) { m_settings.stopBudget = budget; }
 
     /// The user is there. With a patience set, a user who is silent for longer stops the drives;
     /// no write is taken then until the last stop is confirmed, or the user is back.

@@ -10,6 +10,7 @@
 
 using namespace dx4::host;
 using std::chrono::milliseconds;
+using std::chrono::seconds;
 
 namespace {
 
@@ -123,6 +124,30 @@ TEST_F(ReloadedRuntime, BroadcastsAsTheFileSays)
 
     EXPECT_TRUE(applied);
     EXPECT_EQ(under.sent(0, 6), 1);
+}
+
+TEST_F(ReloadedRuntime, StopsForAUserWhoIsGoneWithinTheTimeOfTheFile)
+{
+    RuntimeSettings settings;
+    settings.userPatience = seconds(2);
+    RuntimeUnderTest watched(settings);
+    ConfigReload followed(watched.host, planner, Config());
+    watched.stations.dead = { 2 };
+    QFile file(folder.filePath(QStringLiteral("host.toml")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("line.port = \"a\"\n[stop]\ncontrol_word = 6\nconfirm_ms = 5000\n"
+               "[[station]]\naddress = 1\n[[station]]\naddress = 2\n");
+    file.close();
+    followed.prepare(file.fileName(), nullptr);
+
+    const bool applied = followed.apply();
+    watched.runFor(seconds(6)); // the stop begins after two
+
+    EXPECT_TRUE(applied);
+    EXPECT_EQ(watched.stations.registers.at({ 1, 0x1001 }), 6);
+    watched.write(1, "FRE", 0, { 5 });
+    watched.runFor(milliseconds(1));
+    EXPECT_EQ(watched.outcomes, Texts { "1000 refused" }) << "the rounds go on";
 }
 
 TEST_F(ReloadedRuntime, KeepsTheExtraGapsOfTheFile)
