@@ -206,7 +206,10 @@ void Runtime::settleStop(Step step)
         m_stop.noteWithheld(request.var.station, m_line.now());
     if (!wasAsked(m_cycle.reply()))
         return;
-    if (const std::optional<quint16> command = commandOf(request))
+    const std::optional<quint16> command = commandOf(request);
+    const bool isStop = command && m_stop.isStop(request.var.station, { *command });
+    // A stop without its echo may not have arrived; of any other command the worst is assumed.
+    if (command && (!isStop || step == Step::Served))
         m_stop.noteCommand(request.var.station, *command);
     const bool wasPending = m_stop.isPending();
     m_stop.afterStep(m_cycle, step, m_guard.report(), m_line.now());

@@ -71,7 +71,8 @@ public:
     /// Gives up what is not confirmed. One stop may have reached the driver and still go out.
     void cancel();
 
-    /// A "CW" was sent to a station: it is known to turn while that is not its stop.
+    /// A station has, or may have, carried out a "CW": it is known to turn while that is not its
+    /// stop.
     void noteCommand(int station, quint16 controlWord) { m_lastCommand[station] = controlWord; }
 
     /// The station showed life: its stop is due at once, unless it rejected the last one.

@@ -335,6 +335,28 @@ TEST(Stop, ThoseKnownToTurnAndThoseThatAnswerComeBeforeTheOthers)
     EXPECT_EQ(order, "2314");
 }
 
+TEST(Stop, ADriveIsKnownToTurnUntilItsStopIsConfirmed)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 }, { 2, 0 } };
+    RuntimeUnderTest under(settings, lineOf(milliseconds(100)));
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") }, { 2, QStringLiteral("SW") } }));
+    under.runFor(seconds(1));
+    under.write(1, "CW", 0, { 1 });
+    under.runFor(seconds(1));
+    under.stations.dead = { 1 };
+    under.write(1, "CW", 0, { 0 });
+    under.host.run([&] { return under.host.pendingWrites() == 0; });
+    under.stations.dead.clear();
+    under.runFor(seconds(20));
+    const auto before = under.stations.line.sent().size();
+
+    under.host.stop(seconds(1));
+
+    EXPECT_EQ(under.outcomes.back(), "1001 timed out");
+    EXPECT_EQ(under.stations.line.sent().at(before), framed("01 06 10 01 00 00"));
+}
+
 TEST(Stop, ABroadcastGoesFirstWhereTheDrivesTakeIt)
 {
     RuntimeSettings settings = stoppingEight();
