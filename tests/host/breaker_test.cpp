@@ -260,3 +260,62 @@ TEST(Breaker, AStationSlowerThanAShortProbeIsTakenBackByALongOne)
 
     EXPECT_FALSE(host.host.isLeftAlone(2));
 }
+
+namespace {
+
+/// Two polled stations, of which the second has been away for a minute.
+class StationAway : public ::testing::Test {
+protected:
+    StationAway()
+    {
+        under.host.setPlan(
+            planOf({ { 1, QStringLiteral("D 0") }, { 2, QStringLiteral("D 8-9") } }));
+        under.runFor(seconds(1));
+        under.stations.dead = { 2 };
+        under.runFor(seconds(60));
+    }
+
+    RuntimeUnderTest under { {}, oneSecondTimeout() };
+};
+
+} // namespace
+
+TEST_F(StationAway, IsTakenBackAtOnceWhenALateReplyIsHeard)
+{
+    under.stations.dead.clear();
+    under.stations.slow[2] = milliseconds(700);
+    const int before = under.sent(2, 3);
+    under.host.run([&] { return under.sent(2, 3) > before; }); // its probe, too short for it
+
+    under.runFor(seconds(3));
+
+    EXPECT_FALSE(under.host.isLeftAlone(2));
+}
+
+TEST_F(StationAway, IsProbedByReadsOfItsStatusWordThatAreCounted)
+{
+    const BlockKey status { 2, QStringLiteral("SW"), 0, 1, false };
+    const quint64 before = under.host.counters().block(status).requests;
+
+    under.runFor(seconds(30));
+
+    EXPECT_EQ(under.host.counters().block(status).requests - before, 3U);
+    EXPECT_EQ(under.host.counters().block(status).good, 0U);
+    EXPECT_EQ(under.stations.line.sent().count(framed("02 03 20 00 00 01")),
+              static_cast<int>(under.host.counters().block(status).requests));
+}
+
+TEST_F(StationAway, AnswersItsProbeByARefusalToo)
+{
+    under.stations.dead.clear();
+    const int before = under.sent(2, 3);
+    for (int i = 0; i < 2000; ++i)
+        under.stations.changes.push_back([](const QByteArray &reply) {
+            const bool isHis = !reply.isEmpty() && reply.at(0) == 2;
+            return MemoryLine::Answer { isHis ? framed("02 83 02") : reply, Duration { 0 } };
+        });
+
+    under.host.run([&] { return under.sent(2, 3) > before; });
+
+    EXPECT_FALSE(under.host.isLeftAlone(2));
+}
