@@ -158,3 +158,41 @@ TEST(MemoryLine, RefusesToBeWithoutAResponder)
 {
     EXPECT_THROW(MemoryLine(nullptr), std::invalid_argument);
 }
+
+TEST(MemoryLine, AFrameThatMeetsArrivingBytesIsLostWithThem)
+{
+    int heard = 0;
+    MemoryLine line(
+        [&heard](const QByteArray &) {
+            ++heard;
+            return MemoryLine::Answer {};
+        },
+        slow());
+    line.letFramesCollide();
+    line.inject("abcdefghij", milliseconds(0)); // at 1 to 10 ms
+    line.receive(4, milliseconds(4));
+
+    line.send("1234");
+
+    EXPECT_EQ(heard, 0);
+    EXPECT_EQ(line.now(), milliseconds(8));
+    EXPECT_EQ(line.receive(10, milliseconds(50)), QByteArray("ij"));
+}
+
+TEST(MemoryLine, AFrameBetweenTwoOthersIsHeard)
+{
+    int heard = 0;
+    MemoryLine line(
+        [&heard](const QByteArray &) {
+            ++heard;
+            return MemoryLine::Answer {};
+        },
+        slow());
+    line.letFramesCollide();
+    line.inject("abcd", milliseconds(4)); // at 5 to 8 ms
+
+    line.send("1234");
+
+    EXPECT_EQ(heard, 1);
+    EXPECT_EQ(line.receive(10, milliseconds(50)), QByteArray("abcd"));
+}
