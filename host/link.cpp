@@ -122,18 +122,38 @@ QVector<quint16> Link::values(int station, const QString &regType, int address, 
     return result;
 }
 
+/// The register's record in the driver's cache; null where it has none.
+///
+/// The driver may move records, and a host may empty its list: a remembered place is a hint that
+/// the record itself has to bear out.
+const _DATA_ *Link::findRecord(int station, const QString &regType, int address) const
+{
+    const auto &records = std::as_const(api().state->dataAreas);
+    const auto isMeant = [&](const _DATA_ &record) {
+        return record.station == station && record.address == address && record.regType == regType;
+    };
+    const RegisterKey key { station, address, regType };
+    const auto place = m_places.find(key);
+    const bool isHinted = place != m_places.end() && place->second < records.size();
+    if (isHinted && isMeant(records.at(place->second)))
+        return &records.at(place->second);
+    const auto found = std::find_if(records.begin(), records.end(), isMeant);
+    if (found == records.end())
+        return nullptr;
+    m_places[key] = static_cast<int>(found - records.begin());
+    return &*found;
+}
+
 RegisterState Link::registerState(int station, const QString &regType, int address) const
 {
     RegisterState state;
-    for (const _DATA_ &record : std::as_const(api().state->dataAreas)) {
-        if (record.station != station || record.address != address || record.regType != regType)
-            continue;
-        const unsigned char *shown = record.writePending ? record.writeValue : record.value;
-        state.value = static_cast<quint16>(shown[0] + 256 * shown[1]);
-        state.failed = record.flag0 != 0;
-        state.writePending = record.writePending != 0;
-        break;
-    }
+    const _DATA_ *record = findRecord(station, regType, address);
+    if (!record)
+        return state;
+    const unsigned char *shown = record->writePending ? record->writeValue : record->value;
+    state.value = static_cast<quint16>(shown[0] + 256 * shown[1]);
+    state.failed = record->flag0 != 0;
+    state.writePending = record->writePending != 0;
     return state;
 }
 

@@ -10,7 +10,9 @@
 #include <QVector>
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace dx4::host {
@@ -127,6 +129,8 @@ public:
 
 private:
     class Scope;
+    using RegisterKey = std::tuple<int, int, QString>; // station, address, type
+    const _DATA_ *findRecord(int station, const QString &regType, int address) const;
     int triesToFailWrites() const;
     static void dispatch(int linkNumber, int station, QString &name, int address);
 
@@ -135,6 +139,7 @@ private:
     std::vector<unsigned char> m_sharedBlock;
     std::vector<unsigned short> m_recipeBuffer;
     QMutex m_mutex;
+    mutable std::map<RegisterKey, int> m_places; // where a register's record was last seen
     ChangeHandler m_handler;
     HandlerErrors m_errors;
 };

@@ -118,6 +118,20 @@ TEST(Link, KnowsWhetherAWriteHandedOverNowWouldBeSentNext)
     EXPECT_EQ(sentNext, 17);
 }
 
+TEST(Link, FindsARegisterWhereverTheDriverHasMovedIt)
+{
+    Link link(privateCopy(), LinkSettings());
+    link.write(1, QStringLiteral("F"), 3, { 30, 40, 50 });
+    EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 4).value, 40);
+
+    link.api().state->dataAreas.move(1, 2);
+
+    EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 4).value, 40);
+    EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 5).value, 50);
+    link.api().state->dataAreas.clear();
+    EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 4).value, 0);
+}
+
 TEST(Link, LooksAtAnUnknownRegisterWithoutCreatingIt)
 {
     const Link link(privateCopy(), LinkSettings());
