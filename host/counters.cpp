@@ -170,6 +170,28 @@ void CounterSet::countExchange(const FRAME_PRO &request, const ExchangeReport &r
     const ReplyCause cause = report.verdict.cause;
     if (cause == ReplyCause::Good || cause == ReplyCause::Exception)
         ++counts.turnaround[turnaroundClass(report.answerDelay)];
+    ++m_attempts;
+    if (cause == ReplyCause::Good)
+        countEnd(request);
+}
+
+void CounterSet::countGiveUp(const FRAME_PRO &request)
+{
+    ++m_blocks[blockOf(request)].giveUps;
+    countEnd(request);
+}
+
+void CounterSet::countNotAsked(const FRAME_PRO &request)
+{
+    ++m_blocks[blockOf(request)].notAsked;
+    ++m_attempts;
+    countEnd(request);
+}
+
+void CounterSet::countEnd(const FRAME_PRO &request)
+{
+    if (!blockOf(request).isWrite)
+        ++m_endedReads;
 }
 
 void CounterSet::countProbe(int station, const ExchangeReport &report, Duration held)

@@ -76,8 +76,8 @@ public:
 
     /// Counts what became of the request.
     void countRetry(const FRAME_PRO &request) { ++m_blocks[blockOf(request)].retries; }
-    void countGiveUp(const FRAME_PRO &request) { ++m_blocks[blockOf(request)].giveUps; }
-    void countNotAsked(const FRAME_PRO &request) { ++m_blocks[blockOf(request)].notAsked; }
+    void countGiveUp(const FRAME_PRO &request);
+    void countNotAsked(const FRAME_PRO &request);
     void countLineDown() { ++m_lineDowns; }
 
     RequestCounts block(const BlockKey &key) const;
@@ -85,6 +85,13 @@ public:
     RequestCounts reads() const; ///< all blocks that are read
     RequestCounts writes() const; ///< all blocks that are written
     RequestCounts total() const;
+
+    /// Reads that have ended: answered, given up, or not asked at all. Asked for at every step, so
+    /// it is kept and not added up.
+    quint64 endedReads() const { return m_endedReads; }
+
+    /// Requests that were sent, repeated ones included, and those that were not asked; kept too.
+    quint64 attempts() const { return m_attempts; }
     quint64 lineDowns() const { return m_lineDowns; } ///< exchanges ended by the line itself
 
     /// Share of the time since `since` in which the line was held, 0 to 1.
@@ -94,10 +101,13 @@ public:
     QJsonObject toJson(Duration since, Duration now) const;
 
 private:
+    void countEnd(const FRAME_PRO &request);
     template <typename Wanted> RequestCounts sumOf(Wanted wanted) const;
 
     std::map<BlockKey, RequestCounts> m_blocks;
     quint64 m_lineDowns = 0;
+    quint64 m_endedReads = 0;
+    quint64 m_attempts = 0;
 };
 
 } // namespace dx4::host

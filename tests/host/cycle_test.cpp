@@ -144,6 +144,21 @@ TEST_F(CycleTest, StaleInputIsDroppedBeforeTheRequest)
     EXPECT_EQ(value(), 0x1234);
 }
 
+TEST_F(CycleTest, CountsEveryAttemptAndEveryReadThatHasEnded)
+{
+    cycle.step();
+    EXPECT_EQ(cycle.counters().attempts(), 1U);
+    EXPECT_EQ(cycle.counters().endedReads(), 1U);
+    answer[5] = static_cast<char>(answer.at(5) ^ 1);
+
+    cycle.step();
+    EXPECT_EQ(cycle.counters().endedReads(), 1U);
+    cycle.step();
+
+    EXPECT_EQ(cycle.counters().attempts(), 3U);
+    EXPECT_EQ(cycle.counters().endedReads(), 2U);
+}
+
 TEST_F(CycleTest, AWrongCrcIsABadReply)
 {
     answer[5] = static_cast<char>(answer.at(5) ^ 1);
