@@ -24,6 +24,7 @@ constexpr std::array<int, 3> stopSignals = { SIGINT, SIGTERM, SIGHUP };
 // What the handler touches, on whichever thread it runs. The descriptor is kept for the life of the
 // process: a late handler that wrote to a closed one could write to a port that got its number.
 std::atomic<int> firstSignal { 0 };
+std::atomic<int> arrivals { 0 };
 std::atomic<int> wakeUp { -1 };
 static_assert(std::atomic<int>::is_always_lock_free);
 
@@ -35,6 +36,7 @@ void noteSignal(int number)
     const int savedError = errno; // of the call that was interrupted
     int none = 0;
     firstSignal.compare_exchange_strong(none, number);
+    ++arrivals;
     const std::uint64_t one = 1;
     // A full counter is readable already; there is nobody to tell of another failure.
     [[maybe_unused]] const auto written = write(wakeUp.load(), &one, sizeof one);
@@ -44,6 +46,7 @@ void noteSignal(int number)
 void install()
 {
     firstSignal = 0;
+    arrivals = 0;
     if (wakeUp < 0)
         wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     std::uint64_t earlier = 0;
@@ -82,6 +85,11 @@ StopSignal::~StopSignal()
 int StopSignal::number() const
 {
     return firstSignal;
+}
+
+int StopSignal::count() const
+{
+    return arrivals;
 }
 
 void StopSignal::wait(Duration span)

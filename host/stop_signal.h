@@ -30,6 +30,9 @@ public:
     /// The first that came, such as SIGTERM; 0 when none did.
     int number() const;
 
+    /// How many came: whoever has waited for long enough behind the stop sees the next one.
+    int count() const;
+
     /// Lets time pass, and returns early when a signal comes or has come since the last call. The
     /// calls after that take their time: the loop that stops the drives pauses too.
     void wait(Duration span);

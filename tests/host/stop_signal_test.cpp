@@ -143,6 +143,18 @@ TEST(StopSignalTest, AUserThatComesAfterTheSignalIsWokenToo)
     EXPECT_EQ(late.number(), SIGTERM);
 }
 
+TEST(StopSignalTest, CountsWhatComesBehindTheFirst)
+{
+    const StopSignal signal;
+    EXPECT_EQ(signal.count(), 0);
+
+    std::raise(SIGTERM);
+    std::raise(SIGINT);
+
+    EXPECT_EQ(signal.number(), SIGTERM);
+    EXPECT_EQ(signal.count(), 2);
+}
+
 TEST(StopSignalTest, AnIgnoredSignalStaysIgnored)
 {
     std::signal(SIGHUP, SIG_IGN);
