@@ -3,6 +3,7 @@
 #include "cli/command_line.h"
 
 #include "cli/exit_code.h"
+#include "cli/interrupt.h"
 #include "cli/nearest_word.h"
 #include "cli/output.h"
 #include "host/number_text.h"
@@ -119,6 +120,20 @@ QString explainMissing(const CLI::App &app, const CLI::ParseError &error)
     return text;
 }
 
+/// Two options that were given and exclude each other; empty where there are none.
+QString explainContradiction(const CLI::App &app)
+{
+    for (const CLI::Option *option : app.get_options()) {
+        for (const CLI::Option *other : option->get_excludes()) {
+            if (option->count() > 0 && other->count() > 0)
+                return QStringLiteral("%1 and %2 contradict each other; give one of them")
+                    .arg(QString::fromStdString(option->get_name()),
+                         QString::fromStdString(other->get_name()));
+        }
+    }
+    return QString();
+}
+
 /// What is wrong, in the words of this program where it knows better than the parser.
 QString explain(const Place &place, const CLI::ParseError &error)
 {
@@ -133,7 +148,8 @@ QString explain(const Place &place, const CLI::ParseError &error)
         const QString words = QString::fromUtf8(error.what()).section(QStringLiteral(": "), 1);
         return QStringLiteral("\"%1\" is not expected").arg(words);
     }
-    return explainMissing(*place.app, error);
+    const QString contradiction = explainContradiction(*place.app);
+    return contradiction.isEmpty() ? explainMissing(*place.app, error) : contradiction;
 }
 
 QString withHelp(const QString &text, const QString &command)
@@ -163,6 +179,17 @@ QString optionWithoutValue(const Place &place)
             return word.chopped(1);
     }
     return QString();
+}
+
+/// The code of a command whose output is written, as far as that was possible.
+int judged(int exitCode)
+{
+    const QString loss = outputLoss();
+    if (loss.isEmpty())
+        return exitCode;
+    const int lost =
+        complain(QString(), { ExitFailed, QStringLiteral("standard output: ") + loss });
+    return finishOutput(exitCode == ExitDone ? lost : exitCode);
 }
 
 } // namespace
@@ -260,6 +287,16 @@ void Command::flag(const char *option, bool &value, const char *help)
     m_app.add_flag(option, value, help);
 }
 
+void Command::excludes(const char *option, const char *other)
+{
+    m_app.get_option(option)->excludes(m_app.get_option(other));
+}
+
+void Command::without(const char *option)
+{
+    m_app.remove_option(m_app.get_option(option));
+}
+
 void Command::remark(const QString &text)
 {
     m_app.footer(text.toStdString());
@@ -309,6 +346,12 @@ Command CommandLine::add(const char *name, const char *summary)
 
 int CommandLine::run(int argc, char **argv)
 {
+    const int exitCode = finishOutput(execute(argc, argv));
+    return quitAsked() ? ExitQuit : judged(exitCode);
+}
+
+int CommandLine::execute(int argc, char **argv)
+{
     m_app->footer("Addresses are written as the drive shows them: F c.13, D 0-9, SW, 2:D 4.\n"
                   "Exit codes: 0 done, 1 device or line, 2 usage; dx4(1) lists them all.");
     QStringList arguments;
@@ -327,12 +370,7 @@ int CommandLine::run(int argc, char **argv)
     } catch (const CLI::ParseError &error) {
         return refuse(place, explain(place, error));
     }
-    const QString loss = outputLoss();
-    if (loss.isEmpty())
-        return m_exitCode;
-    const int lost =
-        complain(QString(), { ExitFailed, QStringLiteral("standard output: ") + loss });
-    return m_exitCode == ExitDone ? lost : m_exitCode;
+    return m_exitCode;
 }
 
 } // namespace dx4::cli

@@ -42,6 +42,12 @@ public:
     void choice(const char *option, QString &value, const char *help, const QStringList &valid);
     void flag(const char *option, bool &value, const char *help);
 
+    /// Two options of this command that contradict each other: a user who gives both is told so.
+    void excludes(const char *option, const char *other);
+
+    /// Takes an option away again which this command has no use for.
+    void without(const char *option);
+
     /// A paragraph behind the options in the help; goes before the examples.
     void remark(const QString &text);
 
@@ -79,6 +85,8 @@ public:
     int run(int argc, char **argv);
 
 private:
+    int execute(int argc, char **argv);
+
     std::unique_ptr<CLI::App> m_app;
     int m_exitCode = 0;
 };

@@ -2,7 +2,7 @@
 // How the program ends, for the script that called it.
 #include "cli/exit_code.h"
 
-#include <cstdio>
+#include "cli/standard_streams.h"
 
 namespace dx4::cli {
 
@@ -15,8 +15,7 @@ int complain(const QString &command, const Failure &failure)
 void note(const QString &command, const QString &text)
 {
     const QString program = command.isEmpty() ? QStringLiteral("dx4") : QStringLiteral("dx4 ");
-    const QByteArray line = (program + command + QStringLiteral(": ") + text).toUtf8();
-    std::fprintf(stderr, "%s\n", line.constData());
+    writeTalk(program + command + QStringLiteral(": ") + text + QLatin1Char('\n'));
 }
 
 } // namespace dx4::cli

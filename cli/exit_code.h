@@ -18,6 +18,7 @@ enum ExitCode {
     ExitRefused = 7, ///< the station answers with an exception
     ExitDiffers = 8, ///< values differ from those compared with
     ExitInterrupted = 130, ///< ended by Ctrl-C before it was done
+    ExitQuit = 131, ///< ended at once by Ctrl-\, without a stop
 };
 
 /// Why something did not work.

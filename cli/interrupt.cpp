@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Ctrl-C, a termination request and a reader that has gone, noted for the loop that runs.
+// The signals and the reader that has gone, noted for the loop that runs.
 #include "cli/interrupt.h"
 
+#include "cli/standard_streams.h"
 #include "host/stop_signal.h"
 
+#include <atomic>
 #include <csignal>
 #include <optional>
+#include <utility>
 
 #include <poll.h>
 #include <unistd.h>
@@ -14,13 +17,46 @@ namespace dx4::cli {
 namespace {
 
 std::optional<host::StopSignal> stopSignal;
+std::function<void()> leaveScreen;
+std::function<void()> comeBackToScreen;
+
+// What the handlers touch.
+std::atomic<bool> quitCame { false };
+std::atomic<bool> suspendCame { false };
+
+void noteQuit(int)
+{
+    quitCame = true;
+}
+
+void noteSuspend(int)
+{
+    suspendCame = true;
+}
+
+/// A signal that is ignored stays ignored: shells without job control want it so.
+void handle(int number, void (*handler)(int), int flags)
+{
+    struct sigaction action = {};
+    sigaction(number, nullptr, &action);
+    if (action.sa_handler == SIG_IGN)
+        return;
+    action = {};
+    action.sa_handler = handler;
+    action.sa_flags = flags;
+    sigemptyset(&action.sa_mask);
+    sigaction(number, &action, nullptr);
+}
 
 } // namespace
 
 void watchForInterrupt()
 {
-    if (!stopSignal)
-        stopSignal.emplace();
+    if (stopSignal)
+        return;
+    stopSignal.emplace();
+    handle(SIGQUIT, noteQuit, SA_RESTART | static_cast<int>(SA_RESETHAND));
+    handle(SIGTSTP, noteSuspend, SA_RESTART);
 }
 
 void ignoreBrokenPipe()
@@ -31,7 +67,44 @@ void ignoreBrokenPipe()
 
 bool interrupted()
 {
-    return stopSignal && stopSignal->hasCome();
+    return quitCame || (stopSignal && stopSignal->hasCome());
+}
+
+bool quitAsked()
+{
+    return quitCame;
+}
+
+int signalsSoFar()
+{
+    return (stopSignal ? stopSignal->count() : 0) + (quitCame ? 1 : 0);
+}
+
+bool suspendAsked()
+{
+    return suspendCame;
+}
+
+void suspendIfAsked()
+{
+    if (!suspendCame)
+        return;
+    if (leaveScreen)
+        leaveScreen();
+    settleStreams();
+    suspendCame = false;
+    // By the signal's own effect, which a shell without job control has no use for.
+    handle(SIGTSTP, SIG_DFL, 0);
+    raise(SIGTSTP);
+    handle(SIGTSTP, noteSuspend, SA_RESTART);
+    if (comeBackToScreen)
+        comeBackToScreen();
+}
+
+void onSuspend(std::function<void()> leave, std::function<void()> comeBack)
+{
+    leaveScreen = std::move(leave);
+    comeBackToScreen = std::move(comeBack);
 }
 
 bool readerGone()

@@ -22,7 +22,9 @@ QByteArray InterruptibleLine::receive(int count, host::Duration deadline)
         if (!m_inFull && !m_askedAt && shouldEnd())
             m_askedAt = m_line.now();
         const bool isHurried = m_askedAt && !m_inFull;
-        const host::Duration end = isHurried ? std::min(deadline, *m_askedAt + lastWait) : deadline;
+        const host::Duration end = isHurried
+            ? std::min(deadline, *m_askedAt + (quitAsked() ? host::Duration { 0 } : lastWait))
+            : deadline;
         const host::Duration look = std::min(end, m_line.now() + lookAgainAfter);
         received += m_line.receive(count - host::lengthOf(received), look);
         if (received.size() >= count || !m_line.isOpen() || m_line.now() >= end)

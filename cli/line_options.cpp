@@ -67,8 +67,25 @@ void complete(LineOptions &options, const host::Config &config)
     plant.link.blockSize = options.block;
 }
 
+/// The options that say which line it is, as they were given.
+QStringList linePlace(const LineOptions &options)
+{
+    QStringList given;
+    const auto add = [&given](const char *option, const QString &value) {
+        if (!value.isEmpty())
+            given << QString::fromLatin1(option) << value;
+    };
+    add("--driver", options.driver);
+    add("--config", options.config);
+    add("--speed", options.speed == 0 ? QString() : QString::number(options.speed));
+    add("--format", options.format);
+    return given;
+}
+
 int readConfiguration(LineOptions &options, const QString &name)
 {
+    options.command = name;
+    options.given = linePlace(options);
     if (options.config.isEmpty()) {
         complete(options, host::Config());
         return ExitDone;

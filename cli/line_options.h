@@ -22,6 +22,8 @@ struct LineOptions {
     int block = 0; ///< most registers of one request; 0: not given
     bool json = false;
 
+    QString command; ///< words that called it, for messages
+    QStringList given; ///< options that a second command needs to reach the same line, port apart
     QStringList registers; ///< of the configuration, as splitTargets() takes them
     host::Config plant; ///< the configuration, with the options in place of what they replace
 };

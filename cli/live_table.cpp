@@ -2,54 +2,41 @@
 // Lines drawn over themselves on a terminal.
 #include "cli/live_table.h"
 
+#include "cli/interrupt.h"
 #include "cli/output.h"
 #include "host/length.h"
 
 #include <algorithm>
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 namespace dx4::cli {
 namespace {
 
-constexpr int usualRows = 24;
 constexpr int fewestRows = 5; // of a body, however small the window says it is
-
-int terminalRows()
-{
-    winsize size {};
-    const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0;
-    return known ? size.ws_row : usualRows;
-}
-
-/// The body, cut so that body, foot and the cursor's line fit the window.
-QStringList fitting(const QStringList &body, int footLines)
-{
-    const int room = std::max(terminalRows() - 1 - footLines, fewestRows);
-    if (host::lengthOf(body) <= room)
-        return body;
-    const int hidden = host::lengthOf(body) - room + 1;
-    QStringList cut = body.mid(0, room - 1);
-    cut.append(QStringLiteral("... and %1 more; a higher window shows them").arg(hidden));
-    return cut;
-}
 
 } // namespace
 
 LiveTable::LiveTable()
 {
-    writeText(QStringLiteral("\x1b[?25l\x1b[?7l")); // no cursor, no wrap
+    comeBack();
+    onSuspend([] { leave(); }, [this] { comeBack(); });
 }
 
 LiveTable::~LiveTable()
 {
-    writeText(QStringLiteral("\x1b[?25h\x1b[?7h"));
+    onSuspend({}, {});
+    leave();
+}
+
+int LiveTable::room(const Terminal &terminal, int footLines)
+{
+    return std::max(terminal.rows - 1 - footLines, fewestRows); // the cursor has a line too
 }
 
 void LiveTable::draw(const QStringList &body, const QStringList &foot)
 {
-    const QStringList lines = fitting(body, host::lengthOf(foot)) + foot;
+    if (!outputIsTaken())
+        return;
+    const QStringList lines = body + foot;
     QString text;
     if (m_height > 0)
         text = QStringLiteral("\x1b[%1A").arg(m_height); // back up over the last drawing
@@ -57,6 +44,18 @@ void LiveTable::draw(const QStringList &body, const QStringList &foot)
         text += line + QStringLiteral("\x1b[K\n");
     m_height = host::lengthOf(lines);
     writeText(text + QStringLiteral("\x1b[J"));
+}
+
+void LiveTable::leave()
+{
+    writeText(QStringLiteral("\x1b[?25h\x1b[?7h"));
+}
+
+/// Draws anew: others may have written below the last drawing.
+void LiveTable::comeBack()
+{
+    m_height = 0;
+    writeText(QStringLiteral("\x1b[?25l\x1b[?7l")); // no cursor, no wrap
 }
 
 } // namespace dx4::cli

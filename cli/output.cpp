@@ -10,45 +10,8 @@
 #include <QVector>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <system_error>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace dx4::cli {
-namespace {
-
-int writeError = 0; // errno of the first write that failed
-
-} // namespace
-
-void holdStandardStreams()
-{
-    // open() gives the lowest free number. What is written there is refused, which is noticed.
-    for (const int stream : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO }) {
-        if (fcntl(stream, F_GETFD) < 0)
-            open("/dev/null", O_RDONLY);
-    }
-}
-
-void writeText(const QString &text)
-{
-    const QByteArray bytes = text.toUtf8();
-    const auto size = static_cast<std::size_t>(bytes.size());
-    const bool arrived =
-        std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0;
-    if (!arrived && writeError == 0)
-        writeError = errno;
-}
-
-QString outputLoss()
-{
-    if (writeError == 0 || writeError == EPIPE)
-        return QString();
-    return QString::fromStdString(std::generic_category().message(writeError));
-}
 
 void printLine(const QString &line)
 {

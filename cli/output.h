@@ -3,23 +3,12 @@
 #pragma once
 
 #include "cli/exit_code.h"
+#include "cli/standard_streams.h"
 
 #include <QJsonObject>
 #include <QStringList>
 
 namespace dx4::cli {
-
-/// Opens nothing in place of standard streams that the caller has closed. Without it whatever is
-/// opened next, in the worst case the port, takes their number, and gets what is meant for the
-/// user.
-void holdStandardStreams();
-
-/// Writes text as UTF-8 whatever the locale, and hands it on at once.
-void writeText(const QString &text);
-
-/// Why not all of the data arrived, as on a full disk; empty where it did. A reader who has gone
-/// is no loss: it had enough.
-QString outputLoss();
 
 /// Writes a line and hands it on at once, so that a reader at the other end of a pipe sees it.
 void printLine(const QString &line);

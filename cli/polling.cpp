@@ -28,8 +28,10 @@ std::optional<host::Duration> patienceOf(int seconds, bool hasEnd)
     return hasEnd ? std::optional(usualPatience) : std::nullopt;
 }
 
-int complainLineGone(const Session &session, const QString &command)
+int complainLineGone(Session &session, const QString &command)
 {
+    session.noteUnstopped();
+    session.warnOfMotors();
     return complain(
         command, { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
 }
@@ -50,6 +52,7 @@ PollEnd poll(Session &session, const QString &command, const PollSettings &setti
     };
     std::optional<host::Duration> downSince;
     while (!shouldEnd()) {
+        session.giveWayIfAsked();
         if (!outputLoss().isEmpty())
             return PollEnd::OutputLost;
         if (settings.enough())
@@ -76,8 +79,7 @@ PollEnd poll(Session &session, const QString &command, const PollSettings &setti
 
 qint64 endedReads(const host::CounterSet &counters)
 {
-    const host::RequestCounts reads = counters.reads();
-    return static_cast<qint64>(reads.good + reads.giveUps + reads.notAsked);
+    return static_cast<qint64>(counters.endedReads());
 }
 
 } // namespace dx4::cli

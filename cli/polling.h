@@ -35,7 +35,7 @@ void addPollOptions(Command &command, int &seconds);
 std::optional<host::Duration> patienceOf(int seconds, bool hasEnd);
 
 /// Says that the line of this session is gone. @return the exit code
-int complainLineGone(const Session &session, const QString &command);
+int complainLineGone(Session &session, const QString &command);
 
 /// The code of a command whose loop ended with nothing wrong. Ended by hand, one that has an end of
 /// its own says that it was not done; one that runs until Ctrl-C was. A reader who has gone had

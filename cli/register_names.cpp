@@ -58,11 +58,6 @@ constexpr Row rows[] = {
 /// Values that the last shown digit counts in.
 constexpr std::array<double, 3> factors = { 1.0, 0.1, 0.01 };
 
-bool isRegister(const WatchedValue &value, int station, const QString &regType, int address)
-{
-    return value.station == station && value.regType == regType && value.address == address;
-}
-
 /// The registers of one entry of a configuration; none when the driver does not know the address.
 QVector<WatchedValue> valuesOf(int station, const host::RegisterConfig &entry,
                                const host::DriverApi &api)
@@ -107,17 +102,21 @@ RegisterNames::RegisterNames(const host::Config &plant, const host::DriverApi &a
     : m_simulated(simulated)
 {
     for (const host::StationConfig &station : plant.stations) {
-        for (const host::RegisterConfig &entry : station.registers)
-            m_configured += valuesOf(station.address, entry, api);
+        for (const host::RegisterConfig &entry : station.registers) {
+            for (const WatchedValue &value : valuesOf(station.address, entry, api)) {
+                if (isDescribed(value)) // the first entry counts
+                    m_configured.emplace(
+                        RegisterKey { value.station, value.regType, value.address }, value);
+            }
+        }
     }
 }
 
 WatchedValue RegisterNames::of(int station, const QString &regType, int address) const
 {
-    for (const WatchedValue &value : m_configured) {
-        if (isRegister(value, station, regType, address) && isDescribed(value))
-            return value;
-    }
+    const auto configured = m_configured.find({ station, regType, address });
+    if (configured != m_configured.end())
+        return configured->second;
     return m_simulated ? namedValue(station, regType, address)
                        : plainValue(station, regType, address);
 }

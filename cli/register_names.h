@@ -6,6 +6,9 @@
 #include "host/config.h"
 #include "host/plugin.h"
 
+#include <map>
+#include <tuple>
+
 namespace dx4::cli {
 
 /// Control words of the simulated inverter, for CW.
@@ -34,7 +37,9 @@ public:
     QStringList namesIn(int station, const QString &regType, int address, int count) const;
 
 private:
-    QVector<WatchedValue> m_configured;
+    using RegisterKey = std::tuple<int, QString, int>; // station, type, address
+
+    std::map<RegisterKey, WatchedValue> m_configured; // those that are described
     bool m_simulated = false;
 };
 

@@ -12,6 +12,8 @@
 #include "host/recording_line.h"
 #include "host/serial_line.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace dx4::cli {
@@ -134,6 +136,7 @@ bool Session::settle(const Target &target, Failure *failure)
 {
     const int before = requests(false);
     while (!shouldEnd()) {
+        giveWayIfAsked();
         const Step taken = m_runtime->step();
         if (taken == Step::Served)
             return true;
@@ -206,13 +209,19 @@ QVector<WriteResult> Session::write(const Target &target, const QVector<quint16>
             if (outcome.id == id)
                 ended = outcome;
         });
-        m_runtime->run([&ended] { return ended || shouldEnd(); });
+        m_runtime->run([this, &ended] {
+            giveWayIfAsked();
+            return ended || shouldEnd();
+        });
         m_runtime->onOutcome({});
-        if (ended && ended->end == host::WriteEnd::Confirmed) {
+        const int writes = requests(true) - writesBefore;
+        const bool isConfirmed = ended && ended->end == host::WriteEnd::Confirmed;
+        if (piece.regType == QLatin1String("CW"))
+            noteCommand(piece, values.constFirst(), isConfirmed, ended ? ended->sent : writes > 0);
+        if (isConfirmed) {
             results.append({ piece, *ended });
             continue;
         }
-        const int writes = requests(true) - writesBefore;
         const int tries = writes > 0 ? writes : requests(false) - readsBefore;
         const QString maybe =
             QStringLiteral("interrupted, %1 may have been written").arg(whereText(piece));
@@ -222,24 +231,95 @@ QVector<WriteResult> Session::write(const Target &target, const QVector<quint16>
     return results;
 }
 
+void Session::noteCommand(const Target &target, quint16 word, bool confirmed, bool sent)
+{
+    const bool isStop = std::any_of(m_stops.cbegin(), m_stops.cend(), [&](const auto &stop) {
+        return stop.station == target.station && stop.controlWord == word;
+    });
+    if (isStop && confirmed)
+        m_mayTurn.erase(target.station);
+    else if (isStop || sent)
+        m_mayTurn.insert(target.station);
+}
+
 host::StopReport Session::stop()
 {
     m_line->waitInFull(); // the signal that led here must not cut this short
-    return m_runtime->stop(m_options.plant.stop.confirmWithin);
+    const host::StopReport report = m_runtime->stop(m_options.plant.stop.confirmWithin);
+    for (const host::StopCommand &stop : std::as_const(m_stops)) {
+        if (report.unconfirmed.contains(stop.station))
+            m_mayTurn.insert(stop.station);
+        else
+            m_mayTurn.erase(stop.station);
+    }
+    return report;
 }
 
-bool Session::stopSafely(const QString &command)
+bool Session::stopSafely()
 {
-    if (m_stops.isEmpty())
-        return true;
-    const host::StopReport report = stop();
-    for (const host::StopCommand &stop : std::as_const(m_stops)) {
-        if (!report.unconfirmed.contains(stop.station))
-            note(command, QStringLiteral("station %1 stopped").arg(stop.station));
+    if (quitAsked())
+        noteUnstopped();
+    bool isConfirmed = true;
+    if (!m_stops.isEmpty() && !quitAsked()) {
+        const host::StopReport report = stop();
+        isConfirmed = report.unconfirmed.isEmpty();
+        for (const host::StopCommand &stop : std::as_const(m_stops)) {
+            if (!report.unconfirmed.contains(stop.station))
+                note(m_options.command, QStringLiteral("station %1 stopped").arg(stop.station));
+        }
+        if (!isConfirmed)
+            note(m_options.command, report.text);
     }
-    if (!report.unconfirmed.isEmpty())
-        note(command, report.text);
-    return report.unconfirmed.isEmpty();
+    warnOfMotors();
+    return isConfirmed;
+}
+
+void Session::noteUnstopped()
+{
+    for (const host::StopCommand &stop : std::as_const(m_stops))
+        m_mayTurn.insert(stop.station);
+}
+
+void Session::warnOfMotors()
+{
+    for (const int station : m_mayTurn)
+        note(m_options.command,
+             QStringLiteral("the motor of station %1 may still turn; stop it with: %2")
+                 .arg(station)
+                 .arg(stopCommand(station)));
+}
+
+QString Session::stopCommand(int station) const
+{
+    static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_./:=+-]+$"));
+    QStringList words { QStringLiteral("dx4"), QStringLiteral("stop") };
+    words << m_options.given << QStringLiteral("--port") << m_options.plant.line.port
+          << QStringLiteral("--station") << QString::number(station);
+    for (QString &word : words) {
+        if (!plain.match(word).hasMatch())
+            word = QLatin1Char('\'') + word.replace(QLatin1Char('\''), QLatin1String("'\\''"))
+                + QLatin1Char('\'');
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+void Session::giveWayIfAsked()
+{
+    if (!suspendAsked())
+        return;
+    const bool wasOpen = m_line->isOpen();
+    m_line->close(); // another program may want to stop the drives
+    note(m_options.command,
+         QStringLiteral("suspended; %1 is free, drives go on as they are")
+             .arg(m_options.plant.line.port));
+    const std::set<int> before = m_mayTurn;
+    noteUnstopped();
+    warnOfMotors();
+    m_mayTurn = before;
+    suspendIfAsked();
+    // Where the port is gone or taken by now the runtime sees a line that broke.
+    if (wasOpen)
+        m_line->open(nullptr);
 }
 
 } // namespace dx4::cli

@@ -9,6 +9,7 @@
 #include "host/runtime.h"
 
 #include <memory>
+#include <set>
 
 namespace dx4::cli {
 
@@ -69,11 +70,23 @@ public:
     /// Sends the stop to every station that has one, and waits for the echoes.
     host::StopReport stop();
 
-    /// As stop(), and says what was confirmed and what was not.
-    /// Where nothing is configured nothing is sent.
+    /// As stop(), and says what was confirmed, what was not, and how to stop a motor that may turn.
+    /// Where nothing is configured, and after Ctrl-\, nothing is sent.
     ///
-    /// @return whether all were confirmed
-    bool stopSafely(const QString &command);
+    /// @return false where a stop was due and was not confirmed
+    bool stopSafely();
+
+    /// Says which motors may turn though nobody meant to leave them so, and the command that stops
+    /// each. These are the stations whose last command was not confirmed, and those that have a
+    /// configured stop which could not be sent.
+    void warnOfMotors();
+
+    /// For an end without a chance to stop: counts every station with a stop as one that may turn.
+    void noteUnstopped();
+
+    /// Lets go of terminal and port and stops the process where Ctrl-Z asks for it; takes them back
+    /// when the process goes on. Drives go on meanwhile. Between two exchanges only.
+    void giveWayIfAsked();
 
 private:
     Session(const LineOptions &options, const SessionWishes &wishes);
@@ -81,9 +94,12 @@ private:
     Failure failureOf(host::Runtime::Step step, const Target &target, int tries) const;
     Failure failureOf(const host::WriteOutcome &outcome, const Target &target, int tries) const;
     int requests(bool writes) const; ///< sent so far
+    void noteCommand(const Target &target, quint16 word, bool confirmed, bool sent);
+    QString stopCommand(int station) const;
 
     LineOptions m_options;
     QVector<host::StopCommand> m_stops;
+    std::set<int> m_mayTurn; ///< stations
     std::unique_ptr<host::Line> m_port;
     std::unique_ptr<host::Line> m_recorder; ///< around the port; null when nothing is kept
     std::unique_ptr<InterruptibleLine> m_line;

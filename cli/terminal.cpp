@@ -2,10 +2,13 @@
 // What standard output can show.
 #include "cli/terminal.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace dx4::cli {
 namespace {
+
+constexpr int usualRows = 24;
 
 QString styleCode(Terminal::Style style)
 {
@@ -31,7 +34,18 @@ Terminal Terminal::detect()
     Terminal terminal;
     terminal.live = isatty(STDOUT_FILENO) && qgetenv("TERM") != "dumb";
     terminal.colour = terminal.live && qEnvironmentVariableIsEmpty("NO_COLOR");
+    if (terminal.live)
+        terminal.measure();
     return terminal;
+}
+
+void Terminal::measure()
+{
+    winsize size {};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0)
+        return;
+    columns = size.ws_col > 0 ? size.ws_col : terminalColumns;
+    rows = size.ws_row > 0 ? size.ws_row : usualRows;
 }
 
 QString Terminal::styled(const QString &text, Style style) const

@@ -14,8 +14,14 @@ struct Terminal {
     bool live = false; ///< lines can be drawn over
     bool colour = false; ///< live, and the user has not set NO_COLOR
 
+    int columns = terminalColumns; ///< of the window
+    int rows = 24;
+
     /// Looks at standard output and the environment.
     static Terminal detect();
+
+    /// Asks for the size of the window, which a user may change at any time.
+    void measure();
 
     enum class Style { Bold, Dim, Changed, Warning, Failed };
 

@@ -2,18 +2,49 @@
 // Watched values as lines of text.
 #include "cli/value_table.h"
 
+#include "host/length.h"
 #include "host/notation.h"
+
+#include <algorithm>
 
 namespace dx4::cli {
 namespace {
 
-constexpr int stationWidth = 7;
-constexpr int nameWidth = 25;
-constexpr int addressWidth = 18;
 constexpr int valueWidth = 10;
 constexpr int unitWidth = 7;
-constexpr int ageWidth = 8;
+constexpr int shortestName = 8;
+
 constexpr host::Duration freshly = std::chrono::seconds(1);
+
+/// Widths of the columns, their gaps included; 0: not shown.
+struct Widths {
+    int station = 8;
+    int name = 26;
+    int address = 18;
+    int age = 8;
+
+    int all() const { return station + name + address + valueWidth + 1 + unitWidth + age; }
+};
+
+/// What goes first where there is no room is what says least of the value.
+Widths widthsFor(int columns)
+{
+    Widths widths;
+    if (widths.all() > columns)
+        widths.address = 0;
+    if (widths.all() > columns)
+        widths.age = 0;
+    if (widths.all() > columns)
+        widths.station = 4;
+    if (widths.all() > columns)
+        widths.name = std::max(widths.name - (widths.all() - columns), shortestName);
+    return widths;
+}
+
+QString cell(const QString &text, int width)
+{
+    return text.left(width - 1).leftJustified(width);
+}
 
 QString age(const host::Value &state)
 {
@@ -28,7 +59,7 @@ QString ageCell(const host::Value &state, const Terminal &terminal)
 {
     const bool stale = state.known && state.stale;
     const QString mark = stale ? QStringLiteral("!") : QString();
-    const QString text = (age(state) + mark).rightJustified(ageWidth);
+    const QString text = (age(state) + mark).rightJustified(Widths().age);
     return stale ? terminal.styled(text, Terminal::Style::Warning) : text;
 }
 
@@ -40,10 +71,13 @@ QString valueText(const WatchRow &row)
 }
 
 /// The value's column with its mark: "*" where colour cannot tell that it changed.
-QString valueCell(const WatchRow &row, host::Duration now, const Terminal &terminal)
+QString valueCell(const WatchRow &row, host::Duration now, const Terminal &terminal, bool hasAge)
 {
     const bool changed = row.changedAt && now - *row.changedAt < freshly;
-    const QString mark = changed && !terminal.colour ? QStringLiteral("*") : QString();
+    const bool stale = row.state.known && row.state.stale;
+    QString mark = changed && !terminal.colour ? QStringLiteral("*") : QString();
+    if (stale && !hasAge)
+        mark = QStringLiteral("!");
     const QString unit = row.state.failed ? QString() : row.what.scaling.unit;
     const QString text = (mark + valueText(row)).rightJustified(valueWidth) + QLatin1Char(' ')
         + unit.leftJustified(unitWidth, QLatin1Char(' '), true);
@@ -54,31 +88,53 @@ QString valueCell(const WatchRow &row, host::Duration now, const Terminal &termi
     return changed ? terminal.styled(text, Terminal::Style::Changed) : text;
 }
 
-QString rowLine(const WatchRow &row, host::Duration now, const Terminal &terminal)
+QString rowLine(const WatchRow &row, host::Duration now, const Terminal &terminal,
+                const Widths &widths)
 {
     const WatchedValue &what = row.what;
-    return QString::number(what.station).leftJustified(stationWidth + 1)
-        + what.name.leftJustified(nameWidth, QLatin1Char(' '), true) + QLatin1Char(' ')
-        + host::fullAddress(what.regType, what.address).leftJustified(addressWidth)
-        + valueCell(row, now, terminal) + ageCell(row.state, terminal);
+    const QString address = host::fullAddress(what.regType, what.address);
+    const bool isNameless = widths.address == 0 && what.name.isEmpty();
+    QString line = cell(QString::number(what.station), widths.station)
+        + cell(isNameless ? address : what.name, widths.name);
+    if (widths.address > 0)
+        line += address.leftJustified(widths.address);
+    line += valueCell(row, now, terminal, widths.age > 0);
+    return widths.age > 0 ? line + ageCell(row.state, terminal) : line;
 }
 
-QString headLine()
+QString headLine(const Widths &widths)
 {
-    return QStringLiteral("Station").leftJustified(stationWidth + 1)
-        + QStringLiteral("Name").leftJustified(nameWidth + 1)
-        + QStringLiteral("Address").leftJustified(addressWidth)
-        + QStringLiteral("Value").rightJustified(valueWidth)
-        + QStringLiteral("Age").rightJustified(1 + unitWidth + ageWidth);
+    const bool isNarrow = widths.station < Widths().station;
+    QString line =
+        (isNarrow ? QStringLiteral("St") : QStringLiteral("Station")).leftJustified(widths.station)
+        + QStringLiteral("Name").leftJustified(widths.name);
+    if (widths.address > 0)
+        line += QStringLiteral("Address").leftJustified(widths.address);
+    line += QStringLiteral("Value").rightJustified(valueWidth);
+    if (widths.age > 0)
+        line += QStringLiteral("Age").rightJustified(1 + unitWidth + widths.age);
+    return line;
+}
+
+QString moreLine(int hidden, int columns)
+{
+    const QString text = QStringLiteral("... and %1 more; a higher window shows them").arg(hidden);
+    return text.size() <= columns ? text : QStringLiteral("... and %1 more").arg(hidden);
 }
 
 } // namespace
 
-QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal)
+QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal,
+                       int most)
 {
-    QStringList lines { terminal.styled(headLine(), Terminal::Style::Bold) };
-    for (const WatchRow &row : rows)
-        lines.append(rowLine(row, now, terminal));
+    const Widths widths = widthsFor(std::min(terminal.columns, terminalColumns));
+    const int count = host::lengthOf(rows);
+    const int shown = count < most ? count : std::max(most - 2, 0);
+    QStringList lines { terminal.styled(headLine(widths), Terminal::Style::Bold) };
+    for (int i = 0; i < shown; ++i)
+        lines.append(rowLine(rows.at(i), now, terminal, widths));
+    if (shown < count)
+        lines.append(moreLine(count - shown, terminal.columns));
     return lines;
 }
 

@@ -2,7 +2,16 @@
 // Values under watch: what they are called, what they show, how old that is.
 #include "cli/watch_list.h"
 
+#include "host/length.h"
+
+#include <algorithm>
+
 namespace dx4::cli {
+namespace {
+
+constexpr int rowsInTurn = 64;
+
+} // namespace
 
 bool isDescribed(const WatchedValue &what)
 {
@@ -26,20 +35,68 @@ QString quantityText(const WatchedValue &what, quint16 value)
     return unit.isEmpty() ? number : number + QLatin1Char(' ') + unit;
 }
 
-WatchList::WatchList(const QVector<WatchedValue> &values)
+WatchList::WatchList(const QVector<WatchedValue> &values, const host::Runtime &runtime)
+    : m_runtime(runtime)
 {
-    for (const WatchedValue &value : values)
+    m_rows.reserve(values.size());
+    for (const WatchedValue &value : values) {
+        m_places[{ value.station, value.regType }].emplace(value.address, host::lengthOf(m_rows));
         m_rows.append({ value, {}, {} });
+    }
 }
 
-void WatchList::follow(const host::Runtime &runtime, host::Duration now)
+void WatchList::follow(host::Duration now)
 {
-    for (WatchRow &row : m_rows) {
-        const host::Value before = row.state;
-        row.state = runtime.value(row.what.station, row.what.regType, row.what.address);
-        if (before.known && row.state.value != before.value)
-            row.changedAt = now;
+    const int rows = host::lengthOf(m_rows);
+    if (rows > rowsInTurn)
+        lookAtRequest(now);
+    const int count = std::min(rows, rowsInTurn);
+    for (int i = 0; i < count; ++i) {
+        m_next = m_next % rows;
+        lookAt(m_next++, now);
     }
+}
+
+void WatchList::look(int first, int count, host::Duration now)
+{
+    const int end = std::min(first + count, host::lengthOf(m_rows));
+    for (int row = first; row < end; ++row)
+        lookAt(row, now);
+}
+
+void WatchList::lookAtAll(host::Duration now)
+{
+    look(0, host::lengthOf(m_rows), now);
+}
+
+QVector<int> WatchList::takeChanged()
+{
+    return std::exchange(m_changed, {});
+}
+
+/// The registers that the last request was about.
+void WatchList::lookAtRequest(host::Duration now)
+{
+    const VARIABLE &asked = m_runtime.cycle().request().var;
+    const auto run = m_places.find({ asked.station, asked.regType });
+    if (run == m_places.end())
+        return;
+    const auto end = run->second.lower_bound(asked.address + asked.count);
+    for (auto place = run->second.lower_bound(asked.address); place != end; ++place)
+        lookAt(place->second, now);
+}
+
+void WatchList::lookAt(int row, host::Duration now)
+{
+    WatchRow &shown = m_rows[row];
+    const host::Value before = shown.state;
+    shown.state = m_runtime.value(shown.what.station, shown.what.regType, shown.what.address);
+    const host::Value &state = shown.state;
+    if (before.known && state.value != before.value)
+        shown.changedAt = now;
+    if (state.value != before.value || state.known != before.known || state.failed != before.failed
+        || state.stale != before.stale)
+        m_changed.append(row);
 }
 
 } // namespace dx4::cli

@@ -7,7 +7,9 @@
 
 #include <QVector>
 
+#include <map>
 #include <optional>
+#include <utility>
 
 namespace dx4::cli {
 
@@ -37,20 +39,41 @@ struct WatchRow {
     std::optional<host::Duration> changedAt; ///< last time that the value became another
 };
 
-/// Follows a list of values through the steps of a runtime.
+/// Follows a list of values through the steps of a runtime, at a cost per step that does not grow
+/// with the list: a step looks at the registers of its request, and at the next few of all others,
+/// whose state may have become another without a request of theirs. A list of up to 64 rows is
+/// looked at as a whole.
 class WatchList {
 public:
-    explicit WatchList(const QVector<WatchedValue> &values);
+    /// @param runtime  outlives the list
+    WatchList(const QVector<WatchedValue> &values, const host::Runtime &runtime);
 
-    /// Brings the rows up to date after a step.
+    /// Brings rows up to date after a step.
     ///
     /// @param now  the line's clock
-    void follow(const host::Runtime &runtime, host::Duration now);
+    void follow(host::Duration now);
+
+    /// Brings `count` rows from `first` on up to date, no more than there are.
+    void look(int first, int count, host::Duration now);
+    void lookAtAll(host::Duration now);
 
     const QVector<WatchRow> &rows() const { return m_rows; }
 
+    /// Numbers of the rows that are in another state than before, since the last call; a row may be
+    /// named more than once.
+    QVector<int> takeChanged();
+
 private:
+    using RunKey = std::pair<int, QString>; // station and type
+
+    void lookAtRequest(host::Duration now);
+    void lookAt(int row, host::Duration now);
+
+    const host::Runtime &m_runtime;
     QVector<WatchRow> m_rows;
+    QVector<int> m_changed;
+    std::map<RunKey, std::multimap<int, int>> m_places; // row numbers by address
+    int m_next = 0; // row to look at, of those that have their turn
 };
 
 } // namespace dx4::cli

@@ -89,7 +89,7 @@ public:
         : m_session(session)
         , m_runtime(session.runtime())
         , m_view(view)
-        , m_list(demoValues())
+        , m_list(demoValues(), session.runtime())
         , m_writes(demoWrites())
         , m_length(std::chrono::seconds(seconds))
     {
@@ -120,7 +120,7 @@ private:
     void show()
     {
         const host::Duration now = m_session.line().now();
-        m_list.follow(m_runtime, now);
+        m_list.follow(now);
         m_view.values(m_list, m_runtime.counters(), now, elapsed());
     }
 
@@ -153,7 +153,7 @@ private:
         if (end == PollEnd::Enough)
             m_runtime.run([this] { return m_underWay.isEmpty() || !m_session.line().isOpen(); });
         const bool isStopped = m_nextWrite == m_writes.size() && m_underWay.isEmpty();
-        if (end == PollEnd::LineGone || isStopped)
+        if (end == PollEnd::LineGone || isStopped || quitAsked())
             return;
         const bool confirmed = m_session.stop().unconfirmed.isEmpty();
         const PlannedWrite &stop = m_writes.constLast();
@@ -187,6 +187,7 @@ std::optional<host::Plan> demoPlan(const LineOptions &options, Failure *failure)
 LineOptions demoLine(const DemoOptions &options, const QString &device)
 {
     LineOptions line;
+    line.command = QStringLiteral("demo");
     line.driver = options.driver;
     line.json = options.json;
     line.plant.line.port = device;

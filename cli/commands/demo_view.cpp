@@ -87,7 +87,7 @@ public:
         m_lastWrite = QStringLiteral("%1  %2").arg(secondsText(elapsed), writeText(write));
     }
 
-    void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
                 host::Duration elapsed) override
     {
         if (now - m_drawnAt < redrawAfter)
@@ -96,7 +96,7 @@ public:
         draw(list, counters, now, elapsed);
     }
 
-    void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration elapsed) override
     {
         draw(list, counters, now, elapsed);
@@ -105,7 +105,7 @@ public:
     }
 
 private:
-    void draw(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    void draw(WatchList &list, const host::CounterSet &counters, host::Duration now,
               host::Duration elapsed)
     {
         const QString progress =
@@ -113,8 +113,10 @@ private:
                 .arg(secondsText(elapsed))
                 .arg(m_seconds)
                 .arg(m_terminal.styled(countersText(counters), Terminal::Style::Dim));
-        m_table.draw(tableLines(list.rows(), now, m_terminal),
-                     { QString(), progress, m_lastWrite });
+        m_terminal.measure();
+        const QStringList foot { QString(), progress, m_lastWrite };
+        const int room = LiveTable::room(m_terminal, host::lengthOf(foot));
+        m_table.draw(tableLines(list.rows(), now, m_terminal, room), foot);
     }
 
     LiveTable m_table;
@@ -143,7 +145,7 @@ public:
         printLine(secondsText(elapsed) + QStringLiteral("  ") + writeText(write));
     }
 
-    void values(const WatchList &list, const host::CounterSet &, host::Duration,
+    void values(WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
     {
         if (elapsed < m_nextLine)
@@ -159,7 +161,7 @@ public:
                       .arg(secondsText(elapsed), shown.join(QStringLiteral(", "))));
     }
 
-    void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration elapsed) override
     {
         printLine(QString());
@@ -197,20 +199,21 @@ public:
                     { QStringLiteral("outcome"), write.outcome } });
     }
 
-    void values(const WatchList &list, const host::CounterSet &, host::Duration,
+    void values(WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
     {
         m_said.resize(static_cast<std::size_t>(list.rows().size()));
         for (std::size_t i = 0; i < m_said.size(); ++i) {
             const WatchRow &row = list.rows().at(static_cast<int>(i));
-            if (!row.state.known || m_said[i] == row.state.value)
+            // What is not taken is said with the value that it has then.
+            if (!row.state.known || m_said[i] == row.state.value || !outputFlows())
                 continue;
             m_said[i] = row.state.value;
             value(row, elapsed);
         }
     }
 
-    void end(const WatchList &, const host::CounterSet &counters, host::Duration,
+    void end(WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
     {
         printJson(

@@ -41,9 +41,9 @@ public:
     virtual void write(const DemoWrite &write, host::Duration elapsed) = 0;
 
     /// Called after each exchange; draws when enough time has passed since the last drawing.
-    virtual void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    virtual void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
                         host::Duration elapsed) = 0;
-    virtual void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    virtual void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
                      host::Duration elapsed) = 0;
 
     /// The view that suits the output.

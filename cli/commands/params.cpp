@@ -13,9 +13,7 @@
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QTextStream>
 
-#include <cstdio>
 #include <unistd.h>
 
 namespace dx4::cli {
@@ -30,26 +28,31 @@ struct Options {
 void showProgress(int done, int total)
 {
     if (isatty(STDERR_FILENO))
-        QTextStream(stderr) << "\r" << done << " of " << total
-                            << (done == total ? "\r\x1b[K" : "\x1b[K") << Qt::flush;
+        writeTalk(QStringLiteral("\r%1 of %2%3")
+                      .arg(done)
+                      .arg(total)
+                      .arg(QLatin1String(done == total ? "\r\x1b[K" : "\x1b[K")));
 }
 
 /// The station through the session's runtime; ends with Ctrl-C between two requests.
 class Access : public host::RegisterAccess {
 public:
     explicit Access(Session &session)
-        : m_access(session.runtime())
+        : m_session(session)
+        , m_access(session.runtime())
     {
     }
 
     int blockSize() const override { return m_access.blockSize(); }
     host::AccessResult read(int station, const QString &regType, int address, int count) override
     {
+        m_session.giveWayIfAsked();
         return shouldEnd() ? ended() : m_access.read(station, regType, address, count);
     }
     host::AccessResult write(int station, const QString &regType, int address,
                              quint16 value) override
     {
+        m_session.giveWayIfAsked();
         return shouldEnd() ? ended() : m_access.write(station, regType, address, value);
     }
 
@@ -59,6 +62,7 @@ private:
         return { host::AccessResult::Kind::NotBegun, QStringLiteral("interrupted"), {} };
     }
 
+    Session &m_session;
     host::RuntimeAccess m_access;
 };
 

@@ -79,7 +79,7 @@ int runRecord(const Options &options)
     recording.begin(session->line().now());
     const qint64 reads = options.rounds * static_cast<qint64>(plan->blocks.size());
     const PollEnd end = keep(*session, ring, recording, options, reads);
-    const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
+    const bool stopped = end != PollEnd::Asked || session->stopSafely();
     recording.add(ring.frames());
     recording.end();
     report(file, recording.frames(), options.line.json);

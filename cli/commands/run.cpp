@@ -57,10 +57,7 @@ bool start(Session &session, const Options &options, std::optional<quint16> freq
         return false;
     const quint16 own = options.reverse ? runReverseWord : runWord;
     const quint16 word = options.word < 0 ? own : static_cast<quint16>(options.word);
-    if (writeOne(session, QStringLiteral("CW"), word, names, failure))
-        return true;
-    failure->text += QStringLiteral("; the motor may turn");
-    return false;
+    return writeOne(session, QStringLiteral("CW"), word, names, failure);
 }
 
 int runRun(const Options &options)
@@ -82,8 +79,9 @@ int runRun(const Options &options)
     if (start(*session, options, frequency, &failure) && !interrupted())
         return ExitDone;
     // Interrupted, or not confirmed: it may have been heard all the same.
-    session->stopSafely(name);
-    return interrupted() ? ExitInterrupted : complain(name, failure);
+    const bool stopped = session->stopSafely();
+    const int exitCode = interrupted() ? ExitInterrupted : complain(name, failure);
+    return stopped ? exitCode : ExitFailed;
 }
 
 } // namespace
@@ -95,6 +93,7 @@ void addRun(CommandLine &line)
     command.text("--frequency", options->frequency, "to run at; else the last one set", "HZ");
     command.flag("--reverse", options->reverse, "turn the other way");
     command.number("--word", options->word, "control word of a drive with other bits", 0, 65535);
+    command.excludes("--reverse", "--word");
     addLineOptions(command, options->line, QStringLiteral("run"));
     command.example(QStringLiteral("dx4 run --port /dev/ttyUSB0 --frequency 30.00"),
                     QStringLiteral("station 1 runs at 30 Hz"));

@@ -12,9 +12,7 @@
 #include "host/modbus_limits.h"
 
 #include <QFile>
-#include <QTextStream>
 
-#include <cstdio>
 #include <utility>
 
 #include <unistd.h>
@@ -86,15 +84,15 @@ public:
         if (!m_shown)
             return;
         const int done = (station - m_from) * barWidth / m_total;
-        QTextStream(stderr) << "\r[" << QString(done, QLatin1Char('#'))
-                            << QString(barWidth - done, QLatin1Char(' ')) << "] station " << station
-                            << ", " << found << " found\x1b[K" << Qt::flush;
+        const QString bar = QString(done, QLatin1Char('#')).leftJustified(barWidth);
+        writeTalk(
+            QStringLiteral("\r[%1] station %2, %3 found\x1b[K").arg(bar).arg(station).arg(found));
     }
 
     void clear()
     {
         if (m_shown)
-            QTextStream(stderr) << "\r\x1b[K" << Qt::flush;
+            writeTalk(QStringLiteral("\r\x1b[K"));
     }
 
 private:
@@ -243,6 +241,7 @@ void addScan(CommandLine &line)
     command.number("--to", options->to, "last station to ask; else 247", 1, host::lastStation);
     command.text("--resume", options->resume, "keep the state here and go on from it", "FILE");
     addLineOptions(command, options->line, QStringLiteral("scan"));
+    command.without("--station"); // --from and --to say which
     command.example(QStringLiteral("dx4 scan --port /dev/ttyUSB0 --to 3"),
                     QStringLiteral("the first three stations"));
     command.action([options] { return runScan(*options); });

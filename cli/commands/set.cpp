@@ -49,9 +49,11 @@ int runSet(const Options &options)
                  RegisterNames(options.line.plant, editor->api(), options.names));
     if (failure.code == ExitDone)
         return ExitDone;
+    bool stopped = true;
     if (setting->target.regType == QLatin1String("CW") && failure.code != ExitUsage)
-        session->stopSafely(name); // the drive may have heard what it did not confirm
-    return complain(name, failure);
+        stopped = session->stopSafely(); // the drive may have heard what it did not confirm
+    const int exitCode = complain(name, failure);
+    return stopped ? exitCode : ExitFailed;
 }
 
 } // namespace

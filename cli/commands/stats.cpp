@@ -46,37 +46,38 @@ QVector<QStringList> blockRows(const host::Plan &plan, const host::CounterSet &c
 }
 
 /// A line per block, below it the names of its registers.
-void printBlocks(const host::Plan &plan, const host::CounterSet &counters,
-                 const RegisterNames &names)
+QStringList blockLines(const host::Plan &plan, const host::CounterSet &counters,
+                       const RegisterNames &names)
 {
-    const QStringList lines = columns(blockRows(plan, counters), { 0, 3, 4, 5, 6 });
-    printLine(lines.constFirst());
-    for (int i = 0; i < host::lengthOf(plan.blocks); ++i) {
-        printLine(lines.at(i + 1));
-        printLines(blockNames(plan.blocks.at(i), names));
-    }
+    const QStringList rows = columns(blockRows(plan, counters), { 0, 3, 4, 5, 6 });
+    QStringList lines { rows.constFirst() };
+    for (int i = 0; i < host::lengthOf(plan.blocks); ++i)
+        lines << rows.at(i + 1) << blockNames(plan.blocks.at(i), names);
+    return lines;
 }
 
-void printSums(const host::CounterSet &counters, double load)
+QStringList sumLines(const host::CounterSet &counters, double load)
 {
     const host::RequestCounts total = counters.total();
-    const QStringList failures = failureTexts(total);
     const auto lineOf = [](const char *name, const QString &text) {
-        printLine(QString::fromLatin1(name).leftJustified(10) + text);
+        return QString::fromLatin1(name).leftJustified(10) + text;
     };
-    lineOf("requests",
-           QStringLiteral("%1 sent, %2 answered, %3 passed over")
-               .arg(total.requests)
-               .arg(total.good)
-               .arg(total.notAsked));
-    printLines(indented(QStringLiteral("failures"), failures));
-    lineOf("driver", countersText(counters));
-    lineOf("bytes",
-           QStringLiteral("%1 sent, %2 received").arg(total.bytesSent).arg(total.bytesReceived));
-    printLines(indented(QStringLiteral("answers"), answerTexts(total)));
-    lineOf("line",
-           QStringLiteral("held %1 of the time, broke %2")
-               .arg(percentText(load), counted(counters.lineDowns(), "time", "times")));
+    QStringList lines { lineOf("requests",
+                               QStringLiteral("%1 sent, %2 answered, %3 passed over")
+                                   .arg(total.requests)
+                                   .arg(total.good)
+                                   .arg(total.notAsked)) };
+    lines += indented(QStringLiteral("failures"), failureTexts(total));
+    lines << lineOf("driver", countersText(counters))
+          << lineOf("bytes",
+                    QStringLiteral("%1 sent, %2 received")
+                        .arg(total.bytesSent)
+                        .arg(total.bytesReceived));
+    lines += indented(QStringLiteral("answers"), answerTexts(total));
+    lines << lineOf("line",
+                    QStringLiteral("held %1 of the time, broke %2")
+                        .arg(percentText(load), counted(counters.lineDowns(), "time", "times")));
+    return lines;
 }
 
 /// Polls until as many requests were sent, or passed over, as the options say.
@@ -84,22 +85,24 @@ PollEnd measure(Session &session, const Options &options)
 {
     PollSettings settings;
     settings.enough = [&] {
-        const host::RequestCounts total = session.runtime().counters().total();
-        return total.requests + total.notAsked >= static_cast<quint64>(options.requests);
+        const quint64 sent = session.runtime().counters().attempts();
+        return sent >= static_cast<quint64>(options.requests);
     };
     settings.patience = patienceOf(options.reconnect, true);
     return poll(session, QStringLiteral("stats"), settings);
 }
 
-void print(Session &session, const Options &options, const host::Plan &plan, host::Duration start)
+/// What was measured, as it is printed.
+QStringList resultLines(Session &session, const Options &options, const host::Plan &plan,
+                        host::Duration start)
 {
     const host::Runtime &runtime = session.runtime();
     if (options.line.json)
-        return printJson(runtime.countersJson());
+        return { jsonText(runtime.countersJson()) };
     const RegisterNames names(options.line.plant, session.runtime().link().api(), options.names);
-    printBlocks(plan, runtime.counters(), names);
-    printLine(QString());
-    printSums(runtime.counters(), runtime.counters().lineLoad(start, session.line().now()));
+    return blockLines(plan, runtime.counters(), names)
+        << QString()
+        << sumLines(runtime.counters(), runtime.counters().lineLoad(start, session.line().now()));
 }
 
 int runStats(const Options &options)
@@ -118,8 +121,9 @@ int runStats(const Options &options)
     session->runtime().setPlan(*plan);
     const host::Duration start = session->line().now();
     const PollEnd end = measure(*session, options);
-    print(*session, options, *plan, start);
-    const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
+    const QStringList result = resultLines(*session, options, *plan, start); // without the stop
+    const bool stopped = end != PollEnd::Asked || session->stopSafely();
+    printLines(result);
     if (end == PollEnd::LineGone)
         return complainLineGone(*session, name);
     const bool heard = session->runtime().counters().total().good > 0;

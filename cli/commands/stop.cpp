@@ -49,7 +49,6 @@ int stopOne(Session &session, int station, quint16 word)
     print(session, session.write(commandOf(station), { word }, {}, &failure), station, word);
     if (failure.code == ExitDone)
         return ExitDone;
-    failure.text += QStringLiteral("; the motor may still turn");
     return complain(QStringLiteral("stop"), failure);
 }
 
@@ -90,8 +89,10 @@ int runStop(const Options &options)
     const auto session = Session::open(line, &failure, wishes);
     if (!session)
         return complain(name, failure);
-    return options.all ? stopAll(*session, stations, word)
-                       : stopOne(*session, stations.constFirst(), word);
+    const int exitCode = options.all ? stopAll(*session, stations, word)
+                                     : stopOne(*session, stations.constFirst(), word);
+    session->warnOfMotors();
+    return exitCode;
 }
 
 } // namespace
@@ -103,6 +104,7 @@ void addStop(CommandLine &line)
     command.number("--word", options->word, "control word of a drive with other bits", 0, 65535);
     command.flag("--all", options->all, "every station of the configuration");
     addLineOptions(command, options->line, QStringLiteral("stop"));
+    command.excludes("--all", "--station");
     command.example(QStringLiteral("dx4 stop --port /dev/ttyUSB0"),
                     QStringLiteral("station 1 ramps down"));
     command.action([options] { return runStop(*options); });

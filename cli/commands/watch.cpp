@@ -27,14 +27,14 @@ struct Options {
     bool names = false;
 };
 
-WatchList watched(const QVector<Target> &targets, const RegisterNames &names)
+QVector<WatchedValue> watched(const QVector<Target> &targets, const RegisterNames &names)
 {
     QVector<WatchedValue> values;
     for (const Target &target : targets) {
         for (int i = 0; i < target.count; ++i)
             values.append(names.of(target.station, target.regType, target.address + i));
     }
-    return WatchList(values);
+    return values;
 }
 
 WatchView::Form formOf(const Options &options)
@@ -55,7 +55,7 @@ PollEnd follow(Session &session, WatchList &list, WatchView &view, const Options
     settings.enough = [&] { return reads > 0 && endedReads(runtime.counters()) >= reads; };
     settings.afterStep = [&] {
         const host::Duration now = line.now();
-        list.follow(runtime, now);
+        list.follow(now);
         view.values(list, runtime.counters(), now, now - start);
     };
     settings.onLine = [&view](const QString &text) { view.line(text); };
@@ -65,7 +65,7 @@ PollEnd follow(Session &session, WatchList &list, WatchView &view, const Options
     return end;
 }
 
-int outcome(const Session &session, PollEnd end, bool hasEnd)
+int outcome(Session &session, PollEnd end, bool hasEnd)
 {
     const QString name = QStringLiteral("watch");
     if (end == PollEnd::LineGone)
@@ -99,7 +99,8 @@ int runWatch(const Options &options)
     const auto targets = parseTargets(words, options.line.station, ReadAccess, api, &failure);
     if (!targets)
         return complain(name, failure);
-    WatchList list = watched(*targets, RegisterNames(options.line.plant, api, options.names));
+    WatchList list(watched(*targets, RegisterNames(options.line.plant, api, options.names)),
+                   session->runtime());
     session->runtime().setPlan(*plan);
     const qint64 blocks = host::lengthOf(plan->blocks);
     PollEnd end = PollEnd::Enough;
@@ -108,7 +109,7 @@ int runWatch(const Options &options)
         end = follow(*session, list, *view, options, options.rounds * blocks);
     }
     // Whoever ends the watch by hand goes away; a watch that is over by itself was a look.
-    const bool stopped = end != PollEnd::Asked || session->stopSafely(name);
+    const bool stopped = end != PollEnd::Asked || session->stopSafely();
     const int exitCode = outcome(*session, end, options.rounds > 0);
     return stopped ? exitCode : ExitFailed;
 }
@@ -126,6 +127,7 @@ void addWatch(CommandLine &line)
     command.flag("--names", options->names, "with names and units of the simulated inverter");
     addPollOptions(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("watch"));
+    command.excludes("--csv", "--json");
     command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --names D 0-7 SW FU"),
                     QStringLiteral("a live table until Ctrl-C"));
     command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --csv --rounds 10 D 0-3 2:D 0-3"),

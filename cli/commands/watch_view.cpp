@@ -4,6 +4,7 @@
 
 #include "cli/counters_text.h"
 #include "cli/exit_code.h"
+#include "cli/held_changes.h"
 #include "cli/live_table.h"
 #include "cli/output.h"
 #include "cli/value_output.h"
@@ -32,7 +33,7 @@ public:
     {
     }
 
-    void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
                 host::Duration) override
     {
         if (m_drawnAt && now - *m_drawnAt < redrawAfter)
@@ -42,19 +43,24 @@ public:
 
     void line(const QString &text) override { m_notice = text; }
 
-    void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration) override
     {
         draw(list, counters, now);
     }
 
 private:
-    void draw(const WatchList &list, const host::CounterSet &counters, host::Duration now)
+    void draw(WatchList &list, const host::CounterSet &counters, host::Duration now)
     {
         m_drawnAt = now;
-        m_table.draw(tableLines(list.rows(), now, m_terminal),
-                     { QString(), m_terminal.styled(countersText(counters), Terminal::Style::Dim),
-                       m_terminal.styled(m_notice, Terminal::Style::Warning) });
+        m_terminal.measure();
+        const QStringList foot { QString(),
+                                 m_terminal.styled(countersText(counters), Terminal::Style::Dim),
+                                 m_terminal.styled(m_notice, Terminal::Style::Warning) };
+        const int room = LiveTable::room(m_terminal, host::lengthOf(foot));
+        list.look(0, room, now);
+        m_table.draw(tableLines(list.rows(), now, m_terminal, room), foot);
+        list.takeChanged();
     }
 
     LiveTable m_table;
@@ -81,28 +87,25 @@ public:
                 QStringLiteral("time,station,type,address,register,value,state,name,scaled,unit"));
     }
 
-    void values(const WatchList &list, const host::CounterSet &, host::Duration,
+    void values(WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
     {
-        m_said.resize(static_cast<std::size_t>(list.rows().size()));
-        for (int i = 0; i < host::lengthOf(list.rows()); ++i) {
-            const WatchRow &row = list.rows().at(i);
-            const host::Value &now = row.state;
-            std::optional<host::Value> &said = m_said[static_cast<std::size_t>(i)];
-            const bool isOther = !said || said->value != now.value || said->failed != now.failed
-                || said->stale != now.stale;
-            if (!isOther || (!now.known && !now.failed))
-                continue;
-            said = now;
-            print(row, elapsed);
-        }
+        m_rows.resize(static_cast<std::size_t>(list.rows().size()));
+        const QVector<int> changed = list.takeChanged();
+        for (const int row : changed)
+            note(list.rows().at(row), row, elapsed);
+        say(list, elapsed);
     }
 
-    void line(const QString &text) override { note(QStringLiteral("watch"), text); }
+    void line(const QString &text) override { cli::note(QStringLiteral("watch"), text); }
 
-    void end(const WatchList &, const host::CounterSet &counters, host::Duration,
+    void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration elapsed) override
     {
+        list.lookAtAll(now);
+        values(list, counters, now, elapsed);
+        m_held.drop();
+        sayUnshown(elapsed);
         if (m_form == Form::Json) {
             QJsonObject object = countersJson(counters);
             object.insert(QStringLiteral("event"), QStringLiteral("end"));
@@ -114,6 +117,56 @@ public:
     }
 
 private:
+    struct Row {
+        std::optional<host::Value> said;
+        host::Duration changedAt { 0 }; // since the start
+    };
+
+    static bool isOther(const std::optional<host::Value> &said, const host::Value &now)
+    {
+        return !said || said->value != now.value || said->failed != now.failed
+            || said->stale != now.stale;
+    }
+
+    void note(const WatchRow &row, int number, host::Duration elapsed)
+    {
+        if (!row.state.known && !row.state.failed)
+            return;
+        m_rows[static_cast<std::size_t>(number)].changedAt = elapsed;
+        m_held.add(number);
+    }
+
+    /// Says what there is to say as long as it is taken, and then how much was passed over.
+    void say(const WatchList &list, host::Duration elapsed)
+    {
+        m_held.say([this, &list](int number) {
+            Row &row = m_rows[static_cast<std::size_t>(number)];
+            const WatchRow &shown = list.rows().at(number);
+            if (!isOther(row.said, shown.state))
+                return false;
+            row.said = shown.state;
+            print(shown, row.changedAt);
+            return true;
+        });
+        sayUnshown(elapsed);
+    }
+
+    void sayUnshown(host::Duration elapsed)
+    {
+        const int count = m_held.takeUnshown();
+        if (count == 0)
+            return;
+        if (m_form == Form::Json)
+            return printJson({ { QStringLiteral("event"), QStringLiteral("held") },
+                               { QStringLiteral("time"), inSeconds(elapsed) },
+                               { QStringLiteral("not_shown"), count } });
+        const QString text = counted(static_cast<quint64>(count), "change", "changes")
+            + QStringLiteral(" not shown");
+        if (m_form == Form::Text)
+            return printLine(text);
+        cli::note(QStringLiteral("watch"), text); // a table has no place for it
+    }
+
     void print(const WatchRow &row, host::Duration elapsed) const
     {
         switch (m_form) {
@@ -174,7 +227,8 @@ private:
     }
 
     Form m_form;
-    std::vector<std::optional<host::Value>> m_said; // by row
+    std::vector<Row> m_rows;
+    HeldChanges m_held;
 };
 
 } // namespace

@@ -23,12 +23,12 @@ public:
     /// Called after each exchange.
     ///
     /// @param now, elapsed  the line's clock, and the time since the start
-    virtual void values(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    virtual void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
                         host::Duration elapsed) = 0;
 
     /// The line broke, or is back.
     virtual void line(const QString &text) = 0;
-    virtual void end(const WatchList &list, const host::CounterSet &counters, host::Duration now,
+    virtual void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
                      host::Duration elapsed) = 0;
 
     /// The table where the terminal can be drawn over and text was asked for, else a line for every

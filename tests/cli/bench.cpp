@@ -2,10 +2,12 @@
 // The tool on a bench: a simulated inverter, a folder of its own, and shell commands.
 #include "bench.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 std::string contentOf(const std::string &path)
 {
@@ -69,4 +71,12 @@ Printed Bench::run(const std::string &command)
     printed.err = contentOf(errors);
     std::filesystem::remove(errors);
     return printed;
+}
+
+bool Bench::awaitRequests(int function, int count) const
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (m_fake->heard(function) < count && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+    return m_fake->heard(function) >= count;
 }

@@ -50,6 +50,11 @@ public:
     std::vector<std::string> shell(const std::string &command,
                                    const std::string &settings = "NO_COLOR=1") const;
 
+    /// Waits until the station of fake() has heard so many requests of a function.
+    ///
+    /// @return whether it has before half a minute is over
+    bool awaitRequests(int function, int count) const;
+
     const std::string &device() const { return m_device; }
     const std::string &folder() const { return m_folder; }
 

@@ -98,6 +98,7 @@ void FakeStation::serveOne()
     }
     if (request.size() < shortestRequest)
         return;
+    ++m_heard[static_cast<unsigned char>(request.at(1)) & 0x7FU];
     if (m_answers == m_breakAfter) {
         m_ends = true;
         close(m_master);

@@ -2,6 +2,7 @@
 // A station that answers what a test tells it to, right or wrong.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <map>
 #include <string>
@@ -24,6 +25,9 @@ public:
     void breakAfter(int answers) { m_breakAfter = answers; }
     void start();
 
+    /// Requests of this function that came so far.
+    int heard(int function) const { return m_heard[static_cast<std::size_t>(function)]; }
+
     /// The device to open.
     const std::string &device() const { return m_device; }
 
@@ -36,6 +40,7 @@ private:
     int m_answers = 0;
     std::string m_device;
     std::map<unsigned char, std::string> m_replies; // by function
+    std::array<std::atomic<int>, 128> m_heard {}; // by function
     std::atomic<bool> m_ends { false };
     std::thread m_thread;
 };

@@ -147,6 +147,89 @@ TEST(LiveTable, FitsALowWindow)
     EXPECT_EQ(watch.wait(), 0);
 }
 
+TEST(LiveTable, KeepsNamesAndValuesInFortyColumns)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.tell("hold D5 421");
+
+    TerminalProcess watch(bench.shell("exec dx4 watch --names D 0-5 F 8.0-8.8 F 0.0-0.9", colours),
+                          12, 40);
+
+    ASSERT_TRUE(watch.waitForText("42.1 C"));
+    EXPECT_EQ(watch.screen().line(0), "St  Name                   Value");
+    EXPECT_EQ(watch.screen().line(1), "1   Output frequency        0.00 Hz");
+    EXPECT_EQ(watch.screen().line(6), "1   Heat sink tempera       42.1 C");
+    EXPECT_EQ(watch.screen().line(7), "... and 19 more");
+    watch.type(ctrlC);
+    EXPECT_EQ(watch.wait(), 0);
+    EXPECT_FALSE(watch.screen().overflowed());
+}
+
+TEST(LiveTable, SuspendedGivesTerminalAndPortBackUntilItGoesOn)
+{
+    Bench bench;
+    bench.serve("1");
+    TerminalProcess shell(
+        bench.shell("set -m; dx4 watch D 4; dx4 stop; echo code $?; read line; fg "
+                    ">/dev/null; echo \"over $?\"",
+                    colours),
+        40);
+    ASSERT_TRUE(shell.waitForText("566"));
+
+    shell.type("\x1a");
+
+    ASSERT_TRUE(shell.waitForText("code 0"));
+    EXPECT_NE(shell.screen().lineWith("dx4 watch: suspended; " + bench.device()
+                                      + " is free, drives go on as they are"),
+              "");
+    EXPECT_TRUE(shell.screen().cursorIsShown());
+    EXPECT_TRUE(shell.screen().linesWrap());
+    bench.tell("hold D4 501");
+    shell.type("\n");
+    EXPECT_TRUE(shell.waitForText(" 501 "));
+    EXPECT_FALSE(shell.screen().cursorIsShown());
+    shell.type(ctrlC);
+    EXPECT_TRUE(shell.waitForText("over 0"));
+    EXPECT_TRUE(shell.screen().cursorIsShown());
+}
+
+TEST(LiveTable, QuitEndsItAtOnceWithTheTerminalAsItWas)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("printf '[stop]\\ncontrol_word = 0\\n[[station]]\\naddress = 1\\n' >plant.toml");
+    TerminalProcess watch(bench.shell("exec dx4 watch --config plant.toml D 4", colours));
+    ASSERT_TRUE(watch.waitForText("566"));
+
+    watch.type("\x1c");
+
+    EXPECT_EQ(watch.wait(), 131);
+    EXPECT_NE(watch.screen().lineWith("dx4 watch: the motor of station 1 may still turn; stop it"),
+              "");
+    EXPECT_EQ(watch.screen().lineWith("station 1 stopped"), "");
+    EXPECT_TRUE(watch.screen().cursorIsShown());
+    EXPECT_TRUE(watch.screen().linesWrap());
+}
+
+TEST(LiveTable, HeldTerminalDoesNotHoldTheStop)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("printf '[stop]\\ncontrol_word = 0\\n[[station]]\\naddress = 1\\n' >plant.toml");
+    bench.run("dx4 run --frequency 30");
+    TerminalProcess watch(
+        bench.shell("exec dx4 watch --config plant.toml D 4 SW 2>talk.txt", colours));
+    ASSERT_TRUE(watch.waitForText("0x") || watch.waitForText("566"));
+
+    watch.type("\x13"); // Ctrl-S
+    watch.signal(SIGTERM);
+
+    EXPECT_EQ(watch.wait(), 0);
+    EXPECT_EQ(contentOf(bench.folder() + "/talk.txt"), "dx4 watch: station 1 stopped\n");
+    EXPECT_TRUE(watch.screen().cursorIsShown());
+}
+
 TEST(LiveTable, DumbTerminalGetsPlainLines)
 {
     Bench bench;

@@ -16,10 +16,11 @@ constexpr int patience = 30000; // ms
 
 } // namespace
 
-TerminalProcess::TerminalProcess(const std::vector<std::string> &command, int rows)
+TerminalProcess::TerminalProcess(const std::vector<std::string> &command, int rows, int columns)
+    : m_screen(columns)
 {
     winsize size {};
-    size.ws_col = columns;
+    size.ws_col = static_cast<unsigned short>(columns);
     size.ws_row = static_cast<unsigned short>(rows);
     std::vector<char *> words;
     words.reserve(command.size() + 1);
@@ -73,6 +74,11 @@ bool TerminalProcess::waitForText(const std::string &text)
 void TerminalProcess::type(const std::string &keys)
 {
     [[maybe_unused]] const ssize_t written = write(m_terminal, keys.data(), keys.size());
+}
+
+void TerminalProcess::signal(int number)
+{
+    kill(m_pid, number);
 }
 
 int TerminalProcess::wait()

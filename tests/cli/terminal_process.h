@@ -10,13 +10,12 @@
 #include <string>
 #include <vector>
 
-/// A child whose three streams are a pseudo-terminal of 80 columns. Killed at the end of the test.
+/// A child whose three streams are a pseudo-terminal. Killed at the end of the test.
 class TerminalProcess {
 public:
-    static constexpr int columns = 80;
-
-    /// @param rows  lines of the window
-    explicit TerminalProcess(const std::vector<std::string> &command, int rows = 24);
+    /// @param rows, columns  of the window
+    explicit TerminalProcess(const std::vector<std::string> &command, int rows = 24,
+                             int columns = 80);
     ~TerminalProcess();
     TerminalProcess(const TerminalProcess &) = delete;
     TerminalProcess &operator=(const TerminalProcess &) = delete;
@@ -32,13 +31,16 @@ public:
     /// Types a key; "\x03" is Ctrl-C.
     void type(const std::string &keys);
 
+    /// Sends a signal.
+    void signal(int number);
+
     /// Reads to the end; gives the exit code, -1 after a signal.
     int wait();
 
 private:
     bool readMore();
 
-    Screen m_screen { columns };
+    Screen m_screen;
     pid_t m_pid = -1;
     int m_terminal = -1;
 };

@@ -59,6 +59,32 @@ TEST(ValueTable, StaleValueIsMarked)
               QStringLiteral("247 DC link voltage D 4 (0xD004) 566 V 4.0 s!"));
 }
 
+TEST(ValueTable, NarrowLinesKeepNameAndValue)
+{
+    Terminal narrow;
+    narrow.columns = 40;
+    WatchRow row = answered(566, seconds(4));
+    row.state.stale = true;
+    WatchRow nameless = answered(7, seconds(0));
+    nameless.what = plainValue(2, QStringLiteral("D"), 4);
+
+    const QStringList lines = tableLines({ row, nameless }, seconds(100), narrow);
+
+    EXPECT_EQ(lines.at(0), QStringLiteral("St  Name                   Value"));
+    EXPECT_EQ(lines.at(1), QStringLiteral("247 DC link voltage         !566 V      "));
+    EXPECT_EQ(lines.at(2), QStringLiteral("2   D 4 (0xD004)               7        "));
+}
+
+TEST(ValueTable, RowsBeyondTheWindowAreCounted)
+{
+    const QVector<WatchRow> rows(6, answered(566, seconds(0)));
+
+    const QStringList lines = tableLines(rows, seconds(100), Terminal(), 5);
+
+    EXPECT_EQ(lines.size(), 5);
+    EXPECT_EQ(lines.at(4), QStringLiteral("... and 3 more; a higher window shows them"));
+}
+
 TEST(ValueTable, FailedReadSaysSo)
 {
     WatchRow row = answered(566, seconds(1));
