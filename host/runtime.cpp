@@ -19,15 +19,20 @@ void sleepFor(Duration span)
     std::this_thread::sleep_for(span);
 }
 
-/// The latest of the times of all blocks that have the register.
+/// The latest of the times of all blocks that have the register. Blocks are ordered by station, type
+/// and address: those of other stations are not looked at.
 std::optional<Duration> latest(const std::map<BlockKey, Duration> &times, int station,
                                const QString &regType, int address)
 {
     std::optional<Duration> latest;
-    for (const auto &[key, time] : times) {
-        const bool isInside = key.station == station && key.regType == regType
-            && address >= key.address && address < key.address + key.count;
-        if (isInside && (!latest || time > *latest))
+    BlockKey first;
+    first.station = station;
+    first.regType = regType;
+    for (auto block = times.lower_bound(first); block != times.end(); ++block) {
+        const auto &[key, time] = *block;
+        if (key.station != station || key.regType != regType || key.address > address)
+            break;
+        if (address < key.address + key.count && (!latest || time > *latest))
             latest = time;
     }
     return latest;
