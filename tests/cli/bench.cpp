@@ -80,3 +80,12 @@ bool Bench::awaitRequests(int function, int count) const
         std::this_thread::yield();
     return m_fake->heard(function) >= count;
 }
+
+bool Bench::awaitFreePort()
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    bool isFree = false;
+    while (!isFree && std::chrono::steady_clock::now() < end)
+        isFree = run("dx4 line $DX4_PORT").out.find("by nobody seen") != std::string::npos;
+    return isFree;
+}

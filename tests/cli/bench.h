@@ -55,6 +55,11 @@ public:
     /// @return whether it has before half a minute is over
     bool awaitRequests(int function, int count) const;
 
+    /// Waits until the tool says that nobody holds the port.
+    ///
+    /// @return whether it has before half a minute is over
+    bool awaitFreePort();
+
     const std::string &device() const { return m_device; }
     const std::string &folder() const { return m_folder; }
 

@@ -101,7 +101,11 @@ TEST(Ending, UnconfirmedStopIsAFailure)
     const std::string talk =
         talkAfterInterrupt(bench, "dx4 record --config plant.toml --timeout 30 line.pcap", 1);
 
-    EXPECT_EQ(talk, "dx4 record: STOP NOT CONFIRMED by station 1: it may still run\n");
+    EXPECT_EQ(talk,
+              "dx4 record: STOP NOT CONFIRMED by station 1: it may still run\n"
+              "dx4 record: the motor of station 1 may still turn; stop it with: "
+              "dx4 stop --config plant.toml --port "
+                  + bench.device() + " --station 1\n");
 }
 
 TEST(Ending, InterruptDoesNotWaitForALongTimeout)
