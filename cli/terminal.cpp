@@ -2,6 +2,8 @@
 // What standard output can show.
 #include "cli/terminal.h"
 
+#include <utility>
+
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -46,6 +48,19 @@ void Terminal::measure()
         return;
     columns = size.ws_col > 0 ? size.ws_col : terminalColumns;
     rows = size.ws_row > 0 ? size.ws_row : usualRows;
+}
+
+QStringList Terminal::folded(const QString &text) const
+{
+    QStringList lines;
+    QString line;
+    const QStringList words = text.split(QLatin1Char(' '));
+    for (const QString &word : words) {
+        if (!line.isEmpty() && line.size() + 1 + word.size() > columns)
+            lines << std::exchange(line, QString());
+        line += line.isEmpty() ? word : QLatin1Char(' ') + word;
+    }
+    return lines << line;
 }
 
 QString Terminal::styled(const QString &text, Style style) const

@@ -2,7 +2,7 @@
 // What standard output can show.
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 namespace dx4::cli {
 
@@ -24,6 +24,9 @@ struct Terminal {
     void measure();
 
     enum class Style { Bold, Dim, Changed, Warning, Failed };
+
+    /// The text in lines that fit the window, broken at blanks; a word that is longer stays whole.
+    QStringList folded(const QString &text) const;
 
     /// The text in this style; as it is where there is no colour.
     QString styled(const QString &text, Style style) const;

@@ -54,13 +54,21 @@ private:
     {
         m_drawnAt = now;
         m_terminal.measure();
-        const QStringList foot { QString(),
-                                 m_terminal.styled(countersText(counters), Terminal::Style::Dim),
-                                 m_terminal.styled(m_notice, Terminal::Style::Warning) };
+        const QStringList foot = footOf(counters);
         const int room = LiveTable::room(m_terminal, host::lengthOf(foot));
         list.look(0, room, now);
         m_table.draw(tableLines(list.rows(), now, m_terminal, room), foot);
         list.takeChanged();
+    }
+
+    QStringList footOf(const host::CounterSet &counters) const
+    {
+        QStringList foot { QString() };
+        for (const QString &line : m_terminal.folded(countersText(counters)))
+            foot << m_terminal.styled(line, Terminal::Style::Dim);
+        for (const QString &line : m_terminal.folded(m_notice))
+            foot << m_terminal.styled(line, Terminal::Style::Warning);
+        return foot;
     }
 
     LiveTable m_table;

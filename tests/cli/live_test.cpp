@@ -154,13 +154,15 @@ TEST(LiveTable, KeepsNamesAndValuesInFortyColumns)
     bench.tell("hold D5 421");
 
     TerminalProcess watch(bench.shell("exec dx4 watch --names D 0-5 F 8.0-8.8 F 0.0-0.9", colours),
-                          12, 40);
+                          13, 40);
 
     ASSERT_TRUE(watch.waitForText("42.1 C"));
     EXPECT_EQ(watch.screen().line(0), "St  Name                   Value");
     EXPECT_EQ(watch.screen().line(1), "1   Output frequency        0.00 Hz");
     EXPECT_EQ(watch.screen().line(6), "1   Heat sink tempera       42.1 C");
     EXPECT_EQ(watch.screen().line(7), "... and 19 more");
+    EXPECT_NE((watch.screen().line(9) + ' ' + watch.screen().line(10)).find("retries, 0 given up"),
+              std::string::npos);
     watch.type(ctrlC);
     EXPECT_EQ(watch.wait(), 0);
     EXPECT_FALSE(watch.screen().overflowed());
