@@ -16,7 +16,8 @@ namespace {
 using Request = QueuedWrite::Request;
 
 constexpr int firstId = 1000; // above every tag that a host or the driver itself uses
-constexpr int mostWaiting = 512;
+constexpr int mostWaiting = 512; // of all stations together
+constexpr int ownShare = 16; // of a station, whatever waits for the others
 constexpr int functionByte = 1;
 constexpr unsigned char readFunction = 3;
 constexpr int firstDataByte = 3;
@@ -83,10 +84,9 @@ int WriteDesk::submit(const WriteWish &wish)
 {
     const bool isStop = m_isStop && m_isStop(wish);
     const QVector<int> replaced = m_queue.replacedBy(wish, isStop);
-    const int others = m_queue.size() - lengthOf(replaced);
     Refusal refusal = refusalOf(wish);
     // A stop is always taken: no station has more than one that waits.
-    if (refusal == Refusal::None && others >= mostWaiting && !isStop)
+    if (refusal == Refusal::None && !isStop && isFull(wish.station, lengthOf(replaced)))
         refusal = Refusal::QueueFull;
     if (refusal == Refusal::None || isStop) {
         for (int id : replaced)
@@ -99,6 +99,13 @@ int WriteDesk::submit(const WriteWish &wish)
     else
         finish(write, { WriteEnd::Refused, refusalText(refusal), refusal });
     return write.id;
+}
+
+/// What waits for a station that does not answer leaves the others their share.
+bool WriteDesk::isFull(int station, int replaced) const
+{
+    return m_queue.size() - replaced >= mostWaiting
+        && m_queue.sizeOf(station) - replaced >= ownShare;
 }
 
 Refusal WriteDesk::refusalOf(const WriteWish &wish) const

@@ -30,7 +30,7 @@ enum class Refusal {
     Range, ///< no such address
     NotConnected, ///< the line is closed, or the station is left alone
     NotAnswered, ///< a command to a station that has not answered yet
-    QueueFull, ///< 512 wait already
+    QueueFull, ///< 512 wait already, 16 of them or more for this station
     Stopping, ///< a safe stop is under way
 };
 
@@ -123,6 +123,7 @@ private:
         int exceptionCode = 0;
     };
 
+    bool isFull(int station, int replaced) const;
     Refusal refusalOf(const WriteWish &wish) const;
     void keepLocal();
     void settle(QueuedWrite &write, const Cycle &cycle, Cycle::Step step,

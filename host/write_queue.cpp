@@ -2,6 +2,8 @@
 // The writes that have not ended, in the order in which they take effect.
 #include "host/write_queue.h"
 
+#include <algorithm>
+
 namespace dx4::host {
 namespace {
 
@@ -54,6 +56,14 @@ QVector<int> WriteQueue::replacedBy(const WriteWish &newer, bool isStop) const
             break;
     }
     return replaced;
+}
+
+int WriteQueue::sizeOf(int station) const
+{
+    return static_cast<int>(
+        std::count_if(m_writes.begin(), m_writes.end(), [station](const auto &entry) {
+            return entry.second.wish.station == station;
+        }));
 }
 
 std::optional<quint16> WriteQueue::waitingValue(int station, const QString &regType,

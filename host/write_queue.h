@@ -62,6 +62,7 @@ public:
     std::optional<quint16> waitingValue(int station, const QString &regType, int address) const;
 
     QVector<int> ids() const; ///< ascending
+    int sizeOf(int station) const;
     int size() const { return static_cast<int>(m_writes.size()); }
 
 private:

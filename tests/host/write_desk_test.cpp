@@ -392,10 +392,23 @@ TEST_F(WriteDeskTest, AStationThatIsLeftAloneRefuses)
 TEST_F(WriteDeskTest, AFullQueueRefuses)
 {
     for (int i = 0; i < 513; ++i)
-        host.host.write({ 1 + i % 247, QStringLiteral("F"), i / 247, { 1 }, true, false });
+        host.host.write({ 1, QStringLiteral("F"), i % 2, { 1 }, true, false });
     host.host.step();
 
     ASSERT_EQ(host.outcomes, (Texts { "1512 refused", "1000 confirmed" }));
     EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::QueueFull);
     EXPECT_EQ(host.host.pendingWrites(), 511);
+}
+
+TEST_F(WriteDeskTest, AQueueFullOfOneStationsWritesTakesSixteenOfEachOther)
+{
+    for (int i = 0; i < 512; ++i)
+        host.host.write({ 1, QStringLiteral("F"), i % 2, { 1 }, true, false });
+    for (int i = 0; i < 17; ++i)
+        host.host.write({ 2, QStringLiteral("F"), i % 2, { 1 }, true, false });
+    host.host.step();
+
+    ASSERT_GE(host.outcomes.size(), 1);
+    EXPECT_EQ(host.outcomes.front(), "1528 refused");
+    EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::QueueFull);
 }
