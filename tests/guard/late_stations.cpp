@@ -12,6 +12,10 @@ namespace {
 constexpr Duration changePeriod = std::chrono::milliseconds(200); // of the registers' values
 constexpr int versions = 256;
 
+// In a row. An adapter that loses three right after it was opened cannot be told from one that does
+// not echo.
+constexpr int mostEchoesLost = 2;
+
 int byteAt(const QByteArray &bytes, int position)
 {
     return static_cast<unsigned char>(bytes.at(position));
@@ -136,8 +140,10 @@ void LateStations::echo(const QByteArray &request, Duration end)
     const unsigned most = static_cast<unsigned>(m_settings.responseTimeout.count()) * 12 / 10 + 1;
     if (m_chance.happens(m_habit.lateEcho))
         m_held = std::max(m_held, end + Duration(m_chance.pick(most)));
+    const bool isLost = m_chance.happens(m_habit.lost) && m_echoesLost < mostEchoesLost;
+    m_echoesLost = isLost ? m_echoesLost + 1 : 0;
     // An echo comes as the request goes out: its bytes are there with the last one sent.
-    if (!m_chance.happens(m_habit.lost))
+    if (!isLost)
         putFrame(end - m_settings.wireTime(static_cast<int>(request.size())), request, 0);
 }
 

@@ -122,4 +122,5 @@ private:
     Forgery m_forgery;
     dx4::host::Duration m_lastArrival { 0 };
     dx4::host::Duration m_held { 0 }; ///< by the adapter, no reply overtakes another
+    int m_echoesLost = 0; ///< in a row
 };
