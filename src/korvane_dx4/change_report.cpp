@@ -4,7 +4,6 @@
 
 #include "korvane_dx4.h"
 #include "korvane_dx4/data_areas.h"
-#include "korvane_dx4/record_copy.h"
 #include "wire/wrap.h"
 
 using namespace dx4;
@@ -14,20 +13,12 @@ namespace {
 constexpr int bitsPerWord = 16;
 constexpr int bitsPerByte = 8;
 
-// A name for the callback, made once, because counting references twice for each change costs as
-// much as storing the value. While it is out, a callback that calls back in gets a copy of its own.
-struct LentName {
-    QString text;
-    bool isOut = false;
-};
-
-LentName lentNames[registerTypeCount] = { { REG_LIST[0] }, { REG_LIST[1] }, { REG_LIST[2] },
-                                          { REG_LIST[3] }, { REG_LIST[4] }, { REG_LIST[5] } };
-
 void callWithCopy(int linkId, int station, QString name, int address)
 {
-    if (driver.valueChangeCallback)
-        driver.valueChangeCallback(linkId, station, name, address);
+    if (!driver.valueChangeCallback)
+        return;
+    dataAreaIndex.noteHostCalled();
+    driver.valueChangeCallback(linkId, station, name, address);
 }
 
 bool hasBit(int value, int bit)
@@ -40,41 +31,6 @@ bool isReportedBit(int bitMask, int valueA, int valueB, int bit)
     return hasBit(bitMask, bit) && hasBit(valueA, bit) != hasBit(valueB, bit);
 }
 
-Q_DECL_COLD_FUNCTION void reportBits(int bitMask, int valueA, int valueB,
-                                     const ChangedRegister &changed)
-{
-    const QString name = changed.regType + QLatin1String("_bit");
-    for (int bit = 0; bit < bitsPerWord; ++bit) {
-        if (isReportedBit(bitMask, valueA, valueB, bit))
-            callWithCopy(driver.linkId, changed.station, name,
-                         wrapAdd(wrapMul(changed.address, bitsPerWord), bit));
-    }
-}
-
-void reportRegister(const ChangedRegister &changed)
-{
-    if (!driver.valueChangeCallback) // taken away by the report of a bit
-        return;
-    const bool canLend = changed.type != UnknownType && !lentNames[changed.type].isOut;
-    if (!canLend)
-        return callWithCopy(driver.linkId, changed.station, changed.regType, changed.address);
-    LentName &lent = lentNames[changed.type];
-    lent.isOut = true;
-    driver.valueChangeCallback(driver.linkId, changed.station, lent.text, changed.address);
-    assignText(lent.text, REG_LIST[changed.type]); // the host may have changed it
-    lent.isOut = false;
-}
-
-// A value of two registers is known by its first one. Address 0 has none before it.
-Q_DECL_COLD_FUNCTION void reportDoubles(int flags, const ChangedRegister &changed)
-{
-    const QString name = changed.regType + QLatin1String("_double");
-    if (changed.address >= 0 && hasBit(flags, MonitoredDoubleStart))
-        callWithCopy(driver.linkId, changed.station, name, changed.address);
-    if (changed.address > 0 && hasBit(flags, MonitoredDoubleEnd))
-        callWithCopy(driver.linkId, changed.station, name, changed.address - 1);
-}
-
 } // namespace
 
 void dx4::notifyHost(int linkId, int station, const QString &name, int address)
@@ -82,39 +38,58 @@ void dx4::notifyHost(int linkId, int station, const QString &name, int address)
     callWithCopy(linkId, station, name, address);
 }
 
-void dx4::reportWordChange(int position, int valueA, int valueB, const ChangedRegister &changed,
-                           BitReports bits)
+// Marks by value: the record may be gone once the host was called.
+void ChangeReport::reportMarked(int flags, int bitMask, int address, int valueA, int valueB)
 {
-    if (valueA == valueB || !driver.valueChangeCallback)
+    reportBits(bitMask, address, valueA, valueB);
+    if (hasBit(flags, MonitoredWord) && driver.valueChangeCallback) // not taken away by a bit's
+        reportRegister(address);
+    reportDoubles(flags, address);
+}
+
+void ChangeReport::reportBits(int bitMask, int address, int valueA, int valueB)
+{
+    if (bitMask == 0)
         return;
-    // Taken before the host is called: it may add records meanwhile.
-    const int flags = driver.dataAreas.at(position).flags;
-    const int bitMask = driver.dataAreas.at(position).bitMask;
-    if (bitMask != 0 && bits == BitReports::Included)
-        reportBits(bitMask, valueA, valueB, changed);
-    if (hasBit(flags, MonitoredWord))
-        reportRegister(changed);
-    if (hasBit(flags, MonitoredDoubleStart) || hasBit(flags, MonitoredDoubleEnd))
-        reportDoubles(flags, changed);
+    const QString name = m_regType + QLatin1String("_bit");
+    for (int bit = 0; bit < bitsPerWord; ++bit) {
+        if (isReportedBit(bitMask, valueA, valueB, bit))
+            callWithCopy(driver.linkId, m_station, name,
+                         wrapAdd(wrapMul(address, bitsPerWord), bit));
+    }
+}
+
+// A value of two registers is known by its first one. Address 0 has none before it.
+void ChangeReport::reportDoubles(int flags, int address)
+{
+    const bool isStart = hasBit(flags, MonitoredDoubleStart) && address >= 0;
+    const bool isEnd = hasBit(flags, MonitoredDoubleEnd) && address > 0;
+    if (!isStart && !isEnd)
+        return;
+    const QString name = m_regType + QLatin1String("_double");
+    if (isStart)
+        callWithCopy(driver.linkId, m_station, name, address);
+    if (isEnd)
+        callWithCopy(driver.linkId, m_station, name, address - 1);
 }
 
 void _wordDataChange(int *valueA, int *valueB, int station, QString regType, int address,
                      int noBits)
 {
     const CacheScope scope;
-    const QString &name = sharedName(regType);
-    const int position = RegisterFinder({ station, name }).positionOf(address);
+    const int position = getIndexOfDataArea(station, regType, address, driver.dataAreas);
     if (!valueA || !valueB)
         return;
-    reportWordChange(position, *valueA, *valueB, { station, name, registerType(name), address },
-                     noBits == 0 ? BitReports::Included : BitReports::LeftOut);
+    ChangeReport(station, sharedName(regType))
+        .report(driver.dataAreas.at(position), address, *valueA, *valueB,
+                noBits == 0 ? BitReports::Included : BitReports::LeftOut);
 }
 
 void _byteDataChange(unsigned char *byteA, unsigned char *byteB, int station, QString regType,
                      int address)
 {
     const CacheScope scope;
-    const int position = RegisterFinder({ station, sharedName(regType) }).positionOf(address);
+    const int position = getIndexOfDataArea(station, regType, address, driver.dataAreas);
     const int bitMask = driver.dataAreas.at(position).bitMask;
     if (!byteA || !byteB)
         return;

@@ -14,39 +14,34 @@ namespace {
 
 constexpr unsigned intBits = 32;
 
-int findOrAppend(const RegisterKey &key, QList<_DATA_> &list)
+int findOrAppend(int station, const QString &regType, int address, QList<_DATA_> &list)
 {
     const QList<_DATA_> &records = list;
     const int count = static_cast<int>(records.size());
     for (int i = 0; i < count; ++i) {
-        if (hasKey(records.at(i), key))
+        if (hasKey(records.at(i), station, regType, address))
             return i;
     }
     _DATA_ record;
-    record.station = key.owner.station;
-    record.regType = key.owner.regType;
-    record.address = key.address;
+    record.station = station;
+    record.regType = regType;
+    record.address = address;
     list.append(record);
     return count;
 }
 
-// The buffer could overlap anything as far as the compiler knows: reading both bytes before writing
-// one, and keeping the place in the list apart, lets it move a register with one load and store.
-void copyShown(const RecordRun &run, unsigned char *out)
+// The buffer could overlap anything as far as the compiler knows: both bytes are read before one is
+// written.
+void copyShown(const _DATA_ &area, unsigned char *out)
 {
-    auto area = driver.dataAreas.constBegin() + run.position;
-    for (const auto end = area + run.count; area != end; ++area, out += 2) {
-        const unsigned char *shown = shownBytes(*area);
-        const unsigned char low = shown[0];
-        const unsigned char high = shown[1];
-        out[0] = low;
-        out[1] = high;
-    }
+    const unsigned char *const shown = shownBytes(area);
+    const unsigned char low = shown[0];
+    const unsigned char high = shown[1];
+    out[0] = low;
+    out[1] = high;
 }
 
 } // namespace
-
-int dx4::foundOffsets[registerTypeCount + 1] = {};
 
 RegisterRange dx4::rangeOf(const VARIABLE &var)
 {
@@ -79,22 +74,23 @@ void dx4::markMonitored(int station, const QString &regType, int address, int co
     if (type == UnknownType)
         return;
     const CacheScope scope;
-    RegisterFinder finder({ station, type });
-    for (int i = 0; i < count; ++i) {
-        const int position = finder.positionOf(wrapAdd(address, i));
-        const int marks = _setBitValue(driver.dataAreas.at(position).flags, MonitoredWord, 1);
-        if (marks != driver.dataAreas.at(position).flags)
-            dataAreaIndex.edit(position).flags = marks;
-    }
+    visitRecords({ station, type, address, count }, [](int, int position, const _DATA_ &area) {
+        const int marks = _setBitValue(area.flags, MonitoredWord, 1);
+        if (marks == area.flags)
+            return Visited::Untouched;
+        dataAreaIndex.edit(position).flags = marks;
+        return Visited::ListTouched;
+    });
 }
 
 int getIndexOfDataArea(int station, QString regType, int address, QList<_DATA_> &list)
 {
-    const bool isCache = &list == &driver.dataAreas;
-    if (!isCache)
-        return findOrAppend({ { station, regType }, address }, list);
+    const RegisterType type = registerType(regType);
+    const bool isIndexed = &list == &driver.dataAreas && type != UnknownType;
+    if (!isIndexed)
+        return findOrAppend(station, regType, address, list);
     const CacheScope scope;
-    return RegisterFinder({ station, sharedName(regType) }).positionOf(address);
+    return dataAreaIndex.findOrAppend({ station, type, address });
 }
 
 int _setDataAreaMonitorFlag(int station, QString regType, int address, int count)
@@ -117,12 +113,10 @@ int intf_getData(int station, QString regType, int address, int count, unsigned 
     if (type == UnknownType)
         return alwaysDone;
     const CacheScope scope;
-    RegisterFinder finder({ station, type });
-    for (int i = 0; i < count;) {
-        const RecordRun run = finder.runFrom(wrapAdd(address, i), count - i);
+    visitRecords({ station, type, address, count }, [out](int i, int, const _DATA_ &area) {
         if (out)
-            copyShown(run, out + 2 * static_cast<std::ptrdiff_t>(i));
-        i += run.count;
-    }
+            copyShown(area, out + 2 * static_cast<std::ptrdiff_t>(i));
+        return Visited::Untouched;
+    });
     return alwaysDone;
 }

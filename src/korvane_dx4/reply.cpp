@@ -34,72 +34,60 @@ ReadRequest readRequestOf(const FRAME_PRO &frame)
     return { range, frame.replyDataOffset };
 }
 
-void storeChange(int position, int value, const RegisterRange &range, int address)
+// The registers of a reply, for as long as the host may do with the reply what it likes.
+class Answers {
+public:
+    Answers(const QByteArray &reply, const ReadRequest &request)
+        : m_reply(reply)
+        , m_offset(request.dataOffset)
+        , m_inside(m_offset < 0 ? 0 : (static_cast<int>(reply.size()) - m_offset) / 2)
+        , m_first(reinterpret_cast<const unsigned char *>(m_reply.constData()) + m_offset)
+    {
+    }
+
+    /// Register i of the request, 0 to 65535; bytes behind the end of the reply are 0.
+    int operator[](int i) const
+    {
+        return i < m_inside ? wordOf(m_first[2 * i + 1], m_first[2 * i])
+                            : replyRegister(m_reply, wrapAdd(m_offset, wrapMul(2, i)));
+    }
+
+private:
+    const QByteArray m_reply;
+    int m_offset;
+    int m_inside; // registers that are there as a whole
+    const unsigned char *m_first;
+};
+
+void storeChange(_DATA_ &area, int value)
 {
-    _DATA_ &area = dataAreaIndex.edit(position);
-    area.flag0 = 0;
-    const int before = wordOf(area.value[0], area.value[1]);
-    if (before == value)
-        return;
     const bool endsPendingWrite = area.writePending != 0 && area.word1 == 0;
     if (endsPendingWrite)
         area.writePending = 0;
     area.value[0] = lowByte(value);
     area.value[1] = highByte(value);
-    reportWordChange(position, before, value,
-                     { range.station, REG_LIST[range.type], range.type, address });
 }
 
-// How many registers at the start of a run have answered with the value they have.
-int unchangedRegisters(const RecordRun &run, const QByteArray &reply, int offset)
-{
-    const QList<_DATA_> &areas = driver.dataAreas;
-    int count = 0;
-    while (count < run.count) {
-        const _DATA_ &area = areas.at(run.position + count);
-        const int answer = replyRegister(reply, wrapAdd(offset, 2 * count));
-        const bool isSame = wordOf(area.value[0], area.value[1]) == answer && area.flag0 == 0;
-        if (!isSame)
-            break;
-        ++count;
-    }
-    return count;
-}
-
-// A host that starts the link anew from inside its callback takes the records away.
-bool isStillThere(const RecordRun &run)
-{
-    return run.position + run.count <= driver.dataAreas.size();
-}
-
-// Stores the registers of a run. Each is stored and reported before the next is looked at, so that
-// a callback that reads ahead sees old values.
-void storeRun(RecordRun run, const RegisterRange &range, int address, const QByteArray &reply,
-              int offset)
-{
-    while (isStillThere(run)) {
-        const int unchanged = unchangedRegisters(run, reply, offset);
-        if (unchanged == run.count)
-            return;
-        const int answer = replyRegister(reply, wrapAdd(offset, 2 * unchanged));
-        storeChange(run.position + unchanged, answer, range, wrapAdd(address, unchanged));
-        const int done = unchanged + 1;
-        run = { run.position + done, run.count - done };
-        offset = wrapAdd(offset, 2 * done);
-        address = wrapAdd(address, done);
-    }
-}
-
+// Each register is stored and reported before the next is looked for: a callback that reads ahead
+// sees old values, and one that edits the list is followed.
 void storeRegisters(const ReadRequest &request, const QByteArray &reply)
 {
     const RegisterRange &range = request.range;
-    RegisterFinder finder({ range.station, range.type });
-    for (int i = 0; i < range.count;) {
-        const int address = wrapAdd(range.address, i);
-        const RecordRun run = finder.runFrom(address, range.count - i);
-        storeRun(run, range, address, reply, wrapAdd(request.dataOffset, wrapMul(2, i)));
-        i += run.count;
-    }
+    const Answers answers(reply, request);
+    ChangeReport changes(range.station, REG_LIST[range.type]);
+    visitRecords(range, [&](int i, int position, const _DATA_ &area) {
+        const int before = wordOf(area.value[0], area.value[1]);
+        const int value = answers[i];
+        if (before == value && area.flag0 == 0)
+            return Visited::Untouched;
+        _DATA_ &edited = dataAreaIndex.edit(position);
+        edited.flag0 = 0;
+        if (before != value) {
+            storeChange(edited, value);
+            changes.report(edited, wrapAdd(range.address, i), before, value);
+        }
+        return Visited::ListTouched;
+    });
 }
 
 void finishHeadFrame()
@@ -136,12 +124,12 @@ void markFailed(const RegisterRange &range)
 {
     if (range.type == UnknownType)
         return;
-    RegisterFinder finder({ range.station, range.type });
-    for (int i = 0; i < range.count; ++i) {
-        const int position = finder.positionOf(wrapAdd(range.address, i));
-        if (driver.dataAreas.at(position).flag0 != 1)
-            dataAreaIndex.edit(position).flag0 = 1;
-    }
+    visitRecords(range, [](int, int position, const _DATA_ &area) {
+        if (area.flag0 == 1)
+            return Visited::Untouched;
+        dataAreaIndex.edit(position).flag0 = 1;
+        return Visited::ListTouched;
+    });
 }
 
 ReplyResult giveUp()

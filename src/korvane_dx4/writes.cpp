@@ -51,33 +51,23 @@ void storeWritten(int position, const unsigned char *bytes)
 void showWritten(const RegisterRange &range, const unsigned char *data)
 {
     const CacheScope scope;
-    const QString &name = REG_LIST[range.type];
-    RegisterFinder finder({ range.station, range.type });
-    for (int i = 0; i < range.count; ++i, data += bytesPerRegister) {
-        const int address = wrapAdd(range.address, i);
-        const int position = finder.positionOf(address);
-        const int before = shownValue(driver.dataAreas.at(position));
-        const int after = wordOf(data[0], data[1]);
-        reportWordChange(position, before, after, { range.station, name, range.type, address });
-        storeWritten(finder.positionAgain(position, address), data);
-    }
+    ChangeReport changes(range.station, REG_LIST[range.type]);
+    visitRecords(range, [&](int i, int, const _DATA_ &area) {
+        const RegisterKey key { range.station, range.type, wrapAdd(range.address, i) };
+        const unsigned char *const bytes = data + bytesPerRegister * std::ptrdiff_t { i };
+        changes.report(area, key.address, shownValue(area), wordOf(bytes[0], bytes[1]));
+        storeWritten(dataAreaIndex.findOrAppend(key), bytes); // the host may have moved it
+        return Visited::ListTouched;
+    });
 }
 
-// Drops the pending mark and gives both values of the register.
-struct SettledValues {
-    int device;
-    int written;
-};
-
-SettledValues endPending(int position, WriteOutcome outcome)
+void endPending(_DATA_ &area, WriteOutcome outcome)
 {
-    _DATA_ &area = dataAreaIndex.edit(position);
     area.writePending = 0;
     if (outcome == WriteOutcome::Confirmed) {
         area.value[0] = area.writeValue[0];
         area.value[1] = area.writeValue[1];
     }
-    return { wordOf(area.value[0], area.value[1]), wordOf(area.writeValue[0], area.writeValue[1]) };
 }
 
 } // namespace
@@ -87,16 +77,15 @@ void dx4::settleWrite(const RegisterRange &range, WriteOutcome outcome)
     if (range.type == UnknownType)
         return;
     const CacheScope scope;
-    const QString &name = REG_LIST[range.type];
-    RegisterFinder finder({ range.station, range.type });
-    for (int i = 0; i < range.count; ++i) {
-        const int address = wrapAdd(range.address, i);
-        const int position = finder.positionOf(address);
+    ChangeReport changes(range.station, REG_LIST[range.type]);
+    visitRecords(range, [&](int i, int position, const _DATA_ &) {
+        _DATA_ &area = dataAreaIndex.edit(position);
+        endPending(area, outcome);
         // Both are equal after a confirmation, and nothing is reported: the value is shown already.
-        const SettledValues values = endPending(position, outcome);
-        reportWordChange(position, values.device, values.written,
-                         { range.station, name, range.type, address });
-    }
+        changes.report(area, wrapAdd(range.address, i), wordOf(area.value[0], area.value[1]),
+                       wordOf(area.writeValue[0], area.writeValue[1]));
+        return Visited::ListTouched;
+    });
 }
 
 void write_saveDataToArea(int station, QString regType, int address, int count, unsigned char *data)

@@ -14,7 +14,7 @@ korvane_cycle_test(api_reply_test
   cycle_end_test.cpp error_text_test.cpp recipe_transfer_test.cpp recipe_values_test.cpp
   reply_test.cpp reply_values_test.cpp)
 korvane_cycle_test(api_values_test
-  callback_reentry_test.cpp change_report_test.cpp data_area_test.cpp host_edits_test.cpp
+  callback_edits_test.cpp callback_reentry_test.cpp change_report_test.cpp data_area_test.cpp host_edits_test.cpp
   host_list_edits_test.cpp unruly_host_test.cpp write_outcome_test.cpp write_test.cpp)
 
 # Counts allocations by a malloc of its own, which the sanitizers need for themselves.

@@ -71,6 +71,29 @@ TEST_F(UnrulyHost, ACallbackTakenAwayWhileABitIsReportedIsNotCalledForTheRegiste
     EXPECT_EQ(calls, std::vector<std::string> { "1 1 D_bit 64" });
 }
 
+TEST_F(UnrulyHost, AnOffsetBeforeTheReplyGivesZerosAndThenItsBytes)
+{
+    merge({ keyAddress(1, "D", 0, 3) });
+    nextFrame();
+    state.sendFrames[0].replyDataOffset = -3;
+
+    answer({ 0x1122, 0x3344, 0x5566 });
+
+    EXPECT_EQ(data(1, "D", 0, 3), "00 00 01 00 06 03") << "01 03 06 11 22 ... from the third byte";
+}
+
+TEST_F(UnrulyHost, AnOffsetNearTheEndOfTheReplyGivesWhatIsLeftAndThenZeros)
+{
+    merge({ keyAddress(1, "D", 0, 3) });
+    nextFrame();
+    state.sendFrames[0].replyDataOffset = 8;
+
+    const int result = replyWithCrc("01 03 06 11 22 33 44 55 66");
+
+    EXPECT_EQ(result, dx4::ReplyAccepted);
+    EXPECT_EQ(data(1, "D", 0, 3), "2A 66 00 18 00 00") << "the CRC is 2A 18";
+}
+
 // The callback may not edit the cache. One that does all the same gets no second record of a
 // register, neither in the call that it runs in nor in a later one.
 TEST_F(UnrulyHost, ARecordThatTheCallbackAddsIsFoundByTheCallItRunsIn)
