@@ -65,8 +65,9 @@ void runDriver(benchmark::State &state, const Poll &poll)
 void startLimit(Limit &limit, const Poll &poll)
 {
     limit.start(poll.perBlock, countChange);
-    std::vector<unsigned char> values(static_cast<std::size_t>(2 * poll.cache));
-    limit.getData(pollStation, pollType, 0, poll.cache, values.data());
+    unsigned char value[2];
+    for (const NamedRegister &named : poll.named())
+        limit.getData(named.station, pollType, named.address, 1, value);
     QList<KEY_ADDRESS> wanted = poll.wanted();
     limit.merge(wanted);
 }
@@ -139,6 +140,11 @@ void addCycleBenchmarks()
         addPeers("through/" + registers + "/100000", iterations, pollThrough(100000, perBlock));
         addPeers("changes/" + registers + "/1000", iterations / 2,
                  pollTwoBlocks(1000, perBlock, true));
+        for (const Order order : { Order::Descending, Order::Shuffled, Order::Interleaved }) {
+            Poll poll = pollTwoBlocks(1000, perBlock, false);
+            poll.order = order;
+            addPeers("unchanged/" + registers + "/1000/" + orderName(order), iterations, poll);
+        }
     }
 }
 

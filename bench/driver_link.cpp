@@ -11,8 +11,6 @@
 namespace bench {
 namespace {
 
-constexpr int registersPerCall = 100;
-
 std::vector<unsigned char> hostBlock(dx4::hostBlockBytes);
 QMutex hostMutex;
 
@@ -43,11 +41,9 @@ void startLink(int blockSize)
 void startPolling(const Poll &poll)
 {
     startLink(poll.perBlock);
-    unsigned char values[2 * registersPerCall];
-    for (int first = 0; first < poll.cache; first += registersPerCall) {
-        const int count = std::min(registersPerCall, poll.cache - first);
-        loadedDriver().getData(pollStation, pollType, first, count, values);
-    }
+    unsigned char value[2];
+    for (const NamedRegister &named : poll.named())
+        loadedDriver().getData(named.station, pollType, named.address, 1, value);
     QList<KEY_ADDRESS> wanted = poll.wanted();
     if (loadedDriver().addrMerge(wanted) != poll.blocks)
         endWith("the driver merged blocks that were meant to stay apart");

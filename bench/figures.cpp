@@ -2,6 +2,8 @@
 // The figures to reach: what is compared with what, and the bound of each.
 #include "figures.h"
 
+#include "poll.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -118,6 +120,11 @@ void addCycleFigures(FigureList &list)
             list.addPeers(registers + "unchanged, cache " + cache,
                           "unchanged/" + count + "/" + cache, bounds);
         // Every record and every block comes from memory here, which libmodbus alone has none of.
+        for (const Order order : { Order::Descending, Order::Shuffled, Order::Interleaved }) {
+            const std::string name = orderName(order);
+            list.addPeers(registers + "unchanged, cache 1000 named " + name,
+                          "unchanged/" + count + "/1000/" + name, bounds);
+        }
         list.addPeers(registers + "unchanged, all of cache 100000 in turn",
                       "through/" + count + "/100000", { { limitName, 1.25 } });
         list.addGrowth(registers + "unchanged, cache 100000 against " + smallest,

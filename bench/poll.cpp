@@ -2,10 +2,14 @@
 // What is polled: a cache of registers, some blocks of it read in turn, and the replies to them.
 #include "poll.h"
 
+#include <algorithm>
+#include <random>
+
 namespace bench {
 namespace {
 
 constexpr char readFunction = 3;
+constexpr unsigned shuffleSeed = 1;
 
 QByteArray replyWith(int block, int registers, char mark)
 {
@@ -24,6 +28,36 @@ QByteArray replyWith(int block, int registers, char mark)
 
 // On the heap, as a name that a host took from its project file.
 const QString pollType = QString(QLatin1String("D"));
+
+const char *orderName(Order order)
+{
+    switch (order) {
+    case Order::Ascending:
+        return "ascending";
+    case Order::Descending:
+        return "descending";
+    case Order::Shuffled:
+        return "shuffled";
+    case Order::Interleaved:
+        return "interleaved";
+    }
+    return "";
+}
+
+std::vector<NamedRegister> Poll::named() const
+{
+    const int stations = order == Order::Interleaved ? 4 : 1;
+    std::vector<NamedRegister> list;
+    for (int address = 0; address < cache; ++address) {
+        for (int station = 0; station < stations; ++station)
+            list.push_back({ pollStation + station, address });
+    }
+    if (order == Order::Descending)
+        std::reverse(list.begin(), list.end());
+    if (order == Order::Shuffled)
+        std::shuffle(list.begin(), list.end(), std::mt19937(shuffleSeed));
+    return list;
+}
 
 QList<KEY_ADDRESS> Poll::wanted() const
 {

@@ -18,15 +18,37 @@ inline constexpr int pollStation = 1;
 /// Type of all registers of a Poll.
 extern const QString pollType;
 
+/// In which a host first names the registers of a cache.
+enum class Order {
+    Ascending,
+    Descending,
+    Shuffled, ///< the same way each time
+    Interleaved, ///< one register of each of four stations, then the next
+};
+
+/// The name of an order, such as "shuffled".
+const char *orderName(Order order);
+
+/// A register of pollType.
+struct NamedRegister {
+    int station;
+    int address;
+};
+
 /// One way to poll.
 struct Poll {
     int cache; ///< registers in the cache
     int perBlock; ///< registers in one read
     int blocks; ///< blocks read in turn, spread evenly over the cache
     bool changes; ///< whether each read brings other values than the one before
+    Order order = Order::Ascending;
 
     /// First register of a block.
     int address(int block) const { return block * (cache / blocks); }
+
+    /// The registers of the cache in their order, and those of three other stations where stations
+    /// are interleaved.
+    std::vector<NamedRegister> named() const;
 
     /// The wanted addresses, one per block.
     QList<KEY_ADDRESS> wanted() const;
