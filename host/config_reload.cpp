@@ -45,6 +45,7 @@ ConfigReload::ConfigReload(Runtime &runtime, Planner &planner, Config current)
                        runtime.setPlan(plan);
                        const RuntimeSettings settings = runtimeSettings(config);
                        runtime.setStops(settings.stops);
+                       runtime.setStations(settings.stations);
                        runtime.setStopBroadcast(settings.stopBroadcast);
                        runtime.setStopBudget(settings.stopBudget);
                        setExtraGaps(runtime.guard(), config);

@@ -23,8 +23,8 @@ public:
     /// @param current        what the link runs with
     ConfigReload(Link &link, Planner &planner, Config current);
 
-    /// Takes over what a runtime polls, which stations it stops and how, and their extra gaps. A
-    /// station that the new configuration does not name keeps its gap.
+    /// Takes over what a runtime polls, which stations it writes to, which it stops and how, and
+    /// their extra gaps. A station that the new configuration does not name keeps its gap.
     ///
     /// @param runtime, planner  outlive this; the planner has the runtime's block size
     /// @param current           what the runtime runs with

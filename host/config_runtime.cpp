@@ -11,6 +11,7 @@ RuntimeSettings runtimeSettings(const Config &config)
     settings.stopBroadcast = config.stop.broadcast;
     settings.stopBudget = config.stop.confirmWithin;
     for (const StationConfig &station : config.stations) {
+        settings.stations.append(station.address);
         if (config.stop.controlWord)
             settings.stops.append({ station.address, *config.stop.controlWord });
     }

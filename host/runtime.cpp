@@ -19,8 +19,8 @@ void sleepFor(Duration span)
     std::this_thread::sleep_for(span);
 }
 
-/// The latest of the times of all blocks that have the register. Blocks are ordered by station, type
-/// and address: those of other stations are not looked at.
+/// The latest of the times of all blocks that have the register. Blocks are ordered by station,
+/// type and address: those of other stations are not looked at.
 std::optional<Duration> latest(const std::map<BlockKey, Duration> &times, int station,
                                const QString &regType, int address)
 {
@@ -89,10 +89,18 @@ bool Runtime::isStop(const WriteWish &wish) const
     return wish.regType == QLatin1String("CW") && m_stop.isStop(wish.station, wish.values);
 }
 
+bool Runtime::mayBeWritten(int station) const
+{
+    return m_settings.stations.isEmpty() || m_settings.stations.contains(station);
+}
+
 Refusal Runtime::gate(const WriteWish &wish) const
 {
     const bool isCommand = wish.regType == QLatin1String("CW");
     const bool stops = isStop(wish);
+    // A station that a reload took out of the plant keeps a stop that it still owes.
+    if (!stops && !mayBeWritten(wish.station))
+        return Refusal::NotConfigured;
     const Refusal stopping = stopGate(wish, stops);
     if (stopping != Refusal::None)
         return stopping;

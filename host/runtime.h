@@ -19,6 +19,7 @@ struct RuntimeSettings {
     LinkSettings link;
     BreakerSettings breaker;
     QVector<StopCommand> stops; ///< sent by stop(); a station without one is left as it is
+    QVector<int> stations; ///< that may be written to; empty: all
     Duration staleAfter = std::chrono::seconds(5); ///< age from which a value counts as old
     Duration userPatience { 0 }; ///< silence of the user that leads to a stop; 0: never
     std::function<void(Duration)> pause; ///< lets time pass; null: the thread sleeps
@@ -133,6 +134,10 @@ public:
     /// station whose stop is not confirmed yet keeps its command.
     void setStops(const QVector<StopCommand> &stops) { m_stop.setCommands(stops); }
 
+    /// Replaces RuntimeSettings::stations. Writes that were taken before are sent; a stop that is
+    /// not confirmed yet is, wherever its station stands.
+    void setStations(const QVector<int> &stations) { m_settings.stations = stations; }
+
     /// Replaces RuntimeSettings::stopBroadcast and RuntimeSettings::stopBudget.
     void setStopBroadcast(bool isWanted) { m_stop.setBroadcast(isWanted); }
     void setStopBudget(Duration budget) { m_settings.stopBudget = budget; }
@@ -155,6 +160,7 @@ private:
     class StopCall;
 
     Refusal gate(const WriteWish &wish) const;
+    bool mayBeWritten(int station) const;
     bool isStop(const WriteWish &wish) const;
     Step takeStep();
     StopReport stopDrives(Duration budget);

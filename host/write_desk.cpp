@@ -325,6 +325,8 @@ QString refusalText(Refusal refusal)
         return QStringLiteral("too many writes are waiting");
     case Refusal::Stopping:
         return QStringLiteral("a stop is under way");
+    case Refusal::NotConfigured:
+        return QStringLiteral("the configuration does not name the station");
     }
     return QString();
 }

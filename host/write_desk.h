@@ -32,6 +32,7 @@ enum class Refusal {
     NotAnswered, ///< a command to a station that has not answered yet
     QueueFull, ///< 512 wait already, 16 of them or more for this station
     Stopping, ///< a safe stop is under way
+    NotConfigured, ///< the configuration does not name the station
 };
 
 struct WriteOutcome {

@@ -38,6 +38,23 @@ TEST(ConfigRuntime, EveryStationIsStoppedAsTheFileSays)
     EXPECT_EQ(settings.stopBudget, milliseconds(700));
 }
 
+TEST(ConfigRuntime, OnlyStationsOfTheFileAreWrittenTo)
+{
+    RuntimeUnderTest under(
+        runtimeSettings(configOf("line.port = \"a\"\n[[station]]\naddress = 2\n")));
+    under.stations.line.open(nullptr);
+
+    under.write(1, "FRE", 0, { 5 });
+    under.write(2, "FRE", 0, { 5 });
+    under.steps(1);
+
+    EXPECT_EQ(under.outcomes, (Texts { "1000 refused", "1001 confirmed" }));
+    EXPECT_EQ(under.outcomeRecords.at(0).refusal, Refusal::NotConfigured);
+    EXPECT_EQ(under.outcomeRecords.at(0).text.toStdString(),
+              "station 1, FRE 0 (0x1002): the configuration does not name the station");
+    EXPECT_EQ(under.sent(1, 6), 0);
+}
+
 TEST(ConfigRuntime, WithoutAControlWordNothingIsStopped)
 {
     const RuntimeSettings settings =
@@ -113,6 +130,31 @@ TEST_F(ReloadedRuntime, StopsTheStationsOfTheFile)
     EXPECT_TRUE(report.unconfirmed.isEmpty());
     EXPECT_EQ(under.sent(1, 6), 0);
     EXPECT_EQ(under.stations.registers.at({ 2, 0x1001 }), 6);
+}
+
+TEST_F(ReloadedRuntime, WritesToTheStationsOfTheFile)
+{
+    const bool applied = replaceBy("line.port = \"a\"\n[[station]]\naddress = 2\n");
+
+    under.write(1, "FRE", 0, { 5 });
+    under.write(2, "FRE", 0, { 5 });
+    under.steps(1);
+
+    EXPECT_TRUE(applied);
+    EXPECT_EQ(under.outcomes, (Texts { "1000 refused", "1001 confirmed" }));
+}
+
+TEST_F(ReloadedRuntime, RepeatsTheStopOfAStationThatTheFileNamesNoMore)
+{
+    replaceBy("line.port = \"a\"\nstop.control_word = 6\n[[station]]\naddress = 1\n");
+    under.stations.dead = { 1 };
+    under.host.stop(milliseconds(300));
+
+    replaceBy("line.port = \"a\"\nstop.control_word = 6\n[[station]]\naddress = 2\n");
+    under.stations.dead = {};
+    under.runFor(seconds(15));
+
+    EXPECT_EQ(under.stations.registers.at({ 1, 0x1001 }), 6);
 }
 
 TEST_F(ReloadedRuntime, BroadcastsAsTheFileSays)
