@@ -7,6 +7,8 @@
 #include "host/config.h"
 #include "host/modbus_limits.h"
 
+#include <algorithm>
+
 namespace dx4::cli {
 namespace {
 
@@ -82,6 +84,25 @@ QStringList linePlace(const LineOptions &options)
     return given;
 }
 
+/// "station 2" or "stations 1 and 2".
+QString stationsText(const host::Config &config)
+{
+    QStringList addresses;
+    for (const host::StationConfig &station : config.stations)
+        addresses.append(QString::number(station.address));
+    if (addresses.size() == 1)
+        return QStringLiteral("station %1").arg(addresses.constFirst());
+    const QString last = addresses.takeLast();
+    return QStringLiteral("stations %1 and %2").arg(addresses.join(QStringLiteral(", ")), last);
+}
+
+/// Where a configuration has one station alone, that is meant; of several, none is.
+void chooseStation(LineOptions &options, const host::Config &config)
+{
+    if (!options.stationIsGiven && !config.stations.isEmpty())
+        options.station = config.stations.size() == 1 ? config.stations.constFirst().address : 0;
+}
+
 int readConfiguration(LineOptions &options, const QString &name)
 {
     options.command = name;
@@ -97,10 +118,45 @@ int readConfiguration(LineOptions &options, const QString &name)
     if (!config)
         return ExitUsage;
     complete(options, *config);
+    chooseStation(options, *config);
     return ExitDone;
 }
 
 } // namespace
+
+UsualStation usualStation(const LineOptions &options)
+{
+    if (options.station > 0)
+        return { options.station };
+    return { 0, QStringLiteral("%1 has %2").arg(options.config, stationsText(options.plant)) };
+}
+
+bool namesStation(const LineOptions &options, Failure *failure)
+{
+    if (options.station > 0)
+        return true;
+    *failure = { ExitUsage,
+                 QStringLiteral("%1 has %2; name one with --station")
+                     .arg(options.config, stationsText(options.plant)) };
+    return false;
+}
+
+bool mayDrive(const LineOptions &options, int station, Failure *failure)
+{
+    const QVector<host::StationConfig> &all = options.plant.stations;
+    const bool isKnown = std::any_of(all.cbegin(), all.cend(),
+                                     [&](const auto &known) { return known.address == station; });
+    if (station == 0)
+        return namesStation(options, failure);
+    if (isKnown || all.isEmpty())
+        return true;
+    *failure = { ExitUsage,
+                 QStringLiteral("station %1 is not in %2, which has %3; name one of the file, or "
+                                "leave --config out")
+                     .arg(station)
+                     .arg(options.config, stationsText(options.plant)) };
+    return false;
+}
 
 void addLineOptions(Command &command, LineOptions &options, const QString &name)
 {

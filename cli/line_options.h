@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cli/command_line.h"
+#include "cli/target.h"
 #include "host/config.h"
 
 namespace dx4::cli {
@@ -15,7 +16,7 @@ struct LineOptions {
     QString port;
     QString format; ///< "8N1"
     int speed = 0; ///< bit/s; 0: not given
-    int station = 1; ///< of addresses that name none
+    int station = 1; ///< of addresses that name none; 0: the configuration has several
     bool stationIsGiven = false; ///< by the option itself
     int timeout = 0; ///< ms from the end of a request to the first byte of its reply; 0: not given
     int retries = -1; ///< repetitions of a request that was not answered; -1: not given
@@ -27,6 +28,18 @@ struct LineOptions {
     QStringList registers; ///< of the configuration, as splitTargets() takes them
     host::Config plant; ///< the configuration, with the options in place of what they replace
 };
+
+/// Station of addresses that name none.
+UsualStation usualStation(const LineOptions &options);
+
+/// Whether it is clear which station is meant. Where a configuration has several, one must be
+/// named.
+bool namesStation(const LineOptions &options, Failure *failure);
+
+/// Whether a station may be written to: with a configuration only its own may.
+///
+/// @param station  0: the configuration has several, and none was named
+bool mayDrive(const LineOptions &options, int station, Failure *failure);
 
 /// Adds the options of a line to a command, and the step that reads the configuration. `options`
 /// must live as long as the command line.

@@ -76,7 +76,7 @@ std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
 
 } // namespace
 
-std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int station,
+std::optional<QVector<TargetText>> splitTargets(const QStringList &words, const UsualStation &usual,
                                                 Failure *failure)
 {
     QVector<TargetText> runs;
@@ -93,7 +93,14 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int st
             runs.last().text += QLatin1Char(' ') + word.address;
             continue;
         }
-        const int asked = host::parseWholeNumber(word.station).value_or(station);
+        const int asked = host::parseWholeNumber(word.station).value_or(usual.address);
+        if (word.station.isEmpty() && asked == 0) {
+            tell(failure,
+                 QStringLiteral("\"%1\" names no station, and %2; name one with --station, or "
+                                "in front as in 2:D 4")
+                     .arg(part, usual.whyNone));
+            return std::nullopt;
+        }
         if (asked < 1 || asked > host::lastStation) {
             const QString given = word.station.isEmpty() ? QString::number(asked) : word.station;
             tell(failure, QStringLiteral("no station %1; stations are 1 to 247").arg(given));
@@ -112,10 +119,11 @@ bool namesRegisters(const QString &word)
             runs->constFirst().text.section(QLatin1Char(' '), 0, 0));
 }
 
-std::optional<QVector<Target>> parseTargets(const QStringList &words, int station, AccessMode mode,
-                                            const host::DriverApi &api, Failure *failure)
+std::optional<QVector<Target>> parseTargets(const QStringList &words, const UsualStation &usual,
+                                            AccessMode mode, const host::DriverApi &api,
+                                            Failure *failure)
 {
-    const auto texts = splitTargets(words, station, failure);
+    const auto texts = splitTargets(words, usual, failure);
     if (!texts)
         return std::nullopt;
     QVector<Target> targets;

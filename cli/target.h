@@ -9,6 +9,7 @@
 #include <QVector>
 
 #include <optional>
+#include <utility>
 
 namespace dx4::cli {
 
@@ -26,18 +27,30 @@ struct TargetText {
     QString text; ///< "F c.13"
 };
 
+/// Station of the runs that name none.
+struct UsualStation {
+    UsualStation(int station, QString why = {})
+        : address(station)
+        , whyNone(std::move(why))
+    {
+    }
+
+    int address; ///< 0: there is none, and each run has to name its own
+    QString whyNone; ///< for messages, "plant.toml has stations 1 and 2"
+};
+
 /// Groups words into runs: a type name begins one, the words behind it belong to it. "F c.13",
 /// "Fc.13", "F" "8.0-8.3", "2:D" "4" and "SW" are all understood.
 ///
-/// @param station  of the runs that name none
-std::optional<QVector<TargetText>> splitTargets(const QStringList &words, int station,
+std::optional<QVector<TargetText>> splitTargets(const QStringList &words, const UsualStation &usual,
                                                 Failure *failure);
 
 /// Whether a word begins a run of registers, "F", "F8.3" or "2:D".
 bool namesRegisters(const QString &word);
 
 /// The same runs, checked by the driver for this kind of access.
-std::optional<QVector<Target>> parseTargets(const QStringList &words, int station, AccessMode mode,
-                                            const host::DriverApi &api, Failure *failure);
+std::optional<QVector<Target>> parseTargets(const QStringList &words, const UsualStation &usual,
+                                            AccessMode mode, const host::DriverApi &api,
+                                            Failure *failure);
 
 } // namespace dx4::cli

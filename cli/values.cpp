@@ -53,12 +53,12 @@ std::optional<Target> lengthened(Target target, int count, AccessMode mode,
 
 } // namespace
 
-std::optional<Setting> parseSetting(const QStringList &words, int station,
+std::optional<Setting> parseSetting(const QStringList &words, const UsualStation &usual,
                                     const host::DriverApi &api, Failure *failure)
 {
     const QStringList parts = words.join(QLatin1Char(' ')).simplified().split(QLatin1Char(' '));
     const int named = addressWords(parts);
-    const auto targets = parseTargets(parts.mid(0, named), station, WriteAccess, api, failure);
+    const auto targets = parseTargets(parts.mid(0, named), usual, WriteAccess, api, failure);
     if (!targets)
         return std::nullopt;
     Setting setting { targets->constFirst(), {} };
@@ -97,11 +97,11 @@ std::optional<Setting> parseSetting(const QStringList &words, int station,
     return setting;
 }
 
-std::optional<QVector<Target>> parseCounted(const QStringList &words, int count, int station,
-                                            AccessMode mode, const host::DriverApi &api,
-                                            Failure *failure)
+std::optional<QVector<Target>> parseCounted(const QStringList &words, int count,
+                                            const UsualStation &usual, AccessMode mode,
+                                            const host::DriverApi &api, Failure *failure)
 {
-    auto targets = parseTargets(words, station, mode, api, failure);
+    auto targets = parseTargets(words, usual, mode, api, failure);
     if (!targets || count == 0)
         return targets;
     if (targets->size() != 1 || targets->constFirst().count != 1) {

@@ -14,13 +14,13 @@ struct Setting {
 
 /// Takes "F 8.2 20 15", "FRE 3000" or "CW 0x0001" apart and has the driver check it. Values are 0
 /// to 65535, decimal or hexadecimal with 0x.
-std::optional<Setting> parseSetting(const QStringList &words, int station,
+std::optional<Setting> parseSetting(const QStringList &words, const UsualStation &usual,
                                     const host::DriverApi &api, Failure *failure);
 
 /// As parseTargets(); with a count above 0 there is one run, and that is its length.
-std::optional<QVector<Target>> parseCounted(const QStringList &words, int count, int station,
-                                            AccessMode mode, const host::DriverApi &api,
-                                            Failure *failure);
+std::optional<QVector<Target>> parseCounted(const QStringList &words, int count,
+                                            const UsualStation &usual, AccessMode mode,
+                                            const host::DriverApi &api, Failure *failure);
 
 /// The run cut into pieces that fit one request each.
 QVector<Target> pieces(const Target &target, int blockSize);

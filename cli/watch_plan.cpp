@@ -31,9 +31,9 @@ std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &
     if (!scratch)
         return std::nullopt;
     // Asked here first, because it names the nearest valid word.
-    if (!parseTargets(words, options.station, ReadAccess, scratch->api(), failure))
+    if (!parseTargets(words, usualStation(options), ReadAccess, scratch->api(), failure))
         return std::nullopt;
-    const auto texts = splitTargets(words, options.station, failure);
+    const auto texts = splitTargets(words, usualStation(options), failure);
     QVector<host::PlanEntry> entries;
     for (const TargetText &text : *texts)
         entries.append({ text.station, text.text });

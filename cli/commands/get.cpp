@@ -64,7 +64,7 @@ int runGet(const Options &options)
     const QStringList words = wordsOrConfigured(options.words, options.line);
     if (words.isEmpty())
         return complain(name, noRegisters());
-    const auto targets = parseCounted(words, options.count, options.line.station, ReadAccess,
+    const auto targets = parseCounted(words, options.count, usualStation(options.line), ReadAccess,
                                       editor->api(), &failure);
     if (!targets)
         return complain(name, failure);

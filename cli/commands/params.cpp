@@ -195,6 +195,9 @@ int dumpToFile(const Options &options)
 
 int runDump(const Options &options)
 {
+    Failure failure;
+    if (!namesStation(options.line, &failure))
+        return complain(QStringLiteral("params dump"), failure);
     return options.files.isEmpty() ? dumpToOutput(options) : dumpToFile(options);
 }
 
@@ -229,7 +232,8 @@ int runDiff(const Options &options)
         if (!loaded)
             return complain(name, failure);
         second = *loaded;
-    } else if (!mayMeet(options, *first, "compare it with", &failure)
+    } else if (!namesStation(options.line, &failure)
+               || !mayMeet(options, *first, "compare it with", &failure)
                || !readSet(options.line, second, &failure)) {
         return complain(name, failure);
     }
@@ -272,6 +276,8 @@ int runRestore(const Options &options)
 {
     const QString name = QStringLiteral("params restore");
     Failure failure;
+    if (!mayDrive(options.line, options.line.station, &failure))
+        return complain(name, failure);
     const auto wanted = loadSet(options.files.constFirst(), &failure);
     if (!wanted || !mayMeet(options, *wanted, "restore it to", &failure))
         return complain(name, failure);

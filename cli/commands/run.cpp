@@ -70,6 +70,8 @@ int runRun(const Options &options)
         if (!frequency)
             return complain(name, failure);
     }
+    if (!mayDrive(options.line, options.line.station, &failure))
+        return complain(name, failure);
     SessionWishes wishes;
     if (options.line.plant.stop.controlWord)
         wishes.stops.append({ options.line.station, *options.line.plant.stop.controlWord });

@@ -31,8 +31,9 @@ int runSet(const Options &options)
     const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     if (!editor)
         return complain(name, failure);
-    const auto setting = parseSetting(options.words, options.line.station, editor->api(), &failure);
-    if (!setting)
+    const auto setting =
+        parseSetting(options.words, usualStation(options.line), editor->api(), &failure);
+    if (!setting || !mayDrive(options.line, setting->target.station, &failure))
         return complain(name, failure);
     SessionWishes wishes;
     const int station = setting->target.station;

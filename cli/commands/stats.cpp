@@ -105,12 +105,24 @@ QStringList resultLines(Session &session, const Options &options, const host::Pl
         << sumLines(runtime.counters(), runtime.counters().lineLoad(start, session.line().now()));
 }
 
+/// The status word, which every drive has, where nothing else is asked for.
+QStringList wordsOf(const Options &options)
+{
+    const QStringList words = wordsOrConfigured(options.words, options.line);
+    if (!words.isEmpty())
+        return words;
+    if (options.line.station > 0)
+        return { QStringLiteral("SW") };
+    QStringList statusWords;
+    for (const host::StationConfig &station : options.line.plant.stations)
+        statusWords.append(QStringLiteral("%1:SW").arg(station.address));
+    return statusWords;
+}
+
 int runStats(const Options &options)
 {
     const QString name = QStringLiteral("stats");
-    const QStringList words = options.words.isEmpty() && options.line.registers.isEmpty()
-        ? QStringList { QStringLiteral("SW") }
-        : wordsOrConfigured(options.words, options.line);
+    const QStringList words = wordsOf(options);
     Failure failure;
     const auto plan = makePlan(words, options.line, &failure);
     if (!plan)

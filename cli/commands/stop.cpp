@@ -78,6 +78,9 @@ int runStop(const Options &options)
     if (stations.isEmpty())
         return complain(
             name, { ExitUsage, QStringLiteral("--all needs stations; name a file with --config") });
+    Failure failure;
+    if (!options.all && !mayDrive(options.line, options.line.station, &failure))
+        return complain(name, failure);
     // The runtime lets a command through to a station that it has not heard only as a stop.
     LineOptions line = options.line;
     const quint16 word = wordOf(options);
@@ -85,7 +88,6 @@ int runStop(const Options &options)
     SessionWishes wishes;
     for (const int station : stations)
         wishes.stops.append({ station, word });
-    Failure failure;
     const auto session = Session::open(line, &failure, wishes);
     if (!session)
         return complain(name, failure);

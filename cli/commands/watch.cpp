@@ -96,7 +96,7 @@ int runWatch(const Options &options)
     if (!session)
         return complain(name, failure);
     const host::DriverApi &api = session->runtime().link().api();
-    const auto targets = parseTargets(words, options.line.station, ReadAccess, api, &failure);
+    const auto targets = parseTargets(words, usualStation(options.line), ReadAccess, api, &failure);
     if (!targets)
         return complain(name, failure);
     WatchList list(watched(*targets, RegisterNames(options.line.plant, api, options.names)),
