@@ -24,7 +24,7 @@ struct LineOptions {
     bool json = false;
 
     QString command; ///< words that called it, for messages
-    QStringList given; ///< options that a second command needs to reach the same line, port apart
+    QStringList given; ///< options that a second command needs to stop the same drive, port apart
     QStringList registers; ///< of the configuration, as splitTargets() takes them
     host::Config plant; ///< the configuration, with the options in place of what they replace
 };

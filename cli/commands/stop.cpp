@@ -2,6 +2,7 @@
 // dx4 stop: stops the motor.
 #include "cli/commands/stop.h"
 
+#include "cli/output.h"
 #include "cli/register_names.h"
 #include "cli/session.h"
 #include "cli/write_output.h"
@@ -52,23 +53,34 @@ int stopOne(Session &session, int station, quint16 word)
     return complain(QStringLiteral("stop"), failure);
 }
 
-/// One pass over all of them goes first, so that none waits for those that do not answer.
+void printConfirmed(Session &session, int station, quint16 word)
+{
+    host::WriteOutcome confirmed;
+    confirmed.id = host::safeStopTag;
+    confirmed.sent = true;
+    print(session, { { commandOf(station), confirmed } }, station, word);
+}
+
+/// One pass over all of them goes first, and those that confirmed it are told at once: none waits
+/// for a station that does not answer. The others are asked once more, which says why.
 int stopAll(Session &session, const QVector<int> &stations, quint16 word)
 {
     const QVector<int> unconfirmed = session.stop().unconfirmed;
-    int exitCode = ExitDone;
     for (const int station : stations) {
-        host::WriteOutcome confirmed;
-        confirmed.id = host::safeStopTag;
-        confirmed.sent = true;
-        int code = ExitDone;
-        if (unconfirmed.contains(station))
-            code = stopOne(session, station, word);
-        else
-            print(session, { { commandOf(station), confirmed } }, station, word);
-        exitCode = exitCode == ExitDone ? code : exitCode;
+        if (!unconfirmed.contains(station))
+            printConfirmed(session, station, word);
     }
-    return exitCode;
+    int stillTurning = 0;
+    for (const int station : unconfirmed)
+        stillTurning += stopOne(session, station, word) == ExitDone ? 0 : 1;
+    if (stillTurning == 0)
+        return ExitDone;
+    return complain(
+        QStringLiteral("stop"),
+        { ExitFailed,
+          QStringLiteral("STOP NOT CONFIRMED by %1 of %2")
+              .arg(stillTurning)
+              .arg(counted(static_cast<quint64>(stations.size()), "station", "stations")) });
 }
 
 int runStop(const Options &options)
@@ -85,6 +97,8 @@ int runStop(const Options &options)
     LineOptions line = options.line;
     const quint16 word = wordOf(options);
     line.plant.stop.controlWord = word;
+    if (options.word >= 0)
+        line.given << QStringLiteral("--word") << QString::number(options.word);
     SessionWishes wishes;
     for (const int station : stations)
         wishes.stops.append({ station, word });

@@ -84,6 +84,59 @@ TEST(Motor, StopThatIsNotConfirmedNamesTheCommandToRepeat)
     EXPECT_NE(printed.err.find(warning(bench, "stop")), std::string::npos) << printed.err;
 }
 
+TEST(Motor, CommandToRepeatAStopHasItsWord)
+{
+    Bench bench;
+    bench.fake({ running });
+
+    const Printed printed = bench.run("dx4 stop --timeout 30 --word 5");
+
+    EXPECT_NE(printed.err.find(warning(bench, "stop", "--word 5 ")), std::string::npos)
+        << printed.err;
+}
+
+TEST(Motor, StationsThatAnswerAreStoppedAheadOfTheDead)
+{
+    Bench bench;
+    bench.serve("1,2");
+    bench.run("printf '[stop]\ncontrol_word = 0\nbroadcast = true\nconfirm_ms = 300\n' "
+              ">plant.toml; for i in 8 9 1 2; do "
+              "printf '[[station]]\naddress = %d\n' $i >>plant.toml; done; "
+              "dx4 run --config plant.toml --station 2");
+
+    const Printed printed = bench.run("dx4 stop --config plant.toml --all --timeout 30");
+
+    EXPECT_EQ(printed.code, 1);
+    EXPECT_EQ(printed.out,
+              "1  CW 0 (0x1001)         0  0x0000  Control word 0x0000  confirmed\n"
+              "2  CW 0 (0x1001)         0  0x0000  Control word 0x0000  confirmed\n");
+    EXPECT_NE(printed.err.find("dx4 stop: STOP NOT CONFIRMED by 2 of 4 stations\n"),
+              std::string::npos)
+        << printed.err;
+    for (const char *dead : { "8", "9" })
+        EXPECT_NE(printed.err.find("dx4 stop: the motor of station " + std::string(dead)
+                                   + " may still turn; stop it with: dx4 stop --config plant.toml "
+                                     "--port "
+                                   + bench.device() + " --station " + dead + "\n"),
+                  std::string::npos)
+            << printed.err;
+}
+
+TEST(Motor, StopOfAllWithABroadcastReachesDrivesThatTheFileDoesNotName)
+{
+    Bench bench;
+    bench.serve("1,2");
+    bench.run("printf '[stop]\\ncontrol_word = 0\\nbroadcast = true\\n[[station]]\\n"
+              "address = 1\\n' >plant.toml; dx4 run --station 2 --frequency 30");
+    const Printed before = bench.run("dx4 get 2:SW");
+
+    const Printed printed = bench.run("dx4 stop --config plant.toml --all");
+
+    EXPECT_EQ(printed.code, 0) << printed.err;
+    EXPECT_EQ(before.out, "2  SW 0 (0x2000)        35  0x0023\n") << "it speeds up";
+    EXPECT_NE(bench.run("dx4 get 2:SW").out, before.out);
+}
+
 TEST(Motor, StartThatIsConfirmedSaysNothing)
 {
     Bench bench;
