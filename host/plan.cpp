@@ -176,4 +176,19 @@ QStringList describe(const Plan &plan, const LineSettings &line)
     return lines;
 }
 
+QStringList unreadable(const QList<KEY_ADDRESS> &blocks)
+{
+    QStringList texts;
+    for (const KEY_ADDRESS &block : blocks) {
+        if (block.count < 1 || block.count > largestBlock)
+            texts.append(
+                QStringLiteral("station %1, %2: not polled, as the driver joined it with what "
+                               "follows to a block of %3 registers")
+                    .arg(block.station)
+                    .arg(fullAddress(block.regType, block.address))
+                    .arg(block.count));
+    }
+    return texts;
+}
+
 } // namespace dx4::host

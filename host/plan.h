@@ -62,4 +62,11 @@ Duration cycleTime(const Plan &plan, const LineSettings &line, Duration turnarou
 /// One line per block with its station, both forms of the address, count and wire time.
 QStringList describe(const Plan &plan, const LineSettings &line);
 
+/// Says which blocks of the driver no station could answer; one text each.
+///
+/// Addresses that no Planner made may lead to such blocks: the driver joins what is next to each
+/// other in its order, also registers of two stations, and the sum may be no register at all. The
+/// guard keeps these blocks from the line.
+QStringList unreadable(const QList<KEY_ADDRESS> &blocks);
+
 } // namespace dx4::host

@@ -122,11 +122,37 @@ void bringAbout(Link &link, const ReplayLine &line, const Request &request)
         link.addConditionRead(request.station, request.regType, request.address, request.count);
 }
 
+/// Lets only what the recording has onto the line. A guard would wait for the replies to all else,
+/// and keep requests back that the recording answers.
+class RecordedExchange : public Exchange {
+public:
+    RecordedExchange(ReplayLine &line, Exchange &exchange)
+        : m_line(line)
+        , m_exchange(exchange)
+    {
+    }
+
+    Reply run(const FRAME_PRO &request) override
+    {
+        const auto *const bytes = reinterpret_cast<const char *>(request.frame);
+        if (m_line.isAhead(QByteArray(bytes, request.sendLength)))
+            return m_exchange.run(request);
+        m_line.noteUnrecorded();
+        return {};
+    }
+    const ExchangeReport &report() const override { return m_exchange.report(); }
+
+private:
+    ReplayLine &m_line;
+    Exchange &m_exchange;
+};
+
 } // namespace
 
 ReplayResult replay(Link &link, ReplayLine &line, Exchange &exchange)
 {
-    Cycle cycle(link, exchange);
+    RecordedExchange recorded(line, exchange);
+    Cycle cycle(link, recorded);
     ReplayResult result;
     // Longest way to a recorded request: every block failed with all its tries.
     const int patience = (lengthOf(link.api().state->readList) + 1) * link.settings().retryLimit;

@@ -44,6 +44,13 @@ QByteArray ReplayLine::requestAfterNext() const
     return {};
 }
 
+bool ReplayLine::isAhead(const QByteArray &request) const
+{
+    return std::any_of(m_frames.begin() + m_next, m_frames.end(), [&](const RecordedFrame &frame) {
+        return frame.isRequest && frame.bytes == request;
+    });
+}
+
 void ReplayLine::answer(const QByteArray &request)
 {
     if (request.isEmpty() || request != nextRequest()) {

@@ -42,10 +42,16 @@ public:
     /// The first request behind that one which is not its repetition; empty when there is none.
     QByteArray requestAfterNext() const;
 
+    /// Whether a request stands anywhere in what was not played yet.
+    bool isAhead(const QByteArray &request) const;
+
+    /// Counts a request that was not sent, as the recording has no answer to it.
+    void noteUnrecorded() { ++m_unrecorded; }
+
     /// Requests of the recording that were played.
     int played() const { return m_played; }
 
-    /// Requests sent that were not the recording's next one.
+    /// Requests that were not the recording's next one, sent or not.
     int unrecorded() const { return m_unrecorded; }
 
 private:

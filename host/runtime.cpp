@@ -76,12 +76,15 @@ void Runtime::applyPlan()
 {
     if (!m_nextPlan || !m_link.api().state->sendFrames.isEmpty())
         return;
-    m_blocks = lengthOf(m_link.poll(m_nextPlan->addresses));
+    const QList<KEY_ADDRESS> blocks = m_link.poll(m_nextPlan->addresses);
+    m_blocks = lengthOf(blocks);
     std::set<int> stations;
     for (const KEY_ADDRESS &address : std::as_const(m_nextPlan->addresses))
         stations.insert(address.station);
     m_breaker.setPolled(stations);
     m_nextPlan.reset();
+    for (const QString &text : unreadable(blocks))
+        notice(text);
 }
 
 bool Runtime::isStop(const WriteWish &wish) const
@@ -208,7 +211,13 @@ void Runtime::settleAsked(Step step)
 void Runtime::tellNotice()
 {
     const QString text = m_guard.takeNotice();
-    if (m_notice && !text.isEmpty())
+    if (!text.isEmpty())
+        notice(text);
+}
+
+void Runtime::notice(const QString &text)
+{
+    if (m_notice)
         m_link.handlerErrors().call([&] { m_notice(text); });
 }
 

@@ -111,7 +111,8 @@ public:
     /// Called with what must not go unheard: a stop that was not confirmed, or was at last.
     void onAlarm(AlarmHandler handler) { m_alarm = std::move(handler); }
 
-    /// Called with what a user had better know of the line: a station that needs a longer timeout.
+    /// Called with what a user had better know of the line: a station that needs a longer timeout,
+    /// or registers of a plan that cannot be polled, see unreadable().
     void onNotice(AlarmHandler handler) { m_notice = std::move(handler); }
 
     /// Drops all waiting writes, sends the configured stops and waits for their echoes, no longer
@@ -186,6 +187,7 @@ private:
     void watchUser();
     void alarm(const QString &text);
     void tellNotice();
+    void notice(const QString &text);
     Line &m_line;
     RuntimeSettings m_settings;
     Link m_link;

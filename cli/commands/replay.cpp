@@ -59,6 +59,10 @@ int report(const host::ReplayResult &result)
     note(name,
          counted(static_cast<quint64>(result.played), "request", "requests")
              + QStringLiteral(" played"));
+    if (result.unrecorded > 0)
+        note(name,
+             QStringLiteral("%1 of the driver left out, as the recording does not have them there")
+                 .arg(counted(static_cast<quint64>(result.unrecorded), "request", "requests")));
     if (result.complete)
         return ExitDone;
     return complain(name,
@@ -94,7 +98,8 @@ int runReplay(const Options &options)
     link.onChange([&](const host::ValueChange &change) {
         printChange(link, change, options.line.json, names);
     });
-    link.poll(addresses);
+    for (const QString &text : host::unreadable(link.poll(addresses)))
+        note(name, text + QStringLiteral("; read as the recording has it"));
     return report(host::replay(link, line, exchange));
 }
 

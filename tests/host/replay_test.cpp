@@ -14,6 +14,7 @@
 
 using namespace dx4::host;
 using Texts = std::vector<std::string>;
+using std::chrono::milliseconds;
 
 namespace {
 
@@ -248,6 +249,57 @@ TEST_F(ReplayTest, AReplyWhoseRequestWasForgottenIsLeftOut)
 
     EXPECT_TRUE(result.complete);
     EXPECT_EQ(result.played, 1);
+}
+
+namespace {
+
+/// "D 20" of station 1 and "D 3" of station 2 by turns, which the driver joins to one block of -16
+/// registers; each round ends with a read that it does not.
+FrameRing joinedAcrossStations()
+{
+    FrameRing ring;
+    for (int round = 0; round < 3; ++round) {
+        const Duration begin = std::chrono::seconds(round);
+        ring.addRequest(begin, frameOf("01 03 D0 14 00 01"));
+        ring.addReplyBytes(begin + milliseconds(30), frameOf("01 03 02 00 4D"), Duration(0));
+        ring.addRequest(begin + milliseconds(100), frameOf("02 03 D0 03 00 01"));
+        ring.addReplyBytes(begin + milliseconds(130), frameOf("02 03 02 00 58"), Duration(0));
+    }
+    return ring;
+}
+
+} // namespace
+
+TEST_F(ReplayTest, ReadsThatTheDriverJoinsAcrossStationsArePlayedOneByOne)
+{
+    second.link.poll({ wanted(1, QStringLiteral("D"), 20), wanted(2, QStringLiteral("D"), 3) });
+    ReplayLine replayed(joinedAcrossStations().frames(), LineSettings());
+    GuardedExchange exchange(replayed);
+
+    const ReplayResult result = replay(second.link, replayed, exchange);
+
+    EXPECT_TRUE(result.complete) << result.stoppedAt.toStdString();
+    EXPECT_EQ(result.played, 6);
+    EXPECT_EQ(second.changes,
+              (Texts { "1 D 20 = 77", "-1 -1 0 = 0", "2 D 3 = 88", "-1 -1 0 = 0", "-1 -1 0 = 0",
+                       "-1 -1 0 = 0", "-1 -1 0 = 0", "-1 -1 0 = 0" }))
+        << "each is a condition read with its outcome";
+}
+
+TEST_F(ReplayTest, SeparatorsThatWereNeverPolledKeepNothingBack)
+{
+    second.link.poll({ wanted(1, QStringLiteral("D"), 20), wanted(1, QStringLiteral("SW"), 0),
+                       wanted(1, QStringLiteral("FU"), 0), wanted(2, QStringLiteral("D"), 3),
+                       wanted(2, QStringLiteral("SW"), 0), wanted(2, QStringLiteral("FU"), 0) });
+    ReplayLine replayed(joinedAcrossStations().frames(), LineSettings());
+    GuardedExchange exchange(replayed);
+
+    const ReplayResult result = replay(second.link, replayed, exchange);
+
+    EXPECT_TRUE(result.complete) << result.stoppedAt.toStdString();
+    EXPECT_EQ(result.played, 6);
+    EXPECT_GT(result.unrecorded, 0);
+    EXPECT_EQ(second.changes, (Texts { "1 D 20 = 77", "2 D 3 = 88" }));
 }
 
 TEST_F(ReplayTest, ARequestOfAnotherKindStopsTheReplayAndIsNamed)

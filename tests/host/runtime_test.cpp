@@ -355,3 +355,50 @@ TEST(RuntimeNotice, TellsOnceThatAStationNeedsALongerTimeout)
         notices.front().rfind("station 1 answers later than the response timeout of 100 ms;", 0),
         0U);
 }
+
+namespace {
+
+/// Addresses as no Planner makes them: the driver joins the first two to a block of -16 registers.
+Plan joinedAcrossStations(const QList<KEY_ADDRESS> &others)
+{
+    Plan plan;
+    plan.addresses =
+        QList<KEY_ADDRESS> { wanted(1, QStringLiteral("D"), 20), wanted(2, QStringLiteral("D"), 3) }
+        + others;
+    return plan;
+}
+
+} // namespace
+
+TEST(Runtime, BlockThatNoStationCouldAnswerIsLeftOutAndTheRestIsPolled)
+{
+    RuntimeUnderTest under;
+    Texts notices;
+    under.host.onNotice([&](const QString &text) { notices.push_back(text.toStdString()); });
+    under.stations.registers[{ 3, 0x2000 }] = 0x21;
+
+    under.host.setPlan(joinedAcrossStations({ wanted(3, QStringLiteral("SW"), 0) }));
+    under.steps(4);
+
+    EXPECT_EQ(notices,
+              Texts { "station 1, D 20 (0xD014): not polled, as the driver joined it with what "
+                      "follows to a block of -16 registers" });
+    EXPECT_EQ(under.sent(3, 3), 4);
+    EXPECT_EQ(under.value(3, "SW", 0), 0x21);
+    EXPECT_EQ(under.sent(1, 3) + under.sent(2, 3), 0);
+    EXPECT_FALSE(under.host.value(1, QStringLiteral("D"), 20).known);
+}
+
+TEST(Runtime, PlanOfNothingButSuchABlockLeavesTheLineToWrites)
+{
+    RuntimeUnderTest under;
+    under.host.setPlan(joinedAcrossStations({}));
+    under.stations.line.open(nullptr);
+
+    const Runtime::Step idle = under.host.step();
+    under.write(1, "FRE", 0, { 5 });
+    under.runFor(std::chrono::seconds(2));
+
+    EXPECT_EQ(idle, Runtime::Step::Idle);
+    EXPECT_EQ(under.outcomes, Texts { "1000 confirmed" });
+}
