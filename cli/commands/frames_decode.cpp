@@ -8,12 +8,20 @@
 #include "cli/reply_text.h"
 #include "host/length.h"
 #include "host/link.h"
+#include "host/notation.h"
 #include "host/reply_check.h"
+#include "register_tables.h"
 
 #include <QJsonArray>
 
 namespace dx4::cli {
 namespace {
+
+// In the table of types.
+constexpr int parameterType = 0;
+constexpr int monitorType = 1;
+constexpr int controlWordType = 2;
+constexpr int statusWordType = 4;
 
 struct Options {
     QString driver;
@@ -29,18 +37,36 @@ struct Opinion {
     ExitCode code = ExitDone;
 };
 
-/// Has the driver build the request that these bytes seem to be.
-bool buildAlike(host::Link &link, const FrameText &text, FRAME_PRO &frame)
-{
+/// Registers that a host may ask the driver for, by type and internal address.
+struct Asked {
     QString regType;
     int address = 0;
-    if (!findRegister(text.firstRegister, &regType, &address))
-        return false;
-    if (text.values.isEmpty())
-        link.poll({ host::wanted(text.station, regType, address, text.count) });
-    else
-        link.write(text.station, regType, address, text.values);
-    return link.nextFrame(frame);
+};
+
+bool isWrite(const FrameText &text)
+{
+    return !text.values.isEmpty();
+}
+
+/// What the driver has to be asked for to come to this register. The encoders look no address up:
+/// they add it to the type's base or take its low byte, so that they reach registers which no
+/// address of the catalogue names.
+std::optional<Asked> askedFor(const FrameText &text)
+{
+    Asked asked;
+    if (findRegister(text.firstRegister, &asked.regType, &asked.address))
+        return asked;
+    const int high = text.firstRegister / 256;
+    const int low = text.firstRegister % 256;
+    const bool isMonitor = high * 256 == REG_OFFSETADDR[monitorType];
+    if (isMonitor && !isWrite(text))
+        return Asked { REG_LIST[monitorType], low };
+    if (high == 0) // a group behind the last has no code
+        return Asked { REG_LIST[parameterType], parameterGroupCount * 256 + low };
+    if (isWrite(text) && text.values.size() > 1)
+        return std::nullopt;
+    const int type = isWrite(text) ? controlWordType : statusWordType;
+    return Asked { REG_LIST[type], text.firstRegister - REG_OFFSETADDR[type] };
 }
 
 QByteArray bytesOf(const FRAME_PRO &frame)
@@ -48,9 +74,32 @@ QByteArray bytesOf(const FRAME_PRO &frame)
     return QByteArray(reinterpret_cast<const char *>(frame.frame), frame.sendLength);
 }
 
+/// Has the driver build the request that these bytes seem to be.
+bool buildAlike(host::Link &link, const FrameText &text, FRAME_PRO &frame)
+{
+    const auto asked = askedFor(text);
+    if (!asked)
+        return false;
+    if (isWrite(text))
+        link.write(text.station, asked->regType, asked->address, text.values);
+    else
+        link.poll({ host::wanted(text.station, asked->regType, asked->address, text.count) });
+    return link.nextFrame(frame);
+}
+
 bool isRequest(const FrameText &text)
 {
-    return text.firstRegister >= 0 && (text.function == 3 || !text.values.isEmpty());
+    return text.firstRegister >= 0 && (text.function == 3 || isWrite(text));
+}
+
+/// Whether the driver's own check lets a host ask for that.
+bool isAcceptable(const host::DriverApi &api, const Asked &asked, const FrameText &text)
+{
+    int address = 0;
+    const int code =
+        api.checkAddr(asked.regType, host::addressText(asked.regType, asked.address), &address, 0,
+                      text.count, isWrite(text) ? WriteAccess : ReadAccess);
+    return code == AddressAccepted && address == asked.address;
 }
 
 Opinion aboutRequest(host::Link &link, const QByteArray &bytes, const FrameText &text)
@@ -59,16 +108,30 @@ Opinion aboutRequest(host::Link &link, const QByteArray &bytes, const FrameText 
     if (!buildAlike(link, text, built))
         return { true, QStringLiteral("the driver builds no such request"), ExitDone };
     const QByteArray own = bytesOf(built);
-    if (own == bytes)
+    if (own != bytes)
+        return { true, QStringLiteral("the driver builds %1").arg(bytesText(own)), ExitDone };
+    const Asked asked = *askedFor(text);
+    if (isAcceptable(link.api(), asked, text))
         return { true, QStringLiteral("the driver builds the same bytes"), ExitDone };
-    return { true, QStringLiteral("the driver builds %1").arg(bytesText(own)), ExitDone };
+    return { true,
+             QStringLiteral("the driver builds the same bytes for %1 %2, count %3, which its "
+                            "address check refuses")
+                 .arg(asked.regType, host::addressText(asked.regType, asked.address))
+                 .arg(text.count),
+             ExitDone };
 }
 
-Opinion aboutReply(host::Link &link, const FrameText &request, const QByteArray &reply)
+Opinion aboutReply(host::Link &link, const QByteArray &request, const FrameText &asked,
+                   const QByteArray &reply)
 {
     FRAME_PRO built;
-    if (!isRequest(request) || !buildAlike(link, request, built))
+    if (!isRequest(asked) || !buildAlike(link, asked, built))
         return { true, QStringLiteral("the driver builds no such request"), ExitUsage };
+    if (bytesOf(built) != request)
+        return { true,
+                 QStringLiteral("the driver builds %1 in place of that request")
+                     .arg(bytesText(bytesOf(built))),
+                 ExitUsage };
     const host::ReplyVerdict verdict = host::checkReply(built, reply);
     QString errorText;
     const bool accepted = link.handReply(reply, &errorText) == ReplyAccepted;
@@ -127,7 +190,7 @@ int runDecode(const Options &options)
     const FrameText text = explainFrame(*bytes, asked.firstRegister);
     Opinion opinion;
     if (request)
-        opinion = aboutReply(link, asked, *bytes);
+        opinion = aboutReply(link, *request, asked, *bytes);
     else if (isRequest(text))
         opinion = aboutRequest(link, *bytes, text);
     print(*bytes, text, opinion, options.json);
