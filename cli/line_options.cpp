@@ -65,6 +65,7 @@ void complete(LineOptions &options, const host::Config &config)
     plant.line.parity = parityOf(options.format);
     plant.line.stopBits = options.format.endsWith(QLatin1Char('2')) ? 2 : 1;
     plant.line.responseTimeout = std::chrono::milliseconds(options.timeout);
+    plant.line.isShared = options.shared || config.line.isShared;
     plant.link.retryLimit = options.retries + 1;
     plant.link.blockSize = options.block;
 }
@@ -81,6 +82,8 @@ QStringList linePlace(const LineOptions &options)
     add("--config", options.config);
     add("--speed", options.speed == 0 ? QString() : QString::number(options.speed));
     add("--format", options.format);
+    if (options.shared)
+        given << QStringLiteral("--shared");
     return given;
 }
 
@@ -172,6 +175,7 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
     command.number("--retries", options.retries, "repetitions of a failed request; else 2", 0, 100);
     command.number("--block", options.block, "most registers of one request; else 16", 1,
                    host::largestBlock);
+    command.flag("--shared", options.shared, "also where another program has the port open");
     command.flag("--json", options.json, "print one JSON object per line");
     addDriverOption(command, options.driver);
     command.prepare([&options, name] { return readConfiguration(options, name); });

@@ -22,6 +22,7 @@ struct LineOptions {
     int retries = -1; ///< repetitions of a request that was not answered; -1: not given
     int block = 0; ///< most registers of one request; 0: not given
     bool json = false;
+    bool shared = false; ///< beside a program that has the port open without a lock
 
     QString command; ///< words that called it, for messages
     QStringList given; ///< options that a second command needs to stop the same drive, port apart

@@ -33,6 +33,7 @@ void readLine(ConfigTable table, LineSettings &line)
         "echo", { { "auto", EchoMode::Auto }, { "yes", EchoMode::Yes }, { "no", EchoMode::No } },
         line.echo);
     table.flag("rs485", line.kernelSwitchesDirection);
+    table.flag("shared", line.isShared);
     table.refuseTheRest();
 }
 

@@ -26,6 +26,7 @@ QStringList differences(const Config &running, const Config &wanted)
     compare(a.responseTimeout == b.responseTimeout, QStringLiteral("line.timeout_ms"));
     compare(a.echo == b.echo, QStringLiteral("line.echo"));
     compare(a.kernelSwitchesDirection == b.kernelSwitchesDirection, QStringLiteral("line.rs485"));
+    compare(a.isShared == b.isShared, QStringLiteral("line.shared"));
     compare(running.link.retryLimit == wanted.link.retryLimit, QStringLiteral("link.tries"));
     compare(running.link.blockSize == wanted.link.blockSize, QStringLiteral("link.block_size"));
     return keys;

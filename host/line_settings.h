@@ -29,6 +29,7 @@ struct LineSettings {
     Duration responseTimeout = std::chrono::milliseconds(300); ///< end of request to first byte
     EchoMode echo = EchoMode::Auto;
     bool kernelSwitchesDirection = false; ///< RS-485 driver switched by the kernel over RTS
+    bool isShared = false; ///< opened also where another program has the port open without a lock
 
     /// Time of one character: start bit, 8 data bits, parity and stop bits; rounded up, as all
     /// times here.

@@ -10,7 +10,10 @@
 #include <QSerialPortInfo>
 #include <QStringList>
 
+#include <grp.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -26,12 +29,28 @@ dev_t deviceNumber(const QString &path)
     return isDevice ? status.st_rdev : 0;
 }
 
+constexpr unsigned firstTerminalMajor = 136; // of pseudo-terminals, the first million of them
+
 bool hasOpen(const QString &processFolder, dev_t device)
 {
     const QDir descriptors(processFolder + QStringLiteral("/fd"));
     const QStringList names = descriptors.entryList(QDir::Files | QDir::System | QDir::Hidden);
     return std::any_of(names.begin(), names.end(), [&](const QString &name) {
         return deviceNumber(descriptors.filePath(name)) == device;
+    });
+}
+
+/// Whether a process has the far end of a pseudo-terminal open.
+bool hasFarEnd(const QString &processFolder, dev_t device)
+{
+    if (major(device) != firstTerminalMajor)
+        return false;
+    const QByteArray index = "tty-index:\t" + QByteArray::number(minor(device)) + '\n';
+    const QDir descriptors(processFolder + QStringLiteral("/fdinfo"));
+    const QStringList names = descriptors.entryList(QDir::Files);
+    return std::any_of(names.begin(), names.end(), [&](const QString &name) {
+        QFile information(descriptors.filePath(name)); // only far ends have such a line
+        return information.open(QIODevice::ReadOnly) && information.readAll().contains(index);
     });
 }
 
@@ -72,7 +91,7 @@ QVector<PortInfo> listPorts(const QString &nameFolder)
 
 QString portDevice(const QString &name, const QString &nameFolder)
 {
-    const bool isPath = name.startsWith(QLatin1Char('/'));
+    const bool isPath = name.contains(QLatin1Char('/'));
     const QString lasting = isPath ? name : QDir(nameFolder).filePath(name);
     const QString path =
         isPath || QFileInfo::exists(lasting) ? lasting : QStringLiteral("/dev/") + name;
@@ -91,11 +110,35 @@ QVector<PortHolder> holdersOf(const QString &device)
         const std::optional<int> process = parseWholeNumber(entry);
         const QString folder = QStringLiteral("/proc/") + entry;
         if (process && hasOpen(folder, number))
-            holders.append({ *process, programOf(folder) });
+            holders.append({ *process, programOf(folder), hasFarEnd(folder, number) });
     }
     std::sort(holders.begin(), holders.end(),
               [](const PortHolder &a, const PortHolder &b) { return a.process < b.process; });
     return holders;
+}
+
+QVector<PortHolder> strangersOn(const QString &device)
+{
+    QVector<PortHolder> strangers;
+    for (const PortHolder &holder : holdersOf(device)) {
+        if (!holder.isFarEnd && holder.process != getpid())
+            strangers.append(holder);
+    }
+    return strangers;
+}
+
+QString permissionText(const QString &device)
+{
+    struct stat status { };
+    if (stat(QFile::encodeName(device).constData(), &status) != 0)
+        return QStringLiteral("no permission");
+    const group *owners = getgrgid(status.st_gid);
+    const bool isShared = (status.st_mode & S_IRGRP) != 0 && (status.st_mode & S_IWGRP) != 0;
+    if (!owners || !isShared)
+        return QStringLiteral("no permission; its owner alone may open it");
+    return QStringLiteral("no permission; group %1 has it: \"sudo usermod -aG %1 $USER\" joins it, "
+                          "from the next login on")
+        .arg(QString::fromLocal8Bit(owners->gr_name));
 }
 
 QString holderText(const QVector<PortHolder> &holders)

@@ -14,6 +14,7 @@ inline constexpr const char *portNameFolder = "/dev/serial/by-id";
 struct PortHolder {
     int process = 0;
     QString program; ///< name of its file
+    bool isFarEnd = false; ///< it is the other end of a pseudo-terminal, as a simulator is
 };
 
 struct PortInfo {
@@ -29,7 +30,8 @@ struct PortInfo {
 QVector<PortInfo> listPorts(const QString &nameFolder = QString::fromLatin1(portNameFolder));
 
 /// Device behind a name: a path or link as it is meant at this moment, a lasting name without its
-/// folder ("usb-FTDI_..."), or a device without "/dev" ("ttyUSB0").
+/// folder ("usb-FTDI_..."), or a device without "/dev" ("ttyUSB0"). A name with a slash in it is a
+/// path, a relative one from the working folder on ("./drive").
 ///
 /// @return path of the device, links resolved; a name that leads nowhere comes back as a path in
 ///         /dev, for messages
@@ -39,6 +41,13 @@ QString portDevice(const QString &name,
 /// Processes that have a device open, this one included, by number. Processes of other users show
 /// only to root.
 QVector<PortHolder> holdersOf(const QString &device);
+
+/// Other programs that would talk on the same line: holders of the device, under whatever name they
+/// opened it, without this process and without the far end of a pseudo-terminal.
+QVector<PortHolder> strangersOn(const QString &device);
+
+/// Who may open a port that this user may not, and how to become one of them.
+QString permissionText(const QString &device);
 
 /// "dx4 (process 812), minicom (process 901)"; says so when none can be seen.
 QString holderText(const QVector<PortHolder> &holders);

@@ -35,6 +35,17 @@ QSerialPort::Parity portParity(Parity parity)
     return QSerialPort::NoParity;
 }
 
+/// A program that has the port open and took no lock would talk into every exchange.
+QString sharedText(const QString &device)
+{
+    const QVector<PortHolder> strangers = strangersOn(device);
+    if (strangers.isEmpty())
+        return {};
+    return QStringLiteral("in use by %1, which took no lock; end it, as two programs on one line "
+                          "disturb each other")
+        .arg(holderText(strangers));
+}
+
 QString inUseText(const QString &device)
 {
     return QStringLiteral("in use by %1").arg(holderText(holdersOf(device)));
@@ -104,6 +115,9 @@ QString SerialLine::tryOpen(const QString &device)
 {
     if (!m_claim.take(device))
         return inUseText(device);
+    const QString others = m_settings.isShared ? QString() : sharedText(device);
+    if (!others.isEmpty())
+        return others;
     const bool opened = m_port->open(QIODevice::ReadWrite);
     // It sets exclusive mode. One that this user may open but cannot is held by a lock file.
     const bool isHeld = !opened && m_port->error() == QSerialPort::PermissionError
@@ -112,6 +126,8 @@ QString SerialLine::tryOpen(const QString &device)
         m_claim.release(); // else this program would be among the holders
         return inUseText(device);
     }
+    if (!opened && m_port->error() == QSerialPort::PermissionError)
+        return permissionText(device);
     if (!opened || !configure())
         return m_port->errorString();
     if (!tellEmptyFromGone(m_port->handle()))

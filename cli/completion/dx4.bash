@@ -2,7 +2,7 @@
 # Completion of dx4 for bash.
 
 _dx4_options() {
-  local line='--config --port --speed --format --station --timeout --retries --block --json --driver'
+  local line='--config --port --speed --format --station --timeout --retries --block --shared --json --driver'
   case $1 in
     demo) echo '--seconds --sim --driver --json' ;;
     types) echo '--driver --json' ;;

@@ -95,6 +95,7 @@ TEST(Config, WhatIsNotSaidStaysAtItsDefault)
     EXPECT_EQ(config->line.stopBits, 1);
     EXPECT_EQ(config->line.echo, EchoMode::Auto);
     EXPECT_FALSE(config->line.kernelSwitchesDirection);
+    EXPECT_FALSE(config->line.isShared);
     EXPECT_EQ(config->link.retryLimit, 3);
     EXPECT_EQ(config->link.blockSize, 16);
     EXPECT_EQ(config->stop.confirmWithin, milliseconds(2000));
@@ -108,7 +109,7 @@ TEST(Config, EveryKeyIsRead)
 {
     const auto config = parseConfig("[line]\nport = \"p\"\nspeed = 300\nparity = \"odd\"\n"
                                     "stop_bits = 2\ntimeout_ms = 7\necho = \"yes\"\n"
-                                    "rs485 = true\n"
+                                    "rs485 = true\nshared = true\n"
                                     "[link]\ntries = 9\nblock_size = 99\n"
                                     "[stop]\ncontrol_word = 6\nconfirm_ms = 11\nbroadcast = true\n"
                                     "[[station]]\naddress = 247\nname = \"s\"\n"
@@ -126,6 +127,7 @@ TEST(Config, EveryKeyIsRead)
     EXPECT_EQ(config->line.responseTimeout, milliseconds(7));
     EXPECT_EQ(config->line.echo, EchoMode::Yes);
     EXPECT_TRUE(config->line.kernelSwitchesDirection);
+    EXPECT_TRUE(config->line.isShared);
     EXPECT_EQ(config->link.retryLimit, 9);
     EXPECT_EQ(config->link.blockSize, 99);
     EXPECT_EQ(config->stop.controlWord, 6);
@@ -301,7 +303,7 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "AKeyWithALineBreak",
                     "[line]\n\"a\\nb\" = 1\n[[station]]\naddress = 1\n",
                     { "a.toml:2: a b: no such key; expected one of port, speed, parity, "
-                      "stop_bits, timeout_ms, echo, rs485" } },
+                      "stop_bits, timeout_ms, echo, rs485, shared" } },
         ConfigRow { "ANameWithALineBreak",
                     "[[station]]\naddress = 1\nname = \"x\\n\"\n"
                     "[[station]]\naddress = 2\nname = \"x\\n\"\n",

@@ -4,8 +4,14 @@
 
 #include "pseudo_terminal.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
+
+#include <grp.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace dx4::host;
 
@@ -30,6 +36,39 @@ TEST(PortList, ANameThatLeadsNowhereIsADevice)
               QStringLiteral("/dev/ttyNone9"));
 }
 
+TEST(PortList, ANameWithASlashIsAPathFromTheWorkingFolderOn)
+{
+    const QTemporaryDir folder;
+    const PseudoTerminal adapter;
+    QFile::link(adapter.path(), folder.filePath(QStringLiteral("drive")));
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.path()));
+
+    const QString here = portDevice(QStringLiteral("./drive"));
+    const QString above =
+        portDevice(QStringLiteral("../%1/drive").arg(QDir(folder.path()).dirName()));
+    const QString nowhere = portDevice(QStringLiteral("./none"));
+    QDir::setCurrent(before);
+
+    EXPECT_EQ(here, adapter.path());
+    EXPECT_EQ(above, adapter.path());
+    EXPECT_EQ(nowhere, QStringLiteral("./none"));
+}
+
+TEST(PortList, FarEndOfAPseudoTerminalIsNoStranger)
+{
+    const PseudoTerminal adapter;
+    const int near = open(adapter.path().toLatin1().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+
+    const QVector<PortHolder> holders = holdersOf(adapter.path());
+    const QVector<PortHolder> strangers = strangersOn(adapter.path());
+    close(near);
+
+    ASSERT_EQ(holders.size(), 1);
+    EXPECT_TRUE(holders.at(0).isFarEnd);
+    EXPECT_TRUE(strangers.isEmpty());
+}
+
 TEST(PortList, AHolderIsNamedOnce)
 {
     const PseudoTerminal adapter;
@@ -46,6 +85,24 @@ TEST(PortList, AHolderIsNamedOnce)
     EXPECT_EQ(holders.at(0).process, getpid());
     EXPECT_EQ(holders.at(0).program, QStringLiteral("korvane_host_test"));
     EXPECT_TRUE(afterwards.isEmpty());
+}
+
+TEST(PortList, TheGroupThatHasThePermissionIsNamed)
+{
+    QTemporaryFile device;
+    ASSERT_TRUE(device.open());
+    ASSERT_EQ(fchmod(device.handle(), 0660), 0);
+    const std::string name = getgrgid(getgid())->gr_name;
+    ASSERT_EQ(fchown(device.handle(), getuid(), getgid()), 0);
+
+    const QString group = permissionText(device.fileName());
+    ASSERT_EQ(fchmod(device.handle(), 0640), 0);
+    const QString owner = permissionText(device.fileName());
+
+    EXPECT_EQ(group.toStdString(),
+              "no permission; group " + name + " has it: \"sudo usermod -aG " + name
+                  + " $USER\" joins it, from the next login on");
+    EXPECT_EQ(owner.toStdString(), "no permission; its owner alone may open it");
 }
 
 TEST(PortList, WhatIsNoDeviceHasNoHolder)

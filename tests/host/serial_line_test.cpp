@@ -94,6 +94,105 @@ TEST_F(SerialLineTest, AHolderThatOnlyLocksIsTheOnlyOneNamed)
                   + std::to_string(holder) + ")");
 }
 
+namespace {
+
+/// Another program that has a port open, under a name of its own, and took no lock.
+class Stranger {
+public:
+    Stranger(const PseudoTerminal &adapter, const QString &name)
+    {
+        EXPECT_EQ(pipe(m_ready), 0);
+        m_process = fork();
+        if (m_process == 0) {
+            close(adapter.farEnd());
+            const int port = ::open(QFile::encodeName(name).constData(), O_RDWR | O_NOCTTY);
+            const bool told = write(m_ready[1], port >= 0 ? "y" : "n", 1) == 1;
+            alarm(60);
+            pause();
+            _exit(told ? 0 : 1);
+        }
+        char answer = 0;
+        EXPECT_EQ(read(m_ready[0], &answer, 1), 1);
+        EXPECT_EQ(answer, 'y');
+    }
+    ~Stranger()
+    {
+        kill(m_process, SIGKILL);
+        waitpid(m_process, nullptr, 0);
+        close(m_ready[0]);
+        close(m_ready[1]);
+    }
+    Stranger(const Stranger &) = delete;
+    Stranger &operator=(const Stranger &) = delete;
+
+    std::string text() const
+    {
+        return "korvane_host_test (process " + std::to_string(m_process) + ")";
+    }
+
+private:
+    pid_t m_process = 0;
+    int m_ready[2] = {};
+};
+
+} // namespace
+
+TEST_F(SerialLineTest, APortThatAnotherProgramHasOpenWithoutALockIsRefused)
+{
+    const PseudoTerminal adapter;
+    const QTemporaryDir folder;
+    const QString other = folder.filePath(QStringLiteral("other-name"));
+    ASSERT_TRUE(QFile::link(adapter.path(), other));
+    const Stranger stranger(adapter, other);
+    const tcflag_t before = adapter.settings().c_cflag;
+    SerialLine line(on(adapter.path()));
+    QString error;
+
+    const bool opened = line.open(&error);
+
+    EXPECT_FALSE(opened);
+    EXPECT_EQ(error.toStdString(),
+              adapter.path().toStdString() + ": in use by " + stranger.text()
+                  + ", which took no lock; end it, as two programs on one line disturb each other");
+    EXPECT_EQ(adapter.settings().c_cflag, before);
+}
+
+TEST_F(SerialLineTest, ASharedPortIsOpenedBesideAProgramWithoutALock)
+{
+    const PseudoTerminal adapter;
+    const Stranger stranger(adapter, adapter.path());
+    LineSettings settings = on(adapter.path());
+    settings.isShared = true;
+    SerialLine line(settings);
+    SerialLine second(settings);
+    QString error;
+
+    const bool opened = line.open(&error);
+    const bool openedTwice = second.open(nullptr);
+
+    EXPECT_TRUE(opened) << error.toStdString();
+    EXPECT_FALSE(openedTwice) << "a lock counts for those who share, too";
+}
+
+TEST_F(SerialLineTest, OneDeviceUnderTwoNamesIsOnePort)
+{
+    const PseudoTerminal adapter;
+    const QTemporaryDir folder;
+    const QString other = folder.filePath(QStringLiteral("other-name"));
+    ASSERT_TRUE(QFile::link(adapter.path(), other));
+    SerialLine first(on(adapter.path()));
+    SerialLine second(on(other));
+    QString error;
+    ASSERT_TRUE(first.open(&error)) << error.toStdString();
+
+    const bool opened = second.open(&error);
+
+    EXPECT_FALSE(opened);
+    EXPECT_EQ(error.toStdString(),
+              other.toStdString() + ": in use by korvane_host_test (process "
+                  + std::to_string(getpid()) + ")");
+}
+
 TEST_F(SerialLineTest, ARefusedOpenTouchesNoSettingOfTheHolder)
 {
     const PseudoTerminal adapter;
