@@ -19,10 +19,11 @@ struct LineSettings {
     int bitsPerCharacter = 11; ///< start, eight data bits, parity and stop bit, or two stop bits
     Micros turnaround { 2000 }; ///< from the end of a request to the begin of the reply
 
-    /// Time of one character.
-    Micros characterTime() const;
+    /// Time of so many characters back to back, rounded up once; 0 where bytes take no time.
+    Micros wireTime(std::size_t bytes) const;
 
-    /// Quiet time that ends a frame: three and a half characters, 1750 us above 19200 bit/s.
+    /// Quiet time that ends a frame: three and a half characters, rounded up, 1750 us above
+    /// 19200 bit/s.
     Micros frameGap() const;
 };
 

@@ -15,7 +15,7 @@ Micros us(int value)
 
 } // namespace
 
-TEST(LineSettings, CharacterTimeFollowsSpeedAndBits)
+TEST(LineSettings, WireTimeIsRoundedUpOnceForAllCharacters)
 {
     LineSettings slow;
     LineSettings fast;
@@ -24,9 +24,11 @@ TEST(LineSettings, CharacterTimeFollowsSpeedAndBits)
     LineSettings timeless;
     timeless.bitsPerSecond = 0;
 
-    EXPECT_EQ(slow.characterTime(), us(1145));
-    EXPECT_EQ(fast.characterTime(), us(86));
-    EXPECT_EQ(timeless.characterTime(), us(0));
+    EXPECT_EQ(slow.wireTime(1), us(1146)); // 1145.8
+    EXPECT_EQ(slow.wireTime(7), us(8021)); // 8020.8
+    EXPECT_EQ(fast.wireTime(1), us(87)); // 86.8
+    EXPECT_EQ(fast.wireTime(245), us(21268)); // 21267.4
+    EXPECT_EQ(timeless.wireTime(245), us(0));
 }
 
 TEST(LineSettings, FrameGapIsFixedOnFastLines)
@@ -36,7 +38,7 @@ TEST(LineSettings, FrameGapIsFixedOnFastLines)
     LineSettings at38400;
     at38400.bitsPerSecond = 38400;
 
-    EXPECT_EQ(at19200.frameGap(), us(2002)); // 3.5 characters of 572 us
+    EXPECT_EQ(at19200.frameGap(), us(2006)); // 2005.2
     EXPECT_EQ(at38400.frameGap(), us(1750));
 }
 
@@ -44,7 +46,7 @@ TEST_F(CableTime, FirstByteComesAfterRequestTurnaroundAndOneCharacter)
 {
     cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
 
-    EXPECT_EQ(cable.nextByteAt(), us(8 * 1145 + 2000 + 1145));
+    EXPECT_EQ(cable.nextByteAt(), us(9167 + 2000 + 1146));
 }
 
 TEST_F(CableTime, BytesArriveOneByOne)
@@ -56,7 +58,7 @@ TEST_F(CableTime, BytesArriveOneByOne)
     const Bytes before = cable.receive();
     clock.advanceTo(firstByte);
     const Bytes first = cable.receive();
-    clock.advanceTo(firstByte + us(2 * 1145));
+    clock.advanceTo(firstByte + us(2292));
     const Bytes nextTwo = cable.receive();
 
     EXPECT_EQ(toHex(before), "");
@@ -64,11 +66,28 @@ TEST_F(CableTime, BytesArriveOneByOne)
     EXPECT_EQ(toHex(nextTwo), "03 02");
 }
 
+TEST(CableTimeOfFastLines, LongReplyTakesAllOfItsTime)
+{
+    VirtualClock clock;
+    Bus bus;
+    bus.add(1);
+    LineSettings settings;
+    settings.bitsPerSecond = 115200;
+    settings.turnaround = us(0);
+    Cable cable(bus, clock, settings);
+
+    const Bytes reply = exchange(cable, clock, withCrc(fromHex("01 03 D0 00 00 26")));
+
+    ASSERT_EQ(reply.size(), 81U);
+    // 8 characters of 11 bits take 763.9 us, 81 take 7734.4 us, and the gap is 1750 us.
+    EXPECT_EQ(clock.now(), us(764 + 7735 + 1750));
+}
+
 TEST_F(CableTime, RequestTakesEffectAtItsEnd)
 {
     inverter.write(0xF808, 1); // 0.1 s without a request trips
     ask("01 03 F0 00 00 01");
-    const Micros lastHeard = us(8 * 1145);
+    const Micros lastHeard = us(9167);
 
     bus.advanceTo(lastHeard + us(99000));
     const int before = inverter.read(faultCodeRegister);
@@ -82,7 +101,7 @@ TEST_F(CableTime, ExchangeEndsAfterTheFrameGap)
 {
     ask("01 03 F0 00 00 01");
 
-    EXPECT_EQ(clock.now(), us(8 * 1145 + 2000 + 7 * 1145 + 4007));
+    EXPECT_EQ(clock.now(), us(9167 + 2000 + 8021 + 4011));
 }
 
 TEST_F(CableTime, ExchangeGivesUpAtItsTimeout)

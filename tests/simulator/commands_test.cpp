@@ -175,7 +175,7 @@ TEST_F(LineFixture, ReportsEventsAsJson)
     EXPECT_EQ(out.str(),
               "{\"event\":\"request\",\"frame\":1,\"time\":0.000000,"
               "\"bytes\":\"01 03 20 01 00 01 DE 0A\"}\n"
-              "{\"event\":\"reply\",\"frame\":1,\"time\":0.011160,"
+              "{\"event\":\"reply\",\"frame\":1,\"time\":0.011167,"
               "\"bytes\":\"01 03 02 00 00 B8 44\"}\n");
 }
 

@@ -69,7 +69,7 @@ TEST_F(FaultKinds, DelayMovesTheReplyByItsDuration)
 
     cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
 
-    EXPECT_EQ(cable.nextByteAt(), Micros(8 * 1145 + 2000 + 300000 + 1145));
+    EXPECT_EQ(cable.nextByteAt(), Micros(9167 + 2000 + 300000 + 1146));
 }
 
 TEST_F(FaultKinds, LateReplyMixesWithTheNextOne)
