@@ -19,12 +19,13 @@
 #include "cli/commands/watch.h"
 #include "cli/interrupt.h"
 #include "cli/output.h"
+#include "common/standard_descriptors.h"
 
 #include <QCoreApplication>
 
 int main(int argc, char **argv)
 {
-    dx4::cli::holdStandardStreams();
+    dx4::common::holdStandardStreams();
     const QCoreApplication application(argc, argv);
     dx4::cli::ignoreBrokenPipe();
     dx4::cli::CommandLine line(KORVANE_VERSION);

@@ -4,17 +4,19 @@
 
 #include "cli/exit_code.h"
 #include "cli/interrupt.h"
-#include "cli/output_stream.h"
+#include "common/output_stream.h"
 
 #include <cerrno>
 #include <csignal>
 #include <system_error>
 
-#include <fcntl.h>
 #include <termios.h>
 #include <unistd.h>
 
 namespace dx4::cli {
+
+using common::OutputStream;
+
 namespace {
 
 constexpr int mostHeldBack = 16384; // bytes that wait before views keep their news back
@@ -29,11 +31,14 @@ OutputStream &output()
 
 OutputStream &talk()
 {
-    static auto *const stream = new OutputStream(STDERR_FILENO);
+    static auto *const stream = [] {
+        auto *const made = new OutputStream(STDERR_FILENO, mostHeldBack);
+        made->tellGapsAs(
+            [](int count) { return "dx4: " + std::to_string(count) + " messages not shown\n"; });
+        return made;
+    }();
     return *stream;
 }
-
-int untoldTalk = 0; // pieces that found no room
 
 // Bytes that waited when a stream was last found held.
 int outputHeldAt = 0;
@@ -103,22 +108,13 @@ bool finish(OutputStream &stream)
 
 } // namespace
 
-void holdStandardStreams()
-{
-    // open() gives the lowest free number. What is written there is refused, which is noticed.
-    for (const int stream : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO }) {
-        if (fcntl(stream, F_GETFD) < 0)
-            open("/dev/null", O_RDONLY);
-    }
-}
-
 void writeText(const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
     constexpr int piece = OutputStream::mostWaiting / 2;
     keepOrder(talk(), talkHeldAt);
     for (int done = 0; done < bytes.size(); done += piece) {
-        const QByteArray part = bytes.mid(done, piece);
+        const std::string part = bytes.mid(done, piece).toStdString();
         while (!output().put(part) && output().drain(piece, shouldEnd)) { }
     }
 }
@@ -136,11 +132,7 @@ bool outputIsTaken()
 void writeTalk(const QString &text)
 {
     keepOrder(output(), outputHeldAt);
-    const QString missed = untoldTalk == 0
-        ? QString()
-        : QStringLiteral("dx4: %1 messages not shown\n").arg(untoldTalk);
-    const bool isPut = talk().waiting() < mostHeldBack && talk().put((missed + text).toUtf8());
-    untoldTalk = isPut ? 0 : untoldTalk + 1;
+    talk().putOrCount(text.toStdString());
 }
 
 void settleStreams()

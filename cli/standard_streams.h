@@ -12,11 +12,6 @@
 
 namespace dx4::cli {
 
-/// Opens nothing in place of standard streams that the caller has closed. Without it whatever is
-/// opened next, in the worst case the port, takes their number, and gets what is meant for the
-/// user.
-void holdStandardStreams();
-
 /// Writes text as UTF-8 whatever the locale, and hands it on at once.
 void writeText(const QString &text);
 
@@ -27,7 +22,7 @@ bool outputFlows();
 bool outputIsTaken();
 
 /// Writes to standard error, behind what standard output was given before. What has no room there
-/// is counted and told when there is.
+/// is counted, which is told as soon as there is.
 void writeTalk(const QString &text);
 
 /// Gives both streams a moment to take what waits: the program is about to be stopped.
