@@ -26,6 +26,9 @@ public:
     /// The next complete frame; none while it is still coming in.
     std::optional<Bytes> take(Micros now);
 
+    /// Drops what has come in so far.
+    void clear() { m_pending.clear(); }
+
     /// When take() will give what is there even if nothing more comes; none while nothing is there.
     std::optional<Micros> endsAt() const;
 

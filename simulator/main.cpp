@@ -1,20 +1,24 @@
 // SPDX-License-Identifier: MIT
 // dx4-sim: serves simulated inverters on a pseudo-terminal or a serial port.
+#include "common/standard_descriptors.h"
 #include "simulator/byte_log.h"
 #include "simulator/capture.h"
+#include "simulator/end_request.h"
 #include "simulator/fault_file.h"
 #include "simulator/options.h"
 #include "simulator/output.h"
 #include "simulator/reporter.h"
 #include "simulator/server.h"
+#include "simulator/talk.h"
 
 #include <unistd.h>
 
 #include <csignal>
 #include <exception>
-#include <iostream>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace {
@@ -51,9 +55,25 @@ FaultPlan planOf(const Options &options)
     return FaultPlan(file.rules, options.seed.value_or(seed));
 }
 
-bool lostSomething(const std::optional<Output> &output)
+/// What stands in place of lines that found no room.
+std::string gapLine(int count, bool json)
 {
-    return output && output->lostSomething();
+    return json ? "{\"event\":\"not-shown\",\"lines\":" + std::to_string(count) + "}\n"
+                : std::to_string(count) + " lines not shown\n";
+}
+
+/// Never destroyed: the threads of the streams may still ask.
+EndRequest &makeEndRequest()
+{
+    return *new EndRequest;
+}
+
+bool finish(std::optional<Output> &output)
+{
+    if (!output)
+        return true;
+    output->finish();
+    return !output->lostSomething();
 }
 
 /// Serves until the end. @return the code to leave with
@@ -68,47 +88,72 @@ int serve(const Options &options, Output &standardOutput)
     for (int station : options.stations)
         bus.add(station);
     Cable cable(bus, clock, lineOf(options), std::move(plan));
+    EndRequest &end = makeEndRequest();
 
-    if (!options.logFile.empty())
-        cable.observe(ByteLog(log.emplace(options.logFile).stream()));
-    if (!options.captureFile.empty())
-        cable.observe(Capture(capture.emplace(options.captureFile).stream()));
-    if (lostSomething(capture)) // its head already
-        return DeviceError;
-    Reporter reporter(standardOutput.stream(), options.json, isatty(STDOUT_FILENO) == 1);
+    if (!options.logFile.empty()) {
+        log.emplace(options.logFile).tellGapsAs([](int count) { return gapLine(count, false); });
+        cable.observe(ByteLog(log->stream()));
+    }
+    if (!options.captureFile.empty()) {
+        capture.emplace(options.captureFile).onNothingWritten([&end] { end.ask(); });
+        cable.observe(Capture(capture->stream()));
+        capture->settle(); // its head
+        if (capture->lostSomething())
+            return DeviceError;
+    }
+    const bool json = options.json;
+    standardOutput.tellGapsAs([json](int count) { return gapLine(count, json); });
+    standardOutput.onNothingWritten([&end] { end.ask(); }); // else nobody knows the device
+    Reporter reporter(standardOutput.stream(), json, isatty(STDOUT_FILENO) == 1);
     cable.observe([&reporter](const LineEvent &event) { reporter.event(event); });
 
     Commands commands(bus, cable, clock, reporter);
-    Server server(port, cable, commands, clock);
+    Server server(port, cable, commands, clock, end);
     reporter.opened(options.pty ? "pty" : "port", port.path());
-    if (!standardOutput.lostSomething()) // else nobody knows the device
-        server.run();
-    const bool lost =
-        standardOutput.lostSomething() || lostSomething(log) || lostSomething(capture);
-    return lost ? DeviceError : Done;
+    server.run();
+    standardOutput.finish();
+    const bool isWhole = finish(log) && finish(capture) && !standardOutput.lostSomething();
+    return isWhole ? Done : DeviceError;
+}
+
+/// The same; says what keeps it from serving.
+int run(const Options &options, Output &standardOutput)
+{
+    try {
+        return serve(options, standardOutput);
+    } catch (const std::invalid_argument &error) {
+        say(error.what());
+        return UsageError;
+    } catch (const std::exception &error) {
+        say(error.what());
+        return DeviceError;
+    }
+}
+
+int readAndRun(int argc, char **argv)
+{
+    Output output(STDOUT_FILENO, "standard output");
+    Options options;
+    std::ostringstream errors;
+    const std::optional<int> code = readOptions(argc, argv, options, output.stream(), errors);
+    if (!code)
+        return run(options, output);
+    if (!errors.str().empty())
+        say(errors.str());
+    output.finish();
+    return *code == Done && output.lostSomething() ? DeviceError : *code;
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    holdStandardStreams();
-    // A reader who has had enough must not take the drives off the line.
+    dx4::common::holdStandardStreams();
+    // A reader who has had enough must not take the drives off the line, nor a file that must not
+    // grow any more.
     std::signal(SIGPIPE, SIG_IGN);
-    Output output(STDOUT_FILENO, "standard output");
-    Options options;
-    if (const std::optional<int> code =
-            readOptions(argc, argv, options, output.stream(), std::cerr)) {
-        output.stream().flush();
-        return *code == Done && output.lostSomething() ? DeviceError : *code;
-    }
-    try {
-        return serve(options, output);
-    } catch (const std::invalid_argument &error) {
-        std::cerr << "dx4-sim: " << error.what() << '\n';
-        return UsageError;
-    } catch (const std::exception &error) {
-        std::cerr << "dx4-sim: " << error.what() << '\n';
-        return DeviceError;
-    }
+    std::signal(SIGXFSZ, SIG_IGN);
+    const int code = readAndRun(argc, argv);
+    settleTalk();
+    return code;
 }

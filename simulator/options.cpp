@@ -104,7 +104,7 @@ std::string findContradiction(const Options &options)
 
 int refuse(std::ostream &errors, const std::string &why)
 {
-    errors << "dx4-sim: " << why << "\nRun with --help for more information.\n";
+    errors << why << "\nRun with --help for more information.";
     return UsageError;
 }
 

@@ -37,7 +37,7 @@ enum ExitCode { Done = 0, DeviceError = 1, UsageError = 2 };
 /// Reads the command line into `options`.
 ///
 /// @param out     help and version go here
-/// @param errors  what is wrong with the arguments goes here
+/// @param errors  what is wrong with the arguments goes here, without the end of its last line
 /// @return the code to leave with; none when the program is to serve
 std::optional<int> readOptions(int argc, char **argv, Options &options, std::ostream &out,
                                std::ostream &errors);

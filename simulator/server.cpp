@@ -2,13 +2,14 @@
 // The loop of dx4-sim: port, commands, signals and time.
 #include "simulator/server.h"
 
+#include "simulator/talk.h"
+
 #include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <system_error>
 
 namespace dx4::sim {
@@ -19,24 +20,11 @@ namespace {
 // and its writer may pause within a frame, which a wire would not.
 constexpr Micros longestPause { 20000 };
 
-volatile sig_atomic_t endRequested = 0;
-
-void requestEnd(int)
+/// A program in the background that reads from its terminal is stopped.
+bool isInputOurs()
 {
-    endRequested = 1;
-}
-
-void catchSignals()
-{
-    struct sigaction action = {};
-    action.sa_handler = requestEnd;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    sigset_t blocked;
-    sigemptyset(&blocked);
-    sigaddset(&blocked, SIGINT);
-    sigaddset(&blocked, SIGTERM);
-    sigprocmask(SIG_BLOCK, &blocked, nullptr);
+    const pid_t foreground = tcgetpgrp(STDIN_FILENO);
+    return foreground < 0 || foreground == getpgrp();
 }
 
 timespec toTimespec(Micros time)
@@ -49,24 +37,38 @@ timespec toTimespec(Micros time)
 
 } // namespace
 
-Server::Server(Port &port, Cable &cable, Commands &commands, const Clock &clock)
+Server::Server(Port &port, Cable &cable, Commands &commands, const Clock &clock, EndRequest &end)
     : m_port(port)
     , m_cable(cable)
     , m_commands(commands)
     , m_clock(clock)
+    , m_end(end)
     , m_framer(std::max(cable.settings().frameGap(), longestPause))
 {
-    catchSignals();
 }
 
 void Server::run()
 {
-    while (!m_quit && !endRequested) {
+    while (!m_quit && !m_end.asked()) {
+        if (m_end.suspendAsked())
+            suspend();
         wait();
         servePort();
         if (m_inputReady)
             serveCommands();
     }
+}
+
+void Server::suspend()
+{
+    say("stopped; no station answers until it goes on");
+    settleTalk();
+    m_end.suspend();
+    say("goes on");
+    // The master has given up on what it asked meanwhile; an answer now would be taken for one to
+    // its next request.
+    while (!m_port.read().empty()) { }
+    m_framer.clear();
 }
 
 void Server::wait()
@@ -78,13 +80,13 @@ void Server::wait()
     const Micros left = next ? std::max(*next - m_clock.now(), Micros(0)) : Micros(0);
     const timespec timeout = toTimespec(left);
 
-    std::array<pollfd, 2> waiting = { {
+    std::array<pollfd, 3> waiting = { {
         { m_port.descriptor(), POLLIN, 0 },
-        { m_inputOpen ? STDIN_FILENO : -1, POLLIN, 0 },
+        { m_inputOpen && isInputOurs() ? STDIN_FILENO : -1, POLLIN, 0 },
+        { m_end.descriptor(), POLLIN, 0 },
     } };
-    sigset_t none;
-    sigemptyset(&none);
-    const int ready = ppoll(waiting.data(), waiting.size(), next ? &timeout : nullptr, &none);
+    const int ready =
+        ppoll(waiting.data(), waiting.size(), next ? &timeout : nullptr, &m_end.waitMask());
     if (ready < 0 && errno != EINTR)
         throw std::system_error(errno, std::generic_category(), "poll");
     m_portReady = ready > 0 && waiting[0].revents != 0;

@@ -4,6 +4,7 @@
 
 #include "simulator/cable.h"
 #include "simulator/commands.h"
+#include "simulator/end_request.h"
 #include "simulator/framer.h"
 #include "simulator/port.h"
 
@@ -14,14 +15,15 @@ namespace dx4::sim {
 /// Serves a port until it is told to end. One thread; waits in one place.
 class Server {
 public:
-    /// All must outlive it. Blocks SIGINT and SIGTERM outside its waiting, so that none is missed.
-    Server(Port &port, Cable &cable, Commands &commands, const Clock &clock);
+    /// All must outlive it.
+    Server(Port &port, Cable &cable, Commands &commands, const Clock &clock, EndRequest &end);
 
-    /// Serves until SIGINT, SIGTERM or the command "quit". The end of standard input only ends the
-    /// commands. Throws std::system_error when the port is gone.
+    /// Serves until the end is asked for or the command "quit" comes. The end of standard input
+    /// only ends the commands. Throws std::system_error when the port is gone.
     void run();
 
 private:
+    void suspend();
     void wait();
     void servePort();
     void serveCommands();
@@ -30,6 +32,7 @@ private:
     Cable &m_cable;
     Commands &m_commands;
     const Clock &m_clock;
+    EndRequest &m_end;
     Framer m_framer;
     std::string m_typed; ///< begin of a command line
     bool m_portReady = false;

@@ -1,103 +1,20 @@
 // SPDX-License-Identifier: MIT
 // dx4-sim as its users meet it: command line, device, commands, exit codes.
+#include "master.h"
 #include "served_line.h"
-
-#include <modbus/modbus.h>
+#include "test_files.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <chrono>
-#include <fstream>
-#include <sstream>
-#include <thread>
+#include <csignal>
 #include <utility>
 
 namespace {
-
-/// A libmodbus master with the device open.
-class Master {
-public:
-    explicit Master(const std::string &device, int station = 1)
-        : m_context(modbus_new_rtu(device.c_str(), 9600, 'N', 8, 1))
-    {
-        modbus_set_slave(m_context, station);
-        modbus_set_response_timeout(m_context, 5, 0);
-        connected = modbus_connect(m_context) == 0;
-    }
-    ~Master()
-    {
-        modbus_close(m_context);
-        modbus_free(m_context);
-    }
-    Master(const Master &) = delete;
-    Master &operator=(const Master &) = delete;
-
-    /// Value of a register; -1 when there is no good reply, and the error number in `error`.
-    int read(int address)
-    {
-        std::uint16_t value = 0;
-        error = 0;
-        if (modbus_read_registers(m_context, address, 1, &value) == 1)
-            return value;
-        error = errno;
-        return -1;
-    }
-
-    bool write(int address, int value)
-    {
-        return modbus_write_register(m_context, address, static_cast<std::uint16_t>(value)) == 1;
-    }
-
-    bool writeTwo(int address, std::array<std::uint16_t, 2> values)
-    {
-        return modbus_write_registers(m_context, address, 2, values.data()) == 2;
-    }
-
-    void setTimeoutMs(unsigned milliseconds)
-    {
-        modbus_set_response_timeout(m_context, 0, milliseconds * 1000);
-    }
-
-    bool connected = false;
-    int error = 0;
-
-private:
-    modbus_t *m_context;
-};
-
-std::string contentOf(const std::string &path)
-{
-    std::ifstream stream(path);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
-}
-
-/// Whether a file gets to hold the text, within half a minute.
-bool comesToHold(const std::string &path, const std::string &text)
-{
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (contentOf(path).find(text) == std::string::npos) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
-
-std::string fileWith(const std::string &name, const std::string &content)
-{
-    const std::string path = ::testing::TempDir() + name;
-    std::ofstream(path) << content;
-    return path;
-}
 
 std::string outputOfSim(std::vector<std::string> arguments, int *code)
 {
