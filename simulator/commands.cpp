@@ -2,9 +2,9 @@
 // What a user or a test types while the simulator serves.
 #include "simulator/commands.h"
 
+#include "common/number_text.h"
 #include "simulator/fault_file.h"
 
-#include <cstdlib>
 #include <sstream>
 
 namespace dx4::sim {
@@ -21,9 +21,10 @@ struct Refused {
 
 double numberIn(const std::string &word, double lowest, double highest)
 {
-    char *end = nullptr;
-    const double value = std::strtod(word.c_str(), &end);
-    if (word.empty() || *end != '\0' || !(value >= lowest && value <= highest)) {
+    const bool isNegative = word.front() == '-';
+    const auto size = common::parseDecimal(isNegative ? word.substr(1) : word);
+    const double value = size ? (isNegative ? -*size : *size) : 0.0;
+    if (!size || value < lowest || value > highest) {
         std::ostringstream reason;
         reason << word << ": expected a number from " << lowest << " to " << highest;
         throw Refused { reason.str() };
@@ -33,12 +34,10 @@ double numberIn(const std::string &word, double lowest, double highest)
 
 std::uint16_t valueIn(const std::string &word)
 {
-    char *end = nullptr;
-    const unsigned long value = std::strtoul(word.c_str(), &end, 0);
-    const bool digits = !word.empty() && word.front() >= '0' && word.front() <= '9';
-    if (!digits || *end != '\0' || value > 0xFFFFUL)
+    const std::optional<std::uint16_t> value = common::parseRegisterValue(word);
+    if (!value)
         throw Refused { word + ": expected a value from 0 to 65535, or 0x0000 to 0xFFFF" };
-    return static_cast<std::uint16_t>(value);
+    return *value;
 }
 
 std::uint16_t registerIn(const std::string &word)
@@ -131,10 +130,10 @@ bool Commands::chooseStation(Words &words)
 {
     const std::vector<int> stations = m_bus.stations();
     const bool named = words.front().front() == '@';
-    const int station = named ? std::atoi(words.front().c_str() + 1)
-        : stations.empty()    ? 0
-                              : stations.front();
-    m_inverter = m_bus.find(station);
+    const std::optional<int> station = named ? common::parseWholeNumber(words.front().substr(1))
+        : stations.empty()                   ? std::nullopt
+                                             : std::optional(stations.front());
+    m_inverter = station ? m_bus.find(*station) : nullptr;
     if (named)
         words.erase(words.begin());
     if (m_inverter && !words.empty())

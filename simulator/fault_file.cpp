@@ -2,6 +2,7 @@
 // Fault rules from a TOML text.
 #include "simulator/fault_file.h"
 
+#include "common/number_text.h"
 #include "simulator/frame_damage.h"
 #include "simulator/register_map.h"
 
@@ -9,7 +10,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <limits>
@@ -88,12 +88,7 @@ std::optional<std::uint16_t> registerEnd(const std::string &text)
 {
     if (const std::optional<std::uint16_t> named = registerByName(text))
         return named;
-    char *end = nullptr;
-    const unsigned long number = std::strtoul(text.c_str(), &end, 0);
-    const bool digits = !text.empty() && text.front() >= '0' && text.front() <= '9';
-    if (!digits || *end != '\0' || number > 0xFFFFUL)
-        return std::nullopt;
-    return static_cast<std::uint16_t>(number);
+    return common::parseRegisterValue(text);
 }
 
 RegisterRange registersOf(const toml::node &node, const std::string &key)

@@ -2,10 +2,13 @@
 // The command line of dx4-sim.
 #include "simulator/options.h"
 
+#include "common/number_text.h"
+#include "simulator/station_list.h"
+
 #include <CLI/CLI.hpp>
 
+#include <limits>
 #include <ostream>
-#include <set>
 
 namespace dx4::sim {
 
@@ -14,6 +17,7 @@ namespace {
 constexpr const char *examples = R"(Examples:
   dx4-sim --pty                          print the device to open, serve station 1
   dx4-sim --pty --stations 1,2,5 --json  three stations, one JSON line per event
+  dx4-sim --pty --stations 1-32          a full segment
   dx4-sim --pty --faults bad.toml --seed 7 --log bytes.log
                                          a bad line, the same one every time
   dx4-sim --port /dev/ttyUSB0 --speed 19200 --format 8E1
@@ -36,7 +40,55 @@ std::string checkGiven(const std::string &text)
     return text.empty() ? "nothing given" : std::string();
 }
 
-void addDeviceOptions(CLI::App &app, Options &options)
+/// Numbers as they were typed: the library's own reading takes "1e3" and wraps -1 round.
+struct NumberTexts {
+    std::string speed;
+    std::string turnaround;
+    std::vector<std::string> stations { "1" };
+    std::string seed;
+};
+
+std::string quoted(const std::string &text)
+{
+    return '"' + text + '"';
+}
+
+CLI::Validator wholeNumber(int lowest, int highest)
+{
+    const std::string range = std::to_string(lowest) + '-' + std::to_string(highest);
+    const auto check = [lowest, highest](const std::string &text) {
+        const std::optional<int> number = common::parseWholeNumber(text);
+        if (number && *number >= lowest && *number <= highest)
+            return std::string();
+        return quoted(text) + (number ? " is out of range; " : " is no whole number; ")
+            + std::to_string(lowest) + " to " + std::to_string(highest) + " is allowed";
+    };
+    return CLI::Validator(check, '[' + range + ']');
+}
+
+std::string checkSeed(const std::string &text)
+{
+    if (common::parseUnsigned(text))
+        return {};
+    return quoted(text) + " is no seed; it is a whole number from 0 to "
+        + std::to_string(std::numeric_limits<std::uint64_t>::max());
+}
+
+std::string checkStations(const std::string &text)
+{
+    return parseStations(text).error;
+}
+
+/// What the library has checked by now.
+void takeNumbers(Options &options, const NumberTexts &texts)
+{
+    options.speed = common::parseWholeNumber(texts.speed).value_or(options.speed);
+    options.turnaroundMs =
+        common::parseWholeNumber(texts.turnaround).value_or(options.turnaroundMs);
+    options.seed = common::parseUnsigned(texts.seed);
+}
+
+void addDeviceOptions(CLI::App &app, Options &options, NumberTexts &texts)
 {
     CLI::Option *pty = app.add_flag(
         "--pty", options.pty, "serve a new pseudo-terminal; its path is the first line printed");
@@ -44,29 +96,34 @@ void addDeviceOptions(CLI::App &app, Options &options)
                             ->check(CLI::Validator(checkGiven, ""))
                             ->type_name("DEVICE");
     pty->excludes(port);
-    app.add_option("--speed", options.speed,
+    texts.speed = std::to_string(options.speed);
+    app.add_option("--speed", texts.speed,
                    "line speed in bit/s; with --pty, 0 leaves the time of characters out")
-        ->check(CLI::Range(0, 1000000))
+        ->check(wholeNumber(0, 1000000))
+        ->type_name("")
         ->capture_default_str();
     app.add_option("--format", options.format, "data bits, parity, stop bits")
         ->check(CLI::Validator(checkFormat, "8N1|8N2|8E1|8E2|8O1|8O2"))
         ->capture_default_str();
-    app.add_option("--turnaround", options.turnaroundMs,
+    texts.turnaround = std::to_string(options.turnaroundMs);
+    app.add_option("--turnaround", texts.turnaround,
                    "time from the end of a request to the reply, in ms")
-        ->check(CLI::Range(0, 10000))
+        ->check(wholeNumber(0, 10000))
+        ->type_name("")
         ->capture_default_str();
 }
 
-void addOtherOptions(CLI::App &app, Options &options)
+void addOtherOptions(CLI::App &app, Options &options, NumberTexts &texts)
 {
-    app.add_option("--stations", options.stations, "stations to serve, between commas")
-        ->delimiter(',')
-        ->check(CLI::Range(1, 247))
-        ->capture_default_str();
+    app.add_option("--stations", texts.stations, "stations to serve, such as 1,3-5; else 1")
+        ->allow_extra_args(false) // one word behind each --stations
+        ->check(CLI::Validator(checkStations, ""))
+        ->type_name("LIST");
     app.add_option("--faults", options.faultFile, "what goes wrong on the line, as TOML")
         ->type_name("FILE")
         ->check(CLI::ExistingFile);
-    app.add_option("--seed", options.seed, "seed of the faults; goes before the file's own")
+    app.add_option("--seed", texts.seed, "seed of the faults; goes before the file's own")
+        ->check(CLI::Validator(checkSeed, ""))
         ->type_name("NUMBER");
     app.add_option("--log", options.logFile, "write every frame as hex")
         ->check(CLI::Validator(checkGiven, ""))
@@ -88,13 +145,19 @@ std::string findEmptyValue(int argc, char **argv)
     return {};
 }
 
+/// Takes all words of --stations for one list. @return what is wrong with it
+std::string takeStations(Options &options, const NumberTexts &texts)
+{
+    std::string all;
+    for (const std::string &text : texts.stations)
+        all += (all.empty() ? "" : ",") + text;
+    const StationList list = parseStations(all);
+    options.stations = list.stations;
+    return list.good() ? std::string() : "--stations: " + list.error;
+}
+
 std::string findContradiction(const Options &options)
 {
-    std::set<int> seen;
-    for (int station : options.stations) {
-        if (!seen.insert(station).second)
-            return "--stations: " + std::to_string(station) + " stands there twice";
-    }
     if (!options.pty && options.port.empty())
         return "say what to serve: --pty or --port DEVICE";
     if (!options.port.empty() && options.speed == 0)
@@ -116,8 +179,9 @@ std::optional<int> readOptions(int argc, char **argv, Options &options, std::ost
     CLI::App app("Simulates frequency inverters on a Modbus RTU line.", "dx4-sim");
     app.set_version_flag("--version", "dx4-sim " KORVANE_VERSION);
     app.footer(examples);
-    addDeviceOptions(app, options);
-    addOtherOptions(app, options);
+    NumberTexts texts;
+    addDeviceOptions(app, options, texts);
+    addOtherOptions(app, options, texts);
     const std::string emptyValue = findEmptyValue(argc, argv);
     if (!emptyValue.empty())
         return refuse(errors, emptyValue);
@@ -129,10 +193,11 @@ std::optional<int> readOptions(int argc, char **argv, Options &options, std::ost
     } catch (const CLI::ParseError &error) {
         return refuse(errors, error.what());
     }
-    const std::string contradiction = findContradiction(options);
-    if (contradiction.empty())
-        return std::nullopt;
-    return refuse(errors, contradiction);
+    takeNumbers(options, texts);
+    std::string wrong = takeStations(options, texts);
+    if (wrong.empty())
+        wrong = findContradiction(options);
+    return wrong.empty() ? std::nullopt : std::optional(refuse(errors, wrong));
 }
 
 } // namespace dx4::sim

@@ -2,11 +2,12 @@
 // Which Modbus registers the inverter has, and what may be done with them.
 #include "simulator/register_map.h"
 
+#include "common/number_text.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstdio>
-#include <cstdlib>
 
 namespace dx4::sim {
 
@@ -31,22 +32,16 @@ std::string upperCase(std::string text)
     return text;
 }
 
-std::optional<unsigned> wholeNumber(const std::string &text, int base)
+/// Digits alone.
+std::optional<std::uint16_t> indexOf(const std::string &text)
 {
-    if (text.empty() || !std::isxdigit(static_cast<unsigned char>(text.front())))
-        return std::nullopt;
-    char *end = nullptr;
-    const unsigned long value = std::strtoul(text.c_str(), &end, base);
-    if (*end != '\0' || value > 0xFFFFUL)
-        return std::nullopt;
-    return static_cast<unsigned>(value);
+    const bool isDecimal = text.find_first_not_of("0123456789") == std::string::npos;
+    return isDecimal ? common::parseRegisterValue(text) : std::nullopt;
 }
 
-std::optional<std::uint16_t> existing(std::optional<unsigned> address)
+std::optional<std::uint16_t> existing(std::optional<std::uint16_t> address)
 {
-    if (!address || *address > 0xFFFFU || !bandOf(static_cast<std::uint16_t>(*address)))
-        return std::nullopt;
-    return static_cast<std::uint16_t>(*address);
+    return address && bandOf(*address) ? address : std::nullopt;
 }
 
 /// "4.12" or "c.3", behind the "F".
@@ -55,8 +50,8 @@ std::optional<std::uint16_t> parameterByName(const std::string &text)
     const std::size_t point = text.find('.');
     if (point != 1)
         return std::nullopt;
-    const std::optional<unsigned> group = wholeNumber(text.substr(0, 1), 16);
-    const std::optional<unsigned> index = wholeNumber(text.substr(2), 10);
+    const std::optional<std::uint16_t> group = common::parseRegisterValue("0x" + text.substr(0, 1));
+    const std::optional<std::uint16_t> index = indexOf(text.substr(2));
     if (!group || !index || *index > 0xFFU)
         return std::nullopt;
     return existing(parameterRegister(*group, *index));
@@ -101,16 +96,16 @@ std::optional<std::uint16_t> registerByName(const std::string &name)
             return named.address;
     }
     if (text.rfind("0X", 0) == 0)
-        return existing(wholeNumber(text.substr(2), 16));
+        return existing(common::parseRegisterValue("0x" + text.substr(2)));
     if (text.find('.') != std::string::npos && text.front() == 'F')
         return parameterByName(text.substr(1));
     if (!text.empty() && text.front() == 'D') {
-        const std::optional<unsigned> index = wholeNumber(text.substr(1), 10);
+        const std::optional<std::uint16_t> index = indexOf(text.substr(1));
         if (!index || *index >= monitorCount)
             return std::nullopt;
-        return existing(firstMonitorRegister + *index);
+        return existing(static_cast<std::uint16_t>(firstMonitorRegister + *index));
     }
-    return existing(wholeNumber(text, 10));
+    return existing(common::parseRegisterValue(text));
 }
 
 std::string registerName(std::uint16_t address)

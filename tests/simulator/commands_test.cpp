@@ -78,6 +78,14 @@ TEST_F(CommandLines, MainsAndAmbientReachTheDrive)
     EXPECT_EQ(second.read(faultCodeRegister), 4);
 }
 
+TEST_F(CommandLines, NumbersAreDecimal)
+{
+    EXPECT_EQ(answerTo("hold D0 0101"), "ok\n");
+    EXPECT_EQ(answerTo("ambient -12.5"), "ok\n");
+
+    EXPECT_EQ(answerTo("get D0"), "D0 101\n");
+}
+
 TEST_F(CommandLines, UnplugAndPlug)
 {
     answerTo("unplug");
@@ -150,6 +158,13 @@ INSTANTIATE_TEST_SUITE_P(
                      "65536: expected a value from 0 to 65535, or 0x0000 to 0xFFFF" },
         CommandRow { "NegativeValue", "set F0.0 -1",
                      "-1: expected a value from 0 to 65535, or 0x0000 to 0xFFFF" },
+        CommandRow { "TrailingLetters", "hold D0 101x",
+                     "101x: expected a value from 0 to 65535, or 0x0000 to 0xFFFF" },
+        CommandRow { "TwoPrefixes", "hold D0 0x0x10",
+                     "0x0x10: expected a value from 0 to 65535, or 0x0000 to 0xFFFF" },
+        CommandRow { "StationWithLetters", "@2x status", "no such station; try @1 status" },
+        CommandRow { "HexadecimalVolts", "mains 0x10", "0x10: expected a number from 0 to 1000" },
+        CommandRow { "Exponent", "power-cycle 1e3", "1e3: expected a number from 0 to 3600000" },
         CommandRow { "OutsideTheLimits", "set F8.4 481", "481: outside the limits of F8.4" },
         CommandRow { "UnknownFault", "trip gremlin",
                      "gremlin: no such fault; expected overcurrent, overvoltage, undervoltage, "

@@ -130,6 +130,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "f.toml:3: probability: expected a number from 0 to 1" },
         ErrorRow { "RangeBackwards", "[[fault]]\nkind = \"echo\"\nregisters = \"D5-D0\"\n",
                    "f.toml:3: registers: expected a register or a range" },
+        ErrorRow { "NumberWithLetters", "[[fault]]\nkind = \"echo\"\nregisters = \"0x10g\"\n",
+                   "f.toml:3: registers: expected a register or a range" },
         ErrorRow { "NoRegister", "[[fault]]\nkind = \"echo\"\nregisters = \"Q1\"\n",
                    "f.toml:3: registers: expected a register or a range" },
         ErrorRow { "WrongSide", "[[fault]]\nkind = \"break-crc\"\nside = \"both\"\n",

@@ -10,6 +10,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <utility>
@@ -287,25 +288,50 @@ TEST(SimulatorUsage, NothingToServeIsAUsageError)
               "dx4-sim: say what to serve: --pty or --port DEVICE");
 }
 
-TEST(SimulatorUsage, StationOutsideTheRangeIsAUsageError)
+TEST(SimulatorUsage, NumbersAreReadToTheLetter)
 {
-    int code = -1;
+    const std::string stations = "; stations are 1 to 247, such as 1,3-5";
+    const std::string seed = " is no seed; it is a whole number from 0 to 18446744073709551615";
+    const std::vector<std::array<std::string, 3>> rows = { {
+        { "--seed", "", "\"\"" + seed },
+        { "--seed", "-1", "\"-1\"" + seed },
+        { "--seed", "1e3", "\"1e3\"" + seed },
+        { "--seed", "9999999999999999999999", "\"9999999999999999999999\"" + seed },
+        { "--stations", "", "\"\" is no station" + stations },
+        { "--stations", "1,", "\"\" is no station" + stations },
+        { "--stations", "0", "\"0\" is out of range" + stations },
+        { "--stations", "300", "\"300\" is out of range" + stations },
+        { "--stations", "1,2,1", "1 stands there twice" },
+        { "--speed", "1e3", "\"1e3\" is no whole number; 0 to 1000000 is allowed" },
+        { "--speed", "-1", "\"-1\" is out of range; 0 to 1000000 is allowed" },
+        { "--speed", "010x", "\"010x\" is no whole number; 0 to 1000000 is allowed" },
+        { "--turnaround", "10001", "\"10001\" is out of range; 0 to 10000 is allowed" },
+        { "--turnaround", "", "\"\" is no whole number; 0 to 10000 is allowed" },
+    } };
+    for (const auto &[option, value, why] : rows) {
+        int code = -1;
 
-    const std::string text = outputOfSim({ "--pty", "--stations", "1,248" }, &code);
+        const std::string text = outputOfSim({ "--pty", option, value }, &code);
 
-    EXPECT_EQ(code, 2);
-    EXPECT_EQ(text.substr(0, text.find('\n')),
-              "dx4-sim: --stations: Value 248 not in range 1 to 247");
+        EXPECT_EQ(code, 2) << option << ' ' << value;
+        EXPECT_EQ(text.substr(0, text.find('\n')), "dx4-sim: " + option + ": " + why);
+    }
 }
 
-TEST(SimulatorUsage, StationStandsOnce)
+TEST(SimulatorUsage, LargestSeedIsTaken)
 {
-    int code = -1;
+    ServedLine line({ "--seed", "18446744073709551615" });
 
-    const std::string text = outputOfSim({ "--pty", "--stations", "1,2,1" }, &code);
+    EXPECT_EQ(line.quit(), 0);
+}
 
-    EXPECT_EQ(code, 2);
-    EXPECT_EQ(text.substr(0, text.find('\n')), "dx4-sim: --stations: 1 stands there twice");
+TEST(SimulatorProgram, ServesARunOfStations)
+{
+    ServedLine line({ "--stations", "2-4,30", "--stations", "32" });
+
+    for (const int station : { 2, 3, 4, 30, 32 })
+        EXPECT_EQ(Master(line.device, station).read(0x2000), 1) << station;
+    EXPECT_EQ(line.command("@5 status"), "error: no such station; try @1 status");
 }
 
 TEST(SimulatorUsage, EmptyValueDoesNotTakeTheNextWord)

@@ -35,6 +35,10 @@ INSTANTIATE_TEST_SUITE_P(
         NameRow { "StatusWord", "SW", 0x2000 }, NameRow { "FaultCode", "FU", 0x2001 },
         NameRow { "Hexadecimal", "0xd000", 0xD000 }, NameRow { "Decimal", "53248", 0xD000 },
         NameRow { "NumberOfNoRegister", "7", std::nullopt },
+        NameRow { "LeadingZeroIsNotOctal", "053248", 0xD000 },
+        NameRow { "TwoPrefixes", "0x0xD000", std::nullopt },
+        NameRow { "HexadecimalIndex", "D0x5", std::nullopt },
+        NameRow { "BlankInside", "D 5", std::nullopt },
         NameRow { "TooLarge", "99999", std::nullopt }, NameRow { "Sign", "D-1", std::nullopt },
         NameRow { "Empty", "", std::nullopt }),
     [](const auto &row) { return std::string(row.param.name); });
