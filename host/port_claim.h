@@ -2,29 +2,11 @@
 // What an open serial port is asked for beyond its settings.
 #pragma once
 
-#include <QString>
+#include "common/port_claim.h"
 
 namespace dx4::host {
 
-/// A lock on a serial port, held over a descriptor of its own: it is taken before anything is set
-/// on the port, so that a refused open leaves the holder's settings alone.
-class PortClaim {
-public:
-    PortClaim() = default;
-    ~PortClaim() { release(); }
-    PortClaim(const PortClaim &) = delete;
-    PortClaim &operator=(const PortClaim &) = delete;
-
-    /// Takes the lock. A port that cannot be opened at all is left to its opener to tell.
-    ///
-    /// @return false when somebody else holds the port
-    bool take(const QString &device);
-
-    void release();
-
-private:
-    int m_descriptor = -1;
-};
+using common::PortClaim;
 
 /// Has a read that finds nothing fail instead of giving 0 bytes, which an unplugged adapter gives.
 ///

@@ -2,66 +2,21 @@
 // Serial ports of the machine, their lasting names and who holds them.
 #include "host/port_list.h"
 
-#include "host/number_text.h"
+#include "common/port_claim.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSerialPortInfo>
-#include <QStringList>
 
 #include <grp.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
 
 namespace dx4::host {
 namespace {
-
-/// The device that a path names; 0 for none.
-dev_t deviceNumber(const QString &path)
-{
-    struct stat status { };
-    const bool isDevice =
-        stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISCHR(status.st_mode);
-    return isDevice ? status.st_rdev : 0;
-}
-
-constexpr unsigned firstTerminalMajor = 136; // of pseudo-terminals, the first million of them
-
-bool hasOpen(const QString &processFolder, dev_t device)
-{
-    const QDir descriptors(processFolder + QStringLiteral("/fd"));
-    const QStringList names = descriptors.entryList(QDir::Files | QDir::System | QDir::Hidden);
-    return std::any_of(names.begin(), names.end(), [&](const QString &name) {
-        return deviceNumber(descriptors.filePath(name)) == device;
-    });
-}
-
-/// Whether a process has the far end of a pseudo-terminal open.
-bool hasFarEnd(const QString &processFolder, dev_t device)
-{
-    if (major(device) != firstTerminalMajor)
-        return false;
-    const QByteArray index = "tty-index:\t" + QByteArray::number(minor(device)) + '\n';
-    const QDir descriptors(processFolder + QStringLiteral("/fdinfo"));
-    const QStringList names = descriptors.entryList(QDir::Files);
-    return std::any_of(names.begin(), names.end(), [&](const QString &name) {
-        QFile information(descriptors.filePath(name)); // only far ends have such a line
-        return information.open(QIODevice::ReadOnly) && information.readAll().contains(index);
-    });
-}
-
-QString programOf(const QString &processFolder)
-{
-    const QString file = QFile::symLinkTarget(processFolder + QStringLiteral("/exe"));
-    if (!file.isEmpty())
-        return QFileInfo(file).fileName();
-    QFile name(processFolder + QStringLiteral("/comm"));
-    return name.open(QIODevice::ReadOnly) ? QString::fromUtf8(name.readAll()).trimmed() : QString();
-}
 
 QString lastingNameOf(const QString &device, const QString &nameFolder)
 {
@@ -102,18 +57,9 @@ QString portDevice(const QString &name, const QString &nameFolder)
 QVector<PortHolder> holdersOf(const QString &device)
 {
     QVector<PortHolder> holders;
-    const dev_t number = deviceNumber(device);
-    if (number == 0)
-        return holders;
-    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-    for (const QString &entry : entries) {
-        const std::optional<int> process = parseWholeNumber(entry);
-        const QString folder = QStringLiteral("/proc/") + entry;
-        if (process && hasOpen(folder, number))
-            holders.append({ *process, programOf(folder), hasFarEnd(folder, number) });
-    }
-    std::sort(holders.begin(), holders.end(),
-              [](const PortHolder &a, const PortHolder &b) { return a.process < b.process; });
+    for (const auto &holder : common::holdersOf(QFile::encodeName(device).toStdString()))
+        holders.append(
+            { holder.process, QFile::decodeName(holder.program.c_str()), holder.isFarEnd });
     return holders;
 }
 
@@ -143,11 +89,10 @@ QString permissionText(const QString &device)
 
 QString holderText(const QVector<PortHolder> &holders)
 {
-    QStringList texts;
+    std::vector<common::PortHolder> same;
     for (const PortHolder &holder : holders)
-        texts.append(QStringLiteral("%1 (process %2)").arg(holder.program).arg(holder.process));
-    return texts.isEmpty() ? QStringLiteral("a program of another user")
-                           : texts.join(QStringLiteral(", "));
+        same.push_back({ holder.process, holder.program.toStdString(), holder.isFarEnd });
+    return QString::fromStdString(common::holderText(same));
 }
 
 } // namespace dx4::host

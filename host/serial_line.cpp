@@ -113,7 +113,7 @@ bool SerialLine::open(QString *error)
 /// Opens the port as the settings say; gives the reason when that fails.
 QString SerialLine::tryOpen(const QString &device)
 {
-    if (!m_claim.take(device))
+    if (!m_claim.take(QFile::encodeName(device).toStdString()))
         return inUseText(device);
     const QString others = m_settings.isShared ? QString() : sharedText(device);
     if (!others.isEmpty())

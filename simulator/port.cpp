@@ -90,6 +90,10 @@ Port Port::openSerial(const std::string &path, int speed, char parity, int stopB
     const speed_t code = speedCode(speed);
     Port port;
     port.m_path = path;
+    port.m_claim = std::make_unique<common::PortClaim>();
+    if (!port.m_claim->take(path))
+        throw std::runtime_error(path + ": in use by "
+                                 + common::holderText(common::holdersOf(path)));
     port.m_descriptor = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (port.m_descriptor < 0)
         fail(path);
@@ -120,6 +124,7 @@ Port::~Port()
 
 Port::Port(Port &&other) noexcept
     : m_path(std::move(other.m_path))
+    , m_claim(std::move(other.m_claim))
     , m_descriptor(std::exchange(other.m_descriptor, -1))
     , m_masterSide(std::exchange(other.m_masterSide, -1))
 {

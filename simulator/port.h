@@ -2,8 +2,10 @@
 // The device the simulator serves: a pseudo-terminal of its own or a serial port.
 #pragma once
 
+#include "common/port_claim.h"
 #include "simulator/bytes.h"
 
+#include <memory>
 #include <string>
 
 namespace dx4::sim {
@@ -16,8 +18,10 @@ public:
     /// std::system_error.
     static Port openPty();
 
-    /// Opens a serial device, 8 data bits. Throws std::system_error for a device that cannot be
-    /// opened or is no serial device, std::invalid_argument for a speed the system does not know.
+    /// Opens a serial device, 8 data bits, and keeps other programs that ask away from it. Throws
+    /// std::system_error for a device that cannot be opened or is no serial device,
+    /// std::runtime_error for one that another program holds, std::invalid_argument for a speed the
+    /// system does not know.
     ///
     /// @param path      device, such as "/dev/ttyUSB0"
     /// @param speed     bit/s
@@ -45,6 +49,7 @@ private:
     Port() = default;
 
     std::string m_path;
+    std::unique_ptr<common::PortClaim> m_claim; ///< of a serial port
     int m_descriptor = -1;
     int m_masterSide = -1; ///< the master's end of a pseudo-terminal, held open; else -1
 };
