@@ -3,6 +3,7 @@
 #include "simulator/reporter.h"
 
 #include "simulator/byte_log.h"
+#include "simulator/utf8.h"
 
 #include <cstdio>
 
@@ -41,7 +42,7 @@ std::string number(double value, int decimals)
 std::string jsonText(const std::string &text)
 {
     std::string quoted = "\"";
-    for (char character : text) {
+    for (char character : validUtf8(text)) {
         const unsigned code = static_cast<unsigned char>(character);
         if (character == '"' || character == '\\') {
             quoted += '\\';
@@ -62,9 +63,10 @@ void Reporter::line(const std::string &text)
     m_out << text << '\n' << std::flush;
 }
 
-void Reporter::opened(const char *kind, const std::string &path)
+void Reporter::opened(const char *kind, const std::string &path, const std::string &link)
 {
-    line(m_json ? "{\"event\":" + jsonText(kind) + ",\"path\":" + jsonText(path) + "}"
+    const std::string linked = link.empty() ? std::string() : ",\"link\":" + jsonText(link);
+    line(m_json ? "{\"event\":" + jsonText(kind) + ",\"path\":" + jsonText(path) + linked + "}"
                 : std::string(kind) + ' ' + path);
 }
 

@@ -22,7 +22,8 @@ public:
     }
 
     /// The first line: "pty /dev/pts/7", or {"event":"pty","path":"/dev/pts/7"}; likewise "port".
-    void opened(const char *kind, const std::string &path);
+    /// JSON has a "link" where there is one.
+    void opened(const char *kind, const std::string &path, const std::string &link = {});
 
     /// One event of the line: always as JSON, as text where events are shown.
     void event(const LineEvent &event);
@@ -41,7 +42,7 @@ private:
     bool m_showEvents;
 };
 
-/// `text` in quotes as JSON wants it.
+/// `text` in quotes as JSON wants it; bytes that are no UTF-8 become the replacement character.
 std::string jsonText(const std::string &text);
 
 } // namespace dx4::sim

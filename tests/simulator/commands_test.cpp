@@ -177,6 +177,22 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(JsonAnswers, QuoteWhatNeedsIt)
 {
     EXPECT_EQ(jsonText("a\"b\\c\n"), R"("a\"b\\c\u000a")");
+    EXPECT_EQ(jsonText(std::string("\0\x1F\x7F", 3)), "\"\\u0000\\u001f\x7F\"");
+}
+
+TEST(JsonAnswers, AreUtf8WhateverTheBytes)
+{
+    const std::string none = "\xEF\xBF\xBD";
+
+    EXPECT_EQ(jsonText("\xC3\xA4 \xE2\x82\xAC \xF0\x9F\x94\x8C"),
+              "\"\xC3\xA4 \xE2\x82\xAC \xF0\x9F\x94\x8C\"");
+    EXPECT_EQ(jsonText("\xFF"
+                       "a\x80"),
+              '"' + none + 'a' + none + '"');
+    EXPECT_EQ(jsonText("cut \xE2\x82"), "\"cut " + none + none + '"');
+    EXPECT_EQ(jsonText("\xC0\xAF"), '"' + none + none + '"'); // a "/" in two bytes
+    EXPECT_EQ(jsonText("\xED\xA0\x80"), '"' + none + none + none + '"'); // half of a pair
+    EXPECT_EQ(jsonText("\xF4\x90\x80\x80"), '"' + none + none + none + none + '"');
 }
 
 TEST_F(LineFixture, ReportsEventsAsJson)
