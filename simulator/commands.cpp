@@ -19,15 +19,14 @@ struct Refused {
     std::string reason;
 };
 
-double numberIn(const std::string &word, double lowest, double highest)
+double numberIn(const std::string &word, int lowest, int highest)
 {
     const bool isNegative = word.front() == '-';
     const auto size = common::parseDecimal(isNegative ? word.substr(1) : word);
     const double value = size ? (isNegative ? -*size : *size) : 0.0;
     if (!size || value < lowest || value > highest) {
-        std::ostringstream reason;
-        reason << word << ": expected a number from " << lowest << " to " << highest;
-        throw Refused { reason.str() };
+        throw Refused { word + ": expected a number from " + std::to_string(lowest) + " to "
+                        + std::to_string(highest) };
     }
     return value;
 }
@@ -144,6 +143,15 @@ bool Commands::chooseStation(Words &words)
     return false;
 }
 
+/// The register that a word names, where the station has it.
+std::uint16_t Commands::registerOf(const std::string &word) const
+{
+    const std::uint16_t address = registerIn(word);
+    if (!m_inverter->has(address))
+        throw Refused { word + ": this station does not have it" };
+    return address;
+}
+
 void Commands::status(const Words &)
 {
     for (int station : m_bus.stations())
@@ -152,7 +160,7 @@ void Commands::status(const Words &)
 
 void Commands::get(const Words &words)
 {
-    const std::uint16_t address = registerIn(words[1]);
+    const std::uint16_t address = registerOf(words[1]);
     if (!bandOf(address)->readable)
         throw Refused { words[1] + ": write only" };
     m_reporter.answer(true,
@@ -161,7 +169,7 @@ void Commands::get(const Words &words)
 
 void Commands::set(const Words &words)
 {
-    const std::uint16_t address = registerIn(words[1]);
+    const std::uint16_t address = registerOf(words[1]);
     const std::uint16_t value = valueIn(words[2]);
     if (!bandOf(address)->writable)
         throw Refused { words[1] + ": read only; hold shows a value of your own" };
@@ -173,7 +181,7 @@ void Commands::set(const Words &words)
 
 void Commands::hold(const Words &words)
 {
-    const std::uint16_t address = registerIn(words[1]);
+    const std::uint16_t address = registerOf(words[1]);
     if (!bandOf(address)->readable)
         throw Refused { words[1] + ": write only" };
     m_inverter->hold(address, valueIn(words[2]));
@@ -182,7 +190,7 @@ void Commands::hold(const Words &words)
 
 void Commands::release(const Words &words)
 {
-    m_inverter->release(registerIn(words[1]));
+    m_inverter->release(registerOf(words[1]));
     m_reporter.answer(true, {});
 }
 

@@ -41,6 +41,7 @@ private:
     void faultsOff(const Words &words);
     void help(const Words &words);
     bool chooseStation(Words &words);
+    std::uint16_t registerOf(const std::string &word) const;
 
     Bus &m_bus;
     Cable &m_cable;

@@ -5,15 +5,12 @@
 #include "common/number_text.h"
 #include "simulator/frame_damage.h"
 #include "simulator/register_map.h"
+#include "simulator/text_file.h"
 
 #include <toml++/toml.h>
 
 #include <array>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <limits>
-#include <sstream>
 
 namespace dx4::sim {
 
@@ -250,16 +247,9 @@ FaultFile parseFaults(const std::string &text, const std::string &source)
 
 FaultFile readFaultFile(const std::string &path)
 {
-    std::ifstream stream(path);
-    std::ostringstream text;
-    if (!stream || !(text << stream.rdbuf())) {
-        FaultFile file;
-        // An empty file copies nothing, which the stream counts as a failure.
-        if (!stream.is_open() || stream.bad())
-            file.error = path + ": " + std::strerror(errno);
-        return file;
-    }
-    return parseFaults(text.str(), path);
+    FaultFile failed;
+    const std::optional<std::string> text = readTextFile(path, &failed.error);
+    return text ? parseFaults(*text, path) : failed;
 }
 
 } // namespace dx4::sim

@@ -56,14 +56,6 @@ std::uint16_t seconds(Micros time)
     return static_cast<std::uint16_t>(time.count() / 1000000 % 65536);
 }
 
-Limits limitsOf(std::uint16_t address)
-{
-    if (address == frequencyRegister)
-        return frequencyLimits;
-    const unsigned index = unsigned { address } - parameterRegister(driveGroup, 0);
-    return index < DriveParameterCount ? driveParameters[index].limits : Limits {};
-}
-
 } // namespace
 
 Inverter::Inverter()
@@ -74,6 +66,14 @@ Inverter::Inverter()
     }
     for (unsigned index = 0; index < DriveParameterCount; ++index)
         m_parameters[parameterRegister(driveGroup, index)] = driveParameters[index].initial;
+}
+
+Limits Inverter::limitsOf(std::uint16_t address)
+{
+    if (address == frequencyRegister)
+        return frequencyLimits;
+    const unsigned index = unsigned { address } - parameterRegister(driveGroup, 0);
+    return index < DriveParameterCount ? driveParameters[index].limits : Limits {};
 }
 
 std::uint16_t Inverter::read(std::uint16_t address) const
@@ -94,7 +94,7 @@ std::uint16_t Inverter::read(std::uint16_t address) const
 bool Inverter::accepts(std::uint16_t address, std::uint16_t value) const
 {
     const Band *band = bandOf(address);
-    if (!band || !band->writable)
+    if (!band || !band->writable || !has(address))
         return false;
     const Limits limits = limitsOf(address);
     return value >= limits.lowest && value <= limits.highest;

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 
 namespace dx4::sim {
 
@@ -39,6 +40,15 @@ public:
     /// Ends hold(); registers that are not held are left alone.
     void release(std::uint16_t address) { m_held.erase(address); }
 
+    /// Takes a register away, as of a drive that does not have it; its value goes on to count.
+    void remove(std::uint16_t address) { m_removed.insert(address); }
+
+    /// Whether there is such a register and it was not taken away.
+    bool has(std::uint16_t address) const { return bandOf(address) && !m_removed.count(address); }
+
+    /// Limits of a register that can be written.
+    static Limits limitsOf(std::uint16_t address);
+
     /// Lets time pass for the drive; an earlier time is ignored.
     void advanceTo(Micros now);
 
@@ -62,6 +72,7 @@ private:
 
     std::map<std::uint16_t, std::uint16_t> m_parameters; ///< every F register
     std::map<std::uint16_t, std::uint16_t> m_held;
+    std::set<std::uint16_t> m_removed;
     Drive m_drive;
     bool m_off = false;
     Micros m_powerAt { 0 }; ///< when the power comes back, while m_off

@@ -3,12 +3,14 @@
 #include "common/standard_descriptors.h"
 #include "simulator/byte_log.h"
 #include "simulator/capture.h"
+#include "simulator/device_link.h"
 #include "simulator/end_request.h"
 #include "simulator/fault_file.h"
 #include "simulator/options.h"
 #include "simulator/output.h"
 #include "simulator/reporter.h"
 #include "simulator/server.h"
+#include "simulator/start_values.h"
 #include "simulator/talk.h"
 
 #include <unistd.h>
@@ -55,6 +57,16 @@ FaultPlan planOf(const Options &options)
     return FaultPlan(file.rules, options.seed.value_or(seed));
 }
 
+StartValues valuesOf(const Options &options)
+{
+    if (options.valueFile.empty())
+        return {};
+    StartValues values = readStartValues(options.valueFile);
+    if (!values.good())
+        throw std::invalid_argument(values.error);
+    return values;
+}
+
 /// What stands in place of lines that found no room.
 std::string gapLine(int count, bool json)
 {
@@ -80,6 +92,7 @@ bool finish(std::optional<Output> &output)
 int serve(const Options &options, Output &standardOutput)
 {
     FaultPlan plan = planOf(options);
+    const StartValues values = valuesOf(options);
     std::optional<Output> log;
     std::optional<Output> capture;
     Port port = openPort(options);
@@ -87,8 +100,14 @@ int serve(const Options &options, Output &standardOutput)
     Bus bus;
     for (int station : options.stations)
         bus.add(station);
+    const std::string wrong = setStartValues(values, bus);
+    if (!wrong.empty())
+        throw std::invalid_argument(wrong);
     Cable cable(bus, clock, lineOf(options), std::move(plan));
     EndRequest &end = makeEndRequest();
+    std::optional<DeviceLink> link; // behind the signals, which would leave it there
+    if (!options.linkPath.empty())
+        link.emplace(options.linkPath, port.path());
 
     if (!options.logFile.empty()) {
         log.emplace(options.logFile).tellGapsAs([](int count) { return gapLine(count, false); });
@@ -109,7 +128,7 @@ int serve(const Options &options, Output &standardOutput)
 
     Commands commands(bus, cable, clock, reporter);
     Server server(port, cable, commands, clock, end);
-    reporter.opened(options.pty ? "pty" : "port", port.path());
+    reporter.opened(options.pty ? "pty" : "port", port.path(), options.linkPath);
     server.run();
     standardOutput.finish();
     const bool isWhole = finish(log) && finish(capture) && !standardOutput.lostSomething();

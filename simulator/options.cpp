@@ -20,6 +20,8 @@ constexpr const char *examples = R"(Examples:
   dx4-sim --pty --stations 1-32          a full segment
   dx4-sim --pty --faults bad.toml --seed 7 --log bytes.log
                                          a bad line, the same one every time
+  dx4-sim --pty --link drive --values set.txt
+                                         reachable as ./drive, with the registers of a dump
   dx4-sim --port /dev/ttyUSB0 --speed 19200 --format 8E1
                                          serve a real line
 
@@ -96,6 +98,9 @@ void addDeviceOptions(CLI::App &app, Options &options, NumberTexts &texts)
                             ->check(CLI::Validator(checkGiven, ""))
                             ->type_name("DEVICE");
     pty->excludes(port);
+    app.add_option("--link", options.linkPath, "make a symbolic link to the pseudo-terminal there")
+        ->check(CLI::Validator(checkGiven, ""))
+        ->type_name("PATH");
     texts.speed = std::to_string(options.speed);
     app.add_option("--speed", texts.speed,
                    "line speed in bit/s; with --pty, 0 leaves the time of characters out")
@@ -119,6 +124,9 @@ void addOtherOptions(CLI::App &app, Options &options, NumberTexts &texts)
         ->allow_extra_args(false) // one word behind each --stations
         ->check(CLI::Validator(checkStations, ""))
         ->type_name("LIST");
+    app.add_option("--values", options.valueFile, "what registers hold at the start")
+        ->type_name("FILE")
+        ->check(CLI::ExistingFile);
     app.add_option("--faults", options.faultFile, "what goes wrong on the line, as TOML")
         ->type_name("FILE")
         ->check(CLI::ExistingFile);
@@ -160,6 +168,8 @@ std::string findContradiction(const Options &options)
 {
     if (!options.pty && options.port.empty())
         return "say what to serve: --pty or --port DEVICE";
+    if (!options.linkPath.empty() && !options.pty)
+        return "--link is for --pty only: a serial port has its path";
     if (!options.port.empty() && options.speed == 0)
         return "--speed 0 is for --pty only: a serial port needs its speed";
     return {};

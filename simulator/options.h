@@ -15,6 +15,8 @@ struct Options {
     bool pty = false; ///< serve a pseudo-terminal of our own
     std::string port; ///< or this serial device
     std::vector<int> stations = { 1 };
+    std::string linkPath; ///< empty: no link to the pseudo-terminal
+    std::string valueFile; ///< empty: registers begin with their defaults
     std::string faultFile; ///< empty: a good line
     std::optional<std::uint64_t> seed; ///< over that of the fault file
     int speed = 9600; ///< bit/s; 0 on a pseudo-terminal: no character time

@@ -51,6 +51,19 @@ bool isWholeWrite(const Bytes &request)
     return count >= 1 && count <= MODBUS_MAX_WRITE_REGISTERS && request[6] == count * 2;
 }
 
+/// Whether one of the registers of a read or a write was taken away.
+bool touchesRemoved(const Inverter &inverter, const Bytes &request)
+{
+    const unsigned first = wordAt(request, 2);
+    const unsigned count = request[1] == writeOneFunction ? 1U : wordAt(request, 4);
+    for (unsigned address = first; address < first + count && address <= 0xFFFFU; ++address) {
+        const auto each = static_cast<std::uint16_t>(address);
+        if (bandOf(each) && !inverter.has(each))
+            return true;
+    }
+    return false;
+}
+
 bool valuesAccepted(const Inverter &inverter, const Bytes &request)
 {
     const std::uint16_t first = wordAt(request, 2);
@@ -171,7 +184,8 @@ void Slave::reply(const Bytes &request)
 
     static constexpr Band noBand = { 0, 0, false, false };
     const Band *band = bandOf(wordAt(request, 2));
-    const bool allowed = band && (write ? band->writable : band->readable);
+    const bool allowed =
+        band && (write ? band->writable : band->readable) && !touchesRemoved(m_inverter, request);
     replyFromBand(request, allowed ? *band : noBand, write);
 }
 

@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <stdlib.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <array>
@@ -255,6 +256,100 @@ TEST(SimulatorProgram, DeviceThatNobodyIsToldOfIsNotServed)
                   std::string("dx4-sim: standard output: ") + cause
                       + "; nothing more is written there\n");
     }
+}
+
+TEST(SimulatorProgram, JsonIsUtf8WhateverComesIn)
+{
+    ServedLine line({ "--json", "--speed", "0" });
+    const int device = open(line.device.c_str(), O_RDWR | O_NOCTTY);
+    ASSERT_EQ(write(device, "\xFF\x00\x80", 3), 3);
+
+    const std::string request = line.process.readLine();
+    const std::string nothing = line.process.readLine();
+    const std::string answer = line.command("\xFE\x80\"\\ 1");
+
+    EXPECT_NE(request.find(R"("bytes":"FF 00 80")"), std::string::npos) << request;
+    EXPECT_EQ(nothing.substr(0, 31), R"({"event":"no-reply","frame":1,")");
+    EXPECT_EQ(answer,
+              "{\"event\":\"answer\",\"ok\":false,\"text\":\"\xEF\xBF\xBD\xEF\xBF\xBD\\\"\\\\: "
+              "no such command; help lists them\"}");
+    close(device);
+}
+
+TEST(SimulatorProgram, CommandWithoutEndIsNotKept)
+{
+    ChildProcess process({ SIMULATOR_FILE, "--pty" }, true);
+    process.readLine();
+
+    process.writeLine(std::string(20000, 'x') + " quit");
+    const std::string said = process.readLine();
+    process.writeLine("get F8.0");
+
+    EXPECT_EQ(said, "dx4-sim: a command of more than 4096 bytes was not run");
+    EXPECT_EQ(process.readLine(), "F8.0 5000");
+}
+
+TEST(SimulatorProgram, PortThatAnotherProgramHoldsIsRefused)
+{
+    ServedLine other;
+    const int held = open(other.device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_EQ(flock(held, LOCK_EX), 0);
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--port", other.device }, &code);
+
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(text.find("dx4-sim: " + other.device + ": in use by "), 0U) << text;
+    EXPECT_NE(text.find("simulator_program_test (process " + std::to_string(getpid()) + ")"),
+              std::string::npos)
+        << text;
+    close(held);
+}
+
+TEST(SimulatorProgram, PortIsHeldWhileItIsServed)
+{
+    ServedLine line; // its other end is a serial device to the next one
+    ChildProcess holder({ SIMULATOR_FILE, "--port", line.device });
+    ASSERT_EQ(holder.readLine(), "port " + line.device);
+
+    const int device = open(line.device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+
+    EXPECT_NE(flock(device, LOCK_EX | LOCK_NB), 0);
+    close(device);
+}
+
+TEST(SimulatorProgram, FolderThatTakesNoFileIsSaid)
+{
+    for (const std::string option : { "--log", "--pcap" }) {
+        int code = -1;
+
+        const std::string text = outputOfSim({ "--pty", option, "/sys/dx4-sim.file" }, &code);
+
+        EXPECT_EQ(code, 1);
+        EXPECT_EQ(text.find("dx4-sim: /sys/dx4-sim.file: "), 0U) << text;
+        EXPECT_EQ(text.find("pty "), std::string::npos);
+    }
+}
+
+TEST(SimulatorProgram, StartsWithTheValuesOfAFile)
+{
+    const std::string values = fileWith("values.txt", "station 2\nF 8.2 = 70\nD 4 = 101\n");
+    ServedLine line({ "--stations", "1-2", "--values", values });
+
+    EXPECT_EQ(Master(line.device, 2).read(0xF802), 70);
+    EXPECT_EQ(Master(line.device, 2).read(0xD004), 101);
+    EXPECT_EQ(Master(line.device, 1).read(0xF802), 50);
+}
+
+TEST(SimulatorUsage, BrokenValueFileIsAUsageErrorWithItsLine)
+{
+    const std::string path = fileWith("broken.txt", "station 1\nF 8.4 = 481\n");
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--pty", "--values", path }, &code);
+
+    EXPECT_EQ(code, 2);
+    EXPECT_EQ(text, "dx4-sim: " + path + ":2: 481 is outside the limits of F8.4, 100 to 480\n");
 }
 
 TEST(SimulatorUsage, HelpOnAFullDiskIsAFailure)
