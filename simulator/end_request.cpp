@@ -28,9 +28,6 @@ void noteSuspend(int)
     suspendCame = true;
 }
 
-/// Only ends a wait: whether standard input is ours may have changed.
-void noteContinue(int) { }
-
 bool isIgnored(int number)
 {
     struct sigaction action = {};
@@ -61,14 +58,13 @@ EndRequest::EndRequest()
         throw std::system_error(errno, std::generic_category(), "eventfd");
     sigset_t blocked;
     sigemptyset(&blocked);
-    for (const int number : { SIGINT, SIGTERM, SIGHUP, SIGTSTP, SIGCONT })
+    for (const int number : { SIGINT, SIGTERM, SIGHUP, SIGTSTP })
         sigaddset(&blocked, number);
     sigprocmask(SIG_BLOCK, &blocked, &m_former);
-    for (const int number : { SIGINT, SIGTERM, SIGHUP, SIGTSTP, SIGCONT })
+    for (const int number : { SIGINT, SIGTERM, SIGHUP, SIGTSTP })
         sigdelset(&m_former, number);
     handle(SIGINT, noteEnd);
     handle(SIGTERM, noteEnd);
-    handle(SIGCONT, noteContinue);
     handleUnlessIgnored(SIGHUP, noteEnd);
     handleUnlessIgnored(SIGTSTP, noteSuspend);
 }

@@ -10,7 +10,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <string>
 #include <system_error>
+#include <utility>
 
 namespace dx4::sim {
 
@@ -19,6 +21,12 @@ namespace {
 // A frame that does not end by its length is over when nothing came for so long. A pseudo-terminal
 // and its writer may pause within a frame, which a wire would not.
 constexpr Micros longestPause { 20000 };
+
+// A shell that brings a running program to the foreground tells it nothing.
+constexpr Micros nextLookAtTheTerminal { 200000 };
+
+// What has no line end is no command, and must not fill the memory.
+constexpr std::size_t longestCommand = 4096; // bytes
 
 /// A program in the background that reads from its terminal is stopped.
 bool isInputOurs()
@@ -77,12 +85,16 @@ void Server::wait()
     const std::optional<Micros> frameEnd = m_framer.endsAt();
     if (frameEnd)
         next = next ? std::min(*next, *frameEnd) : *frameEnd;
+    const bool isInputWanted = m_inputOpen && isInputOurs();
+    const Micros soon = m_clock.now() + nextLookAtTheTerminal;
+    if (m_inputOpen && !isInputWanted)
+        next = next ? std::min(*next, soon) : soon;
     const Micros left = next ? std::max(*next - m_clock.now(), Micros(0)) : Micros(0);
     const timespec timeout = toTimespec(left);
 
     std::array<pollfd, 3> waiting = { {
         { m_port.descriptor(), POLLIN, 0 },
-        { m_inputOpen && isInputOurs() ? STDIN_FILENO : -1, POLLIN, 0 },
+        { isInputWanted ? STDIN_FILENO : -1, POLLIN, 0 },
         { m_end.descriptor(), POLLIN, 0 },
     } };
     const int ready =
@@ -112,8 +124,15 @@ void Server::serveCommands()
     }
     m_typed.append(part, static_cast<std::size_t>(count));
     for (std::size_t end; !m_quit && (end = m_typed.find('\n')) != std::string::npos;) {
-        m_quit = !m_commands.run(m_typed.substr(0, end));
+        if (std::exchange(m_isTooLong, false))
+            say("a command of more than " + std::to_string(longestCommand) + " bytes was not run");
+        else
+            m_quit = !m_commands.run(m_typed.substr(0, end));
         m_typed.erase(0, end + 1);
+    }
+    if (m_typed.size() > longestCommand) {
+        m_typed.clear();
+        m_isTooLong = true;
     }
 }
 

@@ -35,6 +35,7 @@ private:
     EndRequest &m_end;
     Framer m_framer;
     std::string m_typed; ///< begin of a command line
+    bool m_isTooLong = false; ///< the line that is being typed; its begin was dropped
     bool m_portReady = false;
     bool m_inputReady = false;
     bool m_inputOpen = true;

@@ -70,6 +70,17 @@ TEST(StalledReaderOfTheSimulator, StationsAnswerAndTerminationEndsIt)
     }
 }
 
+TEST(StalledReaderOfTheSimulator, SecondTerminationChangesNothing)
+{
+    ServedLine line(onFastLine({ "--json" }));
+    ASSERT_EQ(answered(line.device, 1000), 1000);
+
+    line.process.signal(SIGTERM);
+    line.process.signal(SIGTERM);
+
+    EXPECT_EQ(line.process.wait(), 0);
+}
+
 TEST(StalledReaderOfTheSimulator, HearsHowManyLinesItMissed)
 {
     ServedLine line(onFastLine({ "--json" }));
