@@ -32,7 +32,8 @@ build() {
   # Debug keeps Qt's own assertions; -O2 makes up for the sanitizers.
   if ! { cmake -G Ninja -B build/fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_CXX_FLAGS_DEBUG="-O2 -g" -DKORVANE_SANITIZE=ON -DKORVANE_BUILD_FUZZ=ON \
-    -DKORVANE_BUILD_TOOLS=ON -DKORVANE_WERROR=ON &&
+    -DKORVANE_BUILD_TOOLS=ON -DKORVANE_REQUIRE_ALL="${KORVANE_REQUIRE_ALL:-0}" \
+    -DKORVANE_WERROR=ON &&
     cmake --build build/fuzz --target "${targets[@]}"; } >"$log" 2>&1; then
     tail -n 60 "$log" >&2
     echo "replay.sh: the build failed; all output is in $log" >&2

@@ -8,6 +8,10 @@ Usage: scripts/build.sh PRESET [CMAKE OPTION...]
 
 Configures and builds a preset of CMakePresets.json into build/PRESET. The output of the tools goes
 to build/PRESET/build.log; its end is shown when a step fails. The packages have to be there.
+
+Environment:
+  KORVANE_REQUIRE_ALL  1 makes a component that would be left out, for want of a library or a tool,
+                       an error; tests that would be skipped fail
 TEXT
   [ $# -ge 1 ] && exit 0 || exit 2
 fi
@@ -19,7 +23,7 @@ log=build/$preset/build.log
 mkdir -p "build/$preset"
 [ -f "build/$preset/build.ninja" ] || echo "Building $preset, which takes a few minutes once" >&2
 
-if ! { cmake --preset "$preset" "$@" && cmake --build --preset "$preset"; } >"$log" 2>&1; then
+if ! { cmake --preset "$preset" -DKORVANE_REQUIRE_ALL="${KORVANE_REQUIRE_ALL:-0}" "$@" && cmake --build --preset "$preset"; } >"$log" 2>&1; then
   tail -n 60 "$log" >&2
   echo "build.sh: the build of $preset failed; all output is in $log" >&2
   exit 1

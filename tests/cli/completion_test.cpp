@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the shells make of a command line that is not finished.
 #include "bench.h"
+#include "missing_tool.h"
 #include "terminal_process.h"
 
 #include <gtest/gtest.h>
@@ -60,7 +61,7 @@ TEST(Completion, BashOffersAllOptionsOfACommand)
 TEST(Completion, ZshFinishesWords)
 {
     if (std::system("command -v zsh >/dev/null") != 0)
-        GTEST_SKIP() << "zsh is not installed";
+        END_WITHOUT("zsh");
     Bench bench;
     TerminalProcess zsh(bench.shell("exec zsh -f -i", "TERM=dumb"));
     zsh.type("PS1='$ '; fpath=(" COMPLETION_FOLDER

@@ -5,6 +5,7 @@
 #include "host/recording_line.h"
 
 #include "host_bytes.h"
+#include "missing_tool.h"
 
 #include <QFile>
 #include <QProcess>
@@ -243,7 +244,7 @@ TEST_F(PcapFile, TsharkDecodesItAsModbusRtu)
 {
     const QString tshark = QStandardPaths::findExecutable(QStringLiteral("tshark"));
     if (tshark.isEmpty())
-        GTEST_SKIP() << "tshark is not installed";
+        END_WITHOUT("tshark");
     writePcap(path, readAndWrite(), std::chrono::seconds(1'700'000'000), &error);
     QStringList arguments { QStringLiteral("-r"), path };
     arguments << QStringLiteral("-o mbrtu.udp.port:502 -o mbrtu.crc_verification:TRUE -T fields "

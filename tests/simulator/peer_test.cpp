@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Peers that know nothing of this project: mbpoll as master, tshark as reader of a capture.
 #include "served_line.h"
+#include "tests/shared/missing_tool.h"
 
 #include <gtest/gtest.h>
 
@@ -55,7 +56,7 @@ protected:
     void SetUp() override
     {
         if (isMissing({ "mbpoll", "-V" }))
-            GTEST_SKIP() << "mbpoll is not installed";
+            END_WITHOUT("mbpoll");
     }
 };
 
@@ -130,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Tshark, DecodesEveryFrameOfASession)
 {
     if (isMissing({ "tshark", "-v" }))
-        GTEST_SKIP() << "tshark is not installed";
+        END_WITHOUT("tshark");
     const std::string capture = ::testing::TempDir() + "session.pcap";
     ServedLine line({ "--speed", "0", "--pcap", capture });
     modbus_t *master = modbus_new_rtu(line.device.c_str(), 9600, 'N', 8, 1);
