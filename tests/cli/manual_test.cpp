@@ -96,8 +96,10 @@ TEST(Manual, HoldsTheExamplesOfEveryHelp)
     const std::vector<std::string> examples = manualExamples();
     const std::set<std::string> known(examples.begin(), examples.end());
     const std::regex example("\n  \\$ (dx4 [^\n]+)");
+    const auto all = helps(bench);
 
-    for (const auto &[command, help] : helps(bench)) {
+    EXPECT_GT(all.size(), 20U);
+    for (const auto &[command, help] : all) {
         std::sregex_iterator match(help.begin(), help.end(), example);
         if (commandsIn(help).empty()) {
             EXPECT_NE(match, std::sregex_iterator()) << command << "shows no example";
@@ -111,16 +113,19 @@ TEST(Manual, NamesEveryCommandAndOption)
 {
     Bench bench;
     const std::string manual = contentOf(TOOL_MANUAL);
-    const std::regex option("\n  [^\n]*?--([a-z]+)");
+    const std::regex option("\n  [^\n]*?--([a-z-]+)");
+    int options = 0;
 
     for (const auto &[command, help] : helps(bench)) {
         const std::string name = command.substr(0, command.size() - 1);
         EXPECT_NE(manual.find(name), std::string::npos) << name;
         for (std::sregex_iterator match(help.begin(), help.end(), option), end; match != end;
-             ++match)
+             ++match, ++options)
             EXPECT_NE(manual.find("Fl Fl " + (*match)[1].str()), std::string::npos)
                 << command << (*match)[1];
     }
+
+    EXPECT_GT(options, 99);
 }
 
 TEST(Completion, KnowsEveryCommandAndOption)
@@ -128,11 +133,12 @@ TEST(Completion, KnowsEveryCommandAndOption)
     Bench bench;
     const std::string bash = contentOf(COMPLETION_FOLDER "/dx4.bash");
     const std::string zsh = contentOf(COMPLETION_FOLDER "/_dx4");
-    const std::regex option("\n  (?:-h,)?--([a-z]+)");
+    const std::regex option("\n  (?:-h,)?--([a-z-]+)");
+    int options = 0;
 
     for (const auto &[command, help] : helps(bench)) {
         for (std::sregex_iterator match(help.begin(), help.end(), option), end; match != end;
-             ++match) {
+             ++match, ++options) {
             const std::string name = "--" + (*match)[1].str();
             EXPECT_NE(bash.find(name), std::string::npos) << command << name;
             EXPECT_NE(zsh.find(name), std::string::npos) << command << name;
@@ -142,4 +148,6 @@ TEST(Completion, KnowsEveryCommandAndOption)
         EXPECT_NE(bash.find(last.substr(0, last.size() - 1)), std::string::npos) << command;
         EXPECT_NE(zsh.find(last.substr(0, last.size() - 1)), std::string::npos) << command;
     }
+
+    EXPECT_GT(options, 99);
 }

@@ -34,7 +34,10 @@ TEST(ValueTable, LinesFitEightyColumns)
     row.state.stale = true;
     row.changedAt = seconds(100);
 
-    for (const QString &line : tableLines({ row }, seconds(100), Terminal()))
+    const auto lines = tableLines({ row }, seconds(100), Terminal());
+
+    ASSERT_EQ(lines.size(), 2);
+    for (const QString &line : lines)
         EXPECT_LE(line.size(), 80) << line.toStdString();
 }
 

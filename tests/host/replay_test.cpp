@@ -117,6 +117,7 @@ TEST_F(ReplayTest, RetriesAndGivenUpRequestsHappenAgain)
 
     EXPECT_TRUE(result.complete);
     EXPECT_EQ(result.played, 3);
+    EXPECT_EQ(first.changes, Texts { "1 SW 0 = 33" });
     EXPECT_EQ(second.changes, first.changes);
     EXPECT_EQ(second.cache(),
               (Texts { "1 D 0 = 00 00 failed", "1 D 1 = 00 00 failed", "1 SW 0 = 21 00" }));
@@ -189,6 +190,7 @@ TEST_F(ReplayTest, WritesAreQueuedRightBeforeTheirTurn)
 
     EXPECT_TRUE(result.complete);
     EXPECT_EQ(result.played, 4);
+    EXPECT_EQ(first.changes, (Texts { "1 D 0 = 4660", "1 D 1 = 7", "1 SW 0 = 33" }));
     EXPECT_EQ(second.changes, first.changes);
     EXPECT_EQ(second.cache(), first.cache());
 }
@@ -203,6 +205,7 @@ TEST_F(ReplayTest, AReadOutsideTheRotationIsAConditionRead)
     const ReplayResult result = play();
 
     EXPECT_TRUE(result.complete);
+    EXPECT_EQ(first.changes, (Texts { "1 D 0 = 4660", "1 D 1 = 7", "-1 -1 0 = 0", "1 SW 0 = 33" }));
     EXPECT_EQ(second.changes, first.changes);
     EXPECT_EQ(second.cache(), first.cache());
 }
@@ -218,6 +221,9 @@ TEST_F(ReplayTest, APolledBlockReadOutOfTurnIsAConditionRead)
 
     EXPECT_TRUE(result.complete);
     EXPECT_EQ(result.unrecorded, 0);
+    EXPECT_EQ(
+        first.changes,
+        (Texts { "1 D 0 = 4660", "1 D 1 = 7", "1 D 0 = 4661", "-1 -1 0 = 0", "1 SW 0 = 33" }));
     EXPECT_EQ(second.changes, first.changes);
 }
 

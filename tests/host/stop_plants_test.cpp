@@ -273,6 +273,7 @@ TEST(StopPlants, EveryLivingDriveStopsWithinTheBudgetAndTheReportIsTrue)
     const int first = numberFrom("KORVANE_STOP_SEED", 1);
     RecordProperty("firstSeed", first);
     RecordProperty("plants", plants);
+    ASSERT_GT(plants, 0);
 
     for (int i = 0; i < plants && !HasFailure(); ++i)
         stopPlant(static_cast<unsigned>(first + i));
