@@ -97,6 +97,21 @@ def blank_out(text):
     return pattern.sub(lambda found: re.sub(r"[^\n]", "_", found.group()), text)
 
 
+def number_of(text):
+    is_octal = len(text) > 1 and text.startswith("0") and text.isdigit()
+    return int(text, 8) if is_octal else int(text, 0)
+
+
+def changed_text(text, mutant):
+    """The text of the file with the change."""
+    lines = text.split("\n")
+    line = lines[mutant.line - 1]
+    end = mutant.column + len(mutant.old)
+    assert line[mutant.column:end] == mutant.old, "the file changed meanwhile; start afresh"
+    lines[mutant.line - 1] = line[:mutant.column] + mutant.new + line[end:]
+    return "\n".join(lines)
+
+
 def mutants_of_line(place, line, plain):
     def mutant(column, old, new, kind):
         return Mutant(*place[:2], column, old, new, kind, *place[2:])
@@ -105,7 +120,7 @@ def mutants_of_line(place, line, plain):
         for found in re.finditer(pattern, plain):
             yield mutant(found.start(), found.group(), new, "operator")
     for found in NUMBER.finditer(plain):
-        value = int(found.group(1), 0)
+        value = number_of(found.group(1))
         yield mutant(found.start(), found.group(), str(value + 1) + found.group(2), "constant")
         if value > 1:
             yield mutant(found.start(), found.group(), str(value - 1) + found.group(2), "constant")
@@ -260,12 +275,7 @@ class Workshop:
         path = os.path.join(self.tree, mutant.file)
         with open(path, encoding="utf-8") as stream:
             original = stream.read()
-        lines = original.split("\n")
-        line = lines[mutant.line - 1]
-        end = mutant.column + len(mutant.old)
-        assert line[mutant.column:end] == mutant.old, "the copy changed; start afresh"
-        lines[mutant.line - 1] = line[:mutant.column] + mutant.new + line[end:]
-        self.write(path, "\n".join(lines))
+        self.write(path, changed_text(original, mutant))
         self.are_tests_changed = False
         try:
             return self.outcome_of(mutant)
