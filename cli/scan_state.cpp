@@ -27,8 +27,12 @@ bool isPossible(const ScanState &state)
 
 std::optional<ScanState> loadScanState(const QString &file)
 {
-    const auto text = host::readWholeFile(file, nullptr);
-    const QJsonObject object = QJsonDocument::fromJson(text.value_or(QByteArray())).object();
+    return parseScanState(host::readWholeFile(file, nullptr).value_or(QByteArray()));
+}
+
+std::optional<ScanState> parseScanState(const QByteArray &text)
+{
+    const QJsonObject object = QJsonDocument::fromJson(text).object();
     if (!object.contains(QStringLiteral("next")))
         return std::nullopt;
     ScanState state;

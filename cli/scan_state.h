@@ -4,6 +4,7 @@
 
 #include "host/modbus_limits.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QVector>
 
@@ -20,6 +21,9 @@ struct ScanState {
 
 /// Reads the file. @return nothing when it cannot be read or holds something else
 std::optional<ScanState> loadScanState(const QString &file);
+
+/// The same from the file's content.
+std::optional<ScanState> parseScanState(const QByteArray &text);
 
 /// Whether a scan of these stations may go on where the state ends, and drop it when it is through:
 /// it passes no station over and leaves none of the state's unasked.

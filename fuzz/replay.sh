@@ -24,7 +24,8 @@ seconds=${FUZZ_SECONDS:-60}
 seed=${FUZZ_SEED:-$((RANDOM * 32768 + RANDOM + 1))}
 targets=("$@")
 [ $# -gt 0 ] || targets=(fuzz_reply fuzz_sequence fuzz_guard
-  fuzz_address_text fuzz_property_text fuzz_multi_copy)
+  fuzz_address_text fuzz_property_text fuzz_multi_copy
+  fuzz_config fuzz_parameter_set fuzz_pcap fuzz_fault_file fuzz_commands fuzz_frame_text fuzz_scan_state)
 
 build() {
   local log=build/fuzz/build.log
@@ -61,7 +62,7 @@ play() {
   local corpus=fuzz/corpus/$target
   # A request of the guard's trial takes about ten bytes.
   local longest=200
-  [ "$target" = fuzz_guard ] && longest=600
+  case $target in fuzz_guard | fuzz_config | fuzz_parameter_set | fuzz_pcap | fuzz_fault_file) longest=600 ;; esac
   stacks=10 run "$target" -runs=0 "$corpus"
   printf '%-20s %5d inputs replayed\n' "$target" "$(find "$corpus" -type f | wc -l)"
   [ "$seconds" -gt 0 ] || return 0

@@ -195,6 +195,23 @@ TEST(JsonAnswers, AreUtf8WhateverTheBytes)
     EXPECT_EQ(jsonText("\xF4\x90\x80\x80"), '"' + none + none + none + none + '"');
 }
 
+TEST(JsonAnswers, KeepTextOfEveryLength)
+{
+    EXPECT_EQ(jsonText("\xC3\xBC \xE2\x82\xAC \xF0\x9F\x8F\xAD"),
+              "\"\xC3\xBC \xE2\x82\xAC \xF0\x9F\x8F\xAD\"");
+}
+
+TEST(JsonAnswers, NameEachByteThatIsNoText)
+{
+    EXPECT_EQ(jsonText("a\xFFz"), R"("a\ufffdz")");
+    EXPECT_EQ(jsonText("\x80"), R"("\ufffd")") << "nothing to follow";
+    EXPECT_EQ(jsonText("\xE2\x82"), R"("\ufffd\ufffd")") << "cut short";
+    EXPECT_EQ(jsonText("\xC3z"), R"("\ufffdz")") << "broken off";
+    EXPECT_EQ(jsonText("\xC0\xAF"), R"("\ufffd\ufffd")") << "longer than it has to be";
+    EXPECT_EQ(jsonText("\xED\xA0\x80"), R"("\ufffd\ufffd\ufffd")") << "half of a pair";
+    EXPECT_EQ(jsonText("\xF4\x90\x80\x80"), R"("\ufffd\ufffd\ufffd\ufffd")") << "behind the last";
+}
+
 TEST_F(LineFixture, ReportsEventsAsJson)
 {
     std::ostringstream out;
