@@ -80,6 +80,37 @@ TEST(Plan, GroupsStayApartAndBlocksKeepTheirSize)
               (Texts { "1 F 16 3", "1 F 256 4", "1 F 260 1", "1 F 2573 1" }));
 }
 
+TEST(Plan, BlocksAreOf1To123RegistersAtMost)
+{
+    const QVector<PlanEntry> one = { { 1, QStringLiteral("D 0") } };
+
+    EXPECT_EQ(planned(one, 0), Texts { "block size 0; it can be 1 to 123" });
+    EXPECT_EQ(planned(one, 1), Texts { "1 D 0 1" });
+    EXPECT_EQ(planned(one, 123), Texts { "1 D 0 1" });
+    EXPECT_EQ(planned(one, 124), Texts { "block size 124; it can be 1 to 123" });
+}
+
+TEST(Plan, StationsAre1To247)
+{
+    EXPECT_EQ(planned({ { 0, QStringLiteral("D 0") } }),
+              Texts { "station 0, \"D 0\": no station 0; stations are 1 to 247" });
+    EXPECT_EQ(planned({ { 247, QStringLiteral("D 0") } }), Texts { "247 D 0 1" });
+    EXPECT_EQ(planned({ { 248, QStringLiteral("D 0") } }),
+              Texts { "station 248, \"D 0\": no station 248; stations are 1 to 247" });
+}
+
+TEST(Plan, TellsWhatIsWantedAndWhatKeepsStationsApart)
+{
+    Planner planner(privateCopy(), blocksOf(16));
+
+    const auto plan =
+        planner.make({ { 1, QStringLiteral("D 5") }, { 2, QStringLiteral("D 3") } }, nullptr);
+
+    ASSERT_TRUE(plan);
+    EXPECT_EQ(plan->wantedRegisters, 2);
+    EXPECT_EQ(plan->separators, 4);
+}
+
 TEST(Plan, CountsTheTimeOfARotation)
 {
     Planner planner(privateCopy(), blocksOf(16));

@@ -48,6 +48,30 @@ TEST_F(RuntimeTest, AReadValueHasAnAgeAndGrowsStale)
     EXPECT_TRUE(shown().stale);
 }
 
+TEST_F(RuntimeTest, AValueIsStaleBehindItsTimeNotAtIt)
+{
+    host.steps(1);
+    host.stations.line.advance(seconds(5));
+
+    EXPECT_EQ(shown().age, seconds(5));
+    EXPECT_FALSE(shown().stale);
+}
+
+TEST_F(RuntimeTest, AWriteOfSomebodyElseOnTheLinkIsShownAsPendingToo)
+{
+    host.steps(1);
+    host.host.link().write(1, QStringLiteral("FRE"), 0, { 5 }, 7);
+
+    const Value waiting = host.host.value(1, QStringLiteral("FRE"), 0);
+    host.steps(1);
+    const Value done = host.host.value(1, QStringLiteral("FRE"), 0);
+
+    EXPECT_TRUE(waiting.writePending);
+    EXPECT_EQ(waiting.value, 5);
+    EXPECT_FALSE(done.writePending);
+    EXPECT_EQ(done.value, 5);
+}
+
 TEST_F(RuntimeTest, AGivenUpReadKeepsItsValueAndIsMarked)
 {
     host.steps(1);
@@ -244,6 +268,41 @@ public:
 };
 
 } // namespace
+
+TEST(RuntimeIdle, IsATenthOfASecondWhereNothingIsDue)
+{
+    RuntimeUnderTest under;
+
+    EXPECT_EQ(under.host.step(), Runtime::Step::Idle);
+    EXPECT_EQ(under.host.idleTime(), milliseconds(100));
+}
+
+TEST(RuntimeIdle, EndsWhenTheNextProbeIsDueAndIsAMillisecondAtLeast)
+{
+    RuntimeUnderTest under;
+    under.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+    under.stations.dead = { 1 };
+    while (!under.host.isLeftAlone(1))
+        under.host.step();
+
+    under.stations.line.advance(milliseconds(970));
+    const Duration shortly = under.host.idleTime();
+    under.stations.line.advance(milliseconds(30));
+
+    EXPECT_EQ(shortly, milliseconds(30));
+    EXPECT_EQ(under.host.idleTime(), milliseconds(1));
+}
+
+TEST(RuntimeIdle, EndsWhenTheLineIsTriedNext)
+{
+    AbsentLine line;
+    Runtime runtime(privateCopy(), line, RuntimeSettings());
+
+    EXPECT_EQ(runtime.step(), Runtime::Step::LineDown);
+    EXPECT_EQ(runtime.idleTime(), milliseconds(50));
+    line.advance(milliseconds(20));
+    EXPECT_EQ(runtime.idleTime(), milliseconds(30));
+}
 
 TEST(RuntimeReopening, PausesDoubleFrom50MillisecondsTo2Seconds)
 {

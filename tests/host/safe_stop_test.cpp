@@ -274,6 +274,23 @@ TEST(SafeStop, AUserWhoGoesAwayStopsTheDrives)
               (Texts { "the user interface is silent: stopping", "all stops confirmed" }));
 }
 
+TEST(SafeStop, AUserIsGoneBehindTheTimeNotAtIt)
+{
+    RuntimeSettings settings = withStops();
+    settings.userPatience = seconds(2);
+    RuntimeUnderTest host(settings);
+    host.host.noteUser();
+
+    host.stations.line.advance(seconds(2));
+    host.host.step();
+    const Texts before = host.alarms;
+    host.stations.line.advance(Duration { 1 });
+    host.host.step();
+
+    EXPECT_EQ(before, Texts {});
+    EXPECT_EQ(host.alarms.front(), "the user interface is silent: stopping");
+}
+
 TEST(SafeStop, WithoutStopsTheWritesEndAndTheReportSaysSo)
 {
     RuntimeUnderTest host;
