@@ -5,11 +5,26 @@
 #include "cli/interrupt.h"
 #include "cli/output.h"
 
+#include <algorithm>
+
 namespace dx4::cli {
 namespace {
 
 constexpr host::Duration usualPatience = std::chrono::seconds(10);
 constexpr int longestPatience = 86400; // s
+constexpr host::Duration longestRest = std::chrono::milliseconds(100); // ages are shown meanwhile
+
+/// Lets some of the time pass that is left until the next step is due. @return whether there is any
+bool rested(const PollSettings &settings)
+{
+    const host::Duration rest = settings.rest ? settings.rest() : host::Duration { 0 };
+    if (rest <= host::Duration { 0 })
+        return false;
+    if (settings.afterStep)
+        settings.afterStep();
+    pauseFor(std::min(rest, longestRest));
+    return true;
+}
 
 } // namespace
 
@@ -57,6 +72,8 @@ PollEnd poll(Session &session, const QString &command, const PollSettings &setti
             return PollEnd::OutputLost;
         if (settings.enough())
             return PollEnd::Enough;
+        if (rested(settings))
+            continue;
         const Step step = session.runtime().step();
         const host::Duration now = session.line().now();
         const bool isOpen = session.line().isOpen();

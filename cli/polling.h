@@ -18,7 +18,10 @@ enum class PollEnd {
 
 struct PollSettings {
     std::function<bool()> enough; ///< asked before each step
-    std::function<void()> afterStep; ///< may be null
+
+    /// Time until the next step is due, asked before each one; null: steps follow at once.
+    std::function<host::Duration()> rest;
+    std::function<void()> afterStep; ///< also called while the loop rests; may be null
 
     /// Told when the line broke and when it is back; null: noted on standard error.
     std::function<void(const QString &)> onLine;

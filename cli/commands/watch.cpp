@@ -17,12 +17,16 @@ namespace {
 
 constexpr int staleRounds = 5; // rounds without an answer before a value counts as stale
 constexpr host::Duration shortestStale = std::chrono::seconds(2);
+constexpr int longestInterval = 86400000; // ms
 
 struct Options {
     LineOptions line;
     QStringList words;
     int rounds = 0; ///< 0: until Ctrl-C
+    int interval = 0; ///< ms from one round to the next; 0: at once
+    int sample = 0; ///< ms; 0: changes are shown
     int reconnect = -1; ///< s
+    bool clock = false;
     bool csv = false;
     bool names = false;
 };
@@ -37,22 +41,68 @@ QVector<WatchedValue> watched(const QVector<Target> &targets, const RegisterName
     return values;
 }
 
-WatchView::Form formOf(const Options &options)
+WatchStyle styleOf(const Options &options)
 {
+    WatchStyle style;
     if (options.line.json)
-        return WatchView::Form::Json;
-    return options.csv ? WatchView::Form::Csv : WatchView::Form::Text;
+        style.form = WatchStyle::Form::Json;
+    else if (options.csv)
+        style.form = WatchStyle::Form::Csv;
+    style.clock = options.clock;
+    if (options.sample > 0)
+        style.sample = std::chrono::milliseconds(options.sample);
+    return style;
 }
+
+/// Keeps rounds of reads apart. They begin at equal times; one that takes longer than the interval
+/// is followed by the next at once, and time is counted from there.
+class Pace {
+public:
+    /// @param reads  of one round
+    Pace(Session &session, host::Duration interval, qint64 reads)
+        : m_session(session)
+        , m_interval(interval)
+        , m_reads(reads)
+        , m_roundEnd(reads)
+        , m_next(session.line().now() + interval)
+    {
+    }
+
+    /// Time until the next read is due.
+    host::Duration rest()
+    {
+        const qint64 ended = endedReads(m_session.runtime().counters());
+        if (ended < m_roundEnd)
+            return host::Duration { 0 };
+        const host::Duration now = m_session.line().now();
+        if (now < m_next)
+            return m_next - now;
+        m_roundEnd = ended + m_reads;
+        m_next = std::max(m_next, now - m_interval) + m_interval;
+        return host::Duration { 0 };
+    }
+
+private:
+    Session &m_session;
+    host::Duration m_interval;
+    qint64 m_reads;
+    qint64 m_roundEnd; // reads ended by then
+    host::Duration m_next; // beginning of the next round, by the line's clock
+};
 
 /// Polls until it has had enough.
 PollEnd follow(Session &session, WatchList &list, WatchView &view, const Options &options,
-               qint64 reads)
+               qint64 blocks)
 {
+    const qint64 reads = options.rounds * blocks;
     host::Line &line = session.line();
     const host::Runtime &runtime = session.runtime();
     const host::Duration start = line.now();
     PollSettings settings;
     settings.enough = [&] { return reads > 0 && endedReads(runtime.counters()) >= reads; };
+    Pace pace(session, std::chrono::milliseconds(options.interval), blocks);
+    if (options.interval > 0)
+        settings.rest = [&pace] { return pace.rest(); };
     settings.afterStep = [&] {
         const host::Duration now = line.now();
         list.follow(now);
@@ -77,9 +127,13 @@ int outcome(Session &session, PollEnd end, bool hasEnd)
                       QStringLiteral("nothing was read: %1").arg(causeText(session.verdict())) });
 }
 
-host::Duration staleAfter(const host::Plan &plan, const host::LineSettings &line)
+host::Duration staleAfter(const host::Plan &plan, const Options &options)
 {
-    return std::max(staleRounds * host::cycleTime(plan, line, line.responseTimeout), shortestStale);
+    const host::LineSettings &line = options.line.plant.line;
+    const host::Duration round =
+        std::max<host::Duration>(host::cycleTime(plan, line, line.responseTimeout),
+                                 std::chrono::milliseconds(options.interval));
+    return std::max(staleRounds * round, shortestStale);
 }
 
 int runWatch(const Options &options)
@@ -91,7 +145,7 @@ int runWatch(const Options &options)
     if (!plan)
         return complain(name, failure);
     SessionWishes wishes;
-    wishes.staleAfter = staleAfter(*plan, options.line.plant.line);
+    wishes.staleAfter = staleAfter(*plan, options);
     const auto session = Session::open(options.line, &failure, wishes);
     if (!session)
         return complain(name, failure);
@@ -105,8 +159,8 @@ int runWatch(const Options &options)
     const qint64 blocks = host::lengthOf(plan->blocks);
     PollEnd end = PollEnd::Enough;
     {
-        const auto view = WatchView::create(formOf(options), Terminal::detect());
-        end = follow(*session, list, *view, options, options.rounds * blocks);
+        const auto view = WatchView::create(styleOf(options), Terminal::detect(), list.rows());
+        end = follow(*session, list, *view, options, blocks);
     }
     // Whoever ends the watch by hand goes away; a watch that is over by itself was a look.
     const bool stopped = end != PollEnd::Asked || session->stopSafely();
@@ -123,6 +177,11 @@ void addWatch(CommandLine &line)
     command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
     command.number("--rounds", options->rounds, "through all registers; 0 until Ctrl-C", 0,
                    1000000);
+    command.number("--interval", options->interval,
+                   "ms from one round of reads to the next; 0: no pause", 0, longestInterval);
+    command.number("--sample", options->sample,
+                   "ms; print all values in one row so often; 0: changes", 0, longestInterval);
+    command.flag("--clock", options->clock, "with date and time of day in place of seconds");
     command.flag("--csv", options->csv, "print comma-separated values");
     command.flag("--names", options->names, "with names and units of the simulated inverter");
     addPollOptions(command, options->reconnect);
@@ -132,6 +191,9 @@ void addWatch(CommandLine &line)
                     QStringLiteral("a live table until Ctrl-C"));
     command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --csv --rounds 10 D 0-3 2:D 0-3"),
                     QStringLiteral("ten rounds over two stations into a file or a pipe"));
+    command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --interval 200 --sample 500 "
+                                   "--clock --rounds 10 D 0-3"),
+                    QStringLiteral("five reads a second, two rows a second for a spreadsheet"));
     command.action([options] { return runWatch(*options); });
 }
 

@@ -2,11 +2,13 @@
 // How watched registers are shown: a live table, plain lines, CSV or JSON.
 #include "cli/commands/watch_view.h"
 
+#include "cli/commands/watch_samples.h"
 #include "cli/counters_text.h"
 #include "cli/exit_code.h"
 #include "cli/held_changes.h"
 #include "cli/live_table.h"
 #include "cli/output.h"
+#include "cli/time_stamp.h"
 #include "cli/value_output.h"
 #include "cli/value_table.h"
 #include "host/length.h"
@@ -19,11 +21,6 @@ namespace dx4::cli {
 namespace {
 
 constexpr host::Duration redrawAfter = std::chrono::milliseconds(100);
-
-double inSeconds(host::Duration span)
-{
-    return std::chrono::duration<double>(span).count();
-}
 
 /// Draws the table over itself.
 class LiveView : public WatchView {
@@ -87,10 +84,13 @@ QString stateText(const host::Value &state)
 /// A line for every value that became another, failed, grew stale or came back.
 class LineView : public WatchView {
 public:
-    explicit LineView(Form form)
-        : m_form(form)
+    using Form = WatchStyle::Form;
+
+    explicit LineView(const WatchStyle &style)
+        : m_form(style.form)
+        , m_stamp(style.clock)
     {
-        if (form == Form::Csv)
+        if (m_form == Form::Csv)
             printLine(
                 QStringLiteral("time,station,type,address,register,value,state,name,scaled,unit"));
     }
@@ -98,6 +98,7 @@ public:
     void values(WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
     {
+        m_stamp.setNow(elapsed);
         m_rows.resize(static_cast<std::size_t>(list.rows().size()));
         const QVector<int> changed = list.takeChanged();
         for (const int row : changed)
@@ -117,7 +118,7 @@ public:
         if (m_form == Form::Json) {
             QJsonObject object = countersJson(counters);
             object.insert(QStringLiteral("event"), QStringLiteral("end"));
-            object.insert(QStringLiteral("time"), inSeconds(elapsed));
+            m_stamp.add(object, elapsed);
             printJson(object);
         } else if (m_form == Form::Text) {
             printLine(countersText(counters));
@@ -164,10 +165,12 @@ private:
         const int count = m_held.takeUnshown();
         if (count == 0)
             return;
-        if (m_form == Form::Json)
-            return printJson({ { QStringLiteral("event"), QStringLiteral("held") },
-                               { QStringLiteral("time"), inSeconds(elapsed) },
-                               { QStringLiteral("not_shown"), count } });
+        if (m_form == Form::Json) {
+            QJsonObject object { { QStringLiteral("event"), QStringLiteral("held") },
+                                 { QStringLiteral("not_shown"), count } };
+            m_stamp.add(object, elapsed);
+            return printJson(object);
+        }
         const QString text = counted(static_cast<quint64>(count), "change", "changes")
             + QStringLiteral(" not shown");
         if (m_form == Form::Text)
@@ -187,12 +190,12 @@ private:
         }
     }
 
-    static QJsonObject rowJson(const WatchRow &row, host::Duration elapsed)
+    QJsonObject rowJson(const WatchRow &row, host::Duration elapsed) const
     {
         const WatchedValue &what = row.what;
         QJsonObject object = registerJson(what.station, what.regType, what.address);
         object.insert(QStringLiteral("event"), QStringLiteral("value"));
-        object.insert(QStringLiteral("time"), inSeconds(elapsed));
+        m_stamp.add(object, elapsed);
         object.insert(QStringLiteral("state"), stateText(row.state));
         if (row.state.known) {
             object.insert(QStringLiteral("value"), row.state.value);
@@ -201,12 +204,12 @@ private:
         return object;
     }
 
-    static QStringList rowCells(const WatchRow &row, host::Duration elapsed)
+    QStringList rowCells(const WatchRow &row, host::Duration elapsed) const
     {
         const WatchedValue &what = row.what;
         const bool known = row.state.known;
         const auto number = static_cast<unsigned>(host::modbusRegister(what.regType, what.address));
-        return { QString::number(inSeconds(elapsed), 'f', 3),
+        return { m_stamp.text(elapsed),
                  QString::number(what.station),
                  what.regType,
                  host::addressText(what.regType, what.address),
@@ -218,7 +221,7 @@ private:
                  what.scaling.unit };
     }
 
-    static QString rowText(const WatchRow &row, host::Duration elapsed)
+    QString rowText(const WatchRow &row, host::Duration elapsed) const
     {
         const WatchedValue &what = row.what;
         const QString state = stateText(row.state);
@@ -227,25 +230,29 @@ private:
             shown = state;
         else if (row.state.stale)
             shown += QStringLiteral("  ") + state;
-        return QStringLiteral("%1 s  %2  %3  %4  %5")
-            .arg(QString::number(inSeconds(elapsed), 'f', 3).rightJustified(8))
+        return QStringLiteral("%1  %2  %3  %4  %5")
+            .arg(m_stamp.column(elapsed))
             .arg(what.station)
             .arg(host::fullAddress(what.regType, what.address).leftJustified(16), shown, what.name)
             .trimmed();
     }
 
     Form m_form;
+    TimeStamp m_stamp;
     std::vector<Row> m_rows;
     HeldChanges m_held;
 };
 
 } // namespace
 
-std::unique_ptr<WatchView> WatchView::create(Form form, const Terminal &terminal)
+std::unique_ptr<WatchView> WatchView::create(const WatchStyle &style, const Terminal &terminal,
+                                             const QVector<WatchRow> &values)
 {
-    if (form == Form::Text && terminal.live)
-        return std::make_unique<LiveView>(terminal);
-    return std::make_unique<LineView>(form);
+    if (style.sample)
+        return sampleView(style, values);
+    const bool isTable = style.form == WatchStyle::Form::Text && terminal.live;
+    return isTable ? std::unique_ptr<WatchView>(std::make_unique<LiveView>(terminal))
+                   : std::make_unique<LineView>(style);
 }
 
 } // namespace dx4::cli

@@ -7,14 +7,22 @@
 #include "host/counters.h"
 
 #include <memory>
+#include <optional>
 
 namespace dx4::cli {
+
+/// What a user wants to see.
+struct WatchStyle {
+    enum class Form { Text, Csv, Json };
+
+    Form form = Form::Text;
+    bool clock = false; ///< times of day in place of seconds since the start
+    std::optional<host::Duration> sample; ///< all values at once, each time this has passed
+};
 
 /// One way to show them.
 class WatchView {
 public:
-    enum class Form { Text, Csv, Json };
-
     WatchView() = default;
     virtual ~WatchView() = default;
     WatchView(const WatchView &) = delete;
@@ -32,8 +40,12 @@ public:
                      host::Duration elapsed) = 0;
 
     /// The table where the terminal can be drawn over and text was asked for, else a line for every
-    /// value that became another, failed, grew stale or came back.
-    static std::unique_ptr<WatchView> create(Form form, const Terminal &terminal);
+    /// value that became another, failed, grew stale or came back. Samples are rows of a table in
+    /// CSV, also where text was asked for, or objects in JSON.
+    ///
+    /// @param values  that will be shown
+    static std::unique_ptr<WatchView> create(const WatchStyle &style, const Terminal &terminal,
+                                             const QVector<WatchRow> &values);
 };
 
 } // namespace dx4::cli

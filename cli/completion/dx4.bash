@@ -13,7 +13,7 @@ _dx4_options() {
     'frames decode') echo '--request --json --driver' ;;
     get) echo "--count --names $line" ;;
     set) echo "--always --verify --names $line" ;;
-    watch) echo "--rounds --csv --names --reconnect $line" ;;
+    watch) echo "--rounds --interval --sample --clock --csv --names --reconnect $line" ;;
     plan) echo "--turnaround --names $line" ;;
     scan) echo "--from --to --resume $line" ;;
     stats) echo "--requests --names --reconnect $line" ;;

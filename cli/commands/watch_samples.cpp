@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+// All watched values at equal times, for spreadsheets.
+#include "cli/commands/watch_samples.h"
+
+#include "cli/counters_text.h"
+#include "cli/exit_code.h"
+#include "cli/output.h"
+#include "cli/time_stamp.h"
+#include "host/notation.h"
+
+#include <utility>
+
+namespace dx4::cli {
+namespace {
+
+/// Samples that are caught up with after a request that took long. A gap beyond that is one of the
+/// program, which was suspended, and stays a gap.
+constexpr int mostAtOnce = 100;
+
+/// "1:D 0", as the register is named on the command line.
+QString keyOf(const WatchedValue &what)
+{
+    return QStringLiteral("%1:%2 %3")
+        .arg(what.station)
+        .arg(what.regType, host::addressText(what.regType, what.address));
+}
+
+/// "1:D 0 Output frequency (Hz)".
+QString headOf(const WatchedValue &what)
+{
+    QString head = keyOf(what);
+    if (!what.name.isEmpty())
+        head += QLatin1Char(' ') + what.name;
+    if (!what.scaling.unit.isEmpty())
+        head += QStringLiteral(" (%1)").arg(what.scaling.unit);
+    return head;
+}
+
+bool isGood(const host::Value &state)
+{
+    return state.known && !state.failed && !state.stale;
+}
+
+class SampleView : public WatchView {
+public:
+    SampleView(const WatchStyle &style, const QVector<WatchRow> &values)
+        : m_isJson(style.form == WatchStyle::Form::Json)
+        , m_every(*style.sample)
+        , m_next(m_every)
+        , m_stamp(style.clock)
+    {
+        if (m_isJson)
+            return;
+        QStringList heads { QStringLiteral("time") };
+        for (const WatchRow &row : values)
+            heads.append(headOf(row.what));
+        printLine(csvLine(heads));
+    }
+
+    void values(WatchList &list, const host::CounterSet &, host::Duration now,
+                host::Duration elapsed) override
+    {
+        if (elapsed < m_next)
+            return;
+        m_stamp.setNow(elapsed);
+        list.lookAtAll(now);
+        list.takeChanged();
+        for (int taken = 0; m_next <= elapsed; m_next += m_every, ++taken) {
+            if (taken < mostAtOnce && outputFlows())
+                print(list);
+            else
+                ++m_unshown;
+        }
+        if (outputFlows())
+            sayUnshown(elapsed);
+    }
+
+    void line(const QString &text) override { note(QStringLiteral("watch"), text); }
+
+    void end(WatchList &, const host::CounterSet &counters, host::Duration,
+             host::Duration elapsed) override
+    {
+        m_stamp.setNow(elapsed);
+        sayUnshown(elapsed);
+        if (!m_isJson)
+            return;
+        QJsonObject object = countersJson(counters);
+        object.insert(QStringLiteral("event"), QStringLiteral("end"));
+        m_stamp.add(object, elapsed);
+        printJson(object);
+    }
+
+private:
+    void print(const WatchList &list) const
+    {
+        if (m_isJson)
+            return printJson(objectOf(list));
+        QStringList cells { m_stamp.text(m_next) };
+        for (const WatchRow &row : list.rows())
+            cells.append(isGood(row.state) ? numberText(row) : QString());
+        printLine(csvLine(cells));
+    }
+
+    /// Bits are a number here too: a spreadsheet takes no hexadecimal.
+    static QString numberText(const WatchRow &row)
+    {
+        return row.what.bits ? QString::number(row.state.value)
+                             : formatValue(row.what, row.state.value);
+    }
+
+    QJsonObject objectOf(const WatchList &list) const
+    {
+        QJsonObject samples;
+        for (const WatchRow &row : list.rows())
+            samples.insert(keyOf(row.what),
+                           isGood(row.state) ? QJsonValue(numberText(row).toDouble())
+                                             : QJsonValue());
+        QJsonObject object { { QStringLiteral("event"), QStringLiteral("sample") },
+                             { QStringLiteral("values"), samples } };
+        m_stamp.add(object, m_next);
+        return object;
+    }
+
+    void sayUnshown(host::Duration elapsed)
+    {
+        const int count = std::exchange(m_unshown, 0);
+        if (count == 0)
+            return;
+        if (!m_isJson)
+            return note(QStringLiteral("watch"),
+                        counted(static_cast<quint64>(count), "sample", "samples")
+                            + QStringLiteral(" not shown"));
+        QJsonObject object { { QStringLiteral("event"), QStringLiteral("held") },
+                             { QStringLiteral("not_shown"), count } };
+        m_stamp.add(object, elapsed);
+        printJson(object);
+    }
+
+    bool m_isJson;
+    host::Duration m_every;
+    host::Duration m_next; // moment of the next sample, since the start
+    TimeStamp m_stamp;
+    int m_unshown = 0;
+};
+
+} // namespace
+
+std::unique_ptr<WatchView> sampleView(const WatchStyle &style, const QVector<WatchRow> &values)
+{
+    return std::make_unique<SampleView>(style, values);
+}
+
+} // namespace dx4::cli
