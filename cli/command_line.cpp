@@ -33,8 +33,16 @@ QStringList optionNames(const CLI::App &app)
     for (const CLI::Option *option : app.get_options()) {
         for (const std::string &name : option->get_lnames())
             names.append(QStringLiteral("--") + QString::fromStdString(name));
+        for (const std::string &name : option->get_snames())
+            names.append(QLatin1Char('-') + QString::fromStdString(name));
     }
     return names;
+}
+
+/// A letter is as near to one as to any other: only words are suggested.
+QStringList longNames(const QStringList &names)
+{
+    return names.filter(QStringLiteral("--"));
 }
 
 /// Follows the words down to the command that they name.
@@ -81,7 +89,7 @@ QString explainCommand(const Place &place, const QStringList &commands)
     const QStringList known = allOptionNames(*place.app);
     if (known.contains(name))
         return QStringLiteral("%1 goes behind the command, such as dx4 get %1").arg(name);
-    return QStringLiteral("no option \"%1\"%2").arg(name, suggestion(name, known));
+    return QStringLiteral("no option \"%1\"%2").arg(name, suggestion(name, longNames(known)));
 }
 
 /// The first word that looks like an option and is none; empty where there is no such word.
@@ -91,7 +99,7 @@ QString unknownOption(const Place &place)
     for (const QString &word : place.rest) {
         QString name = word.section(QLatin1Char('='), 0, 0);
         const bool isNumber = host::parseDecimal(word.mid(1)).has_value();
-        const bool isShort = name.size() == 2 && name != QLatin1String("-h");
+        const bool isShort = name.size() == 2 && !known.contains(name);
         const bool isLong = name.startsWith(QLatin1String("--")) && !known.contains(name);
         if (name.startsWith(QLatin1Char('-')) && name.size() > 1 && !isNumber
             && name != QLatin1String("--") && (isShort || isLong))
@@ -143,7 +151,7 @@ QString explain(const Place &place, const CLI::ParseError &error)
     const QString option = unknownOption(place);
     if (!option.isEmpty())
         return QStringLiteral("no option \"%1\"%2")
-            .arg(option, suggestion(option, optionNames(*place.app)));
+            .arg(option, suggestion(option, longNames(optionNames(*place.app))));
     if (dynamic_cast<const CLI::ExtrasError *>(&error)) {
         const QString words = QString::fromUtf8(error.what()).section(QStringLiteral(": "), 1);
         return QStringLiteral("\"%1\" is not expected").arg(words);

@@ -177,8 +177,14 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
                    host::largestBlock);
     command.flag("--shared", options.shared, "also where another program has the port open");
     command.flag("--json", options.json, "print one JSON object per line");
+    addTraceOption(command, options.trace);
     addDriverOption(command, options.driver);
     command.prepare([&options, name] { return readConfiguration(options, name); });
+}
+
+void addTraceOption(Command &command, bool &trace)
+{
+    command.flag("-v,--trace", trace, "show every frame on standard error");
 }
 
 } // namespace dx4::cli

@@ -23,6 +23,7 @@ struct LineOptions {
     int block = 0; ///< most registers of one request; 0: not given
     bool json = false;
     bool shared = false; ///< beside a program that has the port open without a lock
+    bool trace = false; ///< frames are shown on standard error
 
     QString command; ///< words that called it, for messages
     QStringList given; ///< options that a second command needs to stop the same drive, port apart
@@ -47,5 +48,8 @@ bool mayDrive(const LineOptions &options, int station, Failure *failure);
 ///
 /// @param name  the command, for messages
 void addLineOptions(Command &command, LineOptions &options, const QString &name);
+
+/// Adds -v, --trace.
+void addTraceOption(Command &command, bool &trace);
 
 } // namespace dx4::cli

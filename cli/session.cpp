@@ -6,6 +6,8 @@
 #include "cli/interrupt.h"
 #include "cli/interruptible_line.h"
 #include "cli/reply_text.h"
+#include "cli/standard_streams.h"
+#include "cli/tracing_line.h"
 #include "cli/values.h"
 #include "host/config_runtime.h"
 #include "host/notation.h"
@@ -62,7 +64,12 @@ Session::Session(const LineOptions &options, const SessionWishes &wishes)
     , m_port(std::make_unique<host::SerialLine>(options.plant.line))
     , m_recorder(wishes.ring ? std::make_unique<host::RecordingLine>(*m_port, *wishes.ring)
                              : nullptr)
-    , m_line(std::make_unique<InterruptibleLine>(m_recorder ? *m_recorder : *m_port))
+    , m_tracer(options.trace
+                   ? std::make_unique<TracingLine>(m_recorder ? *m_recorder : *m_port, writeTrace)
+                   : nullptr)
+    , m_line(std::make_unique<InterruptibleLine>(m_tracer         ? *m_tracer
+                                                     : m_recorder ? *m_recorder
+                                                                  : *m_port))
 {
 }
 

@@ -102,6 +102,7 @@ private:
     std::set<int> m_mayTurn; ///< stations
     std::unique_ptr<host::Line> m_port;
     std::unique_ptr<host::Line> m_recorder; ///< around the port; null when nothing is kept
+    std::unique_ptr<host::Line> m_tracer; ///< around that; null when nothing is shown
     std::unique_ptr<InterruptibleLine> m_line;
     std::unique_ptr<host::Runtime> m_runtime;
 };

@@ -40,6 +40,9 @@ OutputStream &talk()
     return *stream;
 }
 
+int untoldFrames = 0;
+bool traces = false; // frames are shown: no wait for a stream, however short
+
 // Bytes that waited when a stream was last found held.
 int outputHeldAt = 0;
 int talkHeldAt = 0;
@@ -49,7 +52,7 @@ int talkHeldAt = 0;
 void keepOrder(OutputStream &before, int &heldAt)
 {
     const int waiting = before.waiting();
-    if (waiting == 0 || waiting == heldAt)
+    if (traces || waiting == 0 || waiting == heldAt)
         return;
     heldAt = before.drain(0, orderPatience) ? 0 : before.waiting();
 }
@@ -133,6 +136,16 @@ void writeTalk(const QString &text)
 {
     keepOrder(output(), outputHeldAt);
     talk().putOrCount(text.toStdString());
+}
+
+void writeTrace(const QString &line)
+{
+    traces = true;
+    const QString missed = untoldFrames == 0
+        ? QString()
+        : QStringLiteral("... %1 lines of the trace not shown\n").arg(untoldFrames);
+    const bool isPut = talk().put((missed + line + QLatin1Char('\n')).toStdString());
+    untoldFrames = isPut ? 0 : untoldFrames + 1;
 }
 
 void settleStreams()

@@ -25,6 +25,11 @@ bool outputIsTaken();
 /// is counted, which is told as soon as there is.
 void writeTalk(const QString &text);
 
+/// The same for a frame of a trace, of which there are many: waits for neither stream, and from
+/// the first one on the order between the streams is not kept. While standard error does not take
+/// them as they come they are counted, and told when it does.
+void writeTrace(const QString &line);
+
 /// Gives both streams a moment to take what waits: the program is about to be stopped.
 void settleStreams();
 

@@ -31,10 +31,11 @@ QString styleCode(Terminal::Style style)
 
 } // namespace
 
-Terminal Terminal::detect()
+Terminal Terminal::detect(bool trace)
 {
     Terminal terminal;
-    terminal.live = isatty(STDOUT_FILENO) && qgetenv("TERM") != "dumb";
+    const bool isWrittenBetween = trace && isatty(STDERR_FILENO);
+    terminal.live = isatty(STDOUT_FILENO) && qgetenv("TERM") != "dumb" && !isWrittenBetween;
     terminal.colour = terminal.live && qEnvironmentVariableIsEmpty("NO_COLOR");
     if (terminal.live)
         terminal.measure();

@@ -18,7 +18,10 @@ struct Terminal {
     int rows = 24;
 
     /// Looks at standard output and the environment.
-    static Terminal detect();
+    ///
+    /// @param trace  frames go to standard error: where that is a terminal too, nothing is drawn
+    ///               over
+    static Terminal detect(bool trace = false);
 
     /// Asks for the size of the window, which a user may change at any time.
     void measure();

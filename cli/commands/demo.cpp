@@ -190,6 +190,7 @@ LineOptions demoLine(const DemoOptions &options, const QString &device)
     line.command = QStringLiteral("demo");
     line.driver = options.driver;
     line.json = options.json;
+    line.trace = options.trace;
     line.plant.line.port = device;
     line.plant.line.speed = lineSpeed;
     return line;
@@ -229,7 +230,7 @@ int showOn(const DemoOptions &options, const LineOptions &line, const QString &d
     setting.blocks = host::lengthOf(plan->blocks);
     setting.seconds = options.seconds;
     {
-        const auto view = DemoView::create(Terminal::detect(), options.json);
+        const auto view = DemoView::create(Terminal::detect(options.trace), options.json);
         view->begin(setting);
         failure =
             judge(session->runtime().counters(), Show(*session, *view, options.seconds).play());
@@ -266,6 +267,7 @@ void addDemo(CommandLine &line)
     command.text("--sim", options->simulator, "program of the simulator, dx4-sim", "FILE");
     addDriverOption(command, options->driver);
     command.flag("--json", options->json, "print one JSON object per line");
+    addTraceOption(command, options->trace);
     command.example(QStringLiteral("dx4 demo --seconds 3"), QStringLiteral("a short show"));
     command.action([options] { return runDemo(*options); });
 }

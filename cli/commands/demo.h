@@ -11,6 +11,7 @@ struct DemoOptions {
     QString simulator; ///< path of dx4-sim; empty: looked for
     QString driver; ///< path of the driver's file; empty: looked for
     bool json = false; ///< one JSON object per line instead of the table
+    bool trace = false; ///< frames are shown on standard error
 };
 
 /// Adds the command.

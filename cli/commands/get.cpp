@@ -89,6 +89,8 @@ void addGet(CommandLine &line)
                     QStringLiteral("both ramps and a monitor value of station 1"));
     command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --json 2:SW 2:FU"),
                     QStringLiteral("status and fault of station 2, for a script"));
+    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --trace SW"),
+                    QStringLiteral("with the frames that pass, in bytes and in words"));
     command.action([options] { return runGet(*options); });
 }
 

@@ -69,10 +69,10 @@ private:
 /// A bar on standard error, where that is a terminal.
 class Progress {
 public:
-    Progress(int from, int to)
+    Progress(int from, int to, bool trace)
         : m_from(from)
         , m_total(to - from + 1)
-        , m_shown(isatty(STDERR_FILENO) != 0)
+        , m_shown(!trace && isatty(STDERR_FILENO) != 0)
     {
     }
     ~Progress() { clear(); }
@@ -141,7 +141,7 @@ int endEarly(const Options &options, const ScanState &state, const Keeper &keepe
 
 int scan(Session &session, const Options &options, ScanState &state, Keeper &keeper)
 {
-    Progress progress(state.from, state.to);
+    Progress progress(state.from, state.to, options.line.trace);
     while (state.next <= state.to) {
         progress.draw(state.next, host::lengthOf(state.found));
         Failure failure { ExitDone, QString() };

@@ -159,7 +159,8 @@ int runWatch(const Options &options)
     const qint64 blocks = host::lengthOf(plan->blocks);
     PollEnd end = PollEnd::Enough;
     {
-        const auto view = WatchView::create(styleOf(options), Terminal::detect(), list.rows());
+        const auto view =
+            WatchView::create(styleOf(options), Terminal::detect(options.line.trace), list.rows());
         end = follow(*session, list, *view, options, blocks);
     }
     // Whoever ends the watch by hand goes away; a watch that is over by itself was a look.

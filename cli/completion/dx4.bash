@@ -2,9 +2,9 @@
 # Completion of dx4 for bash.
 
 _dx4_options() {
-  local line='--config --port --speed --format --station --timeout --retries --block --shared --json --driver'
+  local line='--config --port --speed --format --station --timeout --retries --block --shared --json --trace --driver'
   case $1 in
-    demo) echo '--seconds --sim --driver --json' ;;
+    demo) echo '--seconds --sim --driver --json --trace' ;;
     types) echo '--driver --json' ;;
     check) echo '--count --read --write --json --driver' ;;
     copies) echo '--count --step --json --driver' ;;

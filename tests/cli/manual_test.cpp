@@ -133,7 +133,7 @@ TEST(Completion, KnowsEveryCommandAndOption)
     Bench bench;
     const std::string bash = contentOf(COMPLETION_FOLDER "/dx4.bash");
     const std::string zsh = contentOf(COMPLETION_FOLDER "/_dx4");
-    const std::regex option("\n  (?:-h,)?--([a-z-]+)");
+    const std::regex option("\n  (?:-[a-z],)?--([a-z-]+)");
     int options = 0;
 
     for (const auto &[command, help] : helps(bench)) {
