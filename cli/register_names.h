@@ -22,7 +22,9 @@ WatchedValue namedValue(int station, const QString &regType, int address);
 /// The register as a plain number.
 WatchedValue plainValue(int station, const QString &regType, int address);
 
-/// Looks names, units and scaling up: what the configuration says goes first.
+/// Looks names, units, scaling and the words of states and faults up: what the configuration says
+/// goes first. Its words replace those of the simulated inverter as a whole: where a drive has
+/// other bits the rest of them would be wrong too.
 class RegisterNames {
 public:
     RegisterNames() = default;
@@ -37,9 +39,13 @@ public:
     QStringList namesIn(int station, const QString &regType, int address, int count) const;
 
 private:
+    WatchedValue found(int station, const QString &regType, int address) const;
+
     using RegisterKey = std::tuple<int, QString, int>; // station, type, address
 
     std::map<RegisterKey, WatchedValue> m_configured; // those that are described
+    QMap<int, QString> m_states; // of the configuration
+    QMap<int, QString> m_faults;
     bool m_simulated = false;
 };
 

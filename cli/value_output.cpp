@@ -20,9 +20,12 @@ QString valueLine(const WatchedValue &what, quint16 value, const QString &outcom
             .arg(host::fullAddress(what.regType, what.address).leftJustified(addressWidth))
             .arg(QString::number(value).rightJustified(valueWidth))
             .arg(hex(value, 4));
-    if (isDescribed(what))
+    if (isNamedOrScaled(what))
         line += QStringLiteral("  ")
             + QStringLiteral("%1 %2").arg(what.name, quantityText(what, value)).trimmed();
+    const QString meaning = meaningText(what, value);
+    if (!meaning.isEmpty())
+        line += QStringLiteral("  ") + meaning;
     if (!outcome.isEmpty())
         line += QStringLiteral("  ") + outcome;
     return line.trimmed();
@@ -45,6 +48,9 @@ void describe(QJsonObject &object, const WatchedValue &what, quint16 value)
     object.insert(QStringLiteral("name"), what.name);
     object.insert(QStringLiteral("scaled"), formatValue(what, value));
     object.insert(QStringLiteral("unit"), what.scaling.unit);
+    const QString meaning = meaningText(what, value);
+    if (!meaning.isEmpty())
+        object.insert(QStringLiteral("meaning"), meaning);
 }
 
 void printValues(const Target &target, const QVector<quint16> &values, bool json,

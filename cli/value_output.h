@@ -12,7 +12,7 @@ namespace dx4::cli {
 /// Station, type, address and register of one register.
 QJsonObject registerJson(int station, const QString &regType, int address);
 
-/// Adds name, scaled value and unit where more is known than the number.
+/// Adds name, scaled value, unit and meaning where more is known than the number.
 void describe(QJsonObject &object, const WatchedValue &what, quint16 value);
 
 /// Prints one line, or one object, per register of the run.

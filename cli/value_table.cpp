@@ -102,6 +102,21 @@ QString rowLine(const WatchRow &row, host::Duration now, const Terminal &termina
     return widths.age > 0 ? line + ageCell(row.state, terminal) : line;
 }
 
+/// The lines of a row: itself, and below it what its value says.
+QStringList rowLines(const WatchRow &row, host::Duration now, const Terminal &terminal,
+                     const Widths &widths)
+{
+    QStringList lines { rowLine(row, now, terminal, widths) };
+    const bool isShown = row.state.known && !row.state.failed;
+    const QString meaning = isShown ? meaningText(row.what, row.state.value) : QString();
+    if (!meaning.isEmpty()) {
+        const QString text = QString(widths.station, QLatin1Char(' ')) + meaning;
+        const int columns = std::min(terminal.columns, terminalColumns);
+        lines.append(terminal.styled(text.left(columns), Terminal::Style::Dim));
+    }
+    return lines;
+}
+
 QString headLine(const Widths &widths)
 {
     const bool isNarrow = widths.station < Widths().station;
@@ -128,14 +143,20 @@ QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const 
                        int most)
 {
     const Widths widths = widthsFor(std::min(terminal.columns, terminalColumns));
-    const int count = host::lengthOf(rows);
-    const int shown = count < most ? count : std::max(most - 2, 0);
     QStringList lines { terminal.styled(headLine(widths), Terminal::Style::Bold) };
-    for (int i = 0; i < shown; ++i)
-        lines.append(rowLine(rows.at(i), now, terminal, widths));
-    if (shown < count)
-        lines.append(moreLine(count - shown, terminal.columns));
-    return lines;
+    const int count = host::lengthOf(rows);
+    QVector<int> ends; // lines of the table with so many rows
+    for (const WatchRow &row : rows) {
+        lines += rowLines(row, now, terminal, widths);
+        ends.append(host::lengthOf(lines));
+    }
+    if (host::lengthOf(lines) <= most)
+        return lines;
+    int shown = 0;
+    while (shown < count && ends.at(shown) < most)
+        ++shown;
+    lines = lines.mid(0, shown > 0 ? ends.at(shown - 1) : 1);
+    return lines << moreLine(count - shown, terminal.columns);
 }
 
 } // namespace dx4::cli

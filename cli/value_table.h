@@ -11,10 +11,11 @@
 
 namespace dx4::cli {
 
-/// The table's head and one line per row, each at most as wide as the terminal and 80 columns:
-/// station, name, both forms of the address, value with unit, age. A value that changed within the
-/// last second is marked, with "*" where there is no colour; one whose last read failed says so;
-/// the age of one that is stale carries "!".
+/// The table's head and one line per row, with what the value says below it where that is known,
+/// each at most as wide as the terminal and 80 columns: station, name, both forms of the address,
+/// value with unit, age. A value that changed within the last second is marked, with "*" where
+/// there is no colour; one whose last read failed says so; the age of one that is stale carries
+/// "!".
 ///
 /// Where it is narrow, address and age go first, then the name gets shorter. Without its column the
 /// address stands in for a name that a register does not have, and "!" before the value.

@@ -4,6 +4,8 @@
 
 #include "host/length.h"
 
+#include <QStringList>
+
 #include <algorithm>
 
 namespace dx4::cli {
@@ -15,8 +17,13 @@ constexpr int rowsInTurn = 64;
 
 bool isDescribed(const WatchedValue &what)
 {
+    return what.bits || !what.words.isEmpty() || isNamedOrScaled(what);
+}
+
+bool isNamedOrScaled(const WatchedValue &what)
+{
     const host::Scaling &scaling = what.scaling;
-    return what.bits || !what.name.isEmpty() || !scaling.unit.isEmpty() || scaling.isSigned
+    return !what.name.isEmpty() || !scaling.unit.isEmpty() || scaling.isSigned
         || scaling.factor != 1.0 || scaling.offset != 0.0 || scaling.decimals != 0;
 }
 
@@ -33,6 +40,18 @@ QString quantityText(const WatchedValue &what, quint16 value)
     const QString number = formatValue(what, value);
     const QString &unit = what.scaling.unit;
     return unit.isEmpty() ? number : number + QLatin1Char(' ') + unit;
+}
+
+QString meaningText(const WatchedValue &what, quint16 value)
+{
+    if (what.words.isEmpty() || !what.bits)
+        return what.words.value(value);
+    QStringList said;
+    for (int bit = 0; bit < 16; ++bit) {
+        if ((value >> bit) & 1)
+            said.append(what.words.value(bit, QStringLiteral("bit %1").arg(bit)));
+    }
+    return said.join(QStringLiteral(", "));
 }
 
 WatchList::WatchList(const QVector<WatchedValue> &values, const host::Runtime &runtime)

@@ -5,6 +5,7 @@
 #include "host/runtime.h"
 #include "host/scaling.h"
 
+#include <QMap>
 #include <QVector>
 
 #include <map>
@@ -21,16 +22,26 @@ struct WatchedValue {
     QString name;
     host::Scaling scaling; ///< as it is made: a plain number
     bool bits = false; ///< shown in hexadecimal
+
+    /// What its bits say, by bit, or its values, by value.
+    QMap<int, QString> words = {};
 };
 
 /// Whether more is known than the plain number.
 bool isDescribed(const WatchedValue &what);
+
+/// Whether it has a name, or is another quantity than the number that the register holds.
+bool isNamedOrScaled(const WatchedValue &what);
 
 /// The register's value as a reader sees it, without its unit: "12.34", "0x0013".
 QString formatValue(const WatchedValue &what, quint16 value);
 
 /// The same with its unit: "12.34 Hz".
 QString quantityText(const WatchedValue &what, quint16 value);
+
+/// What the value says: "ready, running", "overheat". Bits without a word are named by their
+/// number; empty where nothing is known to be said.
+QString meaningText(const WatchedValue &what, quint16 value);
 
 /// A watched value as it stands.
 struct WatchRow {

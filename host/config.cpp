@@ -19,6 +19,8 @@ constexpr int mostTries = 100;
 constexpr int longestTimeoutMs = 60'000;
 constexpr int longestGapMs = 1'000;
 constexpr int mostDecimals = 6;
+constexpr int highestBit = 15;
+constexpr int highestCode = 0xFFFF;
 
 void readLine(ConfigTable table, LineSettings &line)
 {
@@ -129,6 +131,8 @@ void readRoot(const toml::table &file, Config &config, QVector<ConfigError> &err
     readLink({ root.table("link"), errors }, config.link);
     readStop({ root.table("stop"), errors }, config.stop);
     readStations(root, config, errors);
+    ConfigTable(root.table("states"), errors).textsByNumber(highestBit, config.states);
+    ConfigTable(root.table("faults"), errors).textsByNumber(highestCode, config.faults);
     root.refuseTheRest();
 }
 

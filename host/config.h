@@ -5,6 +5,7 @@
 #include "host/plan.h"
 #include "host/scaling.h"
 
+#include <QMap>
 #include <QString>
 #include <QVector>
 
@@ -39,6 +40,8 @@ struct Config {
     LinkSettings link;
     StopPolicy stop;
     QVector<StationConfig> stations;
+    QMap<int, QString> states; ///< what the bits of "SW" say, by bit
+    QMap<int, QString> faults; ///< what "FU" says, by code
 };
 
 /// One thing that is wrong with a file.

@@ -2,6 +2,8 @@
 // One table of a configuration file, read key by key.
 #include "host/config_table.h"
 
+#include "host/number_text.h"
+
 #include <cmath>
 #include <optional>
 
@@ -88,6 +90,29 @@ void ConfigTable::flag(const char *key, bool &target)
         target = value->get();
     else
         wrong(key, QStringLiteral("expected true or false"));
+}
+
+void ConfigTable::textsByNumber(int highest, QMap<int, QString> &target)
+{
+    if (!m_table)
+        return;
+    for (const auto &[name, node] : *m_table) {
+        const QString key = QString::fromUtf8(name.data(), static_cast<int>(name.length()));
+        const auto number = parseRegisterValue(key);
+        const auto *text = node.as_string();
+        const auto complain = [&](const QString &why) {
+            m_errors.append({ static_cast<int>(name.source().begin.line),
+                              QStringLiteral("%1: %2").arg(key, why) });
+        };
+        if (!number || *number > highest)
+            complain(QStringLiteral("expected a number from 0 to %1").arg(highest));
+        else if (!text || text->get().empty())
+            complain(QStringLiteral("expected a text such as \"overheat\""));
+        else if (target.contains(*number))
+            complain(QStringLiteral("number %1 stands here twice").arg(*number));
+        else
+            target.insert(*number, QString::fromStdString(text->get()));
+    }
 }
 
 QVector<const toml::table *> ConfigTable::tables(const char *key)

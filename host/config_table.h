@@ -28,6 +28,9 @@ public:
     void text(const char *key, const char *example, QString &target);
     void flag(const char *key, bool &target);
 
+    /// Every key of the table, each a number from 0 to `highest`, decimal or with 0x, with a text.
+    void textsByNumber(int highest, QMap<int, QString> &target);
+
     /// One of a few words or numbers.
     template <typename Value>
     void choice(const char *key, std::initializer_list<std::pair<const char *, Value>> choices,

@@ -2,17 +2,14 @@
 // The drive behind the registers: a motor that ramps, draws current, warms up and trips.
 #include "simulator/drive.h"
 
+#include "simulator/state_names.h"
+
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace dx4::sim {
 
 namespace {
-
-constexpr std::array<const char *, 6> faultNames = {
-    "none", "overcurrent", "overvoltage", "undervoltage", "overheat", "communication-loss",
-};
 
 constexpr double stepSeconds = 0.005;
 constexpr double rectified = 1.4142; // DC link volts per volt of mains

@@ -239,6 +239,7 @@ private:
               { QStringLiteral("name"), row.what.name },
               { QStringLiteral("raw"), row.state.value },
               { QStringLiteral("value"), formatValue(row.what, row.state.value) },
+              { QStringLiteral("meaning"), meaningText(row.what, row.state.value) },
               { QStringLiteral("unit"), row.what.scaling.unit } });
     }
 

@@ -91,8 +91,8 @@ public:
         , m_stamp(style.clock)
     {
         if (m_form == Form::Csv)
-            printLine(
-                QStringLiteral("time,station,type,address,register,value,state,name,scaled,unit"));
+            printLine(QStringLiteral(
+                "time,station,type,address,register,value,state,name,scaled,unit,meaning"));
     }
 
     void values(WatchList &list, const host::CounterSet &, host::Duration,
@@ -218,14 +218,18 @@ private:
                  stateText(row.state),
                  what.name,
                  known ? formatValue(what, row.state.value) : QString(),
-                 what.scaling.unit };
+                 what.scaling.unit,
+                 known ? meaningText(what, row.state.value) : QString() };
     }
 
     QString rowText(const WatchRow &row, host::Duration elapsed) const
     {
         const WatchedValue &what = row.what;
         const QString state = stateText(row.state);
+        const QString meaning = meaningText(what, row.state.value);
         QString shown = quantityText(what, row.state.value);
+        if (!meaning.isEmpty())
+            shown += QStringLiteral("  ") + meaning;
         if (row.state.failed)
             shown = state;
         else if (row.state.stale)
