@@ -78,7 +78,7 @@ QString csvLine(const QStringList &cells)
     QStringList quoted;
     for (QString cell : cells) {
         const bool plain = !cell.contains(QLatin1Char(',')) && !cell.contains(QLatin1Char('"'))
-            && !cell.contains(QLatin1Char('\n'));
+            && !cell.contains(QLatin1Char('\n')) && !cell.contains(QLatin1Char('\r'));
         cell.replace(QLatin1Char('"'), QLatin1String("\"\""));
         quoted.append(plain ? cell : QLatin1Char('"') + cell + QLatin1Char('"'));
     }

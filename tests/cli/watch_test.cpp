@@ -130,3 +130,19 @@ TEST(WatchSamples, JsonHasAnObjectPerSample)
     EXPECT_EQ(lines.at(1),
               "{\"event\":\"sample\",\"time\":0.6,\"values\":{\"1:D 4\":566,\"2:FU 0\":null}}");
 }
+
+TEST(WatchNames, WithControlCharactersAreValidJsonAndOneCellOfCsv)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("cat >plant.toml <<'END'\n[[station]]\naddress = 1\n[[station.register]]\n"
+              "at = \"D 4\"\nname = \"a\\u0007\\u001b\\t\\n\\\"\\u0080\"\nunit = \"\\r\"\nEND");
+
+    const std::string json = bench.run("dx4 watch --config plant.toml --json --rounds 1").out;
+    const std::string csv = bench.run("dx4 watch --config plant.toml --csv --rounds 1").out;
+
+    EXPECT_NE(json.find("\"name\":\"a\\u0007\\u001b\\t\\n\\\"\xc2\x80\""), std::string::npos)
+        << json;
+    EXPECT_NE(json.find("\"unit\":\"\\r\""), std::string::npos) << json;
+    EXPECT_NE(csv.find(",\"a\x07\x1b\t\n\"\"\xc2\x80\",566,\"\r\","), std::string::npos) << csv;
+}
