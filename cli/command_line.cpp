@@ -343,6 +343,11 @@ CommandLine::CommandLine(const char *version)
 {
     m_app->set_version_flag("--version", version);
     m_app->require_subcommand(1);
+    Command help = add("help", "print the help of a command");
+    help.words("command", m_helpWords, "such as get, or frames read; none: all of them", false);
+    help.example(QStringLiteral("dx4 help frames read"),
+                 QStringLiteral("the same as dx4 frames read --help"));
+    help.action([] { return ExitDone; }); // found by its name before the parser is asked
 }
 
 CommandLine::~CommandLine() = default;
@@ -354,23 +359,40 @@ Command CommandLine::add(const char *name, const char *summary)
 
 int CommandLine::run(int argc, char **argv)
 {
-    const int exitCode = finishOutput(execute(argc, argv));
-    return quitAsked() ? ExitQuit : judged(exitCode);
-}
-
-int CommandLine::execute(int argc, char **argv)
-{
-    m_app->footer("Addresses are written as the drive shows them: F c.13, D 0-9, SW, 2:D 4.\n"
-                  "Exit codes: 0 done, 1 device or line, 2 usage; dx4(1) lists them all.");
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
+    const bool isHelp = !arguments.isEmpty() && arguments.constFirst() == QLatin1String("help")
+        && !arguments.value(1).startsWith(QLatin1Char('-'));
+    const int exitCode = finishOutput(isHelp ? help(arguments.mid(1)) : execute(arguments));
+    return quitAsked() ? ExitQuit : judged(exitCode);
+}
+
+int CommandLine::help(const QStringList &words)
+{
+    const Place place = findPlace(*m_app, words);
+    if (place.rest.isEmpty())
+        return execute(words + QStringList { QStringLiteral("--help") });
+    const QStringList commands = commandNames(*place.app);
+    const QString &word = place.rest.constFirst();
+    return refuse(place,
+                  commands.isEmpty() ? QStringLiteral("\"%1\" is not expected").arg(word)
+                                     : explainCommand(place, commands));
+}
+
+int CommandLine::execute(const QStringList &arguments)
+{
+    m_app->footer("Addresses are written as the drive shows them: F c.13, D 0-9, SW, 2:D 4.\n"
+                  "Exit codes: 0 done, 1 device or line, 2 usage; dx4(1) lists them all.");
     const Place place = findPlace(*m_app, arguments);
     const QString empty = optionWithoutValue(place);
     if (!empty.isEmpty())
         return refuse(place, QStringLiteral("%1: nothing given behind \"=\"").arg(empty));
     try {
-        m_app->parse(argc, argv);
+        std::vector<std::string> words; // the last one first, as the parser takes them
+        for (const QString &argument : arguments)
+            words.insert(words.begin(), argument.toLocal8Bit().toStdString());
+        m_app->parse(words);
     } catch (const CLI::Success &wanted) { // --help and --version
         std::ostringstream text;
         m_exitCode = m_app->exit(wanted, text);

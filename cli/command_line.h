@@ -72,6 +72,8 @@ private:
 /// The program's arguments.
 class CommandLine {
 public:
+    /// Has the command "help" already.
+    ///
     /// @param version  what --version prints
     explicit CommandLine(const char *version);
     ~CommandLine();
@@ -85,9 +87,11 @@ public:
     int run(int argc, char **argv);
 
 private:
-    int execute(int argc, char **argv);
+    int execute(const QStringList &arguments);
+    int help(const QStringList &words);
 
     std::unique_ptr<CLI::App> m_app;
+    QStringList m_helpWords;
     int m_exitCode = 0;
 };
 

@@ -109,6 +109,10 @@ void chooseStation(LineOptions &options, const host::Config &config)
 int readConfiguration(LineOptions &options, const QString &name)
 {
     options.command = name;
+    // Nothing else names a file: one that lies about somewhere must not give stops and scaling.
+    const bool isFromVariable = options.config.isEmpty();
+    if (isFromVariable)
+        options.config = qEnvironmentVariable("DX4_CONFIG");
     options.given = linePlace(options);
     if (options.config.isEmpty()) {
         complete(options, host::Config());
@@ -118,6 +122,8 @@ int readConfiguration(LineOptions &options, const QString &name)
     const auto config = host::loadConfig(options.config, &errors);
     for (const host::ConfigError &error : std::as_const(errors))
         complain(name, { ExitUsage, error.in(options.config) });
+    if (!config && isFromVariable)
+        note(name, QStringLiteral("%1 is named by the variable DX4_CONFIG").arg(options.config));
     if (!config)
         return ExitUsage;
     complete(options, *config);
@@ -163,7 +169,8 @@ bool mayDrive(const LineOptions &options, int station, Failure *failure)
 
 void addLineOptions(Command &command, LineOptions &options, const QString &name)
 {
-    command.text("--config", options.config, "TOML file with line, stations and registers", "FILE");
+    command.text("--config", options.config,
+                 "TOML file with line, stations, registers; else DX4_CONFIG", "FILE");
     command.text("--port", options.port, "serial port; else the variable DX4_PORT", "DEVICE");
     command.number("--speed", options.speed, "bit/s; 9600 where none is given", 300, fastestSpeed);
     command.choice("--format", options.format, "data bits, parity, stop bits; else 8N1",

@@ -5,6 +5,7 @@
 #include "cli/driver_file.h"
 #include "cli/interrupt.h"
 #include "cli/interruptible_line.h"
+#include "cli/output.h"
 #include "cli/reply_text.h"
 #include "cli/standard_streams.h"
 #include "cli/tracing_line.h"
@@ -101,6 +102,8 @@ std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *fail
     session->m_stops = settings.stops;
     session->m_runtime =
         std::make_unique<host::Runtime>(std::move(plugin), *session->m_line, settings);
+    session->m_runtime->onNotice(
+        [told = session.get()](const QString &text) { told->tellNotice(text); });
     host::setExtraGaps(session->m_runtime->guard(), options.plant);
     return session;
 }
@@ -308,6 +311,17 @@ QString Session::stopCommand(int station) const
                 + QLatin1Char('\'');
     }
     return words.join(QLatin1Char(' '));
+}
+
+void Session::tellNotice(const QString &text) const
+{
+    if (m_onNotice)
+        m_onNotice(text);
+    else if (m_options.json)
+        printJson({ { QStringLiteral("event"), QStringLiteral("notice") },
+                    { QStringLiteral("text"), text } });
+    else
+        note(m_options.command, text);
 }
 
 void Session::giveWayIfAsked()

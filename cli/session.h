@@ -8,8 +8,10 @@
 #include "host/frame_ring.h"
 #include "host/runtime.h"
 
+#include <functional>
 #include <memory>
 #include <set>
+#include <utility>
 
 namespace dx4::cli {
 
@@ -48,6 +50,10 @@ public:
     host::Line &line();
     host::Runtime &runtime() { return *m_runtime; }
     const host::Runtime &runtime() const { return *m_runtime; }
+
+    /// Says elsewhere what the host tells of the line, such as a station that needs a longer
+    /// timeout; null: in JSON as an event, else on standard error.
+    void onNotice(std::function<void(const QString &)> handler) { m_onNotice = std::move(handler); }
 
     /// What came back in the last exchange.
     host::ReplyVerdict verdict() const;
@@ -96,10 +102,12 @@ private:
     int requests(bool writes) const; ///< sent so far
     void noteCommand(const Target &target, quint16 word, bool confirmed, bool sent);
     QString stopCommand(int station) const;
+    void tellNotice(const QString &text) const;
 
     LineOptions m_options;
     QVector<host::StopCommand> m_stops;
     std::set<int> m_mayTurn; ///< stations
+    std::function<void(const QString &)> m_onNotice;
     std::unique_ptr<host::Line> m_port;
     std::unique_ptr<host::Line> m_recorder; ///< around the port; null when nothing is kept
     std::unique_ptr<host::Line> m_tracer; ///< around that; null when nothing is shown

@@ -161,7 +161,11 @@ int runWatch(const Options &options)
     {
         const auto view =
             WatchView::create(styleOf(options), Terminal::detect(options.line.trace), list.rows());
+        // In JSON a notice is an event.
+        if (!options.line.json)
+            session->onNotice([&view](const QString &text) { view->line(text); });
         end = follow(*session, list, *view, options, blocks);
+        session->onNotice({});
     }
     // Whoever ends the watch by hand goes away; a watch that is over by itself was a look.
     const bool stopped = end != PollEnd::Asked || session->stopSafely();

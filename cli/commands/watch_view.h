@@ -34,7 +34,7 @@ public:
     virtual void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
                         host::Duration elapsed) = 0;
 
-    /// The line broke, or is back.
+    /// The line broke, or is back, or there is something else to know of it.
     virtual void line(const QString &text) = 0;
     virtual void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
                      host::Duration elapsed) = 0;

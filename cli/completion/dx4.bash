@@ -33,6 +33,7 @@ _dx4() {
     frames | params) [ "$COMP_CWORD" -gt 2 ] && command="$command ${COMP_WORDS[2]}" ;;
   esac
   COMPREPLY=()
+  local commands='demo types check copies frames get set watch plan scan stats run stop line params record replay'
   case $before in
     --config | --driver | --sim | --resume)
       mapfile -t COMPREPLY < <(compgen -f -- "$word")
@@ -46,7 +47,7 @@ _dx4() {
     --speed) offered='9600 19200 38400 57600 115200' ;;
     *)
       if [ "$COMP_CWORD" -eq 1 ]; then
-        offered='demo types check copies frames get set watch plan scan stats run stop line params record replay --help --version'
+        offered="$commands help --help --version"
       elif [ "$command" = frames ]; then
         offered='read write decode --help'
       elif [ "$command" = params ]; then
@@ -60,6 +61,7 @@ _dx4() {
             return
             ;;
           'frames write' | set) offered='F CW FRE' ;;
+          help) offered=$commands ;;
           'frames decode' | demo | types | scan | run | stop) ;;
           check | copies) offered='F D CW FRE SW FU' ;;
           *) offered='F D SW FU' ;;
