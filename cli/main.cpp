@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4: the driver at the command line.
+#include "cli/commands/batch.h"
 #include "cli/commands/check.h"
 #include "cli/commands/copies.h"
 #include "cli/commands/demo.h"
@@ -36,6 +37,7 @@ int main(int argc, char **argv)
     dx4::cli::addFrames(line);
     dx4::cli::addGet(line);
     dx4::cli::addSet(line);
+    dx4::cli::addBatch(line);
     dx4::cli::addWatch(line);
     dx4::cli::addPlan(line);
     dx4::cli::addScan(line);

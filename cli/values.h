@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cli/target.h"
+#include "host/config.h"
 
 namespace dx4::cli {
 
@@ -16,6 +17,13 @@ struct Setting {
 /// to 65535, decimal or hexadecimal with 0x.
 std::optional<Setting> parseSetting(const QStringList &words, const UsualStation &usual,
                                     const host::DriverApi &api, Failure *failure);
+
+/// One or more settings: words that begin with a register and hold a blank, "FRE 3000", begin one
+/// each, and so does "name=value" or "2:name=value", which means a register that the configuration
+/// names and a quantity in its unit. Other words belong to the setting before.
+std::optional<QVector<Setting>> parseSettings(const QStringList &words, const UsualStation &usual,
+                                              const host::Config &plant, const host::DriverApi &api,
+                                              Failure *failure);
 
 /// As parseTargets(); with a count above 0 there is one run, and that is its length.
 std::optional<QVector<Target>> parseCounted(const QStringList &words, int count,

@@ -3,9 +3,7 @@
 #include "cli/commands/set.h"
 
 #include "cli/driver_file.h"
-#include "cli/session.h"
-#include "cli/values.h"
-#include "cli/write_output.h"
+#include "cli/writing.h"
 
 namespace dx4::cli {
 namespace {
@@ -17,13 +15,6 @@ struct Options {
     bool names = false;
 };
 
-/// A command starts a motor: the station must have been heard. A stop goes out at once.
-bool needsAnswer(const Setting &setting, const host::StopPolicy &stop)
-{
-    return setting.target.regType == QLatin1String("CW")
-        && setting.values.constFirst() != stop.controlWord;
-}
-
 int runSet(const Options &options)
 {
     const QString name = QStringLiteral("set");
@@ -31,28 +22,26 @@ int runSet(const Options &options)
     const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     if (!editor)
         return complain(name, failure);
-    const auto setting =
-        parseSetting(options.words, usualStation(options.line), editor->api(), &failure);
-    if (!setting || !mayDrive(options.line, setting->target.station, &failure))
+    const auto settings = parseSettings(options.words, usualStation(options.line),
+                                        options.line.plant, editor->api(), &failure);
+    if (!settings || !mayDriveAll(options.line, *settings, &failure))
         return complain(name, failure);
     SessionWishes wishes;
-    const int station = setting->target.station;
-    if (options.line.plant.stop.controlWord)
-        wishes.stops.append({ station, *options.line.plant.stop.controlWord });
+    addStops(*settings, options.line.plant.stop, &wishes);
     const auto session = Session::open(options.line, &failure, wishes);
     if (!session)
         return complain(name, failure);
-    if (needsAnswer(*setting, options.line.plant.stop) && !session->hear(station, &failure))
-        return complain(name, failure);
-    failure = { ExitDone, QString() };
-    const auto results = session->write(setting->target, setting->values, options.manner, &failure);
-    printResults(results, setting->target, setting->values, options.line.json,
-                 RegisterNames(options.line.plant, editor->api(), options.names));
+    const RegisterNames names(options.line.plant, editor->api(), options.names);
+    bool isCommanded = false; // what was written may have started a motor
+    for (const Setting &setting : *settings) {
+        failure = writeSetting(*session, setting, options.manner, names, &isCommanded);
+        if (failure.code != ExitDone)
+            break;
+    }
     if (failure.code == ExitDone)
         return ExitDone;
-    bool stopped = true;
-    if (setting->target.regType == QLatin1String("CW") && failure.code != ExitUsage)
-        stopped = session->stopSafely(); // the drive may have heard what it did not confirm
+    // The drive may have heard what it did not confirm, and the rest of the settings is not made.
+    const bool stopped = !isCommanded || session->stopSafely();
     const int exitCode = complain(name, failure);
     return stopped ? exitCode : ExitFailed;
 }
@@ -63,7 +52,8 @@ void addSet(CommandLine &line)
 {
     Command command = line.add("set", "write registers once");
     const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "address and values, such as F 8.2 20 15");
+    command.words("address", options->words,
+                  "address and values, such as F 8.2 20 15, or name=value");
     command.flag("--always", options->manner.always,
                  "write parameters also where they are held already");
     command.flag("--verify", options->manner.readBack, "read parameters back and compare");
@@ -73,6 +63,8 @@ void addSet(CommandLine &line)
                     QStringLiteral("both ramps in one request"));
     command.example(QStringLiteral("dx4 set --port /dev/ttyUSB0 FRE 3000"),
                     QStringLiteral("set frequency 30.00 Hz"));
+    command.example(QStringLiteral("dx4 set --port /dev/ttyUSB0 \"FRE 3000\" \"F 8.2 20\""),
+                    QStringLiteral("one after the other; the first that fails is the last"));
     command.example(QStringLiteral("dx4 set --port /dev/ttyUSB0 --verify F c.13 0x04D2"),
                     QStringLiteral("read back; 8 where the station holds another value"));
     command.action([options] { return runSet(*options); });

@@ -13,6 +13,7 @@ _dx4_options() {
     'frames decode') echo '--request --json --driver' ;;
     get) echo "--count --names $line" ;;
     set) echo "--always --verify --names $line" ;;
+    batch) echo "--keep-going --always --verify --names $line" ;;
     watch) echo "--rounds --interval --sample --clock --csv --names --reconnect $line" ;;
     plan) echo "--turnaround --names $line" ;;
     scan) echo "--from --to --resume $line" ;;
@@ -33,7 +34,7 @@ _dx4() {
     frames | params) [ "$COMP_CWORD" -gt 2 ] && command="$command ${COMP_WORDS[2]}" ;;
   esac
   COMPREPLY=()
-  local commands='demo types check copies frames get set watch plan scan stats run stop line params record replay'
+  local commands='demo types check copies frames get set batch watch plan scan stats run stop line params record replay'
   case $before in
     --config | --driver | --sim | --resume)
       mapfile -t COMPREPLY < <(compgen -f -- "$word")
@@ -56,7 +57,7 @@ _dx4() {
         offered="$(_dx4_options "$command") --help"
       else
         case $command in
-          params\ * | record | replay | line)
+          params\ * | batch | record | replay | line)
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return
             ;;

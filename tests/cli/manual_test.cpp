@@ -68,6 +68,7 @@ TEST(Manual, EveryExampleWorks)
 {
     Bench bench;
     bench.serve("1,2");
+    bench.run("printf 'set FRE 3000\\nset CW 1\\nwait 500\\nstop\\n' >start.txt");
     const std::vector<std::string> examples = manualExamples();
     ASSERT_GT(examples.size(), 15U);
 
