@@ -1,36 +1,8 @@
 // SPDX-License-Identifier: MIT
-// What became of a reply, in words and as an exit code.
+// What became of a reply, for scripts and as an exit code.
 #include "cli/reply_text.h"
 
-#include "cli/frame_text.h"
-
 namespace dx4::cli {
-
-QString causeText(const host::ReplyVerdict &verdict)
-{
-    switch (verdict.cause) {
-    case host::ReplyCause::Good:
-        return QStringLiteral("it answers the request");
-    case host::ReplyCause::Silence:
-        return QStringLiteral("no reply");
-    case host::ReplyCause::Truncated:
-        return QStringLiteral("the reply is cut short");
-    case host::ReplyCause::BadCrc:
-        return QStringLiteral("the reply has a wrong CRC");
-    case host::ReplyCause::ForeignStation:
-        return QStringLiteral("another station replied");
-    case host::ReplyCause::WrongFunction:
-        return QStringLiteral("the reply is to another function");
-    case host::ReplyCause::WrongByteCount:
-        return QStringLiteral("the reply has another number of registers");
-    case host::ReplyCause::WrongEcho:
-        return QStringLiteral("the echo is of another write");
-    case host::ReplyCause::Exception:
-        return QStringLiteral("refused with exception %1")
-            .arg(exceptionText(verdict.exceptionCode));
-    }
-    return QString();
-}
 
 QString causeName(host::ReplyCause cause)
 {

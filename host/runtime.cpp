@@ -238,7 +238,7 @@ void Runtime::lineWentDown()
 {
     m_wasOpen = false;
     m_openAt = m_line.now() + m_openDelay;
-    m_desk.abandon(WriteEnd::TimedOut, Refusal::None, QStringLiteral("the line went down"));
+    m_desk.abandon(WriteEnd::TimedOut, Refusal::None, QStringLiteral("the line broke"));
     m_link.failWrites();
 }
 

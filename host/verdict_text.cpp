@@ -20,23 +20,23 @@ QString verdictText(const ReplyVerdict &verdict)
 {
     switch (verdict.cause) {
     case ReplyCause::Good:
-        return QStringLiteral("answered");
+        return QStringLiteral("it answers the request");
     case ReplyCause::Silence:
-        return QStringLiteral("no answer");
+        return QStringLiteral("no reply");
     case ReplyCause::Truncated:
-        return QStringLiteral("the reply was cut short");
+        return QStringLiteral("the reply is cut short");
     case ReplyCause::BadCrc:
-        return QStringLiteral("the reply had a wrong CRC");
+        return QStringLiteral("the reply has a wrong CRC");
     case ReplyCause::ForeignStation:
         return QStringLiteral("another station replied");
     case ReplyCause::WrongFunction:
-        return QStringLiteral("the reply was to another function");
+        return QStringLiteral("the reply is to another function");
     case ReplyCause::WrongByteCount:
-        return QStringLiteral("the reply had another number of registers");
+        return QStringLiteral("the reply has another number of registers");
     case ReplyCause::WrongEcho:
-        return QStringLiteral("the echo was of another write");
+        return QStringLiteral("the echo is of another write");
     case ReplyCause::Exception:
-        return QStringLiteral("exception %1, %2")
+        return QStringLiteral("refused with exception %1, %2")
             .arg(verdict.exceptionCode)
             .arg(exceptionName(verdict.exceptionCode));
     }
@@ -45,7 +45,7 @@ QString verdictText(const ReplyVerdict &verdict)
 
 QString notAskedText()
 {
-    return QStringLiteral("not asked, the station does not answer");
+    return QStringLiteral("not asked, as the station is silent");
 }
 
 } // namespace dx4::host

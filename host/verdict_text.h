@@ -11,7 +11,8 @@ namespace dx4::host {
 /// "register not there" for 2; what Modbus means by the code.
 QString exceptionName(int code);
 
-/// "no answer", "the reply has a wrong CRC", "exception 2, register not there".
+/// "no reply", "the reply has a wrong CRC", "refused with exception 2, register not there"; the
+/// same words wherever a user meets the event.
 QString verdictText(const ReplyVerdict &verdict);
 
 /// Of a request to a station that is left alone.

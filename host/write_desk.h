@@ -15,7 +15,7 @@ namespace dx4::host {
 enum class WriteEnd {
     Confirmed, ///< echoed by the station and read back where asked; or nothing was to be sent
     Rejected, ///< the station answered with an exception
-    TimedOut, ///< no right reply came, the line went down, or a stop went first once it was sent
+    TimedOut, ///< no right reply came, the line broke, or a stop went first once it was sent
     Replaced, ///< a newer write of the same registers took its place, or a stop
     Refused, ///< never queued, or dropped before it was sent; see Refusal
     NotTaken, ///< echoed, but another value was read back

@@ -10,6 +10,7 @@
 #include "host/link.h"
 #include "host/notation.h"
 #include "host/reply_check.h"
+#include "host/verdict_text.h"
 #include "register_tables.h"
 
 #include <QJsonArray>
@@ -138,7 +139,7 @@ Opinion aboutReply(host::Link &link, const QByteArray &request, const FrameText 
     return { true,
              QStringLiteral("the driver %1 it (%2); %3")
                  .arg(accepted ? QStringLiteral("accepts") : QStringLiteral("refuses"), errorText,
-                      causeText(verdict)),
+                      host::verdictText(verdict)),
              causeCode(verdict) };
 }
 

@@ -10,6 +10,7 @@
 #include "cli/target.h"
 #include "host/length.h"
 #include "host/modbus_limits.h"
+#include "host/verdict_text.h"
 
 #include <QFile>
 
@@ -124,7 +125,7 @@ QString ask(Session &session, int station, Failure *failure)
         return QString();
     const bool silent = failure->code == ExitNoReply;
     *failure = { ExitDone, QString() };
-    return silent ? QString() : causeText(session.verdict());
+    return silent ? QString() : host::verdictText(session.verdict());
 }
 
 int endEarly(const Options &options, const ScanState &state, const Keeper &keeper, Failure failure)

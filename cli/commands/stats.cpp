@@ -10,6 +10,7 @@
 #include "cli/watch_plan.h"
 #include "host/length.h"
 #include "host/notation.h"
+#include "host/verdict_text.h"
 
 namespace dx4::cli {
 namespace {
@@ -140,10 +141,10 @@ int runStats(const Options &options)
         return complainLineGone(*session, name);
     const bool heard = session->runtime().counters().total().good > 0;
     if (!heard && end == PollEnd::Enough)
-        return complain(
-            name,
-            { causeCode(session->verdict()),
-              QStringLiteral("nothing was answered: %1").arg(causeText(session->verdict())) });
+        return complain(name,
+                        { causeCode(session->verdict()),
+                          QStringLiteral("nothing was answered: %1")
+                              .arg(host::verdictText(session->verdict())) });
     const int exitCode = codeOfEnd(end, true, name);
     return stopped ? exitCode : ExitFailed;
 }

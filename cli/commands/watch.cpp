@@ -9,6 +9,7 @@
 #include "cli/session.h"
 #include "cli/watch_plan.h"
 #include "host/length.h"
+#include "host/verdict_text.h"
 
 #include <algorithm>
 
@@ -122,9 +123,10 @@ int outcome(Session &session, PollEnd end, bool hasEnd)
         return complainLineGone(session, name);
     if (session.runtime().counters().reads().good > 0 || end != PollEnd::Enough)
         return codeOfEnd(end, hasEnd, name);
-    return complain(name,
-                    { causeCode(session.verdict()),
-                      QStringLiteral("nothing was read: %1").arg(causeText(session.verdict())) });
+    return complain(
+        name,
+        { causeCode(session.verdict()),
+          QStringLiteral("nothing was read: %1").arg(host::verdictText(session.verdict())) });
 }
 
 host::Duration staleAfter(const host::Plan &plan, const Options &options)

@@ -193,7 +193,7 @@ TEST_F(ParameterTransfer, AReadThatBrokeOffGoesOnWhereItWas)
     const bool second = readParameters(access, set, nullptr);
 
     EXPECT_FALSE(first);
-    EXPECT_EQ(error.toStdString(), "station 1, F 2.0 (0xF200): no answer");
+    EXPECT_EQ(error.toStdString(), "station 1, F 2.0 (0xF200): no reply");
     EXPECT_EQ(kept, 38);
     EXPECT_TRUE(second);
     EXPECT_EQ(set.values.size(), 203);
@@ -257,7 +257,7 @@ TEST_F(ParameterTransfer, ARefusedWriteIsToldWithItsExceptionAlone)
     EXPECT_EQ(report.written, 1);
     ASSERT_EQ(report.refused.size(), 1);
     EXPECT_EQ(report.refused.at(0).toStdString(),
-              "station 1, F 1.5 (0xF105): exception 2, register not there");
+              "station 1, F 1.5 (0xF105): refused with exception 2, register not there");
     EXPECT_TRUE(report.remaining.isEmpty());
 }
 
@@ -272,7 +272,7 @@ TEST_F(ParameterTransfer, ARegisterThatTheStationLacksIsToldAsRefused)
     EXPECT_EQ(report.compared, 202);
     ASSERT_EQ(report.refused.size(), 1);
     EXPECT_EQ(report.refused.at(0).toStdString(),
-              "station 1, F 1.5 (0xF105): exception 2, register not there");
+              "station 1, F 1.5 (0xF105): refused with exception 2, register not there");
     EXPECT_TRUE(report.remaining.isEmpty());
     EXPECT_TRUE(drive.written.isEmpty());
 }
@@ -307,12 +307,12 @@ TEST_F(ParameterTransfer, ARefusedValueThatAnotherWriteBringsAboutIsRestored)
 TEST_F(ParameterTransfer, TheCauseOfAFailedReadIsNamed)
 {
     const std::pair<const char *, const char *> rows[] = {
-        { "", "no answer" },
-        { "01 03 02", "the reply was cut short" },
-        { "01 03 02 00 05 00 00", "the reply had a wrong CRC" },
+        { "", "no reply" },
+        { "01 03 02", "the reply is cut short" },
+        { "01 03 02 00 05 00 00", "the reply has a wrong CRC" },
         { "framed 02 03 02 00 05", "another station replied" },
-        { "framed 01 83 04", "exception 4, device failed" },
-        { "framed 01 83 0B", "exception 11, a code of the device's own" },
+        { "framed 01 83 04", "refused with exception 4, device failed" },
+        { "framed 01 83 0B", "refused with exception 11, a code of the device's own" },
     };
     GuardedExchange guard(line);
     Cycle guarded(link, guard);
@@ -327,7 +327,7 @@ TEST_F(ParameterTransfer, TheCauseOfAFailedReadIsNamed)
 
         EXPECT_EQ(result.reason.toStdString(), std::string("station 1, F 0.0 (0xF000): ") + cause);
         EXPECT_EQ(result.kind,
-                  std::string(cause).rfind("exception", 0) == 0 ? AccessResult::Kind::Refused
+                  std::string(cause).rfind("refused", 0) == 0 ? AccessResult::Kind::Refused
                                                                 : AccessResult::Kind::NoAnswer);
     }
 }
@@ -409,7 +409,7 @@ TEST_F(ParameterTransfer, ARestoreThatBrokeOffIsTakenUpByTheNext)
     const RestoreReport second = restoreParameters(access, 1, set);
 
     EXPECT_EQ(first.written, 1);
-    EXPECT_EQ(first.interrupted.toStdString(), "station 1, F 1.6 (0xF106): no answer");
+    EXPECT_EQ(first.interrupted.toStdString(), "station 1, F 1.6 (0xF106): no reply");
     EXPECT_FALSE(first.isRestored());
     EXPECT_TRUE(second.isRestored());
     EXPECT_EQ(drive.written, (QVector<int> { 0xF105, 0xF106 }));

@@ -52,7 +52,7 @@ TEST_F(RuntimeAccessTest, ARefusedReadIsRefused)
 
     EXPECT_EQ(result.kind, AccessResult::Kind::Refused);
     EXPECT_EQ(result.reason.toStdString(),
-              "station 1, F 1.5 (0xF105): exception 2, register not there");
+              "station 1, F 1.5 (0xF105): refused with exception 2, register not there");
 }
 
 TEST_F(RuntimeAccessTest, ADeadStationDoesNotAnswer)
@@ -62,7 +62,7 @@ TEST_F(RuntimeAccessTest, ADeadStationDoesNotAnswer)
     const AccessResult result = access.read(1, QStringLiteral("F"), 0x0105, 1);
 
     EXPECT_EQ(result.kind, AccessResult::Kind::NoAnswer);
-    EXPECT_EQ(result.reason.toStdString(), "station 1, F 1.5 (0xF105): no answer");
+    EXPECT_EQ(result.reason.toStdString(), "station 1, F 1.5 (0xF105): no reply");
 }
 
 TEST_F(RuntimeAccessTest, AStationThatIsLeftAloneIsNotAsked)
@@ -76,7 +76,7 @@ TEST_F(RuntimeAccessTest, AStationThatIsLeftAloneIsNotAsked)
 
     EXPECT_EQ(result.kind, AccessResult::Kind::NoAnswer);
     EXPECT_EQ(result.reason.toStdString(),
-              "station 1, F 1.5 (0xF105): not asked, the station does not answer");
+              "station 1, F 1.5 (0xF105): not asked, as the station is silent");
     EXPECT_EQ(under.stations.line.sent().size(), before);
 }
 
@@ -97,7 +97,7 @@ TEST_F(RuntimeAccessTest, ABareCycleTellsAStationLeftAloneToo)
 
     EXPECT_EQ(result.kind, AccessResult::Kind::NoAnswer);
     EXPECT_EQ(result.reason.toStdString(),
-              "station 1, F 1.5 (0xF105): not asked, the station does not answer");
+              "station 1, F 1.5 (0xF105): not asked, as the station is silent");
     EXPECT_TRUE(stations.line.sent().isEmpty());
 }
 

@@ -162,7 +162,7 @@ TEST_F(WriteDeskTest, AWriteThatWaitsWhenTheLineGoesDownIsNeverSent)
 
     EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
     EXPECT_FALSE(last().sent);
-    EXPECT_EQ(last().text.toStdString(), "station 1, CW 0 (0x1001): not sent: the line went down");
+    EXPECT_EQ(last().text.toStdString(), "station 1, CW 0 (0x1001): not sent: the line broke");
     EXPECT_EQ(host.sent(1, 6), 0);
 }
 
@@ -178,7 +178,7 @@ TEST_F(WriteDeskTest, AWriteThatIsToBeRepeatedWhenTheLineGoesDownWasSent)
     EXPECT_EQ(host.outcomes, Texts { "1000 timed out" });
     EXPECT_TRUE(last().sent);
     EXPECT_EQ(last().text.toStdString(),
-              "station 1, CW 0 (0x1001): sent, but not confirmed: the line went down");
+              "station 1, CW 0 (0x1001): sent, but not confirmed: the line broke");
 }
 
 TEST_F(WriteDeskTest, AWriteUnderWhichTheLineBreaksMayHaveBeenSent)
@@ -208,7 +208,7 @@ TEST_F(WriteDeskTest, AWriteToAStationThatIsLeftAloneMeanwhileIsNotSent)
     EXPECT_TRUE(host.outcomeRecords.at(1).sent);
     EXPECT_FALSE(last().sent);
     EXPECT_EQ(last().text.toStdString(),
-              "station 1, F 0.0 (0xF000): not asked, the station does not answer");
+              "station 1, F 0.0 (0xF000): not asked, as the station is silent");
 }
 
 TEST_F(WriteDeskTest, AWriteThatWasSentIsNotRefusedByAStop)
@@ -249,9 +249,10 @@ TEST_F(WriteDeskTest, AValueThatCannotBeReadBackWasSentAllTheSame)
 
     EXPECT_EQ(host.outcomes, Texts { "1000 rejected (exception 2)" });
     EXPECT_TRUE(last().sent);
-    EXPECT_EQ(last().text.toStdString(),
-              "station 1, F 0.0 (0xF000): echoed, but could not be read back: exception 2, "
-              "register not there");
+    EXPECT_EQ(
+        last().text.toStdString(),
+        "station 1, F 0.0 (0xF000): echoed, but could not be read back: refused with exception 2, "
+        "register not there");
 }
 
 TEST(WriteDesk, WritesThatStayLocalEndAtOnceAndUnsent)
