@@ -12,9 +12,12 @@
 #include "cli/values.h"
 #include "host/config_runtime.h"
 #include "host/notation.h"
+#include "host/port_list.h"
 #include "host/recording_line.h"
 #include "host/serial_line.h"
+#include "host/verdict_text.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -92,7 +95,11 @@ std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *fail
     std::unique_ptr<Session> session(new Session(options, wishes));
     QString error;
     if (!session->m_line->open(&error)) {
-        *failure = { ExitLine, QStringLiteral("cannot open %1").arg(error) };
+        const bool isThere = QFileInfo::exists(host::portDevice(options.plant.line.port));
+        *failure = { ExitLine,
+                     QStringLiteral("cannot open %1%2")
+                         .arg(error,
+                              QLatin1String(isThere ? "" : "; \"dx4 line\" lists the ports")) };
         return nullptr;
     }
     host::RuntimeSettings settings = host::runtimeSettings(options.plant);
@@ -137,8 +144,10 @@ Failure Session::failureOf(Step step, const Target &target, int tries) const
     if (step == Step::Idle)
         return { ExitNoReply,
                  QStringLiteral("%1: not asked, as the station is silent").arg(where) };
-    return { causeCode(verdict()),
-             QStringLiteral("%1: %2%3").arg(where, causeText(verdict()), triesText(tries)) };
+    return {
+        causeCode(verdict()),
+        QStringLiteral("%1: %2%3").arg(where, host::verdictText(verdict()), triesText(tries))
+    };
 }
 
 /// Steps until the request of this piece is answered or given up.

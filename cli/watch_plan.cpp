@@ -20,6 +20,22 @@ Failure noRegisters()
                             "--config") };
 }
 
+bool checkConfigured(const QStringList &words, const LineOptions &options,
+                     const host::DriverApi &api, Failure *failure)
+{
+    if (words != options.registers)
+        return true;
+    for (const host::StationConfig &station : options.plant.stations) {
+        for (const host::RegisterConfig &entry : station.registers) {
+            if (parseTargets({ entry.at }, station.address, ReadAccess, api, failure))
+                continue;
+            failure->text = host::ConfigError { entry.line, failure->text }.in(options.config);
+            return false;
+        }
+    }
+    return true;
+}
+
 std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &options,
                                    Failure *failure)
 {
@@ -29,6 +45,8 @@ std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &
     }
     auto scratch = loadDriver(options.driver, host::Plugin::Instance::PrivateCopy, failure);
     if (!scratch)
+        return std::nullopt;
+    if (!checkConfigured(words, options, scratch->api(), failure))
         return std::nullopt;
     // Asked here first, because it names the nearest valid word.
     if (!parseTargets(words, usualStation(options), ReadAccess, scratch->api(), failure))

@@ -15,6 +15,11 @@ QStringList wordsOrConfigured(const QStringList &words, const LineOptions &optio
 /// What is wrong where neither has any.
 Failure noRegisters();
 
+/// Checks registers that were taken from the configuration, and tells file and line of the first
+/// one that the driver refuses. Words of a user pass: parseTargets() checks them.
+bool checkConfigured(const QStringList &words, const LineOptions &options,
+                     const host::DriverApi &api, Failure *failure);
+
 /// Plans the polling on a private copy of the driver.
 ///
 /// @param words  addresses as splitTargets() takes them

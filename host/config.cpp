@@ -92,7 +92,7 @@ StationConfig readStation(ConfigTable table, QVector<ConfigError> &errors)
     table.text("name", "pump", station.name);
     table.milliseconds("extra_gap_ms", 0, longestGapMs, station.extraGap);
     QSet<QString> names;
-    for (const toml::table *entry : table.tables("register")) {
+    for (const toml::table *entry : table.tables("register", "station.register")) {
         ConfigTable reader(entry, errors);
         station.registers.append(readRegister(reader));
         const QString &name = station.registers.constLast().name;
@@ -108,7 +108,7 @@ StationConfig readStation(ConfigTable table, QVector<ConfigError> &errors)
 
 void readStations(ConfigTable &root, Config &config, QVector<ConfigError> &errors)
 {
-    for (const toml::table *entry : root.tables("station")) {
+    for (const toml::table *entry : root.tables("station", "station")) {
         ConfigTable table(entry, errors);
         const StationConfig station = readStation(table, errors);
         for (const StationConfig &other : std::as_const(config.stations)) {

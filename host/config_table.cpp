@@ -115,17 +115,23 @@ void ConfigTable::textsByNumber(int highest, QMap<int, QString> &target)
     }
 }
 
-QVector<const toml::table *> ConfigTable::tables(const char *key)
+QVector<const toml::table *> ConfigTable::tables(const char *key, const char *header)
 {
     QVector<const toml::table *> result;
     const toml::node *node = find(key);
     if (!node)
         return result;
     const toml::array *array = node->as_array();
+    if (node->is_table()) {
+        wrong(key,
+              QStringLiteral("expected [[%1]] in place of [%1], as there may be several")
+                  .arg(QString::fromUtf8(header)));
+        return result;
+    }
     if (!array || !array->is_homogeneous(toml::node_type::table)) {
         wrong(
             key,
-            QStringLiteral("expected tables, each begun by [[...%1]]").arg(QString::fromUtf8(key)));
+            QStringLiteral("expected tables, each begun by [[%1]]").arg(QString::fromUtf8(header)));
         return result;
     }
     for (const toml::node &element : *array)

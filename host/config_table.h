@@ -36,8 +36,10 @@ public:
     void choice(const char *key, std::initializer_list<std::pair<const char *, Value>> choices,
                 Value &target);
 
-    /// The tables of "[[key]]", or none.
-    QVector<const toml::table *> tables(const char *key);
+    /// The tables of a key, or none.
+    ///
+    /// @param header  that begins each of them, for messages: "station.register"
+    QVector<const toml::table *> tables(const char *key, const char *header);
 
     /// The table "[key]", or null.
     const toml::table *table(const char *key);

@@ -6,6 +6,7 @@
 
 #include <QFile>
 
+#include <array>
 #include <cerrno>
 #include <fstream>
 #include <sstream>
@@ -24,6 +25,17 @@ void tell(QString *error, const QString &path, const QString &why)
 {
     if (error)
         *error = QStringLiteral("%1: %2").arg(path, why);
+}
+
+/// What capture programs write unless they are told otherwise. Leaves the stream at its begin.
+bool isPcapng(std::istream &in)
+{
+    constexpr std::array<char, 4> sectionHead { '\n', '\r', '\r', '\n' };
+    std::array<char, 4> head {};
+    in.read(head.data(), head.size());
+    in.clear();
+    in.seekg(0);
+    return head == sectionHead;
 }
 
 } // namespace
@@ -66,6 +78,13 @@ std::optional<QVector<RecordedFrame>> readPcap(const QString &path, QString *err
     std::ifstream in(QFile::encodeName(path).toStdString(), std::ios::binary);
     if (!in) {
         tell(error, path, errno != 0 ? qt_error_string(errno) : QStringLiteral("cannot be read"));
+        return std::nullopt;
+    }
+    if (isPcapng(in)) {
+        tell(error, path,
+             QStringLiteral("is a pcapng capture, and pcap is read; \"editcap -F pcap %1 "
+                            "line.pcap\" converts it")
+                 .arg(path));
         return std::nullopt;
     }
     std::string why;

@@ -64,6 +64,8 @@ int runGet(const Options &options)
     const QStringList words = wordsOrConfigured(options.words, options.line);
     if (words.isEmpty())
         return complain(name, noRegisters());
+    if (!checkConfigured(words, options.line, editor->api(), &failure))
+        return complain(name, failure);
     const auto targets = parseCounted(words, options.count, usualStation(options.line), ReadAccess,
                                       editor->api(), &failure);
     if (!targets)

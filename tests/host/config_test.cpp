@@ -300,6 +300,17 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "AFalseThatIsCutShort",
                     "[line]\nrs485 = fals\r\n[[station]]\naddress = 1\n",
                     { "a.toml:2: Error while parsing boolean: expected 'false', saw 'fals'" } },
+        ConfigRow { "AStationInSingleBrackets",
+                    "[line]\n[station]\naddress = 1\n",
+                    { "a.toml:2: station: expected [[station]] in place of [station], as there may "
+                      "be several" } },
+        ConfigRow { "ARegisterInSingleBrackets",
+                    "[[station]]\naddress = 1\n[station.register]\nat = \"D 0\"\n",
+                    { "a.toml:3: register: expected [[station.register]] in place of "
+                      "[station.register], as there may be several" } },
+        ConfigRow { "AStationThatIsNoTable",
+                    "station = 1\n",
+                    { "a.toml:1: station: expected tables, each begun by [[station]]" } },
         ConfigRow { "AKeyWithALineBreak",
                     "[line]\n\"a\\nb\" = 1\n[[station]]\naddress = 1\n",
                     { "a.toml:2: a b: no such key; expected one of port, speed, parity, "

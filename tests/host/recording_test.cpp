@@ -211,6 +211,17 @@ TEST_F(PcapFile, AFileThatIsNoCaptureIsRefused)
     EXPECT_EQ(textOf(error), textOf(path) + ": no pcap file with times in microseconds");
 }
 
+TEST_F(PcapFile, ACaptureOfTheNewerKindIsRefusedWithItsConversion)
+{
+    const auto frames =
+        readPcap(fill(QByteArray("\n\r\r\n\x1c\0\0\0\x4d\x3c\x2b\x1a", 12)), &error);
+
+    EXPECT_FALSE(frames.has_value());
+    EXPECT_EQ(textOf(error),
+              textOf(path) + ": is a pcapng capture, and pcap is read; \"editcap -F pcap "
+                  + textOf(path) + " line.pcap\" converts it");
+}
+
 TEST_F(PcapFile, AFileThatEndsInsideAPacketIsRefused)
 {
     writePcap(path, readAndWrite(), milliseconds(0), &error);
