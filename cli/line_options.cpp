@@ -99,10 +99,15 @@ QString stationsText(const host::Config &config)
     return QStringLiteral("stations %1 and %2").arg(addresses.join(QStringLiteral(", ")), last);
 }
 
-/// Where a configuration has one station alone, that is meant; of several, none is.
+/// Where a configuration has one station alone, that is meant; of several, none is. Without a
+/// configuration it is the first.
 void chooseStation(LineOptions &options, const host::Config &config)
 {
-    if (!options.stationIsGiven && !config.stations.isEmpty())
+    if (options.stationIsGiven)
+        return;
+    if (config.stations.isEmpty())
+        options.station = 1;
+    else
         options.station = config.stations.size() == 1 ? config.stations.constFirst().address : 0;
 }
 
@@ -116,6 +121,7 @@ int readConfiguration(LineOptions &options, const QString &name)
     options.given = linePlace(options);
     if (options.config.isEmpty()) {
         complete(options, host::Config());
+        chooseStation(options, host::Config());
         return ExitDone;
     }
     QVector<host::ConfigError> errors;
@@ -169,19 +175,30 @@ bool mayDrive(const LineOptions &options, int station, Failure *failure)
 
 void addLineOptions(Command &command, LineOptions &options, const QString &name)
 {
+    // A command may bring values of its own, which the help shows and which go before the file's.
+    const bool hasTimeout = options.timeout > 0;
+    const bool hasRetries = options.retries >= 0;
     command.text("--config", options.config,
                  "TOML file with line, stations, registers; else DX4_CONFIG", "FILE");
-    command.text("--port", options.port, "serial port; else the variable DX4_PORT", "DEVICE");
-    command.number("--speed", options.speed, "bit/s; 9600 where none is given", 300, fastestSpeed);
-    command.choice("--format", options.format, "data bits, parity, stop bits; else 8N1",
+    command.text("--port", options.port, "serial port; else the file's, or DX4_PORT", "DEVICE");
+    command.number("--speed", options.speed, "bit/s; else the file's, or 9600", 300, fastestSpeed);
+    command.choice("--format", options.format,
+                   "data bits, parity, stop bits; else the file's, or 8N1",
                    { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
                      QStringLiteral("8E2"), QStringLiteral("8O1"), QStringLiteral("8O2") });
-    command.number("--station", options.station, "of addresses that name none", 1,
-                   host::lastStation, &options.stationIsGiven);
-    command.number("--timeout", options.timeout, "ms until a reply must begin; else 300", 1, 60000);
-    command.number("--retries", options.retries, "repetitions of a failed request; else 2", 0, 100);
-    command.number("--block", options.block, "most registers of one request; else 16", 1,
-                   host::largestBlock);
+    command.number("--station", options.station,
+                   "of addresses that name none; else the file's, or 1", 1, host::lastStation,
+                   &options.stationIsGiven);
+    command.number("--timeout", options.timeout,
+                   hasTimeout ? "ms until a reply must begin"
+                              : "ms until a reply must begin; else the file's, or 300",
+                   1, 60000);
+    command.number("--retries", options.retries,
+                   hasRetries ? "repetitions of a failed request"
+                              : "repetitions of a failed request; else the file's, or 2",
+                   0, 100);
+    command.number("--block", options.block,
+                   "most registers of one request; else the file's, or 16", 1, host::largestBlock);
     command.flag("--shared", options.shared, "also where another program has the port open");
     command.flag("--json", options.json, "print one JSON object per line");
     addTraceOption(command, options.trace);

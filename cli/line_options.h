@@ -16,7 +16,8 @@ struct LineOptions {
     QString port;
     QString format; ///< "8N1"
     int speed = 0; ///< bit/s; 0: not given
-    int station = 1; ///< of addresses that name none; 0: the configuration has several
+    int station =
+        0; ///< of addresses that name none; 0: not given, and the configuration has several
     bool stationIsGiven = false; ///< by the option itself
     int timeout = 0; ///< ms from the end of a request to the first byte of its reply; 0: not given
     int retries = -1; ///< repetitions of a request that was not answered; -1: not given

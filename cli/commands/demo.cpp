@@ -191,6 +191,7 @@ LineOptions demoLine(const DemoOptions &options, const QString &device)
     line.driver = options.driver;
     line.json = options.json;
     line.trace = options.trace;
+    line.station = 1;
     line.plant.line.port = device;
     line.plant.line.speed = lineSpeed;
     return line;

@@ -155,7 +155,7 @@ void addStats(CommandLine &line)
 {
     Command command = line.add("stats", "poll and count how well the line works");
     const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "registers to poll, SW where none is named", false);
+    command.words("address", options->words, "registers to poll; else the file's, or SW", false);
     command.number("--requests", options->requests, "to send, repeated ones included", 1, 1000000);
     command.flag("--names", options->names, "with names of the simulated inverter");
     addPollOptions(command, options->reconnect);

@@ -27,6 +27,26 @@ _dx4_options() {
   esac
 }
 
+# Files whose names match a pattern, and folders. Readline quotes blanks and marks folders.
+_dx4_files() {
+  compopt -o filenames 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -d -- "$2"; compgen -f -X "$1" -- "$2" | while IFS= read -r file; do
+    [ -d "$file" ] || printf '%s\n' "$file"
+  done)
+}
+
+# Stations of the configuration that the line names.
+_dx4_stations() {
+  local i file
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    [ "${COMP_WORDS[i]}" = --config ] || continue
+    file=${COMP_WORDS[i + 1]}
+    [ "$file" = '=' ] && file=${COMP_WORDS[i + 2]}
+    file=${file//[\\\'\"]/}
+    sed -n 's/^[[:space:]]*address[[:space:]]*=[[:space:]]*\([0-9]*\).*/\1/p' "$file" 2>/dev/null
+  done
+}
+
 _dx4() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} offered=''
@@ -34,16 +54,26 @@ _dx4() {
     frames | params) [ "$COMP_CWORD" -gt 2 ] && command="$command ${COMP_WORDS[2]}" ;;
   esac
   COMPREPLY=()
-  local commands='demo types check copies frames get set batch watch plan scan stats run stop line params record replay'
+  # Behind "=" readline begins another word.
+  if [ "$word" = '=' ]; then
+    word=''
+  elif [ "$before" = '=' ]; then
+    before=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
   case $before in
-    --config | --driver | --sim | --resume)
-      mapfile -t COMPREPLY < <(compgen -f -- "$word")
+    --config)
+      _dx4_files '!*.toml' "${word//\\/}"
+      return
+      ;;
+    --driver | --sim | --resume)
+      _dx4_files '' "${word//\\/}"
       return
       ;;
     --port)
-      mapfile -t COMPREPLY < <(compgen -f -- "${word:-/dev/tty}")
+      _dx4_files '' "${word:-/dev/tty}"
       return
       ;;
+    --station) offered="$(_dx4_stations)" ;;
     --format) offered='8N1 8N2 8E1 8E2 8O1 8O2' ;;
     --speed) offered='9600 19200 38400 57600 115200' ;;
     *)
@@ -58,7 +88,7 @@ _dx4() {
       else
         case $command in
           params\ * | batch | record | replay | line)
-            mapfile -t COMPREPLY < <(compgen -f -- "$word")
+            _dx4_files '' "${word//\\/}"
             return
             ;;
           'frames write' | set) offered='F CW FRE' ;;

@@ -51,6 +51,30 @@ TEST(Completion, BashFinishesWords)
     }
 }
 
+TEST(Completion, BashFinishesFileNamesWithBlanksAndFolders)
+{
+    Bench bench;
+    bench.run("mkdir 'all plants'; touch 'two drives.toml' two.txt");
+
+    EXPECT_EQ(bashCompletion(bench, "dx4 get --config two"), "two drives.toml\n");
+    EXPECT_EQ(bashCompletion(bench, "dx4 get --config all"), "all plants\n");
+    EXPECT_EQ(bashCompletion(bench, "dx4 get --config = two"), "two drives.toml\n");
+    EXPECT_EQ(bashCompletion(bench, "dx4 params dump 'two\\ dr'"), "two drives.toml\n");
+    EXPECT_EQ(bashCompletion(bench, "dx4 replay two.t"), "two.txt\n");
+}
+
+TEST(Completion, BashOffersTheStationsOfTheConfiguration)
+{
+    Bench bench;
+    bench.run("printf '[[station]]\\naddress = 12\\n[[station]]\\n address=7 # pump\\n' "
+              ">'two drives.toml'");
+
+    EXPECT_EQ(bashCompletion(bench, "dx4 run --config 'two\\ drives.toml' --station ''"),
+              "12\n7\n");
+    EXPECT_EQ(bashCompletion(bench, "dx4 run --config = 'two\\ drives.toml' --station 1"), "12\n");
+    EXPECT_EQ(bashCompletion(bench, "dx4 run --station ''"), "\n");
+}
+
 TEST(Completion, BashOffersAllOptionsOfACommand)
 {
     Bench bench;
