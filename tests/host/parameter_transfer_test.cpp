@@ -328,7 +328,7 @@ TEST_F(ParameterTransfer, TheCauseOfAFailedReadIsNamed)
         EXPECT_EQ(result.reason.toStdString(), std::string("station 1, F 0.0 (0xF000): ") + cause);
         EXPECT_EQ(result.kind,
                   std::string(cause).rfind("refused", 0) == 0 ? AccessResult::Kind::Refused
-                                                                : AccessResult::Kind::NoAnswer);
+                                                              : AccessResult::Kind::NoAnswer);
     }
 }
 
