@@ -28,6 +28,10 @@ ReplayLine::ReplayLine(const QVector<RecordedFrame> &frames, const LineSettings 
           },
           settings)
 {
+    for (int i = 0; i < m_frames.size(); ++i) {
+        if (m_frames.at(i).isRequest)
+            m_lastPlaces.insert(m_frames.at(i).bytes, i);
+    }
 }
 
 QByteArray ReplayLine::nextRequest() const
@@ -46,9 +50,7 @@ QByteArray ReplayLine::requestAfterNext() const
 
 bool ReplayLine::isAhead(const QByteArray &request) const
 {
-    return std::any_of(m_frames.begin() + m_next, m_frames.end(), [&](const RecordedFrame &frame) {
-        return frame.isRequest && frame.bytes == request;
-    });
+    return m_lastPlaces.value(request, -1) >= m_next;
 }
 
 void ReplayLine::answer(const QByteArray &request)

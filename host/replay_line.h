@@ -5,6 +5,8 @@
 #include "host/frame_ring.h"
 #include "host/memory_line.h"
 
+#include <QHash>
+
 namespace dx4::host {
 
 /// Answers each request as the recording did, after the time that it took then. Time is virtual
@@ -58,6 +60,7 @@ private:
     void answer(const QByteArray &request);
 
     const QVector<RecordedFrame> m_frames;
+    QHash<QByteArray, int> m_lastPlaces; ///< of each request; a long recording is not searched
     int m_next = 0; ///< position of the next request
     int m_played = 0;
     int m_unrecorded = 0;
