@@ -67,6 +67,10 @@ public:
     /// When the next byte reaches the master; none when nothing is on its way.
     std::optional<Micros> nextByteAt() const;
 
+    /// Lets time pass for the stations of a line where nothing happens. Left to the next request, a
+    /// night of many stations takes seconds, in which none of them answers.
+    void passTime() { m_bus.advanceTo(m_clock.now()); }
+
     /// Pulls the plug: what is on its way is lost, and nothing passes until plug().
     void unplug();
 

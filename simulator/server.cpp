@@ -25,6 +25,9 @@ constexpr Micros longestPause { 20000 };
 // A shell that brings a running program to the foreground tells it nothing.
 constexpr Micros nextLookAtTheTerminal { 200000 };
 
+// So much of the drives' time may be left to the next request.
+constexpr Micros longestWait { 1000000 };
+
 // What has no line end is no command, and must not fill the memory.
 constexpr std::size_t longestCommand = 4096; // bytes
 
@@ -61,10 +64,19 @@ void Server::run()
         if (m_end.suspendAsked())
             suspend();
         wait();
+        passTime();
         servePort();
         if (m_inputReady)
             serveCommands();
     }
+}
+
+void Server::passTime()
+{
+    if (m_clock.now() - m_timePassed < longestWait)
+        return;
+    m_timePassed = m_clock.now();
+    m_cable.passTime();
 }
 
 void Server::suspend()
@@ -86,19 +98,18 @@ void Server::wait()
     if (frameEnd)
         next = next ? std::min(*next, *frameEnd) : *frameEnd;
     const bool isInputWanted = m_inputOpen && isInputOurs();
-    const Micros soon = m_clock.now() + nextLookAtTheTerminal;
-    if (m_inputOpen && !isInputWanted)
-        next = next ? std::min(*next, soon) : soon;
-    const Micros left = next ? std::max(*next - m_clock.now(), Micros(0)) : Micros(0);
-    const timespec timeout = toTimespec(left);
+    const Micros now = m_clock.now();
+    const Micros atMost =
+        now + (m_inputOpen && !isInputWanted ? nextLookAtTheTerminal : longestWait);
+    const timespec timeout =
+        toTimespec(std::max(std::min(next.value_or(atMost), atMost) - now, Micros(0)));
 
     std::array<pollfd, 3> waiting = { {
         { m_port.descriptor(), POLLIN, 0 },
         { isInputWanted ? STDIN_FILENO : -1, POLLIN, 0 },
         { m_end.descriptor(), POLLIN, 0 },
     } };
-    const int ready =
-        ppoll(waiting.data(), waiting.size(), next ? &timeout : nullptr, &m_end.waitMask());
+    const int ready = ppoll(waiting.data(), waiting.size(), &timeout, &m_end.waitMask());
     if (ready < 0 && errno != EINTR)
         throw std::system_error(errno, std::generic_category(), "poll");
     m_portReady = ready > 0 && waiting[0].revents != 0;

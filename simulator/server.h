@@ -23,6 +23,7 @@ public:
     void run();
 
 private:
+    void passTime();
     void suspend();
     void wait();
     void servePort();
@@ -36,6 +37,7 @@ private:
     Framer m_framer;
     std::string m_typed; ///< begin of a command line
     bool m_isTooLong = false; ///< the line that is being typed; its begin was dropped
+    Micros m_timePassed { 0 }; ///< for the drives, without a request
     bool m_portReady = false;
     bool m_inputReady = false;
     bool m_inputOpen = true;

@@ -83,6 +83,15 @@ TEST(CableTimeOfFastLines, LongReplyTakesAllOfItsTime)
     EXPECT_EQ(clock.now(), us(764 + 7735 + 1750));
 }
 
+TEST_F(CableTime, PassesWithoutARequest)
+{
+    clock.advance(us(3000000));
+
+    cable.passTime();
+
+    EXPECT_EQ(inverter.read(0xD00D), 3); // seconds since power on
+}
+
 TEST_F(CableTime, RequestTakesEffectAtItsEnd)
 {
     inverter.write(0xF808, 1); // 0.1 s without a request trips
