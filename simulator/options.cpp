@@ -7,8 +7,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <limits>
 #include <ostream>
+#include <system_error>
+#include <utility>
 
 namespace dx4::sim {
 
@@ -175,6 +178,31 @@ std::string findContradiction(const Options &options)
     return {};
 }
 
+/// Whether two options name one file.
+bool isSameFile(const std::string &first, const std::string &second)
+{
+    std::error_code failed;
+    const bool isDevice = std::filesystem::is_character_file(first, failed); // as /dev/null
+    return !first.empty() && !isDevice
+        && (first == second || std::filesystem::equivalent(first, second, failed));
+}
+
+/// What is written is emptied first: it must be no file that is read or written otherwise.
+std::string findSharedFile(const Options &options)
+{
+    const std::string nameAnother = "; name another file";
+    if (isSameFile(options.logFile, options.captureFile))
+        return "--log and --pcap are one file" + nameAnother;
+    for (const auto &[option, written] :
+         { std::pair("--log", options.logFile), std::pair("--pcap", options.captureFile) }) {
+        if (isSameFile(written, options.faultFile))
+            return option + std::string(" is the file of --faults") + nameAnother;
+        if (isSameFile(written, options.valueFile))
+            return option + std::string(" is the file of --values") + nameAnother;
+    }
+    return {};
+}
+
 int refuse(std::ostream &errors, const std::string &why)
 {
     errors << why << "\nRun with --help for more information.";
@@ -207,6 +235,8 @@ std::optional<int> readOptions(int argc, char **argv, Options &options, std::ost
     std::string wrong = takeStations(options, texts);
     if (wrong.empty())
         wrong = findContradiction(options);
+    if (wrong.empty())
+        wrong = findSharedFile(options);
     return wrong.empty() ? std::nullopt : std::optional(refuse(errors, wrong));
 }
 

@@ -439,6 +439,29 @@ TEST(SimulatorUsage, EmptyValueDoesNotTakeTheNextWord)
     EXPECT_EQ(text.substr(0, text.find('\n')), "dx4-sim: --log: nothing given behind \"=\"");
 }
 
+TEST(SimulatorUsage, FileThatIsReadIsNotWritten)
+{
+    const std::string path = fileWith("mine.toml", "seed = 7\n");
+    const std::string same = ::testing::TempDir() + "./mine.toml";
+    const std::vector<std::pair<std::vector<std::string>, std::string>> rows = {
+        { { "--faults", path, "--log", same }, "--log is the file of --faults" },
+        { { "--values", path, "--pcap", same }, "--pcap is the file of --values" },
+        { { "--log", "new.log", "--pcap", "new.log" }, "--log and --pcap are one file" },
+    };
+    for (const auto &[arguments, why] : rows) {
+        std::vector<std::string> all = arguments;
+        all.insert(all.begin(), "--pty");
+        int code = -1;
+
+        const std::string text = outputOfSim(all, &code);
+
+        EXPECT_EQ(code, 2);
+        EXPECT_EQ(text.substr(0, text.find('\n')), "dx4-sim: " + why + "; name another file");
+    }
+
+    EXPECT_EQ(contentOf(path), "seed = 7\n");
+}
+
 TEST(SimulatorUsage, EmptyWordIsNoFile)
 {
     int code = -1;
