@@ -181,6 +181,21 @@ TEST_F(AnswerTimesTest, OneThatNeedsHalfOfWhatWasLearntKeepsIt)
     EXPECT_EQ(notice(), "");
 }
 
+TEST_F(AnswerTimesTest, ThirtyTwoMoreAreNeededToLowerItOnceMore)
+{
+    answer(3, 160);
+    answer(32, 70);
+    const Duration lowered = answers.timeoutOf(1);
+
+    answer(31, 10);
+    const Duration kept = answers.timeoutOf(1);
+    answer(1, 10);
+
+    EXPECT_EQ(lowered, milliseconds(140));
+    EXPECT_EQ(kept, milliseconds(140));
+    EXPECT_EQ(answers.timeoutOf(1), milliseconds(100));
+}
+
 TEST_F(AnswerTimesTest, ALateOneInBetweenPutsLoweringOff)
 {
     answer(3, 160);

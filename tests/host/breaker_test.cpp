@@ -305,6 +305,23 @@ TEST_F(StationAway, IsProbedByReadsOfItsStatusWordThatAreCounted)
               static_cast<int>(under.host.counters().block(status).requests));
 }
 
+TEST(BreakerExchange, PutsOffAProbeThatCouldNotBeAskedByTwentyMilliseconds)
+{
+    ScriptedLine stations(slowLine());
+    GuardedExchange guard(stations.line);
+    Breaker breaker { BreakerSettings() };
+    BreakerExchange exchange(stations.line, guard, breaker);
+    breaker.setPolled({ 1 });
+    breaker.noteGiveUp(1, Duration { 0 });
+    stations.line.advance(seconds(1));
+    stations.line.close();
+
+    const Reply reply = exchange.probe(1);
+
+    EXPECT_EQ(reply.kind, Reply::Kind::LineDown);
+    EXPECT_EQ(breaker.nextProbe(), milliseconds(1020));
+}
+
 TEST_F(StationAway, AnswersItsProbeByARefusalToo)
 {
     under.stations.dead.clear();

@@ -16,6 +16,18 @@ LinkSettings oneTry()
     return settings;
 }
 
+/// A line on which nobody answers.
+class SilentExchange : public Exchange {
+public:
+    Reply run(const FRAME_PRO &) override
+    {
+        return { Reply::Kind::Silence, {}, true, milliseconds(100) };
+    }
+    const ExchangeReport &report() const override { return told; }
+
+    ExchangeReport told;
+};
+
 /// Stops of two stations: a request takes 10 ms and a living station answers within 50 ms.
 class StopAllowances : public ::testing::Test {
 protected:
@@ -214,6 +226,28 @@ TEST_F(StopAllowances, LeaveWhatCouldNotBeAskedForTwentyMilliseconds)
     EXPECT_EQ(stop.due(milliseconds(19)), std::nullopt);
     EXPECT_EQ(stop.nextTry(milliseconds(1)), milliseconds(20));
     EXPECT_EQ(stop.due(milliseconds(20)), std::optional<int>(1));
+}
+
+TEST_F(StopAllowances, OfAStopThatMayBeTheAdaptersCopyAreGivenAgainAtOnceButNotOnceItWasWithheld)
+{
+    SilentExchange exchange;
+    exchange.told.echoStripped = true;
+    Cycle cycle(link, exchange);
+    SafeStop one(link, { { 1, 6 } }, [this](int) { return outlook; });
+    one.begin(Duration { 0 }, seconds(10));
+    one.prepareNext(Duration { 0 });
+    one.takeAllowance(1);
+
+    const Cycle::Step step = cycle.step();
+    one.afterStep(cycle, step, exchange.report(), milliseconds(100));
+    const auto unproven = one.nextTry(milliseconds(100));
+    one.prepareNext(milliseconds(100));
+    const bool learnsFirst = !one.takeAllowance(1).isUrgent;
+    one.noteWithheld(1, milliseconds(110));
+
+    EXPECT_EQ(unproven, milliseconds(100));
+    EXPECT_TRUE(learnsFirst);
+    EXPECT_EQ(one.nextTry(milliseconds(110)), milliseconds(510)) << "the pause of the second round";
 }
 
 TEST_F(StopAllowances, LeaveProbesOfAStationThatIsLeftAloneToTheBreaker)
