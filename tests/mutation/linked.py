@@ -23,6 +23,7 @@ import shlex
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 
 import explained
@@ -66,7 +67,8 @@ def play(command, folder, seconds):
             os.killpg(run.pid, signal.SIGKILL)
             run.communicate()
             return False, "too long"
-    return run.returncode == 0, output.decode(errors="replace")
+    told = output.decode(errors="replace")
+    return run.returncode == 0, told + ("\nsignal %d" % -run.returncode if run.returncode < 0 else "")
 
 
 class Program:
@@ -87,10 +89,10 @@ class Program:
 
     def files_seen(self):
         """Names of the library's sources whose objects the linker takes."""
-        traced = os.path.join(self.build, "traced")
-        done = subprocess.run(self.link_words(traced, []) + ["-Wl,--trace,--trace"], cwd=self.build, check=True,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
-        os.remove(traced)
+        with tempfile.TemporaryDirectory() as folder:
+            words = self.link_words(os.path.join(folder, self.name), [])
+            done = subprocess.run(words + ["-Wl,--trace,--trace"], cwd=self.build, check=True,
+                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         return set(re.findall(re.escape(os.path.basename(self.library)) + r"\W+([\w.]+)\.o\b",
                               done.stdout))
 
@@ -119,6 +121,17 @@ class Program:
 
     def time_of(self, tests):
         return sum(self.seconds[name] for name in tests)
+
+    def portions(self, tests):
+        """The tests in groups of about a second, so that an endless one is found soon."""
+        portion = []
+        for name in tests:
+            if portion and self.time_of(portion) + self.seconds[name] > 1:
+                yield portion
+                portion = []
+            portion.append(name)
+        if portion:
+            yield portion
 
 
 class Judge:
@@ -170,7 +183,7 @@ class Judge:
                 program.link(changed, os.path.join(folder, "changed.o"))
             passed, output = play([changed, "--gtest_brief=1", "--gtest_fail_fast",
                                    "--gtest_filter=" + ":".join(tests)], folder,
-                                  8 + 4 * program.time_of(tests))
+                                  6 + 6 * program.time_of(tests))
             if not passed:
                 found = re.search(r"\[  FAILED  \] ([\w./]+)", output)
                 test = found.group(1) if found else output.strip().split("\n")[-1][-60:]
@@ -190,12 +203,10 @@ class Judge:
                               if killer is program) for program in seeing}
         seeing.sort(key=lambda program: (-kills[program], program.time_of(program.quick)))
         for program in seeing:
-            if program.quick:
-                yield program, program.quick
+            yield from ((program, portion) for portion in program.portions(program.quick))
         seeing.sort(key=lambda program: program.time_of(program.slow))
         for program in seeing:
-            if program.slow:
-                yield program, program.slow
+            yield from ((program, portion) for portion in program.portions(program.slow))
 
 
 def sources(tree, patterns, seen):
@@ -283,6 +294,7 @@ def parse_arguments():
     parser.add_argument("--seed", type=int, help="of the sample; drawn and printed when not given")
     parser.add_argument("--jobs", type=int, default=1, metavar="N", help="changes judged at once")
     parser.add_argument("--resume", action="store_true", help="keep the results of lines that did not change")
+    parser.add_argument("--again", action="store_true", help="judge again what survived the last time, and that alone")
     parser.add_argument("--list", action="store_true", help="print the changes and stop")
     parser.add_argument("--build", default=os.path.join(ROOT, "build", "dev"),
                         help="a finished build with Ninja (default build/dev)")
@@ -318,6 +330,10 @@ def main():
         print("\n".join(mutate.described(mutant) for mutant in mutants))
         return 0
     results_path = os.path.join(options.work, options.tree + ".jsonl")
+    if options.again:
+        survived = {mutate.key_of(mutate.mutant_of(result)) for result in mutate.read_results(results_path)
+                    if result["outcome"] == "survived"}
+        mutants = [mutant for mutant in every if mutate.key_of(mutant) in survived]
     wanted = {mutate.key_of(mutant): mutant for mutant in mutants}
     done = []
     for result in mutate.read_results(results_path) if options.resume else []:
