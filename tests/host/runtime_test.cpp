@@ -269,6 +269,20 @@ public:
 
 } // namespace
 
+TEST(RuntimeValues, AreNotKnownByReadsOfOtherTypesOrStations)
+{
+    RuntimeUnderTest under;
+    under.host.setPlan(planOf({ { 1, QStringLiteral("F 0-1") }, { 2, QStringLiteral("D 0-1") } }));
+
+    under.steps(2);
+
+    EXPECT_TRUE(under.host.value(1, QStringLiteral("F"), 1).known);
+    EXPECT_TRUE(under.host.value(2, QStringLiteral("D"), 1).known);
+    EXPECT_FALSE(under.host.value(1, QStringLiteral("D"), 1).known) << "station 2 was read";
+    EXPECT_FALSE(under.host.value(1, QStringLiteral("CW"), 0).known) << "F was read";
+    EXPECT_FALSE(under.host.value(1, QStringLiteral("F"), 2).known) << "behind the block";
+}
+
 TEST(RuntimeIdle, IsATenthOfASecondWhereNothingIsDue)
 {
     RuntimeUnderTest under;
