@@ -272,7 +272,8 @@ public:
 TEST(RuntimeValues, AreNotKnownByReadsOfOtherTypesOrStations)
 {
     RuntimeUnderTest under;
-    under.host.setPlan(planOf({ { 1, QStringLiteral("F 0-1") }, { 2, QStringLiteral("D 0-1") } }));
+    under.host.setPlan(
+        planOf({ { 1, QStringLiteral("F 0.0-0.1") }, { 2, QStringLiteral("D 0-1") } }));
 
     under.steps(2);
 
