@@ -14,14 +14,6 @@ namespace {
 
 constexpr int fastestSpeed = 4000000; // bit/s
 
-QString formatText(const host::LineSettings &line)
-{
-    const QString parity = line.parity == host::Parity::None ? QStringLiteral("N")
-        : line.parity == host::Parity::Even                  ? QStringLiteral("E")
-                                                             : QStringLiteral("O");
-    return QStringLiteral("8%1%2").arg(parity).arg(line.stopBits);
-}
-
 host::Parity parityOf(const QString &format)
 {
     const QChar letter = format.at(1);
@@ -204,6 +196,14 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
     addTraceOption(command, options.trace);
     addDriverOption(command, options.driver);
     command.prepare([&options, name] { return readConfiguration(options, name); });
+}
+
+QString formatText(const host::LineSettings &line)
+{
+    const QString parity = line.parity == host::Parity::None ? QStringLiteral("N")
+        : line.parity == host::Parity::Even                  ? QStringLiteral("E")
+                                                             : QStringLiteral("O");
+    return QStringLiteral("8%1%2").arg(parity).arg(line.stopBits);
 }
 
 void addTraceOption(Command &command, bool &trace)

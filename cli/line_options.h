@@ -50,6 +50,9 @@ bool mayDrive(const LineOptions &options, int station, Failure *failure);
 /// @param name  the command, for messages
 void addLineOptions(Command &command, LineOptions &options, const QString &name);
 
+/// "8N1", as --format takes it.
+QString formatText(const host::LineSettings &line);
+
 /// Adds -v, --trace.
 void addTraceOption(Command &command, bool &trace);
 

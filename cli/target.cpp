@@ -2,10 +2,12 @@
 // Which registers of which station a user means.
 #include "cli/target.h"
 
+#include "cli/frame_text.h"
 #include "cli/nearest_word.h"
 #include "host/address_range.h"
 #include "host/address_verdict.h"
 #include "host/modbus_limits.h"
+#include "host/notation.h"
 #include "host/number_text.h"
 
 #include <QRegularExpression>
@@ -37,6 +39,60 @@ void tell(Failure *failure, const QString &text)
 {
     if (failure)
         *failure = { ExitUsage, text };
+}
+
+/// The station of a run.
+///
+/// @param written  in front of it; may be empty
+/// @param part     the run, for messages
+std::optional<int> stationOf(const QString &written, const QString &part, const UsualStation &usual,
+                             Failure *failure)
+{
+    const int station = host::parseWholeNumber(written).value_or(usual.address);
+    if (station >= 1 && station <= host::lastStation)
+        return station;
+    const QString given = written.isEmpty() ? QString::number(station) : written;
+    tell(failure,
+         written.isEmpty() && station == 0
+             ? QStringLiteral("\"%1\" names no station, and %2; name one with --station, or "
+                              "in front as in 2:D 4")
+                   .arg(part, usual.whyNone)
+             : QStringLiteral("no station %1; stations are 1 to 247").arg(given));
+    return std::nullopt;
+}
+
+/// "@0xD000" or "2:@0xD000-0xD003", a Modbus register as the wire has it, as the type and address
+/// that the driver knows it by.
+std::optional<TargetText> parseRaw(const QString &part, const UsualStation &usual, Failure *failure)
+{
+    static const QRegularExpression shape(
+        QStringLiteral("^(?:([0-9]+):)?@([0-9A-Fa-fx]+)(?:-@?([0-9A-Fa-fx]+))?$"));
+    const auto match = shape.match(part);
+    const auto first = host::parseRegisterValue(match.captured(2));
+    const auto last =
+        match.captured(3).isEmpty() ? first : host::parseRegisterValue(match.captured(3));
+    if (!first || !last || *last < *first) {
+        tell(failure,
+             QStringLiteral("\"%1\" is no register of the wire; write @0x2000 or "
+                            "2:@0xD000-0xD003")
+                 .arg(part));
+        return std::nullopt;
+    }
+    QString types[2];
+    int addresses[2] = {};
+    const bool isKnown = findRegister(*first, &types[0], &addresses[0])
+        && findRegister(*last, &types[1], &addresses[1]);
+    if (!isKnown || types[0] != types[1]) {
+        tell(failure,
+             QStringLiteral("\"%1\": no register type covers that; \"dx4 types\" lists them")
+                 .arg(part));
+        return std::nullopt;
+    }
+    QString text = types[0] + QLatin1Char(' ') + host::addressText(types[0], addresses[0]);
+    if (*last > *first)
+        text += QLatin1Char('-') + host::addressText(types[0], addresses[1]);
+    const auto station = stationOf(match.captured(1), part, usual, failure);
+    return station ? std::optional(TargetText { *station, text }) : std::nullopt;
 }
 
 bool checkType(const QString &regType, Failure *failure)
@@ -82,6 +138,13 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, const 
     QVector<TargetText> runs;
     const QStringList parts = words.join(QLatin1Char(' ')).simplified().split(QLatin1Char(' '));
     for (const QString &part : parts) {
+        if (part.contains(QLatin1Char('@'))) {
+            const auto raw = parseRaw(part, usual, failure);
+            if (!raw)
+                return std::nullopt;
+            runs.append(*raw);
+            continue;
+        }
         const Word word = takeApart(part);
         if (word.letters.isEmpty() && (runs.isEmpty() || !word.station.isEmpty())) {
             tell(failure,
@@ -93,20 +156,10 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, const 
             runs.last().text += QLatin1Char(' ') + word.address;
             continue;
         }
-        const int asked = host::parseWholeNumber(word.station).value_or(usual.address);
-        if (word.station.isEmpty() && asked == 0) {
-            tell(failure,
-                 QStringLiteral("\"%1\" names no station, and %2; name one with --station, or "
-                                "in front as in 2:D 4")
-                     .arg(part, usual.whyNone));
+        const auto station = stationOf(word.station, part, usual, failure);
+        if (!station)
             return std::nullopt;
-        }
-        if (asked < 1 || asked > host::lastStation) {
-            const QString given = word.station.isEmpty() ? QString::number(asked) : word.station;
-            tell(failure, QStringLiteral("no station %1; stations are 1 to 247").arg(given));
-            return std::nullopt;
-        }
-        runs.append({ asked, (word.letters + QLatin1Char(' ') + word.address).trimmed() });
+        runs.append({ *station, (word.letters + QLatin1Char(' ') + word.address).trimmed() });
     }
     return runs;
 }

@@ -40,7 +40,8 @@ struct UsualStation {
 };
 
 /// Groups words into runs: a type name begins one, the words behind it belong to it. "F c.13",
-/// "Fc.13", "F" "8.0-8.3", "2:D" "4" and "SW" are all understood.
+/// "Fc.13", "F" "8.0-8.3", "2:D" "4" and "SW" are all understood, and so is a Modbus register as
+/// the wire has it, "@0x2000", where a type covers it. No address of a type begins with "@".
 ///
 std::optional<QVector<TargetText>> splitTargets(const QStringList &words, const UsualStation &usual,
                                                 Failure *failure);

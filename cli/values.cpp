@@ -36,7 +36,8 @@ int addressWords(const QStringList &parts)
 {
     const bool hasOneRegister = parts.constFirst().endsWith(QLatin1String("CW"))
         || parts.constFirst().endsWith(QLatin1String("FRE"));
-    const bool inOneWord = parts.constFirst().contains(QLatin1Char('.'));
+    const bool inOneWord = parts.constFirst().contains(QLatin1Char('.'))
+        || parts.constFirst().contains(QLatin1Char('@'));
     return hasOneRegister || inOneWord ? 1 : 2;
 }
 

@@ -93,6 +93,8 @@ void addGet(CommandLine &line)
                     QStringLiteral("status and fault of station 2, for a script"));
     command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --trace SW"),
                     QStringLiteral("with the frames that pass, in bytes and in words"));
+    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 @0x2000 @0xD000-0xD003"),
+                    QStringLiteral("Modbus registers, as the types that cover them"));
     command.action([options] { return runGet(*options); });
 }
 

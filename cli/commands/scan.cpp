@@ -10,9 +10,11 @@
 #include "cli/target.h"
 #include "host/length.h"
 #include "host/modbus_limits.h"
+#include "host/number_text.h"
 #include "host/verdict_text.h"
 
 #include <QFile>
+#include <QJsonArray>
 
 #include <utility>
 
@@ -28,6 +30,18 @@ struct Options {
     int from = 0; ///< 0: not given
     int to = 0;
     QString resume; ///< file of the state; empty: none
+    QString speeds; ///< between commas; empty: the line's own
+    QString parities;
+    bool allSettings = false;
+
+    bool hasSettings() const { return allSettings || !speeds.isEmpty() || !parities.isEmpty(); }
+};
+
+/// Where a scan stands among several settings of the line.
+struct Round {
+    int number = 0;
+    int count = 1;
+    QString settings; ///< "19200 8E1"; empty where there is one alone
 };
 
 /// Keeps the state in a file, as long as that takes it.
@@ -70,9 +84,10 @@ private:
 /// A bar on standard error, where that is a terminal.
 class Progress {
 public:
-    Progress(int from, int to, bool trace)
-        : m_from(from)
-        , m_total(to - from + 1)
+    Progress(const ScanState &state, const Round &round, bool trace)
+        : m_from(state.from)
+        , m_total(state.to - state.from + 1)
+        , m_round(round)
         , m_shown(!trace && isatty(STDERR_FILENO) != 0)
     {
     }
@@ -84,10 +99,15 @@ public:
     {
         if (!m_shown)
             return;
-        const int done = (station - m_from) * barWidth / m_total;
+        const int asked = m_round.number * m_total + station - m_from;
+        const int done = asked * barWidth / (m_total * m_round.count);
+        const QString settings =
+            m_round.settings.isEmpty() ? QString() : m_round.settings + QStringLiteral(", ");
         const QString bar = QString(done, QLatin1Char('#')).leftJustified(barWidth);
-        writeTalk(
-            QStringLiteral("\r[%1] station %2, %3 found\x1b[K").arg(bar).arg(station).arg(found));
+        writeTalk(QStringLiteral("\r[%1] %2station %3, %4 found\x1b[K")
+                      .arg(bar, settings)
+                      .arg(station)
+                      .arg(found));
     }
 
     void clear()
@@ -99,21 +119,30 @@ public:
 private:
     int m_from;
     int m_total;
+    Round m_round;
     bool m_shown;
 };
 
-void printFound(int station, const QString &how, bool json)
+void printFound(int station, const QString &how, const LineOptions &line, const Round &round)
 {
-    if (json)
-        printJson({ { QStringLiteral("station"), station }, { QStringLiteral("reply"), how } });
+    QJsonObject object { { QStringLiteral("station"), station }, { QStringLiteral("reply"), how } };
+    if (!round.settings.isEmpty()) {
+        object.insert(QStringLiteral("speed"), line.plant.line.speed);
+        object.insert(QStringLiteral("format"), formatText(line.plant.line));
+    }
+    const QString settings =
+        round.settings.isEmpty() ? QString() : round.settings + QStringLiteral(", ");
+    if (line.json)
+        printJson(object);
     else
-        printLine(QStringLiteral("station %1: %2").arg(station).arg(how));
+        printLine(QStringLiteral("%1station %2: %3").arg(settings).arg(station).arg(how));
 }
 
 /// How the station answered a read of its status word; empty when it is silent.
 ///
-/// @param failure  out: set when the line itself does not work, or on Ctrl-C
-QString ask(Session &session, int station, Failure *failure)
+/// @param soundOnly  noise counts as silence, as wrong settings lead to it
+/// @param failure    out: set when the line itself does not work, or on Ctrl-C
+QString ask(Session &session, int station, bool soundOnly, Failure *failure)
 {
     const Target status { station, QStringLiteral("SW"), 0, 1 };
     const auto values = session.read(status, failure);
@@ -123,12 +152,13 @@ QString ask(Session &session, int station, Failure *failure)
     }
     if (failure->code == ExitLine || failure->code == ExitInterrupted)
         return QString();
-    const bool silent = failure->code == ExitNoReply;
+    const bool silent = failure->code == ExitNoReply || (soundOnly && failure->code != ExitRefused);
     *failure = { ExitDone, QString() };
     return silent ? QString() : host::verdictText(session.verdict());
 }
 
-int endEarly(const Options &options, const ScanState &state, const Keeper &keeper, Failure failure)
+int endEarly(const Options &options, const ScanState &state, const Keeper &keeper,
+             const Round &round, Failure failure)
 {
     const QString how = keeper.isKept() ? QStringLiteral("--resume %1").arg(options.resume)
                                         : QStringLiteral("--from %1").arg(state.next);
@@ -136,24 +166,26 @@ int endEarly(const Options &options, const ScanState &state, const Keeper &keepe
         failure.text += QStringLiteral(" before station %1").arg(state.next);
     if (failure.code == ExitInterrupted && !interrupted())
         failure.code = ExitDone; // the reader had enough
-    failure.text += QStringLiteral("; go on with %1").arg(how);
+    failure.text += round.settings.isEmpty() ? QStringLiteral("; go on with %1").arg(how)
+                                             : QStringLiteral(" at %1").arg(round.settings);
     return complain(QStringLiteral("scan"), failure);
 }
 
-int scan(Session &session, const Options &options, ScanState &state, Keeper &keeper)
+int scan(Session &session, const Options &options, ScanState &state, Keeper &keeper,
+         const Round &round = {})
 {
-    Progress progress(state.from, state.to, options.line.trace);
+    Progress progress(state, round, options.line.trace);
     while (state.next <= state.to) {
         progress.draw(state.next, host::lengthOf(state.found));
         Failure failure { ExitDone, QString() };
-        const QString how = ask(session, state.next, &failure);
+        const QString how = ask(session, state.next, !round.settings.isEmpty(), &failure);
         if (failure.code != ExitDone) {
             progress.clear();
-            return endEarly(options, state, keeper, failure);
+            return endEarly(options, state, keeper, round, failure);
         }
         if (!how.isEmpty()) {
             progress.clear();
-            printFound(state.next, how, options.line.json);
+            printFound(state.next, how, session.options(), round);
             state.found.append(state.next);
         }
         ++state.next;
@@ -205,8 +237,142 @@ std::optional<ScanState> beginning(const Options &options, Failure *failure)
     return std::nullopt;
 }
 
+std::optional<QVector<int>> speedsOf(const Options &options, Failure *failure)
+{
+    // The usual ones first.
+    const QVector<int> all { 9600, 19200, 38400, 57600, 115200, 4800, 2400, 1200 };
+    if (options.allSettings)
+        return all;
+    if (options.speeds.isEmpty())
+        return QVector<int> { options.line.plant.line.speed };
+    QVector<int> speeds;
+    const QStringList words = options.speeds.split(QLatin1Char(','));
+    for (const QString &word : words) {
+        const auto speed = host::parseWholeNumber(word.trimmed());
+        if (!speed || *speed < 300 || *speed > 4000000) {
+            *failure = { ExitUsage,
+                         QStringLiteral("--speeds: \"%1\" is no speed; write 300 to 4000000 bit/s "
+                                        "between commas, such as 9600,19200")
+                             .arg(word) };
+            return std::nullopt;
+        }
+        speeds.append(*speed);
+    }
+    return speeds;
+}
+
+/// Lines of one speed, one per parity. A byte with parity has one stop bit.
+std::optional<QVector<host::LineSettings>> parityVariants(const Options &options, int speed,
+                                                          Failure *failure)
+{
+    host::LineSettings line = options.line.plant.line;
+    line.speed = speed;
+    if (options.parities.isEmpty() && !options.allSettings)
+        return QVector<host::LineSettings> { line };
+    QVector<host::LineSettings> variants;
+    const QStringList letters = options.allSettings
+        ? QStringList { QStringLiteral("N"), QStringLiteral("E"), QStringLiteral("O") }
+        : options.parities.toUpper().split(QLatin1Char(','));
+    for (const QString &letter : letters) {
+        const auto place = QStringLiteral("NEO").indexOf(letter.trimmed());
+        if (letter.trimmed().size() != 1 || place < 0) {
+            *failure = { ExitUsage,
+                         QStringLiteral("--parities: \"%1\" is no parity; write N, E and O between "
+                                        "commas")
+                             .arg(letter) };
+            return std::nullopt;
+        }
+        line.parity = place == 0 ? host::Parity::None
+            : place == 1         ? host::Parity::Even
+                                 : host::Parity::Odd;
+        line.stopBits = place == 0 ? options.line.plant.line.stopBits : 1;
+        variants.append(line);
+    }
+    return variants;
+}
+
+std::optional<QVector<host::LineSettings>> settingsOf(const Options &options, Failure *failure)
+{
+    const auto speeds = speedsOf(options, failure);
+    if (!speeds)
+        return std::nullopt;
+    QVector<host::LineSettings> all;
+    for (const int speed : *speeds) {
+        const auto variants = parityVariants(options, speed, failure);
+        if (!variants)
+            return std::nullopt;
+        all += *variants;
+    }
+    return all;
+}
+
+/// @param found  nothing where the port did not take the settings
+void printSummary(const host::LineSettings &line, const std::optional<QVector<int>> &found,
+                  bool json)
+{
+    QStringList words;
+    QJsonArray stations;
+    for (const int station : found.value_or(QVector<int>())) {
+        words.append(QString::number(station));
+        stations.append(station);
+    }
+    if (json)
+        return printJson(
+            { { QStringLiteral("event"), QStringLiteral("settings") },
+              { QStringLiteral("speed"), line.speed },
+              { QStringLiteral("format"), formatText(line) },
+              { QStringLiteral("stations"), found ? QJsonValue(stations) : QJsonValue() } });
+    QString what = words.join(QStringLiteral(", "));
+    if (!found)
+        what = QStringLiteral("not taken by the port");
+    else if (words.isEmpty())
+        what = QStringLiteral("nothing");
+    else
+        what.prepend(words.size() == 1 ? QStringLiteral("station ") : QStringLiteral("stations "));
+    printLine(QStringLiteral("%1 %2: %3").arg(line.speed).arg(formatText(line), what));
+}
+
+/// Scans with one setting of the line after the other, and says at the end which found what.
+int scanSettings(const Options &options)
+{
+    const QString name = QStringLiteral("scan");
+    Failure failure;
+    const auto all = settingsOf(options, &failure);
+    const auto begin = all ? beginning(options, &failure) : std::nullopt;
+    if (!begin)
+        return complain(name, failure);
+    QVector<std::optional<QVector<int>>> found;
+    bool isAny = false;
+    for (const host::LineSettings &line : *all) {
+        const Round round { host::lengthOf(found), host::lengthOf(*all),
+                            QStringLiteral("%1 %2").arg(line.speed).arg(formatText(line)) };
+        LineOptions own = options.line;
+        own.plant.line = line;
+        ScanState state = *begin;
+        const auto session = Session::open(own, &failure);
+        // An adapter need not have every setting; without the first one there may be no port.
+        if (!session && (found.isEmpty() || failure.code != ExitLine))
+            return complain(name, failure);
+        if (!session) {
+            found.append(std::nullopt);
+            continue;
+        }
+        Keeper keeper { QString() };
+        const int code = scan(*session, options, state, keeper, round);
+        if (code != ExitDone)
+            return code;
+        found.append(state.found);
+        isAny = isAny || !state.found.isEmpty();
+    }
+    for (int i = 0; i < host::lengthOf(found); ++i)
+        printSummary(all->at(i), found.at(i), options.line.json);
+    return isAny ? ExitDone : ExitNoReply;
+}
+
 int runScan(const Options &options)
 {
+    if (options.hasSettings())
+        return scanSettings(options);
     const QString name = QStringLiteral("scan");
     Failure failure;
     auto state = beginning(options, &failure);
@@ -216,7 +382,7 @@ int runScan(const Options &options)
     if (!session)
         return complain(name, failure);
     for (const int station : std::as_const(state->found))
-        printFound(station, QStringLiteral("found before"), options.line.json);
+        printFound(station, QStringLiteral("found before"), options.line, {});
     Keeper keeper(options.resume);
     const int exitCode = scan(*session, options, *state, keeper);
     if (exitCode != ExitDone)
@@ -241,10 +407,24 @@ void addScan(CommandLine &line)
     command.number("--from", options->from, "first station to ask; else 1", 1, host::lastStation);
     command.number("--to", options->to, "last station to ask; else 247", 1, host::lastStation);
     command.text("--resume", options->resume, "keep the state here and go on from it", "FILE");
+    command.text("--speeds", options->speeds, "try these in turn, such as 9600,19200", "LIST");
+    command.text("--parities", options->parities, "try these in turn, of N, E and O", "LIST");
+    command.flag("--all-settings", options->allSettings, "try the usual speeds and all parities");
     addLineOptions(command, options->line, QStringLiteral("scan"));
+    for (const char *several : { "--speeds", "--parities" }) {
+        command.excludes(several, "--resume");
+        command.excludes(several, "--all-settings");
+    }
+    command.excludes("--speeds", "--speed");
+    command.excludes("--parities", "--format");
+    for (const char *one : { "--resume", "--speed", "--format" })
+        command.excludes("--all-settings", one);
     command.without("--station"); // --from and --to say which
     command.example(QStringLiteral("dx4 scan --port /dev/ttyUSB0 --to 3"),
                     QStringLiteral("the first three stations"));
+    command.example(QStringLiteral("dx4 scan --port /dev/ttyUSB0 --speeds 9600,19200 --parities "
+                                   "N,E --to 1"),
+                    QStringLiteral("which of four settings station 1 answers to"));
     command.action([options] { return runScan(*options); });
 }
 

@@ -16,7 +16,7 @@ _dx4_options() {
     batch) echo "--keep-going --always --verify --names $line" ;;
     watch) echo "--rounds --interval --sample --clock --csv --names --reconnect $line" ;;
     plan) echo "--turnaround --names $line" ;;
-    scan) echo "--from --to --resume $line" ;;
+    scan) echo "--from --to --resume --speeds --parities --all-settings $line" ;;
     stats) echo "--requests --names --reconnect $line" ;;
     run) echo "--frequency --reverse --word $line" ;;
     stop) echo "--word --all $line" ;;
@@ -50,6 +50,7 @@ _dx4_stations() {
 _dx4() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} offered=''
+  local commands='demo types check copies frames get set batch watch plan scan stats run stop line params record replay'
   case $command in
     frames | params) [ "$COMP_CWORD" -gt 2 ] && command="$command ${COMP_WORDS[2]}" ;;
   esac

@@ -68,3 +68,75 @@ TEST(Notices, LateStationIsTold)
     EXPECT_NE(asJson.out.find("{\"event\":\"notice\",\"text\":\"" + late), std::string::npos)
         << asJson.out << asJson.err;
 }
+
+TEST(ScanSettings, TriesEachAndSaysWhatItFound)
+{
+    Bench bench;
+    bench.serve("1,2");
+
+    const Printed printed =
+        bench.run("dx4 scan --timeout 30 --speeds 9600,19200 --parities n,E --to 2");
+
+    EXPECT_EQ(printed.code, 0) << printed.err;
+    EXPECT_EQ(printed.out.find("9600 8N1, station 1: status word 0x0001\n"), 0U) << printed.out;
+    // A pseudo-terminal has no parity.
+    const std::string summary = "9600 8N1: stations 1, 2\n9600 8E1: not taken by the port\n"
+                                "19200 8N1: stations 1, 2\n19200 8E1: not taken by the port\n";
+    EXPECT_NE(printed.out.find(summary), std::string::npos) << printed.out;
+    EXPECT_EQ(printed.err, "") << "no progress where it is no terminal";
+}
+
+TEST(ScanSettings, NoiseIsNoStation)
+{
+    Bench bench;
+    bench.fake({ "01 03 02 00 11 00 00" });
+
+    const Printed printed = bench.run("dx4 scan --timeout 30 --speeds 9600 --to 1");
+
+    EXPECT_EQ(printed.code, 4);
+    EXPECT_EQ(printed.out, "9600 8N1: nothing\n");
+}
+
+TEST(ScanSettings, WrongListsAreRefused)
+{
+    Bench bench;
+
+    EXPECT_EQ(bench.run("dx4 scan --speeds 9600,fast").err,
+              "dx4 scan: --speeds: \"fast\" is no speed; write 300 to 4000000 bit/s between "
+              "commas, such as 9600,19200\n");
+    EXPECT_EQ(bench.run("dx4 scan --parities X").err,
+              "dx4 scan: --parities: \"X\" is no parity; write N, E and O between commas\n");
+    EXPECT_EQ(bench.run("dx4 scan --all-settings --speed 9600").code, 2);
+}
+
+TEST(RawRegisters, AreReadAndWrittenAsTheTypeThatCoversThem)
+{
+    Bench bench;
+    bench.serve("1,2");
+
+    const Printed printed =
+        bench.run("dx4 set @0x1002 3000 && dx4 get @0x2000 2:@0xF802-0xF803 && "
+                  "dx4 watch --csv --rounds 1 @8193 | tail -n 1 | cut -d, -f2-6");
+
+    EXPECT_EQ(printed.out,
+              "1  FRE 0 (0x1002)     3000  0x0BB8  confirmed\n"
+              "1  SW 0 (0x2000)         1  0x0001\n"
+              "2  F 8.2 (0xF802)       50  0x0032\n"
+              "2  F 8.3 (0xF803)       50  0x0032\n"
+              "1,FU,0,0x2001,0\n");
+    EXPECT_EQ(printed.err, "");
+}
+
+TEST(RawRegisters, ThatNoTypeCoversAreRefused)
+{
+    Bench bench;
+    bench.serve("1");
+
+    EXPECT_EQ(bench.run("dx4 get @0x3000").err,
+              "dx4 get: \"@0x3000\": no register type covers that; \"dx4 types\" lists them\n");
+    EXPECT_EQ(bench.run("dx4 get @x").err,
+              "dx4 get: \"@x\" is no register of the wire; write @0x2000 or 2:@0xD000-0xD003\n");
+    EXPECT_EQ(bench.run("dx4 get 300:@0x2000").err,
+              "dx4 get: no station 300; stations are 1 to 247\n");
+    EXPECT_EQ(bench.run("dx4 get @0x1001").code, 2);
+}
