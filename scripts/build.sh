@@ -10,6 +10,7 @@ Configures and builds a preset of CMakePresets.json into build/PRESET. The outpu
 to build/PRESET/build.log; its end is shown when a step fails. The packages have to be there.
 
 Environment:
+  BUILD_TARGETS        what to build, separated by blanks; everything when empty
   KORVANE_REQUIRE_ALL  1 makes a component that would be left out, for want of a library or a tool,
                        an error; tests that would be skipped fail
 TEXT
@@ -23,7 +24,8 @@ log=build/$preset/build.log
 mkdir -p "build/$preset"
 [ -f "build/$preset/build.ninja" ] || echo "Building $preset, which takes a few minutes once" >&2
 
-if ! { cmake --preset "$preset" -DKORVANE_REQUIRE_ALL="${KORVANE_REQUIRE_ALL:-0}" "$@" && cmake --build --preset "$preset"; } >"$log" 2>&1; then
+# shellcheck disable=SC2086  # one word per target
+if ! { cmake --preset "$preset" -DKORVANE_REQUIRE_ALL="${KORVANE_REQUIRE_ALL:-0}" "$@" && cmake --build --preset "$preset" ${BUILD_TARGETS:+--target $BUILD_TARGETS}; } >"$log" 2>&1; then
   tail -n 60 "$log" >&2
   echo "build.sh: the build of $preset failed; all output is in $log" >&2
   exit 1
