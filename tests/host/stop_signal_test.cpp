@@ -17,6 +17,19 @@ using std::chrono::milliseconds;
 
 namespace {
 
+/// A shell that starts the tests in the background has them ignore what a terminal sends; so would
+/// every program that they start.
+class TerminalSignals : public ::testing::Environment {
+public:
+    void SetUp() override
+    {
+        for (int number : { SIGINT, SIGQUIT, SIGHUP })
+            std::signal(number, SIG_DFL);
+    }
+};
+
+const auto *const terminalSignals = ::testing::AddGlobalTestEnvironment(new TerminalSignals);
+
 bool isReadable(int descriptor)
 {
     pollfd wake {};
