@@ -12,14 +12,14 @@ namespace {
 constexpr int addressWidth = 16;
 constexpr int valueWidth = 6;
 
-QString valueLine(const WatchedValue &what, quint16 value, const QString &outcome)
+QString valueLine(const WatchedValue &what, quint32 value, const QString &outcome)
 {
     QString line =
         QStringLiteral("%1  %2 %3  %4")
             .arg(what.station, 3)
             .arg(host::fullAddress(what.regType, what.address).leftJustified(addressWidth))
-            .arg(QString::number(value).rightJustified(valueWidth))
-            .arg(hex(value, 4));
+            .arg(numberText(what, value).rightJustified(valueWidth))
+            .arg(hex(value, 4 * what.pair.length()));
     if (isNamedOrScaled(what))
         line += QStringLiteral("  ")
             + QStringLiteral("%1 %2").arg(what.name, quantityText(what, value)).trimmed();
@@ -41,7 +41,18 @@ QJsonObject registerJson(int station, const QString &regType, int address)
              { QStringLiteral("register"), host::modbusRegister(regType, address) } };
 }
 
-void describe(QJsonObject &object, const WatchedValue &what, quint16 value)
+QString numberText(const WatchedValue &what, quint32 value)
+{
+    return what.pair.kind == Pair::Kind::None ? QString::number(value) : what.pair.text(value);
+}
+
+QJsonValue numberJson(const WatchedValue &what, quint32 value)
+{
+    return what.pair.kind == Pair::Kind::None ? QJsonValue(static_cast<int>(value))
+                                              : QJsonValue(what.pair.quantity(value));
+}
+
+void describe(QJsonObject &object, const WatchedValue &what, quint32 value)
 {
     if (!isDescribed(what))
         return;
@@ -54,17 +65,19 @@ void describe(QJsonObject &object, const WatchedValue &what, quint16 value)
 }
 
 void printValues(const Target &target, const QVector<quint16> &values, bool json,
-                 const RegisterNames &names, const QString &outcome)
+                 const RegisterNames &names, const QString &outcome, const Pair &pair)
 {
-    for (int i = 0; i < host::lengthOf(values); ++i) {
-        const WatchedValue what = names.of(target.station, target.regType, target.address + i);
-        const quint16 value = values.at(i);
+    for (int i = 0; i + pair.length() <= host::lengthOf(values); i += pair.length()) {
+        WatchedValue what = names.of(target.station, target.regType, target.address + i);
+        what.pair = pair;
+        const quint32 value =
+            pair.length() == 1 ? values.at(i) : pair.joined(values.at(i), values.at(i + 1));
         if (!json) {
             printLine(valueLine(what, value, outcome));
             continue;
         }
         QJsonObject object = registerJson(what.station, what.regType, what.address);
-        object.insert(QStringLiteral("value"), value);
+        object.insert(QStringLiteral("value"), numberJson(what, value));
         describe(object, what, value);
         if (!outcome.isEmpty())
             object.insert(QStringLiteral("outcome"), outcome);

@@ -67,7 +67,7 @@ QString valueText(const WatchRow &row)
 {
     if (row.state.failed)
         return QStringLiteral("failed");
-    return row.state.known ? formatValue(row.what, row.state.value) : QStringLiteral("-");
+    return row.state.known ? formatValue(row.what, row.number()) : QStringLiteral("-");
 }
 
 /// The value's column with its mark: "*" where colour cannot tell that it changed.
@@ -108,7 +108,7 @@ QStringList rowLines(const WatchRow &row, host::Duration now, const Terminal &te
 {
     QStringList lines { rowLine(row, now, terminal, widths) };
     const bool isShown = row.state.known && !row.state.failed;
-    const QString meaning = isShown ? meaningText(row.what, row.state.value) : QString();
+    const QString meaning = isShown ? meaningText(row.what, row.number()) : QString();
     if (!meaning.isEmpty()) {
         const QString text = QString(widths.station, QLatin1Char(' ')) + meaning;
         const int columns = std::min(terminal.columns, terminalColumns);

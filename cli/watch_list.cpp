@@ -27,25 +27,35 @@ bool isNamedOrScaled(const WatchedValue &what)
         || scaling.factor != 1.0 || scaling.offset != 0.0 || scaling.decimals != 0;
 }
 
-QString formatValue(const WatchedValue &what, quint16 value)
+QString formatValue(const WatchedValue &what, quint32 value)
 {
+    if (what.pair.kind != Pair::Kind::None) {
+        const host::Scaling &scaling = what.scaling;
+        const bool isPlain =
+            scaling.factor == 1.0 && scaling.offset == 0.0 && scaling.decimals == 0;
+        const double quantity = what.pair.quantity(value) * scaling.factor + scaling.offset;
+        return isPlain ? what.pair.text(value) : QString::number(quantity, 'f', scaling.decimals);
+    }
     if (what.bits)
         return QStringLiteral("0x%1").arg(
             QString::number(value, 16).toUpper().rightJustified(4, QLatin1Char('0')));
-    return QString::number(what.scaling.quantity(value), 'f', what.scaling.decimals);
+    return QString::number(what.scaling.quantity(static_cast<quint16>(value)), 'f',
+                           what.scaling.decimals);
 }
 
-QString quantityText(const WatchedValue &what, quint16 value)
+QString quantityText(const WatchedValue &what, quint32 value)
 {
     const QString number = formatValue(what, value);
     const QString &unit = what.scaling.unit;
     return unit.isEmpty() ? number : number + QLatin1Char(' ') + unit;
 }
 
-QString meaningText(const WatchedValue &what, quint16 value)
+QString meaningText(const WatchedValue &what, quint32 value)
 {
+    if (what.pair.kind != Pair::Kind::None)
+        return QString();
     if (what.words.isEmpty() || !what.bits)
-        return what.words.value(value);
+        return what.words.value(static_cast<int>(value));
     QStringList said;
     for (int bit = 0; bit < 16; ++bit) {
         if ((value >> bit) & 1)
@@ -59,8 +69,10 @@ WatchList::WatchList(const QVector<WatchedValue> &values, const host::Runtime &r
 {
     m_rows.reserve(values.size());
     for (const WatchedValue &value : values) {
-        m_places[{ value.station, value.regType }].emplace(value.address, host::lengthOf(m_rows));
-        m_rows.append({ value, {}, {} });
+        for (int i = 0; i < value.pair.length(); ++i)
+            m_places[{ value.station, value.regType }].emplace(value.address + i,
+                                                               host::lengthOf(m_rows));
+        m_rows.append({ value, {}, {}, 0 });
     }
 }
 
@@ -109,13 +121,31 @@ void WatchList::lookAt(int row, host::Duration now)
 {
     WatchRow &shown = m_rows[row];
     const host::Value before = shown.state;
+    const quint32 numberBefore = shown.number();
     shown.state = m_runtime.value(shown.what.station, shown.what.regType, shown.what.address);
+    if (shown.what.pair.kind != Pair::Kind::None)
+        lookAtSecond(shown);
     const host::Value &state = shown.state;
-    if (before.known && state.value != before.value)
+    const bool isOther = shown.number() != numberBefore;
+    if (before.known && isOther)
         shown.changedAt = now;
-    if (state.value != before.value || state.known != before.known || state.failed != before.failed
+    if (isOther || state.known != before.known || state.failed != before.failed
         || state.stale != before.stale)
         m_changed.append(row);
+}
+
+/// What holds for one half of a pair holds for the whole.
+void WatchList::lookAtSecond(WatchRow &row) const
+{
+    const host::Value second =
+        m_runtime.value(row.what.station, row.what.regType, row.what.address + 1);
+    row.second = second.value;
+    host::Value &state = row.state;
+    state.known = state.known && second.known;
+    state.failed = state.failed || second.failed;
+    state.stale = state.stale || second.stale;
+    state.writePending = state.writePending || second.writePending;
+    state.age = std::max(state.age, second.age);
 }
 
 } // namespace dx4::cli

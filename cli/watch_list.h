@@ -2,6 +2,7 @@
 // Values under watch: what they are called, what they show, how old that is.
 #pragma once
 
+#include "cli/register_pair.h"
 #include "host/runtime.h"
 #include "host/scaling.h"
 
@@ -25,6 +26,7 @@ struct WatchedValue {
 
     /// What its bits say, by bit, or its values, by value.
     QMap<int, QString> words = {};
+    Pair pair = {}; ///< whether the register behind it belongs to the number
 };
 
 /// Whether more is known than the plain number.
@@ -34,20 +36,30 @@ bool isDescribed(const WatchedValue &what);
 bool isNamedOrScaled(const WatchedValue &what);
 
 /// The register's value as a reader sees it, without its unit: "12.34", "0x0013".
-QString formatValue(const WatchedValue &what, quint16 value);
+///
+/// @param value  of the register, or the bits of a pair
+QString formatValue(const WatchedValue &what, quint32 value);
 
 /// The same with its unit: "12.34 Hz".
-QString quantityText(const WatchedValue &what, quint16 value);
+QString quantityText(const WatchedValue &what, quint32 value);
 
 /// What the value says: "ready, running", "overheat". Bits without a word are named by their
 /// number; empty where nothing is known to be said.
-QString meaningText(const WatchedValue &what, quint16 value);
+QString meaningText(const WatchedValue &what, quint32 value);
 
 /// A watched value as it stands.
 struct WatchRow {
     WatchedValue what;
     host::Value state;
     std::optional<host::Duration> changedAt; ///< last time that the value became another
+    quint16 second = 0; ///< of a pair: the register behind
+
+    /// What was read: the register, or the bits of the pair.
+    quint32 number() const
+    {
+        return what.pair.kind == Pair::Kind::None ? state.value
+                                                  : what.pair.joined(state.value, second);
+    }
 };
 
 /// Follows a list of values through the steps of a runtime, at a cost per step that does not grow
@@ -79,6 +91,7 @@ private:
 
     void lookAtRequest(host::Duration now);
     void lookAt(int row, host::Duration now);
+    void lookAtSecond(WatchRow &row) const;
 
     const host::Runtime &m_runtime;
     QVector<WatchRow> m_rows;

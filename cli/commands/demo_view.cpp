@@ -155,7 +155,7 @@ public:
         for (const WatchRow &row : list.rows()) {
             if (row.what.station == 1 && row.state.known && row.what.regType != QLatin1String("F")
                 && !row.what.scaling.unit.isEmpty())
-                shown.append(quantityText(row.what, row.state.value));
+                shown.append(quantityText(row.what, row.number()));
         }
         printLine(QStringLiteral("%1  reads %2")
                       .arg(secondsText(elapsed), shown.join(QStringLiteral(", "))));
@@ -238,8 +238,8 @@ private:
               { QStringLiteral("address"), host::fullAddress(row.what.regType, row.what.address) },
               { QStringLiteral("name"), row.what.name },
               { QStringLiteral("raw"), row.state.value },
-              { QStringLiteral("value"), formatValue(row.what, row.state.value) },
-              { QStringLiteral("meaning"), meaningText(row.what, row.state.value) },
+              { QStringLiteral("value"), formatValue(row.what, row.number()) },
+              { QStringLiteral("meaning"), meaningText(row.what, row.number()) },
               { QStringLiteral("unit"), row.what.scaling.unit } });
     }
 

@@ -18,6 +18,7 @@ struct Options {
     LineOptions line;
     QStringList words;
     int count = 0; ///< 0: as the addresses say
+    PairOptions pair;
     bool names = false;
 };
 
@@ -33,14 +34,15 @@ void printFailure(const Session &session, const Target &target, const Failure &f
     printJson(object);
 }
 
-int readAll(Session &session, const QVector<Target> &targets, const RegisterNames &names)
+int readAll(Session &session, const QVector<Target> &targets, const RegisterNames &names,
+            const Pair &pair)
 {
     int exitCode = ExitDone;
     for (const Target &target : targets) {
         Failure failure;
         const auto values = session.read(target, &failure);
         if (values) {
-            printValues(target, *values, session.options().json, names);
+            printValues(target, *values, session.options().json, names, QString(), pair);
             continue;
         }
         if (failure.code == ExitInterrupted && !interrupted())
@@ -70,11 +72,15 @@ int runGet(const Options &options)
                                       editor->api(), &failure);
     if (!targets)
         return complain(name, failure);
-    const auto session = Session::open(options.line, &failure);
+    LineOptions line = options.line;
+    const auto pair = pairOf(options.pair, &line.plant.link, &failure);
+    if (!pair || !arePairs(*targets, *pair, &failure))
+        return complain(name, failure);
+    const auto session = Session::open(line, &failure);
     if (!session)
         return complain(name, failure);
     const RegisterNames names(options.line.plant, editor->api(), options.names);
-    return readAll(*session, *targets, names);
+    return readAll(*session, *targets, names, *pair);
 }
 
 } // namespace
@@ -86,6 +92,7 @@ void addGet(CommandLine &line)
     command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
     command.number("--count", options->count, "registers from one address on", 1, 123);
     command.flag("--names", options->names, "with names and units of the simulated inverter");
+    addPairOptions(command, options->pair);
     addLineOptions(command, options->line, QStringLiteral("get"));
     command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 F 8.2-8.3 D 4"),
                     QStringLiteral("both ramps and a monitor value of station 1"));
@@ -93,6 +100,8 @@ void addGet(CommandLine &line)
                     QStringLiteral("status and fault of station 2, for a script"));
     command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --trace SW"),
                     QStringLiteral("with the frames that pass, in bytes and in words"));
+    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --as u32 --order low D 12-13"),
+                    QStringLiteral("two registers as one number, its low half first"));
     command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 @0x2000 @0xD000-0xD003"),
                     QStringLiteral("Modbus registers, as the types that cover them"));
     command.action([options] { return runGet(*options); });

@@ -27,17 +27,21 @@ struct Options {
     int interval = 0; ///< ms from one round to the next; 0: at once
     int sample = 0; ///< ms; 0: changes are shown
     int reconnect = -1; ///< s
+    PairOptions pair;
     bool clock = false;
     bool csv = false;
     bool names = false;
 };
 
-QVector<WatchedValue> watched(const QVector<Target> &targets, const RegisterNames &names)
+QVector<WatchedValue> watched(const QVector<Target> &targets, const RegisterNames &names,
+                              const Pair &pair)
 {
     QVector<WatchedValue> values;
     for (const Target &target : targets) {
-        for (int i = 0; i < target.count; ++i)
+        for (int i = 0; i < target.count; i += pair.length()) {
             values.append(names.of(target.station, target.regType, target.address + i));
+            values.last().pair = pair;
+        }
     }
     return values;
 }
@@ -143,19 +147,22 @@ int runWatch(const Options &options)
     const QString name = QStringLiteral("watch");
     Failure failure;
     const QStringList words = wordsOrConfigured(options.words, options.line);
-    const auto plan = makePlan(words, options.line, &failure);
+    LineOptions line = options.line;
+    const auto pair = pairOf(options.pair, &line.plant.link, &failure);
+    const auto plan = pair ? makePlan(words, line, &failure) : std::nullopt;
     if (!plan)
         return complain(name, failure);
     SessionWishes wishes;
     wishes.staleAfter = staleAfter(*plan, options);
-    const auto session = Session::open(options.line, &failure, wishes);
+    const auto session = Session::open(line, &failure, wishes);
     if (!session)
         return complain(name, failure);
     const host::DriverApi &api = session->runtime().link().api();
     const auto targets = parseTargets(words, usualStation(options.line), ReadAccess, api, &failure);
-    if (!targets)
+    if (!targets || !arePairs(*targets, *pair, &failure)
+        || !areReadTogether(*targets, *plan, *pair, &failure))
         return complain(name, failure);
-    WatchList list(watched(*targets, RegisterNames(options.line.plant, api, options.names)),
+    WatchList list(watched(*targets, RegisterNames(options.line.plant, api, options.names), *pair),
                    session->runtime());
     session->runtime().setPlan(*plan);
     const qint64 blocks = host::lengthOf(plan->blocks);
@@ -191,6 +198,7 @@ void addWatch(CommandLine &line)
     command.flag("--clock", options->clock, "with date and time of day in place of seconds");
     command.flag("--csv", options->csv, "print comma-separated values");
     command.flag("--names", options->names, "with names and units of the simulated inverter");
+    addPairOptions(command, options->pair);
     addPollOptions(command, options->reconnect);
     addLineOptions(command, options->line, QStringLiteral("watch"));
     command.excludes("--csv", "--json");

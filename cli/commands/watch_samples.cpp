@@ -104,8 +104,7 @@ private:
     /// Bits are a number here too: a spreadsheet takes no hexadecimal.
     static QString numberText(const WatchRow &row)
     {
-        return row.what.bits ? QString::number(row.state.value)
-                             : formatValue(row.what, row.state.value);
+        return row.what.bits ? QString::number(row.number()) : formatValue(row.what, row.number());
     }
 
     QJsonObject objectOf(const WatchList &list) const

@@ -128,12 +128,15 @@ public:
 private:
     struct Row {
         std::optional<host::Value> said;
+        quint32 number = 0; // that was said
         host::Duration changedAt { 0 }; // since the start
     };
 
-    static bool isOther(const std::optional<host::Value> &said, const host::Value &now)
+    static bool isOther(const Row &before, const WatchRow &row)
     {
-        return !said || said->value != now.value || said->failed != now.failed
+        const std::optional<host::Value> &said = before.said;
+        const host::Value &now = row.state;
+        return !said || before.number != row.number() || said->failed != now.failed
             || said->stale != now.stale;
     }
 
@@ -151,9 +154,10 @@ private:
         m_held.say([this, &list](int number) {
             Row &row = m_rows[static_cast<std::size_t>(number)];
             const WatchRow &shown = list.rows().at(number);
-            if (!isOther(row.said, shown.state))
+            if (!isOther(row, shown))
                 return false;
             row.said = shown.state;
+            row.number = shown.number();
             print(shown, row.changedAt);
             return true;
         });
@@ -198,8 +202,8 @@ private:
         m_stamp.add(object, elapsed);
         object.insert(QStringLiteral("state"), stateText(row.state));
         if (row.state.known) {
-            object.insert(QStringLiteral("value"), row.state.value);
-            describe(object, what, row.state.value);
+            object.insert(QStringLiteral("value"), numberJson(what, row.number()));
+            describe(object, what, row.number());
         }
         return object;
     }
@@ -214,20 +218,20 @@ private:
                  what.regType,
                  host::addressText(what.regType, what.address),
                  hex(number, 4),
-                 known ? QString::number(row.state.value) : QString(),
+                 known ? numberText(what, row.number()) : QString(),
                  stateText(row.state),
                  what.name,
-                 known ? formatValue(what, row.state.value) : QString(),
+                 known ? formatValue(what, row.number()) : QString(),
                  what.scaling.unit,
-                 known ? meaningText(what, row.state.value) : QString() };
+                 known ? meaningText(what, row.number()) : QString() };
     }
 
     QString rowText(const WatchRow &row, host::Duration elapsed) const
     {
         const WatchedValue &what = row.what;
         const QString state = stateText(row.state);
-        const QString meaning = meaningText(what, row.state.value);
-        QString shown = quantityText(what, row.state.value);
+        const QString meaning = meaningText(what, row.number());
+        QString shown = quantityText(what, row.number());
         if (!meaning.isEmpty())
             shown += QStringLiteral("  ") + meaning;
         if (row.state.failed)

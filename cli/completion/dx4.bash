@@ -11,10 +11,10 @@ _dx4_options() {
     'frames read') echo '--station --block --json --driver --count' ;;
     'frames write') echo '--station --block --json --driver' ;;
     'frames decode') echo '--request --json --driver' ;;
-    get) echo "--count --names $line" ;;
+    get) echo "--count --names --as --order $line" ;;
     set) echo "--always --verify --names $line" ;;
     batch) echo "--keep-going --always --verify --names $line" ;;
-    watch) echo "--rounds --interval --sample --clock --csv --names --reconnect $line" ;;
+    watch) echo "--rounds --interval --sample --clock --csv --names --as --order --reconnect $line" ;;
     plan) echo "--turnaround --names $line" ;;
     scan) echo "--from --to --resume --speeds --parities --all-settings $line" ;;
     stats) echo "--requests --names --reconnect $line" ;;
@@ -75,6 +75,8 @@ _dx4() {
       return
       ;;
     --station) offered="$(_dx4_stations)" ;;
+    --as) offered='u32 i32 f32' ;;
+    --order) offered='high low' ;;
     --format) offered='8N1 8N2 8E1 8E2 8O1 8O2' ;;
     --speed) offered='9600 19200 38400 57600 115200' ;;
     *)

@@ -140,3 +140,46 @@ TEST(RawRegisters, ThatNoTypeCoversAreRefused)
               "dx4 get: no station 300; stations are 1 to 247\n");
     EXPECT_EQ(bench.run("dx4 get @0x1001").code, 2);
 }
+
+TEST(Pairs, AreOneNumberWithEitherHalfFirst)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("dx4 set F 0.0 0xFFFF 0xFFFE && dx4 set F 0.2 0x4247 0xEB85");
+
+    const Printed printed = bench.run(
+        "dx4 get --as u32 F 0.0-0.1; dx4 get --as i32 F 0.0-0.1; dx4 get --as f32 F 0.2-0.3; "
+        "dx4 get --as u32 --order low F 0.0-0.3; dx4 get --json --as i32 F 0.0-0.1");
+
+    EXPECT_EQ(printed.out,
+              "1  F 0.0 (0xF000)   4294967294  0xFFFFFFFE\n"
+              "1  F 0.0 (0xF000)       -2  0xFFFFFFFE\n"
+              "1  F 0.2 (0xF002)    49.98  0x4247EB85\n"
+              "1  F 0.0 (0xF000)   4294901759  0xFFFEFFFF\n"
+              "1  F 0.2 (0xF002)   3951379015  0xEB854247\n"
+              "{\"register\":61440,\"station\":1,\"text\":\"0.0\",\"type\":\"F\",\"value\":-2}\n");
+}
+
+TEST(Pairs, AreWatchedAndSampled)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("dx4 set F 0.0 1 2");
+
+    const Printed printed = bench.run("dx4 watch --csv --as u32 --rounds 1 F 0.0-0.1");
+
+    EXPECT_NE(printed.out.find(",1,F,0.0,0xF000,65538,ok,"), std::string::npos) << printed.out;
+}
+
+TEST(Pairs, ThatAreNotWholeAreRefused)
+{
+    Bench bench;
+    bench.serve("1");
+
+    EXPECT_EQ(bench.run("dx4 get --as u32 D 0-2").err,
+              "dx4 get: --as takes two registers per number, and D 0 (0xD000) begins a run of 3; "
+              "write an even number, such as D 0-1\n");
+    EXPECT_EQ(bench.run("dx4 get --order low D 0-1").err,
+              "dx4 get: --order goes with --as u32, i32 or f32\n");
+    EXPECT_EQ(bench.run("dx4 watch --as u32 --block 1 D 0-1").code, 2);
+}
