@@ -18,7 +18,7 @@ constexpr int fewestRows = 5; // of a body, however small the window says it is
 LiveTable::LiveTable()
 {
     comeBack();
-    onSuspend([] { leave(); }, [this] { comeBack(); });
+    onSuspend([this] { leave(); }, [this] { comeBack(); });
 }
 
 LiveTable::~LiveTable()
@@ -48,6 +48,7 @@ void LiveTable::draw(const QStringList &body, const QStringList &foot)
 
 void LiveTable::leave()
 {
+    m_keys.leave();
     writeText(QStringLiteral("\x1b[?25h\x1b[?7h"));
 }
 
@@ -55,6 +56,7 @@ void LiveTable::leave()
 void LiveTable::comeBack()
 {
     m_height = 0;
+    m_keys.begin();
     writeText(QStringLiteral("\x1b[?25l\x1b[?7l")); // no cursor, no wrap
 }
 

@@ -2,6 +2,7 @@
 // Lines drawn over themselves on a terminal.
 #pragma once
 
+#include "cli/scroll_keys.h"
 #include "cli/terminal.h"
 
 #include <QStringList>
@@ -13,7 +14,7 @@ namespace dx4::cli {
 class LiveTable {
 public:
     LiveTable();
-    ~LiveTable(); ///< gives cursor and line wrap back
+    ~LiveTable(); ///< gives cursor, line wrap and keyboard back
     LiveTable(const LiveTable &) = delete;
     LiveTable &operator=(const LiveTable &) = delete;
 
@@ -25,10 +26,13 @@ public:
     /// @param foot  lines below the body that are always shown
     void draw(const QStringList &body, const QStringList &foot);
 
+    ScrollKeys &keys() { return m_keys; }
+
 private:
-    static void leave();
+    void leave();
     void comeBack();
 
+    ScrollKeys m_keys;
     int m_height = 0; ///< lines of the last drawing
 };
 

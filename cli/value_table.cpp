@@ -22,6 +22,7 @@ struct Widths {
     int name = 26;
     int address = 18;
     int age = 8;
+    int places = 0; ///< characters of the value from its point on
 
     int all() const { return station + name + address + valueWidth + 1 + unitWidth + age; }
 };
@@ -70,17 +71,39 @@ QString valueText(const WatchRow &row)
     return row.state.known ? formatValue(row.what, row.number()) : QStringLiteral("-");
 }
 
-/// The value's column with its mark: "*" where colour cannot tell that it changed.
-QString valueCell(const WatchRow &row, host::Duration now, const Terminal &terminal, bool hasAge)
+/// Characters from the point on; 0 where there is none.
+int placesOf(const WatchRow &row)
 {
+    if (!row.state.known || row.state.failed)
+        return 0;
+    const QString text = valueText(row);
+    const auto point = text.indexOf(QLatin1Char('.'));
+    return point < 0 ? 0 : static_cast<int>(text.size() - point);
+}
+
+/// The value with blanks behind it that bring its point below those of the others.
+QString alignedValue(const WatchRow &row, int places)
+{
+    const QString text = valueText(row);
+    if (!row.state.known || row.state.failed)
+        return text;
+    const int width = std::min(host::lengthOf(text) + places - placesOf(row), valueWidth);
+    return text.leftJustified(width);
+}
+
+/// The value's column with its mark: "*" where colour cannot tell that it changed.
+QString valueCell(const WatchRow &row, host::Duration now, const Terminal &terminal,
+                  const Widths &widths)
+{
+    const bool hasAge = widths.age > 0;
     const bool changed = row.changedAt && now - *row.changedAt < freshly;
     const bool stale = row.state.known && row.state.stale;
     QString mark = changed && !terminal.colour ? QStringLiteral("*") : QString();
     if (stale && !hasAge)
         mark = QStringLiteral("!");
     const QString unit = row.state.failed ? QString() : row.what.scaling.unit;
-    const QString text = (mark + valueText(row)).rightJustified(valueWidth) + QLatin1Char(' ')
-        + unit.leftJustified(unitWidth, QLatin1Char(' '), true);
+    const QString text = (mark + alignedValue(row, widths.places)).rightJustified(valueWidth)
+        + QLatin1Char(' ') + unit.leftJustified(unitWidth, QLatin1Char(' '), true);
     if (row.state.failed)
         return terminal.styled(text, Terminal::Style::Failed);
     if (row.state.writePending)
@@ -98,7 +121,7 @@ QString rowLine(const WatchRow &row, host::Duration now, const Terminal &termina
         + cell(isNameless ? address : what.name, widths.name);
     if (widths.address > 0)
         line += address.leftJustified(widths.address);
-    line += valueCell(row, now, terminal, widths.age > 0);
+    line += valueCell(row, now, terminal, widths);
     return widths.age > 0 ? line + ageCell(row.state, terminal) : line;
 }
 
@@ -131,6 +154,16 @@ QString headLine(const Widths &widths)
     return line;
 }
 
+QString shownLine(const Scroll &scroll, int count, int columns)
+{
+    const QString text = QStringLiteral("rows %1-%2 of %3")
+                             .arg(scroll.first + 1)
+                             .arg(scroll.first + scroll.shown)
+                             .arg(count);
+    const QString keys = text + QStringLiteral("; arrow and page keys move");
+    return keys.size() <= columns ? keys : text;
+}
+
 QString moreLine(int hidden, int columns)
 {
     const QString text = QStringLiteral("... and %1 more; a higher window shows them").arg(hidden);
@@ -139,24 +172,42 @@ QString moreLine(int hidden, int columns)
 
 } // namespace
 
-QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal,
-                       int most)
+void Scroll::move(const Movement &movement, int count)
 {
-    const Widths widths = widthsFor(std::min(terminal.columns, terminalColumns));
-    QStringList lines { terminal.styled(headLine(widths), Terminal::Style::Bold) };
+    const int page = std::max(shown, 1);
+    if (movement.toStart)
+        first = 0;
+    if (movement.toEnd)
+        first = count;
+    first += movement.rows + movement.pages * page;
+    first = std::max(std::min(first, count - page), 0);
+}
+
+QStringList tableLines(const QVector<WatchRow> &rows, host::Duration now, const Terminal &terminal,
+                       int most, Scroll *scroll)
+{
+    Widths widths = widthsFor(std::min(terminal.columns, terminalColumns));
     const int count = host::lengthOf(rows);
+    const int first = scroll ? scroll->first : 0;
+    for (int row = first; row < count && row - first < most; ++row)
+        widths.places = std::max(widths.places, placesOf(rows.at(row)));
+    QStringList lines { terminal.styled(headLine(widths), Terminal::Style::Bold) };
     QVector<int> ends; // lines of the table with so many rows
-    for (const WatchRow &row : rows) {
-        lines += rowLines(row, now, terminal, widths);
+    for (int row = first; row < count && host::lengthOf(lines) <= most; ++row) {
+        lines += rowLines(rows.at(row), now, terminal, widths);
         ends.append(host::lengthOf(lines));
     }
-    if (host::lengthOf(lines) <= most)
+    int shown = host::lengthOf(ends);
+    const bool isWhole = first == 0 && shown == count && host::lengthOf(lines) <= most;
+    while (!isWhole && shown > 0 && ends.at(shown - 1) >= most)
+        --shown;
+    if (scroll)
+        scroll->shown = shown;
+    if (isWhole)
         return lines;
-    int shown = 0;
-    while (shown < count && ends.at(shown) < most)
-        ++shown;
     lines = lines.mid(0, shown > 0 ? ends.at(shown - 1) : 1);
-    return lines << moreLine(count - shown, terminal.columns);
+    return lines << (scroll ? shownLine(*scroll, count, terminal.columns)
+                            : moreLine(count - shown, terminal.columns));
 }
 
 } // namespace dx4::cli

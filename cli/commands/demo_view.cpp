@@ -116,10 +116,13 @@ private:
         m_terminal.measure();
         const QStringList foot { QString(), progress, m_lastWrite };
         const int room = LiveTable::room(m_terminal, host::lengthOf(foot));
-        m_table.draw(tableLines(list.rows(), now, m_terminal, room), foot);
+        m_scroll.move(m_table.keys().take(), host::lengthOf(list.rows()));
+        Scroll *scroll = m_table.keys().areThere() ? &m_scroll : nullptr;
+        m_table.draw(tableLines(list.rows(), now, m_terminal, room, scroll), foot);
     }
 
     LiveTable m_table;
+    Scroll m_scroll;
     Terminal m_terminal;
     QString m_lastWrite;
     host::Duration m_drawnAt { 0 };

@@ -53,8 +53,10 @@ private:
         m_terminal.measure();
         const QStringList foot = footOf(counters);
         const int room = LiveTable::room(m_terminal, host::lengthOf(foot));
-        list.look(0, room, now);
-        m_table.draw(tableLines(list.rows(), now, m_terminal, room), foot);
+        m_scroll.move(m_table.keys().take(), host::lengthOf(list.rows()));
+        list.look(m_scroll.first, room, now);
+        Scroll *scroll = m_table.keys().areThere() ? &m_scroll : nullptr;
+        m_table.draw(tableLines(list.rows(), now, m_terminal, room, scroll), foot);
         list.takeChanged();
     }
 
@@ -69,6 +71,7 @@ private:
     }
 
     LiveTable m_table;
+    Scroll m_scroll;
     Terminal m_terminal;
     QString m_notice;
     std::optional<host::Duration> m_drawnAt;

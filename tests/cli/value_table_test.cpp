@@ -103,3 +103,42 @@ TEST(ValueTable, RegisterThatWasNeverReadHasNeitherValueNorAge)
 
     EXPECT_EQ(lineOf(row).simplified(), QStringLiteral("1 SW 0 (0x2000) - -"));
 }
+
+TEST(ValueTable, PointsStandBelowEachOther)
+{
+    WatchRow whole = answered(566, seconds(0));
+    WatchRow fine = answered(4660, seconds(0));
+    fine.what.scaling.factor = 0.01;
+    fine.what.scaling.decimals = 2;
+    WatchRow coarse = answered(421, seconds(0));
+    coarse.what.scaling.factor = 0.1;
+    coarse.what.scaling.decimals = 1;
+
+    const QStringList lines = tableLines({ whole, fine, coarse }, seconds(100), Terminal());
+
+    const auto point = lines.at(2).indexOf(QLatin1Char('.'));
+    EXPECT_EQ(lines.at(3).indexOf(QLatin1Char('.')), point);
+    EXPECT_EQ(lines.at(1).indexOf(QLatin1String("566")) + 3, point);
+}
+
+TEST(ScrollKeys, SequencesThatComeInPiecesAreOneKey)
+{
+    QByteArray bytes("x\x1b[6");
+
+    EXPECT_EQ(movementOf(bytes).pages, 0);
+    bytes += "~\x1b[A\x1b[A";
+    const Movement movement = movementOf(bytes);
+    EXPECT_EQ(movement.pages, 1);
+    EXPECT_EQ(movement.rows, -2);
+    EXPECT_TRUE(bytes.isEmpty());
+}
+
+TEST(ScrollKeys, JumpDropsWhatWasTypedBeforeIt)
+{
+    QByteArray bytes("\x1b[B\x1b[H\x1b[B");
+
+    const Movement movement = movementOf(bytes);
+
+    EXPECT_TRUE(movement.toStart);
+    EXPECT_EQ(movement.rows, 1);
+}
