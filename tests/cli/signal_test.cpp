@@ -180,7 +180,8 @@ TEST(Ending, WatchEndsWithTheReaderOfItsPipe)
 
     const Printed printed = bench.run("{ dx4 watch --csv D 0; echo \"code $?\" >&2; } | head -n 1");
 
-    EXPECT_EQ(printed.out, "time,station,type,address,register,value,state,name,scaled,unit\n");
+    EXPECT_EQ(printed.out,
+              "time,station,type,address,register,value,state,name,scaled,unit,meaning\n");
     EXPECT_EQ(printed.err, "code 0\n");
 }
 

@@ -61,8 +61,8 @@ TEST(Notices, LateStationIsTold)
     bench.tell("fault kind = \"delay\", duration_ms = 120");
     const std::string late = "station 1 answers later than the response timeout of 60 ms";
 
-    const Printed watched = bench.run("dx4 watch --csv --timeout 60 --rounds 12 SW");
-    const Printed asJson = bench.run("dx4 watch --json --timeout 60 --rounds 12 SW");
+    const Printed watched = bench.run("dx4 watch --csv --timeout 60 --rounds 5 D 0-3 SW F 8.2-8.3");
+    const Printed asJson = bench.run("dx4 watch --json --timeout 60 --rounds 5 D 0-3 SW F 8.2-8.3");
 
     EXPECT_NE(watched.err.find("dx4 watch: " + late), std::string::npos) << watched.err;
     EXPECT_NE(asJson.out.find("{\"event\":\"notice\",\"text\":\"" + late), std::string::npos)
