@@ -116,7 +116,9 @@ TEST(Config, EveryKeyIsRead)
                                     "extra_gap_ms = 13\n"
                                     "[[station.register]]\nat = \"D 5\"\nname = \"r\"\n"
                                     "unit = \"V\"\ndecimals = 3\nscale = 0.5\noffset = -4\n"
-                                    "signed = true\n",
+                                    "signed = true\n"
+                                    "[states]\n15 = \"remote\"\n"
+                                    "[faults]\n0x11 = \"door open\"\n",
                                     nullptr);
 
     ASSERT_TRUE(config.has_value());
@@ -143,6 +145,8 @@ TEST(Config, EveryKeyIsRead)
     EXPECT_EQ(wanted.at, QStringLiteral("D 5"));
     EXPECT_EQ(wanted.name, QStringLiteral("r"));
     EXPECT_EQ(wanted.scaling.text(0xFFFE), QStringLiteral("-5.000 V"));
+    EXPECT_EQ(config->states, (QMap<int, QString> { { 15, QStringLiteral("remote") } }));
+    EXPECT_EQ(config->faults, (QMap<int, QString> { { 17, QStringLiteral("door open") } }));
 }
 
 namespace {
@@ -248,6 +252,12 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "AnUnknownKeyNamesTheKnown",
                     "[line]\nport = \"a\"\n[link]\nretries = 3\n[[station]]\naddress = 1\n",
                     { "a.toml:4: retries: no such key; expected one of tries, block_size" } },
+        ConfigRow { "StatesAreBits",
+                    "[states]\n16 = \"a\"\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: 16: expected a number from 0 to 15" } },
+        ConfigRow { "FaultsHaveTexts",
+                    "[faults]\n1 = 2\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: 1: expected a text such as \"overheat\"" } },
         ConfigRow { "ParityIsAWord",
                     "[line]\nport = \"a\"\nparity = \"E\"\n[[station]]\naddress = 1\n",
                     { "a.toml:3: parity: expected \"none\", \"even\", \"odd\"" } },
