@@ -55,8 +55,9 @@ std::string Bench::tell(const std::string &command)
 std::vector<std::string> Bench::shell(const std::string &command, const std::string &settings) const
 {
     const std::string path = std::filesystem::path(TOOL_FILE).parent_path().string();
-    const std::string setting = "cd '" + m_folder + "' && export PATH='" + path + "':$PATH DX4_CONFIG= "
-        + settings + " KORVANE_DRIVER='" DRIVER_FILE "' DX4_PORT='" + m_device + "' && ";
+    const std::string setting = "cd '" + m_folder + "' && export PATH='" + path
+        + "':$PATH DX4_CONFIG= " + settings + " KORVANE_DRIVER='" DRIVER_FILE "' DX4_PORT='"
+        + m_device + "' && ";
     return { "/bin/sh", "-c", setting + command };
 }
 
