@@ -48,6 +48,19 @@ TEST_F(RuntimeTest, AReadValueHasAnAgeAndGrowsStale)
     EXPECT_TRUE(shown().stale);
 }
 
+TEST_F(RuntimeTest, AValueIsAsOldAsTheLatestExchangeThatBroughtIt)
+{
+    host.write(1, "F", 2, { 5 });
+    host.runFor(seconds(1));
+    host.write(1, "F", 2, { 6, 7 });
+    host.runFor(milliseconds(500));
+
+    const Value value = host.host.value(1, QStringLiteral("F"), 2);
+
+    EXPECT_EQ(value.value, 6);
+    EXPECT_LT(value.age, milliseconds(500));
+}
+
 TEST_F(RuntimeTest, AValueIsStaleBehindItsTimeNotAtIt)
 {
     host.steps(1);
