@@ -203,13 +203,13 @@ TEST(JsonAnswers, KeepTextOfEveryLength)
 
 TEST(JsonAnswers, NameEachByteThatIsNoText)
 {
-    EXPECT_EQ(jsonText("a\xFFz"), R"("a\ufffdz")");
-    EXPECT_EQ(jsonText("\x80"), R"("\ufffd")") << "nothing to follow";
-    EXPECT_EQ(jsonText("\xE2\x82"), R"("\ufffd\ufffd")") << "cut short";
-    EXPECT_EQ(jsonText("\xC3z"), R"("\ufffdz")") << "broken off";
-    EXPECT_EQ(jsonText("\xC0\xAF"), R"("\ufffd\ufffd")") << "longer than it has to be";
-    EXPECT_EQ(jsonText("\xED\xA0\x80"), R"("\ufffd\ufffd\ufffd")") << "half of a pair";
-    EXPECT_EQ(jsonText("\xF4\x90\x80\x80"), R"("\ufffd\ufffd\ufffd\ufffd")") << "behind the last";
+    EXPECT_EQ(jsonText("a\xFFz"), R"("a�z")");
+    EXPECT_EQ(jsonText("\x80"), R"("�")") << "nothing to follow";
+    EXPECT_EQ(jsonText("\xE2\x82"), R"("��")") << "cut short";
+    EXPECT_EQ(jsonText("\xC3z"), R"("�z")") << "broken off";
+    EXPECT_EQ(jsonText("\xC0\xAF"), R"("��")") << "longer than it has to be";
+    EXPECT_EQ(jsonText("\xED\xA0\x80"), R"("���")") << "half of a pair";
+    EXPECT_EQ(jsonText("\xF4\x90\x80\x80"), R"("����")") << "behind the last";
 }
 
 TEST_F(LineFixture, ReportsEventsAsJson)

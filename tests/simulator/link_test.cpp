@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 /// A path where nothing stands.
 std::string freePath(const std::string &name)
 {
-    const std::string path = ::testing::TempDir() + name;
+    const std::string path = ::testing::TempDir() + std::to_string(getpid()) + name;
     fs::remove_all(path);
     return path;
 }
@@ -146,6 +146,6 @@ TEST(SimulatorLink, NameInJsonIsValidUtf8)
 
     EXPECT_EQ(line.firstLine,
               R"({"event":"pty","path":")" + line.device + R"(","link":")" + ::testing::TempDir()
-                  + "drive\xEF\xBF\xBD\xC3\xA4\"}");
+                  + std::to_string(getpid()) + "drive\xEF\xBF\xBD\xC3\xA4\"}");
     EXPECT_EQ(line.quit(), 0);
 }

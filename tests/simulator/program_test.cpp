@@ -442,7 +442,7 @@ TEST(SimulatorUsage, EmptyValueDoesNotTakeTheNextWord)
 TEST(SimulatorUsage, FileThatIsReadIsNotWritten)
 {
     const std::string path = fileWith("mine.toml", "seed = 7\n");
-    const std::string same = ::testing::TempDir() + "./mine.toml";
+    const std::string same = ::testing::TempDir() + "./" + path.substr(path.rfind('/') + 1);
     const std::vector<std::pair<std::vector<std::string>, std::string>> rows = {
         { { "--faults", path, "--log", same }, "--log is the file of --faults" },
         { { "--values", path, "--pcap", same }, "--pcap is the file of --values" },

@@ -39,7 +39,7 @@ int answered(const std::string &device, int requests)
 /// A named pipe without a reader.
 std::string pipeNamed(const std::string &name)
 {
-    const std::string path = ::testing::TempDir() + name;
+    const std::string path = ::testing::TempDir() + std::to_string(getpid()) + name;
     unlink(path.c_str());
     mkfifo(path.c_str(), 0600);
     return path;
@@ -154,7 +154,7 @@ TEST(StalledReaderOfTheSimulator, LogAndCaptureInPipesWithoutReader)
 
 TEST(StalledReaderOfTheSimulator, CaptureThatCannotGrowEndsWithAWholeFrame)
 {
-    const std::string capture = ::testing::TempDir() + "small.pcap";
+    const std::string capture = ::testing::TempDir() + std::to_string(getpid()) + "small.pcap";
     ChildProcess process(
         { "/bin/sh", "-c",
           "ulimit -f 2; exec " SIMULATOR_FILE " --pty --speed 0 --turnaround 0 --pcap " + capture },

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <unistd.h>
 
 inline std::string contentOf(const std::string &path)
 {
@@ -32,7 +33,7 @@ inline bool comesToHold(const std::string &path, const std::string &text)
 
 inline std::string fileWith(const std::string &name, const std::string &content)
 {
-    const std::string path = ::testing::TempDir() + name;
+    const std::string path = ::testing::TempDir() + std::to_string(getpid()) + name;
     std::ofstream(path) << content;
     return path;
 }
