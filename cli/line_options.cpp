@@ -7,6 +7,8 @@
 #include "host/config.h"
 #include "host/modbus_limits.h"
 
+#include <QStandardPaths>
+
 #include <algorithm>
 
 namespace dx4::cli {
@@ -103,13 +105,30 @@ void chooseStation(LineOptions &options, const host::Config &config)
         options.station = config.stations.size() == 1 ? config.stations.constFirst().address : 0;
 }
 
+/// A configuration that no option names, and what names it.
+struct UsualConfig {
+    QString file;
+    QString origin;
+};
+
+/// The working folder is not among the places: a file that lies about there must not give stops and
+/// scaling.
+UsualConfig usualConfig()
+{
+    if (qEnvironmentVariableIsSet("DX4_CONFIG"))
+        return { qEnvironmentVariable("DX4_CONFIG"),
+                 QStringLiteral("is named by the variable DX4_CONFIG") };
+    return { QStandardPaths::locate(QStandardPaths::GenericConfigLocation,
+                                    QStringLiteral("dx4/dx4.toml")),
+             QStringLiteral("is the usual configuration; DX4_CONFIG= goes without one") };
+}
+
 int readConfiguration(LineOptions &options, const QString &name)
 {
     options.command = name;
-    // Nothing else names a file: one that lies about somewhere must not give stops and scaling.
-    const bool isFromVariable = options.config.isEmpty();
-    if (isFromVariable)
-        options.config = qEnvironmentVariable("DX4_CONFIG");
+    const UsualConfig usual = options.config.isEmpty() ? usualConfig() : UsualConfig();
+    if (options.config.isEmpty())
+        options.config = usual.file;
     options.given = linePlace(options);
     if (options.config.isEmpty()) {
         complete(options, host::Config());
@@ -120,8 +139,8 @@ int readConfiguration(LineOptions &options, const QString &name)
     const auto config = host::loadConfig(options.config, &errors);
     for (const host::ConfigError &error : std::as_const(errors))
         complain(name, { ExitUsage, error.in(options.config) });
-    if (!config && isFromVariable)
-        note(name, QStringLiteral("%1 is named by the variable DX4_CONFIG").arg(options.config));
+    if (!config && !usual.file.isEmpty())
+        note(name, QStringLiteral("%1 %2").arg(options.config, usual.origin));
     if (!config)
         return ExitUsage;
     complete(options, *config);
@@ -171,7 +190,7 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
     const bool hasTimeout = options.timeout > 0;
     const bool hasRetries = options.retries >= 0;
     command.text("--config", options.config,
-                 "TOML file with line, stations, registers; else DX4_CONFIG", "FILE");
+                 "TOML file with line, stations, registers; else the usual one", "FILE");
     command.text("--port", options.port, "serial port; else the file's, or DX4_PORT", "DEVICE");
     command.number("--speed", options.speed, "bit/s; else the file's, or 9600", 300, fastestSpeed);
     command.choice("--format", options.format,

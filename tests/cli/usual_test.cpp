@@ -54,6 +54,42 @@ TEST(ConfigurationVariable, FileThatIsMissingIsAnError)
         << printed.err;
 }
 
+TEST(UsualConfiguration, IsFoundInTheFoldersOfTheUserAndOfTheMachine)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("mkdir -p 'my own/dx4' all/dx4");
+    bench.run(
+        "printf '[faults]\\n0 = \"mine\"\\n[[station]]\\naddress = 1\\n' >'my own/dx4/dx4.toml'");
+    bench.run("printf '[faults]\\n0 = \"ours\"\\n[[station]]\\naddress = 1\\n' >all/dx4/dx4.toml");
+    bench.run("cp all/dx4/dx4.toml dx4.toml; mkdir none");
+    const std::string unset = "unset DX4_CONFIG; export XDG_CONFIG_DIRS=\"$PWD/all\"; ";
+
+    const std::string own = bench.run(unset + "XDG_CONFIG_HOME=\"$PWD/my own\" dx4 get FU").out;
+    const std::string all = bench.run(unset + "XDG_CONFIG_HOME=\"$PWD/none\" dx4 get FU").out;
+    const std::string here =
+        bench.run("unset DX4_CONFIG; XDG_CONFIG_HOME=/none XDG_CONFIG_DIRS=/none dx4 get FU").out;
+
+    EXPECT_NE(own.find("mine"), std::string::npos) << own;
+    EXPECT_NE(all.find("ours"), std::string::npos) << all;
+    EXPECT_EQ(here.find("ours"), std::string::npos) << "the working folder is not searched";
+}
+
+TEST(UsualConfiguration, WrongOneIsAnErrorThatSaysHowToGoWithout)
+{
+    Bench bench;
+    bench.serve("1");
+    bench.run("mkdir -p conf/dx4; echo 'nonsense' >conf/dx4/dx4.toml");
+
+    const Printed printed = bench.run("unset DX4_CONFIG; XDG_CONFIG_HOME=\"$PWD/conf\" dx4 get FU");
+
+    EXPECT_EQ(printed.code, 2);
+    EXPECT_EQ(printed.out, "");
+    EXPECT_NE(printed.err.find("is the usual configuration; DX4_CONFIG= goes without one"),
+              std::string::npos)
+        << printed.err;
+}
+
 TEST(Notices, LateStationIsTold)
 {
     Bench bench;
