@@ -120,6 +120,17 @@ std::vector<PortHolder> holdersOf(const std::string &device)
     return holders;
 }
 
+std::vector<PortHolder> strangersOn(const std::string &device)
+{
+    std::vector<PortHolder> holders = holdersOf(device);
+    holders.erase(std::remove_if(holders.begin(), holders.end(),
+                                 [](const PortHolder &holder) {
+                                     return holder.isFarEnd || holder.process == getpid();
+                                 }),
+                  holders.end());
+    return holders;
+}
+
 std::string holderText(const std::vector<PortHolder> &holders)
 {
     std::string text;

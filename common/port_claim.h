@@ -38,6 +38,10 @@ struct PortHolder {
 /// only to root.
 std::vector<PortHolder> holdersOf(const std::string &device);
 
+/// Other programs that would talk on the same line: holders of the device, under whatever name they
+/// opened it, without this process and without the far end of a pseudo-terminal.
+std::vector<PortHolder> strangersOn(const std::string &device);
+
 /// "dx4 (process 812), minicom (process 901)"; says so when none can be seen.
 std::string holderText(const std::vector<PortHolder> &holders);
 

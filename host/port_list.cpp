@@ -11,12 +11,19 @@
 
 #include <grp.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 
 namespace dx4::host {
 namespace {
+
+QVector<PortHolder> listed(const std::vector<common::PortHolder> &holders)
+{
+    QVector<PortHolder> list;
+    for (const common::PortHolder &holder : holders)
+        list.append({ holder.process, QFile::decodeName(holder.program.c_str()), holder.isFarEnd });
+    return list;
+}
 
 QString lastingNameOf(const QString &device, const QString &nameFolder)
 {
@@ -56,21 +63,12 @@ QString portDevice(const QString &name, const QString &nameFolder)
 
 QVector<PortHolder> holdersOf(const QString &device)
 {
-    QVector<PortHolder> holders;
-    for (const auto &holder : common::holdersOf(QFile::encodeName(device).toStdString()))
-        holders.append(
-            { holder.process, QFile::decodeName(holder.program.c_str()), holder.isFarEnd });
-    return holders;
+    return listed(common::holdersOf(QFile::encodeName(device).toStdString()));
 }
 
 QVector<PortHolder> strangersOn(const QString &device)
 {
-    QVector<PortHolder> strangers;
-    for (const PortHolder &holder : holdersOf(device)) {
-        if (!holder.isFarEnd && holder.process != getpid())
-            strangers.append(holder);
-    }
-    return strangers;
+    return listed(common::strangersOn(QFile::encodeName(device).toStdString()));
 }
 
 QString permissionText(const QString &device)

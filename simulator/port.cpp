@@ -94,6 +94,11 @@ Port Port::openSerial(const std::string &path, int speed, char parity, int stopB
     if (!port.m_claim->take(path))
         throw std::runtime_error(path + ": in use by "
                                  + common::holderText(common::holdersOf(path)));
+    const auto strangers = common::strangersOn(path);
+    if (!strangers.empty())
+        throw std::runtime_error(path + ": in use by " + common::holderText(strangers)
+                                 + ", which took no lock; end it, as two programs on one line "
+                                   "disturb each other");
     port.m_descriptor = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (port.m_descriptor < 0)
         fail(path);

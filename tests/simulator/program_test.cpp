@@ -306,6 +306,23 @@ TEST(SimulatorProgram, PortThatAnotherProgramHoldsIsRefused)
     close(held);
 }
 
+TEST(SimulatorProgram, PortThatAnotherProgramHasOpenWithoutALockIsRefused)
+{
+    ServedLine other;
+    const int opened = open(other.device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    int code = -1;
+
+    const std::string text = outputOfSim({ "--port", other.device }, &code);
+
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(text,
+              "dx4-sim: " + other.device + ": in use by simulator_program_test (process "
+                  + std::to_string(getpid())
+                  + "), which took no lock; end it, as two programs on one line disturb each "
+                    "other\n");
+    close(opened);
+}
+
 TEST(SimulatorProgram, PortIsHeldWhileItIsServed)
 {
     ServedLine line; // its other end is a serial device to the next one
