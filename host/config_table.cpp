@@ -96,7 +96,9 @@ void ConfigTable::textsByNumber(int highest, QMap<int, QString> &target)
 {
     if (!m_table)
         return;
-    for (const auto &[name, node] : *m_table) {
+    for (const auto &entry : *m_table) {
+        const toml::key &name = entry.first;
+        const toml::node &node = entry.second;
         const QString key = QString::fromUtf8(name.data(), static_cast<int>(name.length()));
         const auto number = parseRegisterValue(key);
         const auto *text = node.as_string();
