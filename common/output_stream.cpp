@@ -6,6 +6,7 @@
 #include <csignal>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include <poll.h>
 #include <unistd.h>
@@ -25,12 +26,22 @@ std::size_t pieceOf(const std::string &bytes)
     return lineEnd == std::string::npos ? mostAtOnce : lineEnd + 1;
 }
 
+/// Streams live until the program ends; in hand, they are not taken for lost memory.
+void keep(OutputStream *stream)
+{
+    static auto *const guard = new std::mutex;
+    static auto *const all = new std::vector<OutputStream *>;
+    const std::lock_guard<std::mutex> lock(*guard);
+    all->push_back(stream);
+}
+
 } // namespace
 
 OutputStream::OutputStream(int descriptor, int most)
     : m_descriptor(descriptor)
     , m_most(static_cast<std::size_t>(most))
 {
+    keep(this);
 }
 
 void OutputStream::tellGapsAs(std::function<std::string(int)> text)

@@ -75,9 +75,10 @@ std::string gapLine(int count, bool json)
 }
 
 /// Never destroyed: the threads of the streams may still ask.
-EndRequest &makeEndRequest()
+EndRequest &endRequest()
 {
-    return *new EndRequest;
+    static auto *const request = new EndRequest;
+    return *request;
 }
 
 bool finish(std::optional<Output> &output)
@@ -104,7 +105,7 @@ int serve(const Options &options, Output &standardOutput)
     if (!wrong.empty())
         throw std::invalid_argument(wrong);
     Cable cable(bus, clock, lineOf(options), std::move(plan));
-    EndRequest &end = makeEndRequest();
+    EndRequest &end = endRequest();
     std::optional<DeviceLink> link; // behind the signals, which would leave it there
     if (!options.linkPath.empty())
         link.emplace(options.linkPath, port.path());
