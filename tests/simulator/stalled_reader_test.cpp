@@ -121,10 +121,17 @@ TEST(StalledReaderOfTheSimulator, PlainAnswersAreCountedToo)
     }
     ASSERT_TRUE(isAnsweredInTheEnd(line.device)) << "once the commands are run";
 
-    std::string told;
-    const int shown = linesBefore(line.process, "not shown", &told);
-
-    EXPECT_EQ(told, std::to_string(manyCommands - shown) + " lines not shown");
+    int accounted = 0;
+    int gaps = 0;
+    while (accounted < manyCommands) {
+        const std::string said = line.process.readLine();
+        ASSERT_FALSE(said.empty()) << accounted;
+        const bool isGap = said.find(" lines not shown") != std::string::npos;
+        gaps += isGap ? 1 : 0;
+        accounted += isGap ? std::stoi(said) : 1;
+    }
+    EXPECT_EQ(accounted, manyCommands);
+    EXPECT_GE(gaps, 1);
 }
 
 TEST(StalledReaderOfTheSimulator, StallsOfStandardErrorDoNotHoldItUp)
