@@ -264,7 +264,7 @@ void Session::noteCommand(const Target &target, quint16 word, bool confirmed, bo
 host::StopReport Session::stop()
 {
     m_line->waitInFull(); // the signal that led here must not cut this short
-    const host::StopReport report = m_runtime->stop(m_options.plant.stop.confirmWithin);
+    host::StopReport report = m_runtime->stop(m_options.plant.stop.confirmWithin);
     for (const host::StopCommand &stop : std::as_const(m_stops)) {
         if (report.unconfirmed.contains(stop.station))
             m_mayTurn.insert(stop.station);

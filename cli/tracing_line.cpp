@@ -102,7 +102,7 @@ bool TracingLine::send(const QByteArray &bytes)
 
 QByteArray TracingLine::receive(int count, host::Duration deadline)
 {
-    const QByteArray bytes = m_line.receive(count, deadline);
+    QByteArray bytes = m_line.receive(count, deadline);
     heard(bytes);
     return bytes;
 }
