@@ -145,6 +145,8 @@ private:
             takeCount();
             return;
         }
+        if (left() < 1)
+            return; // four bytes: the byte count is already the checksum's place
         m_text.kind = QStringLiteral("read reply");
         takeByteCount();
         takeValues(m_answered);

@@ -37,6 +37,26 @@ TEST(FrameText, EveryByteBelongsToAField)
     }
 }
 
+TEST(FrameText, AFrameCutAnywhereKeepsItsBytes)
+{
+    for (const char *whole : { "0103D00000047CC9", "01030411223344556677", "018302C0F1",
+                               "0106200000014384", "0110F802000204001400F11B2A" }) {
+        for (int length = 0; length <= bytes(whole).size(); ++length) {
+            const QByteArray frame = bytes(whole).left(length);
+            QByteArray told;
+            for (const FrameField &field : explainFrame(frame).fields)
+                told += field.bytes;
+
+            EXPECT_EQ(told, frame) << whole << " cut to " << length;
+        }
+    }
+}
+
+TEST(FrameText, FourBytesOfAReadReplyAreAnUnknownFrame)
+{
+    EXPECT_EQ(explainFrame(bytes("7B030001")).kind, QStringLiteral("unknown frame"));
+}
+
 TEST(FrameText, WrongCrcIsTold)
 {
     const FrameText text = explainFrame(bytes("0103D00000047CC8"));
