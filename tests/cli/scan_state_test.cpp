@@ -64,7 +64,7 @@ TEST_F(ScanStateTest, WhatNoScanLeavesIsNoState)
          { "", "{}", "[]", "{\"next\":0}", "{\"next\":249}", "{\"next\":2.5}", "{\"next\":\"2\"}",
            "{\"next\":2,\"found\":[2]}", "{\"next\":2,\"found\":[0]}",
            "{\"next\":2,\"found\":[1.5]}", "{\"from\":3,\"next\":2}", "{\"to\":3,\"next\":5}",
-           "{\"to\":248,\"next\":5}", "{\"from\":0,\"next\":1}" })
+           "{\"to\":248,\"next\":5}", "{\"from\":0,\"next\":1}", "{\"to\":0,\"next\":1}" })
         EXPECT_FALSE(loaded(text).has_value()) << text;
     EXPECT_TRUE(loaded("{\"next\":248}").has_value());
 }
