@@ -32,7 +32,7 @@ if [ "${1:-}" = --tree ]; then
   tree=${2:?scripts/mutation.sh: --tree needs src, host, simulator or capture}
   shift 2
 fi
-scripts/packages.sh build test
+scripts/packages.sh build test check
 [ "$tree" != src ] || exec python3 tests/mutation/mutate.py "$@"
 cmake --preset dev -DKORVANE_REQUIRE_ALL="${KORVANE_REQUIRE_ALL:-0}" >/dev/null
 exec python3 tests/mutation/linked.py --tree "$tree" "$@"

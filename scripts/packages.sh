@@ -33,7 +33,7 @@ packages_of() {
       echo mbpoll tshark libqt5serialbus5-dev binutils zsh
       ;;
     check)
-      echo git clang clang-tidy clang-format libclang-rt-14-dev gcovr valgrind
+      echo git clang clang-tidy clang-format libclang-rt-14-dev gcovr valgrind mold
       ;;
     bench)
       echo libbenchmark-dev libqt5serialbus5-dev
