@@ -38,10 +38,9 @@ void addBig(Bytes &bytes, unsigned value)
 
 std::uint32_t littleAt(const Bytes &bytes, std::size_t offset)
 {
-    std::uint32_t value = 0;
-    for (std::size_t i = 4; i > 0; --i)
-        value = (value << 8) | bytes[offset + i - 1];
-    return value;
+    return bytes[offset] | static_cast<std::uint32_t>(bytes[offset + 1]) << 8
+        | static_cast<std::uint32_t>(bytes[offset + 2]) << 16
+        | static_cast<std::uint32_t>(bytes[offset + 3]) << 24;
 }
 
 unsigned bigAt(const Bytes &bytes, std::size_t offset)

@@ -25,7 +25,8 @@ seed=${FUZZ_SEED:-$((RANDOM * 32768 + RANDOM + 1))}
 targets=("$@")
 [ $# -gt 0 ] || targets=(fuzz_reply fuzz_sequence fuzz_guard
   fuzz_address_text fuzz_property_text fuzz_multi_copy
-  fuzz_config fuzz_parameter_set fuzz_pcap fuzz_fault_file fuzz_commands fuzz_frame_text fuzz_scan_state)
+  fuzz_config fuzz_parameter_set fuzz_pcap fuzz_fault_file fuzz_commands fuzz_frame_text fuzz_scan_state
+  fuzz_typed_words)
 
 build() {
   local log=build/fuzz/build.log

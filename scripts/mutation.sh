@@ -15,6 +15,7 @@ they are. Options:
   --seed N         of the sample; drawn and printed when not given
   --jobs N         changes judged at once (default 1)
   --resume         keep the results of lines that did not change
+  --quick          without the tests that take long; then judge what survived with --again (not with src)
   --again          judge again what survived the last time (not with src)
   --list           print the changes and stop
 
