@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // CPU time of whole exchanges over a pseudo-terminal: the reference host and the driver.
 #include "driver_link.h"
-#include "host/cycle.h"
-#include "host/serial_line.h"
+#include "host/exchange/cycle.h"
+#include "host/line/serial_line.h"
 #include "line_slave.h"
 #include "pty_bench.h"
 

@@ -18,8 +18,8 @@
 #include "cli/commands/stop.h"
 #include "cli/commands/types.h"
 #include "cli/commands/watch.h"
-#include "cli/interrupt.h"
-#include "cli/output.h"
+#include "cli/console/interrupt.h"
+#include "cli/console/output.h"
 #include "common/standard_descriptors.h"
 
 #include <QCoreApplication>

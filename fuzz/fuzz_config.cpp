@@ -2,7 +2,7 @@
 // Any bytes as a configuration file: a configuration within its limits, or what is wrong and where.
 #include "expect.h"
 #include "fuzz_target.h"
-#include "host/config.h"
+#include "host/config/config.h"
 
 #include <algorithm>
 #include <set>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Any bytes as a frame to explain, and as the words that it is typed in.
-#include "cli/frame_text.h"
+#include "cli/registers/frame_text.h"
 #include "expect.h"
 #include "fuzz_target.h"
 

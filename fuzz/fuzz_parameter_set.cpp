@@ -2,7 +2,7 @@
 // Any bytes as a parameter file: a set that comes back from its text, or an error with its line.
 #include "expect.h"
 #include "fuzz_target.h"
-#include "host/parameter_set.h"
+#include "host/parameters/parameter_set.h"
 
 using namespace dx4::host;
 

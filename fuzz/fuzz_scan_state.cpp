@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Any bytes as the file of a scan that broke off.
-#include "cli/scan_state.h"
+#include "cli/line/scan_state.h"
 #include "expect.h"
 #include "fuzz_target.h"
 

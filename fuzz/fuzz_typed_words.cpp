@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Any words as registers that somebody types, with the driver's own checks behind them.
-#include "cli/target.h"
+#include "cli/registers/target.h"
 #include "driver_api.h"
 #include "expect.h"
 #include "fuzz_target.h"
-#include "host/address_verdict.h"
-#include "host/notation.h"
+#include "host/link/address_verdict.h"
+#include "host/link/notation.h"
 
 using namespace dx4::cli;
 

@@ -2,7 +2,7 @@
 // The drive behind the registers: a motor that ramps, draws current, warms up and trips.
 #include "simulator/drive.h"
 
-#include "simulator/state_names.h"
+#include "common/state_names.h"
 
 #include <algorithm>
 #include <cmath>
@@ -44,8 +44,8 @@ double rampStep(double seconds, const DriveSettings &settings)
 
 std::optional<Fault> faultByName(const std::string &name)
 {
-    for (std::size_t i = 1; i < faultNames.size(); ++i) {
-        if (name == faultNames[i])
+    for (std::size_t i = 1; i < common::faultNames.size(); ++i) {
+        if (name == common::faultNames[i])
             return static_cast<Fault>(i);
     }
     return std::nullopt;
@@ -53,7 +53,7 @@ std::optional<Fault> faultByName(const std::string &name)
 
 const char *faultName(Fault fault)
 {
-    return faultNames[static_cast<std::size_t>(fault)];
+    return common::faultNames[static_cast<std::size_t>(fault)];
 }
 
 void Drive::advanceTo(Micros now, const DriveSettings &settings)

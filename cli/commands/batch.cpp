@@ -2,12 +2,12 @@
 // dx4 batch: commands of a file, one after the other on one line.
 #include "cli/commands/batch.h"
 
-#include "cli/batch_file.h"
-#include "cli/driver_file.h"
-#include "cli/interrupt.h"
-#include "cli/value_output.h"
-#include "cli/writing.h"
-#include "host/whole_file.h"
+#include "cli/console/interrupt.h"
+#include "cli/line/batch_file.h"
+#include "cli/line/driver_file.h"
+#include "cli/line/writing.h"
+#include "cli/registers/value_output.h"
+#include "host/base/whole_file.h"
 
 #include <QFile>
 

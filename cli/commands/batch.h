@@ -2,7 +2,7 @@
 // dx4 batch: commands of a file, one after the other on one line.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

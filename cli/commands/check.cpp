@@ -2,12 +2,12 @@
 // dx4 check: the driver's verdict on an address.
 #include "cli/commands/check.h"
 
-#include "cli/driver_file.h"
-#include "cli/nearest_word.h"
-#include "cli/output.h"
-#include "cli/target.h"
-#include "host/address_verdict.h"
-#include "host/notation.h"
+#include "cli/console/nearest_word.h"
+#include "cli/console/output.h"
+#include "cli/line/driver_file.h"
+#include "cli/registers/target.h"
+#include "host/link/address_verdict.h"
+#include "host/link/notation.h"
 
 namespace dx4::cli {
 namespace {

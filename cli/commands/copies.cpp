@@ -2,11 +2,11 @@
 // dx4 copies: stepped copies of an address.
 #include "cli/commands/copies.h"
 
-#include "cli/driver_file.h"
-#include "cli/output.h"
-#include "cli/target.h"
-#include "host/length.h"
-#include "host/notation.h"
+#include "cli/console/output.h"
+#include "cli/line/driver_file.h"
+#include "cli/registers/target.h"
+#include "host/base/length.h"
+#include "host/link/notation.h"
 
 namespace dx4::cli {
 namespace {

@@ -2,7 +2,7 @@
 // dx4 copies: stepped copies of an address.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

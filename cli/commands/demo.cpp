@@ -3,14 +3,14 @@
 #include "cli/commands/demo.h"
 
 #include "cli/commands/demo_view.h"
-#include "cli/driver_file.h"
-#include "cli/interrupt.h"
-#include "cli/polling.h"
-#include "cli/register_names.h"
-#include "cli/simulator_process.h"
-#include "cli/watch_plan.h"
-#include "host/length.h"
-#include "host/notation.h"
+#include "cli/console/interrupt.h"
+#include "cli/line/driver_file.h"
+#include "cli/line/polling.h"
+#include "cli/line/simulator_process.h"
+#include "cli/line/watch_plan.h"
+#include "cli/registers/register_names.h"
+#include "host/base/length.h"
+#include "host/link/notation.h"
 
 #include <QDir>
 #include <QHash>

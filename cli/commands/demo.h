@@ -2,7 +2,7 @@
 // dx4 demo: the driver polling and writing a simulated inverter, for everyone to see.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

@@ -2,12 +2,12 @@
 // How the demonstration is shown: a live table, plain lines, or JSON.
 #include "cli/commands/demo_view.h"
 
-#include "cli/counters_text.h"
-#include "cli/live_table.h"
-#include "cli/output.h"
-#include "cli/value_table.h"
-#include "host/length.h"
-#include "host/notation.h"
+#include "cli/console/live_table.h"
+#include "cli/console/output.h"
+#include "cli/registers/counters_text.h"
+#include "cli/registers/value_table.h"
+#include "host/base/length.h"
+#include "host/link/notation.h"
 
 #include <QJsonObject>
 

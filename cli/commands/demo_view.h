@@ -2,8 +2,8 @@
 // How the demonstration is shown: a live table, plain lines, or JSON.
 #pragma once
 
-#include "cli/terminal.h"
-#include "cli/watch_list.h"
+#include "cli/console/terminal.h"
+#include "cli/registers/watch_list.h"
 
 #include <memory>
 

@@ -3,14 +3,14 @@
 #include "cli/commands/frames.h"
 
 #include "cli/commands/frames_decode.h"
-#include "cli/driver_file.h"
-#include "cli/frame_text.h"
-#include "cli/output.h"
-#include "cli/target.h"
-#include "cli/values.h"
-#include "host/length.h"
-#include "host/link.h"
-#include "host/modbus_limits.h"
+#include "cli/console/output.h"
+#include "cli/line/driver_file.h"
+#include "cli/registers/frame_text.h"
+#include "cli/registers/target.h"
+#include "cli/registers/values.h"
+#include "host/base/length.h"
+#include "host/frames/modbus_limits.h"
+#include "host/link/link.h"
 
 namespace dx4::cli {
 namespace {

@@ -2,7 +2,7 @@
 // dx4 frames: the driver's requests, and frames of any origin, byte by byte.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

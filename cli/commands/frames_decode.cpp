@@ -2,15 +2,15 @@
 // dx4 frames decode: a request or a reply explained.
 #include "cli/commands/frames_decode.h"
 
-#include "cli/driver_file.h"
-#include "cli/frame_text.h"
-#include "cli/output.h"
-#include "cli/reply_text.h"
-#include "host/length.h"
-#include "host/link.h"
-#include "host/notation.h"
-#include "host/reply_check.h"
-#include "host/verdict_text.h"
+#include "cli/console/output.h"
+#include "cli/line/driver_file.h"
+#include "cli/registers/frame_text.h"
+#include "cli/registers/reply_text.h"
+#include "host/base/length.h"
+#include "host/frames/reply_check.h"
+#include "host/frames/verdict_text.h"
+#include "host/link/link.h"
+#include "host/link/notation.h"
 #include "register_tables.h"
 
 #include <QJsonArray>

@@ -2,7 +2,7 @@
 // dx4 frames decode: a request or a reply explained.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

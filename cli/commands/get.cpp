@@ -2,14 +2,14 @@
 // dx4 get: reads registers once.
 #include "cli/commands/get.h"
 
-#include "cli/driver_file.h"
-#include "cli/interrupt.h"
-#include "cli/output.h"
-#include "cli/reply_text.h"
-#include "cli/session.h"
-#include "cli/value_output.h"
-#include "cli/values.h"
-#include "cli/watch_plan.h"
+#include "cli/console/interrupt.h"
+#include "cli/console/output.h"
+#include "cli/line/driver_file.h"
+#include "cli/line/session.h"
+#include "cli/line/watch_plan.h"
+#include "cli/registers/reply_text.h"
+#include "cli/registers/value_output.h"
+#include "cli/registers/values.h"
 
 namespace dx4::cli {
 namespace {

@@ -2,9 +2,9 @@
 // dx4 line: serial ports, their lasting names, and who holds them.
 #include "cli/commands/line.h"
 
-#include "cli/exit_code.h"
-#include "cli/output.h"
-#include "host/port_list.h"
+#include "cli/console/exit_code.h"
+#include "cli/console/output.h"
+#include "host/line/port_list.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

@@ -2,7 +2,7 @@
 // dx4 line: serial ports, their lasting names, and who holds them.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

@@ -2,14 +2,14 @@
 // dx4 params: the parameters of a station in a file.
 #include "cli/commands/params.h"
 
-#include "cli/interrupt.h"
-#include "cli/output.h"
-#include "cli/reply_text.h"
-#include "cli/session.h"
-#include "cli/value_output.h"
-#include "host/length.h"
-#include "host/parameter_transfer.h"
-#include "host/runtime_access.h"
+#include "cli/console/interrupt.h"
+#include "cli/console/output.h"
+#include "cli/line/session.h"
+#include "cli/registers/reply_text.h"
+#include "cli/registers/value_output.h"
+#include "host/base/length.h"
+#include "host/parameters/parameter_transfer.h"
+#include "host/runtime/runtime_access.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

@@ -2,7 +2,7 @@
 // dx4 params: the parameters of a station in a file.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

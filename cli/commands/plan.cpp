@@ -2,12 +2,12 @@
 // dx4 plan: the blocks that polling would take.
 #include "cli/commands/plan.h"
 
-#include "cli/driver_file.h"
-#include "cli/output.h"
-#include "cli/value_output.h"
-#include "cli/watch_plan.h"
-#include "host/length.h"
-#include "host/notation.h"
+#include "cli/console/output.h"
+#include "cli/line/driver_file.h"
+#include "cli/line/watch_plan.h"
+#include "cli/registers/value_output.h"
+#include "host/base/length.h"
+#include "host/link/notation.h"
 
 #include <QJsonArray>
 

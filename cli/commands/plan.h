@@ -2,7 +2,7 @@
 // dx4 plan: the blocks that polling would take.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

@@ -2,11 +2,11 @@
 // dx4 record: the frames of a line in a file.
 #include "cli/commands/record.h"
 
-#include "cli/output.h"
-#include "cli/polling.h"
-#include "cli/recording.h"
-#include "cli/target.h"
-#include "cli/watch_plan.h"
+#include "cli/console/output.h"
+#include "cli/line/polling.h"
+#include "cli/line/recording.h"
+#include "cli/line/watch_plan.h"
+#include "cli/registers/target.h"
 
 namespace dx4::cli {
 namespace {

@@ -2,16 +2,16 @@
 // dx4 replay: a recording through the driver once more.
 #include "cli/commands/replay.h"
 
-#include "cli/driver_file.h"
-#include "cli/frame_text.h"
-#include "cli/output.h"
-#include "cli/target.h"
-#include "cli/value_output.h"
-#include "cli/watch_plan.h"
-#include "host/address_verdict.h"
-#include "host/guarded_exchange.h"
-#include "host/pcap_file.h"
-#include "host/replay.h"
+#include "cli/console/output.h"
+#include "cli/line/driver_file.h"
+#include "cli/line/watch_plan.h"
+#include "cli/registers/frame_text.h"
+#include "cli/registers/target.h"
+#include "cli/registers/value_output.h"
+#include "host/exchange/guarded_exchange.h"
+#include "host/link/address_verdict.h"
+#include "host/recording/pcap_file.h"
+#include "host/recording/replay.h"
 
 #include <algorithm>
 

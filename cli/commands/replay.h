@@ -2,7 +2,7 @@
 // dx4 replay: a recording through the driver once more.
 #pragma once
 
-#include "cli/command_line.h"
+#include "cli/console/command_line.h"
 
 namespace dx4::cli {
 

@@ -2,11 +2,11 @@
 // dx4 run: sets a frequency and starts the motor.
 #include "cli/commands/run.h"
 
-#include "cli/interrupt.h"
-#include "cli/register_names.h"
-#include "cli/session.h"
-#include "cli/write_output.h"
-#include "host/number_text.h"
+#include "cli/console/interrupt.h"
+#include "cli/line/session.h"
+#include "cli/line/write_output.h"
+#include "cli/registers/register_names.h"
+#include "host/base/number_text.h"
 
 namespace dx4::cli {
 namespace {

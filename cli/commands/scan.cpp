@@ -2,16 +2,16 @@
 // dx4 scan: finds the stations on a line.
 #include "cli/commands/scan.h"
 
-#include "cli/interrupt.h"
-#include "cli/output.h"
-#include "cli/reply_text.h"
-#include "cli/scan_state.h"
-#include "cli/session.h"
-#include "cli/target.h"
-#include "host/length.h"
-#include "host/modbus_limits.h"
-#include "host/number_text.h"
-#include "host/verdict_text.h"
+#include "cli/console/interrupt.h"
+#include "cli/console/output.h"
+#include "cli/line/scan_state.h"
+#include "cli/line/session.h"
+#include "cli/registers/reply_text.h"
+#include "cli/registers/target.h"
+#include "host/base/length.h"
+#include "host/base/number_text.h"
+#include "host/frames/modbus_limits.h"
+#include "host/frames/verdict_text.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -2,8 +2,8 @@
 // dx4 set: writes registers once.
 #include "cli/commands/set.h"
 
-#include "cli/driver_file.h"
-#include "cli/writing.h"
+#include "cli/line/driver_file.h"
+#include "cli/line/writing.h"
 
 namespace dx4::cli {
 namespace {

@@ -2,15 +2,15 @@
 // dx4 stats: how well the line works.
 #include "cli/commands/stats.h"
 
-#include "cli/counters_text.h"
-#include "cli/output.h"
-#include "cli/polling.h"
-#include "cli/register_names.h"
-#include "cli/reply_text.h"
-#include "cli/watch_plan.h"
-#include "host/length.h"
-#include "host/notation.h"
-#include "host/verdict_text.h"
+#include "cli/console/output.h"
+#include "cli/line/polling.h"
+#include "cli/line/watch_plan.h"
+#include "cli/registers/counters_text.h"
+#include "cli/registers/register_names.h"
+#include "cli/registers/reply_text.h"
+#include "host/base/length.h"
+#include "host/frames/verdict_text.h"
+#include "host/link/notation.h"
 
 namespace dx4::cli {
 namespace {

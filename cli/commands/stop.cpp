@@ -2,10 +2,10 @@
 // dx4 stop: stops the motor.
 #include "cli/commands/stop.h"
 
-#include "cli/output.h"
-#include "cli/register_names.h"
-#include "cli/session.h"
-#include "cli/write_output.h"
+#include "cli/console/output.h"
+#include "cli/line/session.h"
+#include "cli/line/write_output.h"
+#include "cli/registers/register_names.h"
 
 namespace dx4::cli {
 namespace {

@@ -2,9 +2,9 @@
 // dx4 types: the driver's catalogue of register types.
 #include "cli/commands/types.h"
 
-#include "cli/driver_file.h"
-#include "cli/output.h"
-#include "host/notation.h"
+#include "cli/console/output.h"
+#include "cli/line/driver_file.h"
+#include "host/link/notation.h"
 #include "register_tables.h"
 
 #include <QJsonArray>

@@ -3,13 +3,13 @@
 #include "cli/commands/watch.h"
 
 #include "cli/commands/watch_view.h"
-#include "cli/polling.h"
-#include "cli/register_names.h"
-#include "cli/reply_text.h"
-#include "cli/session.h"
-#include "cli/watch_plan.h"
-#include "host/length.h"
-#include "host/verdict_text.h"
+#include "cli/line/polling.h"
+#include "cli/line/session.h"
+#include "cli/line/watch_plan.h"
+#include "cli/registers/register_names.h"
+#include "cli/registers/reply_text.h"
+#include "host/base/length.h"
+#include "host/frames/verdict_text.h"
 
 #include <algorithm>
 

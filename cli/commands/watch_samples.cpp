@@ -2,11 +2,11 @@
 // All watched values at equal times, for spreadsheets.
 #include "cli/commands/watch_samples.h"
 
-#include "cli/counters_text.h"
-#include "cli/exit_code.h"
-#include "cli/output.h"
-#include "cli/time_stamp.h"
-#include "host/notation.h"
+#include "cli/console/exit_code.h"
+#include "cli/console/output.h"
+#include "cli/console/time_stamp.h"
+#include "cli/registers/counters_text.h"
+#include "host/link/notation.h"
 
 #include <utility>
 

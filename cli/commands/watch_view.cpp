@@ -3,16 +3,16 @@
 #include "cli/commands/watch_view.h"
 
 #include "cli/commands/watch_samples.h"
-#include "cli/counters_text.h"
-#include "cli/exit_code.h"
-#include "cli/held_changes.h"
-#include "cli/live_table.h"
-#include "cli/output.h"
-#include "cli/time_stamp.h"
-#include "cli/value_output.h"
-#include "cli/value_table.h"
-#include "host/length.h"
-#include "host/notation.h"
+#include "cli/console/exit_code.h"
+#include "cli/console/held_changes.h"
+#include "cli/console/live_table.h"
+#include "cli/console/output.h"
+#include "cli/console/time_stamp.h"
+#include "cli/registers/counters_text.h"
+#include "cli/registers/value_output.h"
+#include "cli/registers/value_table.h"
+#include "host/base/length.h"
+#include "host/link/notation.h"
 
 #include <optional>
 #include <vector>

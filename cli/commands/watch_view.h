@@ -2,9 +2,9 @@
 // How watched registers are shown: a live table, plain lines, CSV or JSON.
 #pragma once
 
-#include "cli/terminal.h"
-#include "cli/watch_list.h"
-#include "host/counters.h"
+#include "cli/console/terminal.h"
+#include "cli/registers/watch_list.h"
+#include "host/exchange/counters.h"
 
 #include <memory>
 #include <optional>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The least that a host does: poll one station until a signal comes, write once, stop, print the
 // counters.
-#include "host/runtime.h"
-#include "host/serial_line.h"
-#include "host/stop_signal.h"
+#include "host/line/serial_line.h"
+#include "host/runtime/runtime.h"
+#include "host/writes/stop_signal.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Frames of the line, taken apart and explained.
-#include "cli/frame_text.h"
+#include "cli/registers/frame_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The word that somebody probably meant.
-#include "cli/nearest_word.h"
+#include "cli/console/nearest_word.h"
 
 #include <gtest/gtest.h>
 

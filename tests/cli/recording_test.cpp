@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A recording on a disk that fills up.
-#include "cli/recording.h"
+#include "cli/line/recording.h"
 
-#include "host/pcap_file.h"
+#include "host/recording/pcap_file.h"
 
 #include "full_disk.h"
 

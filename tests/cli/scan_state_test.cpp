@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How far a scan has come: kept, taken up again, and refused where it does not fit.
-#include "cli/scan_state.h"
+#include "cli/line/scan_state.h"
 
 #include "full_disk.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Which registers of which station a user means.
-#include "cli/values.h"
+#include "cli/registers/values.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Watched values as lines of text.
-#include "cli/register_names.h"
-#include "cli/value_table.h"
+#include "cli/registers/register_names.h"
+#include "cli/registers/value_table.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 // waits.
 #include "cable_line.h"
 
-#include "host/length.h"
+#include "host/base/length.h"
 
 #include <algorithm>
 #include <optional>

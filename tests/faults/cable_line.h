@@ -3,7 +3,7 @@
 // waits.
 #pragma once
 
-#include "host/line.h"
+#include "host/line/line.h"
 #include "simulator/cable.h"
 
 namespace dx4::faults {

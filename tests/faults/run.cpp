@@ -3,7 +3,7 @@
 #include "run.h"
 
 #include "cable_line.h"
-#include "host/guarded_exchange.h"
+#include "host/exchange/guarded_exchange.h"
 #include "simulator/byte_log.h"
 
 #include <algorithm>

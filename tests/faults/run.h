@@ -2,8 +2,8 @@
 // One run of the scenario: two stations are polled and written while the cable fails as it is told.
 #pragma once
 
-#include "host/counters.h"
-#include "host/cycle.h"
+#include "host/exchange/counters.h"
+#include "host/exchange/cycle.h"
 #include "simulator/fault_plan.h"
 #include "witness.h"
 

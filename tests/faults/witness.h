@@ -2,7 +2,7 @@
 // Looks at the host after every step and writes down what must not happen.
 #pragma once
 
-#include "host/cycle.h"
+#include "host/exchange/cycle.h"
 #include "plant.h"
 
 namespace dx4::faults {

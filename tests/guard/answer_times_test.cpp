@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // When a station is waited for longer, how long, and what is said of it.
-#include "host/answer_times.h"
+#include "host/exchange/answer_times.h"
 
 #include <gtest/gtest.h>
 

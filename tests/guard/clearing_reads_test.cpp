@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the guard asks by itself before a request that a late reply could pass for.
 #include "guarded_station.h"
-#include "host/guard_requests.h"
+#include "host/exchange/guard_requests.h"
 #include "trial_requests.h"
 
 using namespace dx4::host;

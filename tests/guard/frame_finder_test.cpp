@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Frames among junk, look-alikes and each other.
-#include "host/frame_finder.h"
+#include "host/frames/frame_finder.h"
 #include "scripted_line.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Requests that go onto no line, and those that the guard makes itself.
 #include "asked.h"
-#include "host/guard_requests.h"
+#include "host/exchange/guard_requests.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 
 #include "asked.h"
 #include "buffering_station.h"
-#include "host/guarded_exchange.h"
+#include "host/exchange/guarded_exchange.h"
 
 #include <gtest/gtest.h>
 

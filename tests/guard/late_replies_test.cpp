@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Late replies, one case each: what is believed, what is withheld, and what is told.
 #include "guarded_station.h"
-#include "host/cycle.h"
+#include "host/exchange/cycle.h"
 
 #include <QJsonObject>
 

@@ -4,7 +4,7 @@
 
 #include "chance.h"
 #include "forgery.h"
-#include "host/line_settings.h"
+#include "host/line/line_settings.h"
 
 #include <QByteArray>
 

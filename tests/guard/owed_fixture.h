@@ -3,7 +3,7 @@
 #pragma once
 
 #include "asked.h"
-#include "host/owed_replies.h"
+#include "host/exchange/owed_replies.h"
 
 #include <gtest/gtest.h>
 

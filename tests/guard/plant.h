@@ -2,7 +2,7 @@
 // What a trial asks of the line and the stations that it tries a host on.
 #pragma once
 
-#include "host/line.h"
+#include "host/line/line.h"
 #include "late_stations.h"
 
 #include <string>

@@ -2,7 +2,7 @@
 // Late stations behind a pseudo-terminal, in real time.
 #include "pty_plant.h"
 
-#include "host/timespec.h"
+#include "host/line/timespec.h"
 
 #include <fcntl.h>
 #include <poll.h>

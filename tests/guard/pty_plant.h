@@ -3,7 +3,7 @@
 #pragma once
 
 #include "../host/pseudo_terminal.h"
-#include "host/serial_line.h"
+#include "host/line/serial_line.h"
 #include "plant.h"
 
 #include <atomic>

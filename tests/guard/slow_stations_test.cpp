@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Stations that need longer than the response timeout for every reply.
-#include "host/guarded_exchange.h"
+#include "host/exchange/guarded_exchange.h"
 #include "late_plant.h"
 #include "trial_requests.h"
 

@@ -2,7 +2,7 @@
 // An exchange that knows how slow each station is, and takes whatever has the right length.
 #pragma once
 
-#include "host/exchange.h"
+#include "host/exchange/exchange.h"
 #include "late_plant.h"
 
 /// What the guard's pace is compared with: no reply is late for it, and nothing is asked twice.

@@ -2,7 +2,7 @@
 // One host asking late stations, and what it believed that was not so.
 #pragma once
 
-#include "host/guarded_exchange.h"
+#include "host/exchange/guarded_exchange.h"
 #include "late_plant.h"
 #include "plant.h"
 

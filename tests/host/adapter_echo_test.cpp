@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What it takes to believe that an adapter echoes, or that it does not.
-#include "host/adapter_echo.h"
+#include "host/exchange/adapter_echo.h"
 
 #include <gtest/gtest.h>
 

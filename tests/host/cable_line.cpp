@@ -2,7 +2,7 @@
 // The host's line over the simulator's cable: real inverters, seeded faults, a clock that waits.
 #include "cable_line.h"
 
-#include "host/length.h"
+#include "host/base/length.h"
 
 #include <algorithm>
 

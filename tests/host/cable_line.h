@@ -2,7 +2,7 @@
 // The host's line over the simulator's cable: real inverters, seeded faults, a clock that waits.
 #pragma once
 
-#include "host/line.h"
+#include "host/line/line.h"
 #include "simulator/cable.h"
 
 /// Byte times are the cable's own; waiting advances the clock.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Another configuration while the link runs: nothing in progress is lost.
-#include "host/config_reload.h"
-#include "host/cycle.h"
-#include "host/memory_line.h"
+#include "host/exchange/cycle.h"
+#include "host/line/memory_line.h"
+#include "host/runtime/config_reload.h"
 
 #include "host_bytes.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A runtime set up by a configuration file, and set up anew while it runs.
-#include "host/config_reload.h"
-#include "host/config_runtime.h"
+#include "host/runtime/config_reload.h"
+#include "host/runtime/config_runtime.h"
 
 #include "runtime_fixture.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Configuration files: what they say, and what is said about a wrong one.
-#include "host/config.h"
+#include "host/config/config.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the counters make of exchanges: every figure, per block and added up.
-#include "host/counters.h"
+#include "host/exchange/counters.h"
 
 #include <QJsonArray>
 

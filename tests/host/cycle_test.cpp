@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The cycle over the line in memory: gaps, deadlines, stale input and a line that goes away.
-#include "host/cycle.h"
-#include "host/memory_line.h"
+#include "host/exchange/cycle.h"
+#include "host/line/memory_line.h"
 
 #include "driver_fixture.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the guard lets through to the driver, and under which cause it holds the rest back.
-#include "host/cycle.h"
-#include "host/guarded_exchange.h"
+#include "host/exchange/cycle.h"
+#include "host/exchange/guarded_exchange.h"
 #include "scripted_line.h"
 
 #include <gtest/gtest.h>

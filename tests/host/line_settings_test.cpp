@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Character times and the gap between frames.
-#include "host/line_settings.h"
+#include "host/line/line_settings.h"
 
 #include <gtest/gtest.h>
 

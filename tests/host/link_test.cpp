@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What a link lends the driver, and the way back from its callback.
-#include "host/link.h"
+#include "host/link/link.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The line in memory keeps the rules that every line keeps.
-#include "host/memory_line.h"
+#include "host/line/memory_line.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The drive's notation and the registers it means.
-#include "host/notation.h"
+#include "host/link/notation.h"
 
 #include <gtest/gtest.h>
 

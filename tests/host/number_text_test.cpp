@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Numbers that people type: what is one, and what looks like one.
-#include "host/number_text.h"
+#include "host/base/number_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Parameter sets as text: written, read back, compared.
-#include "host/parameter_set.h"
+#include "host/parameters/parameter_set.h"
 
 #include <QFile>
 #include <QTemporaryDir>

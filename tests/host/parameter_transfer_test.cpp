@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Parameter sets read from a station and restored, over link, cycle and the line in memory.
-#include "host/cycle_access.h"
-#include "host/guarded_exchange.h"
-#include "host/memory_line.h"
-#include "host/parameter_transfer.h"
+#include "host/exchange/cycle_access.h"
+#include "host/exchange/guarded_exchange.h"
+#include "host/line/memory_line.h"
+#include "host/parameters/parameter_transfer.h"
 
 #include "host_bytes.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Plans: every wanted register is read from its own station, or the plan is refused with a reason.
-#include "host/plan.h"
+#include "host/plan/plan.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Finding, loading, copying and unloading the driver's file.
-#include "host/plugin.h"
+#include "host/link/plugin.h"
 
 #include "full_disk.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Ports of the machine: lasting names and holders.
-#include "host/port_list.h"
+#include "host/line/port_list.h"
 
 #include "pseudo_terminal.h"
 

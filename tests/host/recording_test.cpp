@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The ring of the last frames, and the file that protocol analysers read.
-#include "host/memory_line.h"
-#include "host/pcap_file.h"
-#include "host/recording_line.h"
+#include "host/line/memory_line.h"
+#include "host/recording/pcap_file.h"
+#include "host/recording/recording_line.h"
 
 #include "host_bytes.h"
 #include "missing_tool.h"

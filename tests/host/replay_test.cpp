@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A recording played once more gives the callbacks and the cache of the first time.
-#include "host/guarded_exchange.h"
-#include "host/memory_line.h"
-#include "host/recording_line.h"
-#include "host/replay.h"
+#include "host/exchange/guarded_exchange.h"
+#include "host/line/memory_line.h"
+#include "host/recording/recording_line.h"
+#include "host/recording/replay.h"
 
 #include "host_bytes.h"
 

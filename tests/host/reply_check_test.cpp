@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Replies that are not what was asked for, each under its own cause.
-#include "host/reply_check.h"
+#include "host/frames/reply_check.h"
 
 #include "driver_fixture.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Parameter sets over a runtime, with its guard and its rules for writes.
-#include "host/parameter_transfer.h"
-#include "host/runtime_access.h"
+#include "host/parameters/parameter_transfer.h"
+#include "host/runtime/runtime_access.h"
 
 #include "runtime_fixture.h"
 

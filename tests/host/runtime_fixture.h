@@ -2,7 +2,7 @@
 // A runtime over a scripted line, with what it reported as text.
 #pragma once
 
-#include "host/runtime.h"
+#include "host/runtime/runtime.h"
 #include "scripted_line.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // When handlers are called, what they may do, and what becomes of the exceptions that they throw.
-#include "host/runtime_access.h"
+#include "host/runtime/runtime_access.h"
 
 #include "runtime_fixture.h"
 

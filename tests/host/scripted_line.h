@@ -2,7 +2,7 @@
 // A line in memory with stations of plain registers behind it, whose replies can be replaced.
 #pragma once
 
-#include "host/memory_line.h"
+#include "host/line/memory_line.h"
 
 #include <deque>
 #include <functional>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The serial line: exclusive use, lasting names, and an adapter that goes away.
-#include "host/port_list.h"
-#include "host/serial_line.h"
+#include "host/line/port_list.h"
+#include "host/line/serial_line.h"
 
 #include "pseudo_terminal.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A signal ends the loop, not the program: the stop goes out first.
-#include "host/stop_signal.h"
+#include "host/writes/stop_signal.h"
 
 #include "child_process.h"
 

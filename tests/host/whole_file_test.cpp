@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Files that are replaced as a whole or not at all.
-#include "host/parameter_set.h"
-#include "host/pcap_file.h"
-#include "host/whole_file.h"
+#include "host/base/whole_file.h"
+#include "host/parameters/parameter_set.h"
+#include "host/recording/pcap_file.h"
 
 #include "full_disk.h"
 

@@ -2,8 +2,8 @@
 // A host with the built plug-in on one end of a pseudo-terminal and a libmodbus slave on the other.
 #pragma once
 
-#include "host/cycle.h"
-#include "host/serial_line.h"
+#include "host/exchange/cycle.h"
+#include "host/line/serial_line.h"
 #include "modbus_peer.h"
 
 #include <gtest/gtest.h>

@@ -267,9 +267,10 @@ def explanations(tree):
 
 def stale_lines(tree, reasons):
     """Explanations whose line no longer stands in its file."""
+    paths = {os.path.basename(name): name for name in mutate.tracked_files()
+             if name.startswith(tree + "/")}
     for file, text, change in reasons:
-        path = os.path.join(ROOT, tree, file)
-        with open(path, encoding="utf-8") as stream:
+        with open(os.path.join(ROOT, paths.get(file, os.devnull)), encoding="utf-8") as stream:
             if text not in [line.strip() for line in stream]:
                 yield "%s: %s: %s" % (file, text, change)
 

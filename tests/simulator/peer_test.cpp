@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Peers that know nothing of this project: mbpoll as master, tshark as reader of a capture.
+#include "missing_tool.h"
 #include "served_line.h"
-#include "tests/shared/missing_tool.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// How far a scan has come, kept in a file between two runs.
+#pragma once
+
+#include "host/frames/modbus_limits.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QVector>
+
+#include <optional>
+
+namespace dx4::cli {
+
+struct ScanState {
+    int from = 1; ///< first station of the scan
+    int to = host::lastStation; ///< last station
+    int next = 1; ///< station to ask next; behind the last one when all were asked
+    QVector<int> found;
+};
+
+/// Reads the file. @return nothing when it cannot be read or holds something else
+std::optional<ScanState> loadScanState(const QString &file);
+
+/// The same from the file's content.
+std::optional<ScanState> parseScanState(const QByteArray &text);
+
+/// Whether a scan of these stations may go on where the state ends, and drop it when it is through:
+/// it passes no station over and leaves none of the state's unasked.
+bool goesOn(const ScanState &state, int from, int to);
+
+/// @param error  out: which file and why it could not be written
+bool saveScanState(const QString &file, const ScanState &state, QString *error);
+
+} // namespace dx4::cli

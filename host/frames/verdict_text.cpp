@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// Verdicts on replies in words.
+#include "host/frames/verdict_text.h"
+
+#include <QStringList>
+
+namespace dx4::host {
+
+QString exceptionName(int code)
+{
+    static const QStringList names {
+        QStringLiteral("function not known"),      QStringLiteral("register not there"),
+        QStringLiteral("value not allowed"),       QStringLiteral("device failed"),
+        QStringLiteral("accepted, takes a while"), QStringLiteral("device busy"),
+    };
+    return names.value(code - 1, QStringLiteral("a code of the device's own"));
+}
+
+QString verdictText(const ReplyVerdict &verdict)
+{
+    switch (verdict.cause) {
+    case ReplyCause::Good:
+        return QStringLiteral("it answers the request");
+    case ReplyCause::Silence:
+        return QStringLiteral("no reply");
+    case ReplyCause::Truncated:
+        return QStringLiteral("the reply is cut short");
+    case ReplyCause::BadCrc:
+        return QStringLiteral("the reply has a wrong CRC");
+    case ReplyCause::ForeignStation:
+        return QStringLiteral("another station replied");
+    case ReplyCause::WrongFunction:
+        return QStringLiteral("the reply is to another function");
+    case ReplyCause::WrongByteCount:
+        return QStringLiteral("the reply has another number of registers");
+    case ReplyCause::WrongEcho:
+        return QStringLiteral("the echo is of another write");
+    case ReplyCause::Exception:
+        return QStringLiteral("refused with exception %1, %2")
+            .arg(verdict.exceptionCode)
+            .arg(exceptionName(verdict.exceptionCode));
+    }
+    return QString();
+}
+
+QString notAskedText()
+{
+    return QStringLiteral("not asked, as the station is silent");
+}
+
+} // namespace dx4::host

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// What an open serial port is asked for beyond its settings.
+#include "host/line/port_claim.h"
+
+#include <linux/serial.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+
+namespace dx4::host {
+
+bool tellEmptyFromGone(int descriptor)
+{
+    termios settings {};
+    if (tcgetattr(descriptor, &settings) != 0)
+        return false;
+    settings.c_cc[VMIN] = 1;
+    return tcsetattr(descriptor, TCSANOW, &settings) == 0;
+}
+
+bool switchDirectionByKernel(int descriptor)
+{
+    serial_rs485 settings {};
+    settings.flags = SER_RS485_ENABLED | SER_RS485_RTS_ON_SEND;
+    return ioctl(descriptor, TIOCSRS485, &settings) == 0;
+}
+
+} // namespace dx4::host

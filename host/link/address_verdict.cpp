@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// The driver's verdicts on addresses in words.
+#include "host/link/address_verdict.h"
+
+#include "host/link/notation.h"
+#include "register_tables.h"
+#include "result_codes.h"
+
+namespace dx4::host {
+namespace {
+
+constexpr int indexesPerGroup = 256;
+
+QString outOfRange(const QString &regType, int address)
+{
+    const QString where = fullAddress(regType, address);
+    if (regType == REG_LIST[1]) {
+        return QStringLiteral("%1 is out of range; D reaches from 0 to 31 (0xD01F)").arg(where);
+    }
+    const int group = address / indexesPerGroup;
+    if (regType != REG_LIST[0] || address < 0 || group >= parameterGroupCount)
+        return QStringLiteral("%1 is out of range; %2 has address 0 alone").arg(where, regType);
+    const int first = group * indexesPerGroup;
+    return QStringLiteral("%1 is out of range; the group reaches from %2 to %3")
+        .arg(where, fullAddress(regType, first + REG_F_ADDRESS[group][0]),
+             fullAddress(regType, first + REG_F_ADDRESS[group][1]));
+}
+
+} // namespace
+
+QStringList registerTypeNames()
+{
+    QStringList names;
+    for (const QString &name : REG_LIST)
+        names.append(name);
+    return names;
+}
+
+QString addressVerdictText(int code, const QString &regType, int address)
+{
+    switch (code) {
+    case AddressAccepted:
+        return QStringLiteral("%1 is acceptable").arg(fullAddress(regType, address));
+    case AddressNotOffered:
+        return QStringLiteral("%1 is not offered").arg(regType);
+    case AddressOutOfRange:
+        return outOfRange(regType, address);
+    case AddressTypeUnknown:
+        return registerTypeNames().contains(regType)
+            ? QStringLiteral("no such group; groups are 0 to 9 and c")
+            : QStringLiteral("no register type \"%1\"; types are %2")
+                  .arg(regType, registerTypeNames().join(QStringLiteral(", ")));
+    case AddressReadOnly:
+        return QStringLiteral("%1 can only be read; F, CW and FRE can be written").arg(regType);
+    case AddressWriteOnly:
+        return QStringLiteral("%1 can only be written; F, D, SW and FU can be read").arg(regType);
+    case AddressTooLong:
+        return QStringLiteral("the address has too many characters");
+    default:
+        return QStringLiteral("not an address of type %1").arg(regType);
+    }
+}
+
+} // namespace dx4::host
