@@ -8,11 +8,11 @@ Usage: scripts/coverage.sh [--no-gate] [FOLDER...]
 
 Builds the preset coverage into build/coverage, runs the tests (black-box through the plug-in and
 white-box through the linked objects are counted together) and reports the lines and branches of src,
-host, simulator and capture that were reached, those of src that were missed one by one. HTML reports go
+wire, host, simulator and capture that were reached, those of src that were missed one by one. HTML reports go
 to build/coverage/report/FOLDER.html.
 
 The least that each folder must reach is in scripts/coverage_figures.txt. Where folders are named, those
-alone are measured; src alone takes half the time, as the tests of the others are left out.
+alone are measured; "src wire" takes half the time, as the tests of the others are left out.
 
 Left out of the count: branches that only the compiler adds for exceptions
 (--exclude-throw-branches), and branches that GCC marks as unreachable. The tool's own tests are not
@@ -33,10 +33,10 @@ if [ "${1:-}" = --no-gate ]; then
   shift
 fi
 folders=("$@")
-[ $# -gt 0 ] || folders=(src host simulator capture)
+[ $# -gt 0 ] || folders=(src wire host simulator capture)
 build=build/coverage
 areas=(api unit export model property soak)
-[ "${folders[*]}" = src ] || areas+=(host guard faults simulator integration)
+[ "${folders[*]}" = "src wire" ] || areas+=(host guard faults simulator integration)
 BUILD_TARGETS=$(printf 'tests/%s/all ' "${areas[@]}") scripts/build.sh coverage -DKORVANE_BUILD_TOOLS=ON
 find "$build" -name '*.gcda' -delete
 

@@ -2,6 +2,10 @@
 // Bytes of the line: frames, their CRC and their text form.
 #include "simulator/bytes.h"
 
+#include "wire/crc16.h"
+
+#include <algorithm>
+
 namespace dx4::sim {
 
 namespace {
@@ -23,13 +27,7 @@ int digitValue(char digit)
 
 std::uint16_t crcOf(const Bytes &bytes, std::size_t length)
 {
-    unsigned crc = 0xFFFF;
-    for (std::size_t i = 0; i < length && i < bytes.size(); ++i) {
-        crc ^= bytes[i];
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1U) ? (crc >> 1) ^ 0xA001U : crc >> 1;
-    }
-    return static_cast<std::uint16_t>(crc);
+    return crc16(bytes.data(), static_cast<int>(std::min(length, bytes.size())));
 }
 
 Bytes withCrc(Bytes payload)

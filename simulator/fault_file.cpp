@@ -6,6 +6,7 @@
 #include "simulator/frame_damage.h"
 #include "simulator/register_map.h"
 #include "simulator/text_file.h"
+#include "wire/limits.h"
 
 #include <toml++/toml.h>
 
@@ -152,7 +153,7 @@ bool readCondition(FaultRule &rule, const std::string &key, const toml::node &no
     else if (key == "registers")
         rule.registers = registersOf(node, key);
     else if (key == "station")
-        rule.station = smallIntegerOf(node, key, 0, 247);
+        rule.station = smallIntegerOf(node, key, 0, lastStation);
     else if (key == "from_ms")
         rule.from = timeOf(node, key);
     else if (key == "until_ms")

@@ -5,25 +5,12 @@
 #include "common/number_text.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cstdio>
 
 namespace dx4::sim {
 
 namespace {
-
-struct NamedRegister {
-    const char *name;
-    std::uint16_t address;
-};
-
-constexpr std::array<NamedRegister, 4> namedRegisters = { {
-    { "CW", controlWordRegister },
-    { "FRE", frequencyRegister },
-    { "SW", statusWordRegister },
-    { "FU", faultCodeRegister },
-} };
 
 std::string upperCase(std::string text)
 {
@@ -61,23 +48,18 @@ std::optional<std::uint16_t> parameterByName(const std::string &text)
 
 const std::vector<Band> &bands()
 {
-    static const std::vector<Band> table = {
-        // first, count, readable, writable
-        { controlWordRegister, 2, false, true }, // CW, FRE
-        { statusWordRegister, 2, true, false }, // SW, FU
-        { firstMonitorRegister, monitorCount, true, false }, // D
-        { 0xF000, 19, true, true }, // F group 0
-        { 0xF100, 19, true, true },
-        { 0xF200, 19, true, true },
-        { 0xF300, 17, true, true },
-        { 0xF400, 29, true, true },
-        { 0xF500, 27, true, true },
-        { 0xF600, 20, true, true },
-        { 0xF700, 9, true, true },
-        { 0xF800, 18, true, true },
-        { 0xF900, 12, true, true },
-        { 0xFC00, 14, true, true }, // F group c
-    };
+    static const std::vector<Band> table = [] {
+        std::vector<Band> made = {
+            // first, count, readable, writable
+            { controlWordRegister, 2, false, true }, // CW, FRE
+            { statusWordRegister, 2, true, false }, // SW, FU
+            { firstMonitorRegister, monitorCount, true, false }, // D
+        };
+        for (const ParameterGroupRow &group : parameterGroupRows)
+            made.push_back({ static_cast<std::uint16_t>(group.code * indexesPerGroup),
+                             static_cast<std::uint16_t>(group.highest + 1), true, true });
+        return made;
+    }();
     return table;
 }
 
@@ -91,9 +73,9 @@ const Band *bandOf(std::uint16_t address)
 std::optional<std::uint16_t> registerByName(const std::string &name)
 {
     const std::string text = upperCase(name);
-    for (const NamedRegister &named : namedRegisters) {
-        if (text == named.name)
-            return named.address;
+    for (const RegisterTypeRow &row : registerTypeRows) {
+        if (row.isSingle() && text == row.name)
+            return static_cast<std::uint16_t>(row.base);
     }
     if (text.rfind("0X", 0) == 0)
         return existing(common::parseRegisterValue("0x" + text.substr(2)));
@@ -110,9 +92,9 @@ std::optional<std::uint16_t> registerByName(const std::string &name)
 
 std::string registerName(std::uint16_t address)
 {
-    for (const NamedRegister &named : namedRegisters) {
-        if (address == named.address)
-            return named.name;
+    for (const RegisterTypeRow &row : registerTypeRows) {
+        if (row.isSingle() && address == row.base)
+            return row.name;
     }
     char text[16];
     if (!bandOf(address))

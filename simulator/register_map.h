@@ -2,6 +2,8 @@
 // Which Modbus registers the inverter has, and what may be done with them.
 #pragma once
 
+#include "register_types.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,11 +11,16 @@
 
 namespace dx4::sim {
 
-inline constexpr std::uint16_t controlWordRegister = 0x1001; // CW, write only
-inline constexpr std::uint16_t frequencyRegister = 0x1002; // FRE, write only, 0.01 Hz
-inline constexpr std::uint16_t statusWordRegister = 0x2000; // SW, read only
-inline constexpr std::uint16_t faultCodeRegister = 0x2001; // FU, read only
-inline constexpr std::uint16_t firstMonitorRegister = 0xD000; // D0
+inline constexpr std::uint16_t baseOf(RegisterType type)
+{
+    return static_cast<std::uint16_t>(registerTypeRows[type].base);
+}
+
+inline constexpr std::uint16_t controlWordRegister = baseOf(TypeCw); // write only
+inline constexpr std::uint16_t frequencyRegister = baseOf(TypeFre); // write only, 0.01 Hz
+inline constexpr std::uint16_t statusWordRegister = baseOf(TypeSw); // read only
+inline constexpr std::uint16_t faultCodeRegister = baseOf(TypeFu); // read only
+inline constexpr std::uint16_t firstMonitorRegister = baseOf(TypeD); // D0
 inline constexpr std::uint16_t monitorCount = 38; // D0 to D37
 
 /// A run of registers without a gap, all with the same access.

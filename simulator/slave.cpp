@@ -4,6 +4,7 @@
 
 #include "simulator/inverter.h"
 #include "simulator/register_map.h"
+#include "wire/limits.h"
 
 #include <modbus/modbus.h>
 
@@ -133,7 +134,7 @@ Slave::Slave(int station, Inverter &inverter)
     : m_station(station)
     , m_inverter(inverter)
 {
-    if (station < 1 || station > 247)
+    if (station < 1 || station > lastStation)
         throw std::invalid_argument("station " + std::to_string(station) + ": expected 1 to 247");
     m_line = std::make_unique<Line>();
     modbus_set_slave(m_line->context, station);

@@ -4,6 +4,7 @@
 
 #include "common/number_text.h"
 #include "simulator/text_file.h"
+#include "wire/limits.h"
 
 #include <algorithm>
 #include <sstream>
@@ -14,7 +15,6 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-constexpr int lastStation = 247;
 constexpr std::uint16_t firstParameter = 0xF000;
 const char *const form = "expected a line such as \"F 8.2 = 5\", \"D 4 = 101\" or \"station 1\"";
 

@@ -3,6 +3,7 @@
 #include "simulator/station_list.h"
 
 #include "common/number_text.h"
+#include "wire/limits.h"
 
 #include <algorithm>
 #include <optional>
@@ -11,7 +12,6 @@ namespace dx4::sim {
 
 namespace {
 
-constexpr int lastStation = 247;
 const char *const expected = "; stations are 1 to 247, such as 1,3-5";
 
 StationList wrong(const std::string &what)

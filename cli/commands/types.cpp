@@ -12,7 +12,6 @@
 namespace dx4::cli {
 namespace {
 
-constexpr int indexesPerGroup = 256;
 constexpr int everyType = 1;
 
 struct Options {
@@ -43,7 +42,7 @@ int lastAccepted(const host::DriverApi &api, const QString &regType, int first)
 QVector<QPair<int, int>> acceptedRuns(const host::DriverApi &api, const QString &regType)
 {
     QVector<QPair<int, int>> runs;
-    const int groups = regType == REG_LIST[0] ? parameterGroupCount : 1;
+    const int groups = regType == REG_LIST[TypeF] ? parameterGroupCount : 1;
     for (int group = 0; group < groups; ++group) {
         const int first = group * indexesPerGroup;
         runs.append({ first, lastAccepted(api, regType, first) });

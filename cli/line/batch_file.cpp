@@ -5,7 +5,7 @@
 #include "cli/console/nearest_word.h"
 #include "cli/line/writing.h"
 #include "host/base/number_text.h"
-#include "host/frames/modbus_limits.h"
+#include "wire/limits.h"
 
 #include <QRegularExpression>
 
@@ -94,7 +94,7 @@ private:
         step.kind = BatchStep::Kind::Stop;
         step.station =
             rest.isEmpty() ? m_options.station : host::parseWholeNumber(rest).value_or(0);
-        const bool isNone = step.station < 1 || step.station > host::lastStation;
+        const bool isNone = step.station < 1 || step.station > lastStation;
         if (isNone && !rest.isEmpty())
             return refuse(
                 QStringLiteral("no station \"%1\"; write 1 to 247, such as stop 2").arg(rest),

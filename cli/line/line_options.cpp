@@ -5,7 +5,7 @@
 #include "cli/line/driver_file.h"
 #include "cli/registers/target.h"
 #include "host/config/config.h"
-#include "host/frames/modbus_limits.h"
+#include "wire/limits.h"
 
 #include <QStandardPaths>
 
@@ -198,7 +198,7 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
                    { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
                      QStringLiteral("8E2"), QStringLiteral("8O1"), QStringLiteral("8O2") });
     command.number("--station", options.station,
-                   "of addresses that name none; else the file's, or 1", 1, host::lastStation,
+                   "of addresses that name none; else the file's, or 1", 1, lastStation,
                    &options.stationIsGiven);
     command.number("--timeout", options.timeout,
                    hasTimeout ? "ms until a reply must begin"
@@ -209,7 +209,7 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
                               : "repetitions of a failed request; else the file's, or 2",
                    0, 100);
     command.number("--block", options.block,
-                   "most registers of one request; else the file's, or 16", 1, host::largestBlock);
+                   "most registers of one request; else the file's, or 16", 1, largestBlock);
     command.flag("--shared", options.shared, "also where another program has the port open");
     command.flag("--json", options.json, "print one JSON object per line");
     addTraceOption(command, options.trace);

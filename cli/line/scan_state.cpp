@@ -16,7 +16,7 @@ namespace {
 
 bool isPossible(const ScanState &state)
 {
-    const bool placed = state.from >= 1 && state.from <= state.to && state.to <= host::lastStation
+    const bool placed = state.from >= 1 && state.from <= state.to && state.to <= lastStation
         && state.from <= state.next && state.next <= state.to + 1;
     return placed && std::all_of(state.found.cbegin(), state.found.cend(), [&](int station) {
                return station >= state.from && station < state.next;

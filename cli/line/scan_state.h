@@ -2,7 +2,7 @@
 // How far a scan has come, kept in a file between two runs.
 #pragma once
 
-#include "host/frames/modbus_limits.h"
+#include "wire/limits.h"
 
 #include <QByteArray>
 #include <QString>
@@ -14,7 +14,7 @@ namespace dx4::cli {
 
 struct ScanState {
     int from = 1; ///< first station of the scan
-    int to = host::lastStation; ///< last station
+    int to = lastStation; ///< last station
     int next = 1; ///< station to ask next; behind the last one when all were asked
     QVector<int> found;
 };

@@ -7,17 +7,15 @@
 #include "host/frames/verdict_text.h"
 #include "host/link/notation.h"
 #include "register_tables.h"
+#include "wire/crc16.h"
+#include "wire/function_code.h"
+#include "wire/register_place.h"
 
 namespace dx4::cli {
 namespace {
 
-constexpr int readFunction = 3;
-constexpr int writeOneFunction = 6;
-constexpr int writeFunction = 16;
-constexpr int exceptionBit = 0x80;
 constexpr int requestLength = 8;
 constexpr int shortestFrame = 5;
-constexpr int addressesToTry = parameterGroupCount * 256;
 
 int byteAt(const QByteArray &bytes, int position)
 {
@@ -31,23 +29,17 @@ int wordAt(const QByteArray &bytes, int position)
 
 unsigned crcOf(const QByteArray &bytes)
 {
-    unsigned crc = 0xFFFF;
-    for (const char byte : bytes) {
-        crc ^= static_cast<unsigned char>(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1U) ? (crc >> 1) ^ 0xA001U : crc >> 1;
-    }
-    return crc;
+    return crc16(reinterpret_cast<const unsigned char *>(bytes.constData()), host::lengthOf(bytes));
 }
 
 QString functionText(int function)
 {
     switch (function) {
-    case readFunction:
+    case ReadHoldingRegisters:
         return QStringLiteral("3, read registers");
-    case writeOneFunction:
+    case WriteSingleRegister:
         return QStringLiteral("6, write one register");
-    case writeFunction:
+    case WriteMultipleRegisters:
         return QStringLiteral("16, write registers");
     default:
         return QStringLiteral("%1, not used by this driver").arg(function);
@@ -79,7 +71,7 @@ public:
                      : functionText(m_text.function));
         if (refused)
             readException();
-        else if (m_text.function == readFunction)
+        else if (m_text.function == ReadHoldingRegisters)
             readReading();
         else
             readWriting();
@@ -154,8 +146,8 @@ private:
 
     void readWriting()
     {
-        const bool one = m_text.function == writeOneFunction;
-        if ((!one && m_text.function != writeFunction) || left() < 4)
+        const bool one = m_text.function == WriteSingleRegister;
+        if ((!one && m_text.function != WriteMultipleRegisters) || left() < 4)
             return;
         takeRegister();
         if (one) {
@@ -240,18 +232,13 @@ QString bytesText(const QByteArray &bytes)
 
 bool findRegister(int modbusRegister, QString *regType, int *address)
 {
-    for (const QString &name : REG_LIST) {
-        const bool isRow = name == REG_LIST[0] || name == REG_LIST[1];
-        for (int i = 0; i < (isRow ? addressesToTry : 1); ++i) {
-            const bool beyond = name == REG_LIST[1] && i > 37; // the catalogue's highest
-            if (beyond || host::modbusRegister(name, i) != modbusRegister)
-                continue;
-            *regType = name;
-            *address = i;
-            return true;
-        }
-    }
-    return false;
+    constexpr int lastMonitor = 37; // the catalogue's highest
+    const auto place = placeOf(modbusRegister);
+    if (!place || (place->type == TypeD && place->address > lastMonitor))
+        return false;
+    *regType = REG_LIST[place->type];
+    *address = place->address;
+    return true;
 }
 
 QString exceptionText(int code)

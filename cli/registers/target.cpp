@@ -5,10 +5,10 @@
 #include "cli/console/nearest_word.h"
 #include "cli/registers/frame_text.h"
 #include "host/base/number_text.h"
-#include "host/frames/modbus_limits.h"
 #include "host/link/address_range.h"
 #include "host/link/address_verdict.h"
 #include "host/link/notation.h"
+#include "wire/limits.h"
 
 #include <QRegularExpression>
 
@@ -49,7 +49,7 @@ std::optional<int> stationOf(const QString &written, const QString &part, const 
                              Failure *failure)
 {
     const int station = host::parseWholeNumber(written).value_or(usual.address);
-    if (station >= 1 && station <= host::lastStation)
+    if (station >= 1 && station <= lastStation)
         return station;
     const QString given = written.isEmpty() ? QString::number(station) : written;
     tell(failure,

@@ -4,8 +4,8 @@
 
 #include "host/base/whole_file.h"
 #include "host/config/config_table.h"
-#include "host/frames/modbus_limits.h"
 #include "host/link/address_range.h"
+#include "wire/limits.h"
 
 #include <QRegularExpression>
 #include <QSet>

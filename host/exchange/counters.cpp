@@ -3,6 +3,8 @@
 #include "host/exchange/counters.h"
 
 #include "host/link/notation.h"
+#include "register_tables.h"
+#include "wire/function_code.h"
 
 #include <QJsonArray>
 
@@ -12,7 +14,6 @@ namespace dx4::host {
 namespace {
 
 constexpr int functionByte = 1;
-constexpr unsigned char readFunction = 3;
 constexpr int probeBytes = 8;
 
 qint64 number(quint64 count)
@@ -91,7 +92,7 @@ QJsonArray turnaroundJson(const RequestCounts &counts)
 BlockKey blockOf(const FRAME_PRO &request)
 {
     return { request.var.station, request.var.regType, request.var.address, request.var.count,
-             request.frame[functionByte] != readFunction };
+             request.frame[functionByte] != ReadHoldingRegisters };
 }
 
 void RequestCounts::add(const RequestCounts &other)
@@ -197,10 +198,10 @@ void CounterSet::countEnd(const FRAME_PRO &request)
 void CounterSet::countProbe(int station, const ExchangeReport &report, Duration held)
 {
     FRAME_PRO probe;
-    probe.frame[functionByte] = readFunction;
+    probe.frame[functionByte] = ReadHoldingRegisters;
     probe.sendLength = probeBytes;
     probe.var.station = station;
-    probe.var.regType = QStringLiteral("SW");
+    probe.var.regType = REG_LIST[TypeSw];
     probe.var.count = 1;
     countExchange(probe, report, held);
 }

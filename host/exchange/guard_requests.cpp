@@ -4,8 +4,8 @@
 
 #include "host/frames/frame_finder.h"
 #include "host/frames/modbus_frame.h"
-#include "host/frames/modbus_limits.h"
 #include "register_tables.h"
+#include "wire/limits.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -13,15 +13,11 @@
 namespace dx4::host {
 namespace {
 
-constexpr int monitorType = 1; // in the table of types
-constexpr int controlWordType = 2;
-constexpr int statusWordType = 4;
 constexpr int shortRequest = 8; // bytes
 constexpr int valueByte = 4; // value or count of a request
 constexpr int headOfWriteMany = 7; // bytes ahead of the values
 constexpr int replyAroundData = 5; // station, function, byte count, CRC
 constexpr int mostMonitored = 16; // registers of "D" from the first, half of what the type has
-constexpr int mostReadable = 125; // registers, in a frame of 256 bytes
 
 FRAME_PRO requestOf(int station, int function, int registerAddress, int value)
 {
@@ -42,7 +38,7 @@ FRAME_PRO requestOf(int station, int function, int registerAddress, int value)
 
 FRAME_PRO readOf(int station, int registerAddress, int count)
 {
-    FRAME_PRO read = requestOf(station, readFunction, registerAddress, count);
+    FRAME_PRO read = requestOf(station, ReadHoldingRegisters, registerAddress, count);
     read.replyDataLength = 2 * count;
     read.replyLength = replyAroundData + read.replyDataLength;
     read.replyDataOffset = byteCountByte + 1;
@@ -65,13 +61,13 @@ bool isDegenerate(const FRAME_PRO &request)
 {
     const int value = wordAt(request, valueByte);
     switch (request.frame[functionByte]) {
-    case readFunction:
+    case ReadHoldingRegisters:
         return request.sendLength != shortRequest || !isWithin(value, mostReadable)
             || request.replyDataLength != 2 * value
             || request.replyLength != replyAroundData + 2 * value;
-    case writeOneFunction:
+    case WriteSingleRegister:
         return request.sendLength != shortRequest || request.replyLength != shortRequest;
-    case writeManyFunction:
+    case WriteMultipleRegisters:
         return !isWithin(value, largestBlock) || request.replyLength != shortRequest
             || request.sendLength != headOfWriteMany + 2 * value + crcBytes;
     default:
@@ -81,12 +77,12 @@ bool isDegenerate(const FRAME_PRO &request)
 
 FRAME_PRO statusWordRead(int station)
 {
-    return readOf(station, REG_OFFSETADDR[statusWordType], 1);
+    return readOf(station, REG_OFFSETADDR[TypeSw], 1);
 }
 
 FRAME_PRO controlWordBroadcast(quint16 controlWord)
 {
-    return requestOf(0, writeOneFunction, REG_OFFSETADDR[controlWordType], controlWord);
+    return requestOf(0, WriteSingleRegister, REG_OFFSETADDR[TypeCw], controlWord);
 }
 
 QVector<FRAME_PRO> readsOfManyLengths(const FRAME_PRO &request)
@@ -94,11 +90,11 @@ QVector<FRAME_PRO> readsOfManyLengths(const FRAME_PRO &request)
     const int station = request.frame[stationByte];
     QVector<FRAME_PRO> reads { statusWordRead(station) };
     const int count = wordAt(request, valueByte);
-    if (request.frame[functionByte] == readFunction && count > 1)
+    if (request.frame[functionByte] == ReadHoldingRegisters && count > 1)
         reads.append(readOf(station, wordAt(request, 2), count - 1));
-    reads.append(readOf(station, REG_OFFSETADDR[statusWordType], 2)); // and the fault code
+    reads.append(readOf(station, REG_OFFSETADDR[TypeSw], 2)); // and the fault code
     for (int monitored = 3; monitored <= mostMonitored; ++monitored)
-        reads.append(readOf(station, REG_OFFSETADDR[monitorType], monitored));
+        reads.append(readOf(station, REG_OFFSETADDR[TypeD], monitored));
     return reads;
 }
 

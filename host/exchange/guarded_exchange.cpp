@@ -419,7 +419,7 @@ bool GuardedExchange::takeFrame(const FRAME_PRO *request, const FrameFinder::Fou
 /// A copy of a single write may be its reply and tells nothing of the adapter.
 void GuardedExchange::noteEcho(const QByteArray &copy)
 {
-    if (byteAt(copy, functionByte) == writeOneFunction)
+    if (byteAt(copy, functionByte) == WriteSingleRegister)
         return;
     if (m_echo.state() == AdapterEcho::State::Absent)
         m_owed.expectEchoes();

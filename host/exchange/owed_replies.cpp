@@ -23,7 +23,7 @@ bool looksAlike(const QByteArray &a, int lengthOfA, const QByteArray &b, int len
 {
     if (byteAt(a, functionByte) != byteAt(b, functionByte) || lengthOfA != lengthOfB)
         return false;
-    return byteAt(a, functionByte) == readFunction || beginsEqual(a, b);
+    return byteAt(a, functionByte) == ReadHoldingRegisters || beginsEqual(a, b);
 }
 
 } // namespace
@@ -44,7 +44,7 @@ void OwedReplies::noteSent(const FRAME_PRO &request, bool mayEcho, Duration end)
         entry.replyLength = request.replyLength;
         entry.dataLength = request.replyDataLength;
         entry.tag = request.var.varKind;
-        entry.isWrite = request.frame[functionByte] != readFunction;
+        entry.isWrite = request.frame[functionByte] != ReadHoldingRegisters;
         entry.firstOrder = m_order;
         entries.push_back(entry);
     }
@@ -73,8 +73,8 @@ bool OwedReplies::answers(const Entry &entry, const QByteArray &frame)
         return frame.size() == exceptionLength;
     if (byteAt(frame, functionByte) != function || frame.size() != entry.replyLength)
         return false;
-    return function == readFunction ? byteAt(frame, byteCountByte) == entry.dataLength
-                                    : beginsEqual(frame, entry.request);
+    return function == ReadHoldingRegisters ? byteAt(frame, byteCountByte) == entry.dataLength
+                                            : beginsEqual(frame, entry.request);
 }
 
 /// Whether a reply to this entry says what one to the request in hand would: it is the same
@@ -129,7 +129,7 @@ std::optional<OwedReplies::Claim> OwedReplies::takeEcho(const QByteArray &frame)
     const auto found = m_stations.find(byteAt(frame, stationByte));
     if (found == m_stations.end())
         return std::nullopt;
-    const bool isLikeReply = byteAt(frame, functionByte) == writeOneFunction;
+    const bool isLikeReply = byteAt(frame, functionByte) == WriteSingleRegister;
     for (Entry &entry : found->second) {
         if (entry.request != frame || (isLikeReply && entry.echoes == 0))
             continue;

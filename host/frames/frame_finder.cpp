@@ -3,6 +3,7 @@
 #include "host/frames/frame_finder.h"
 
 #include "host/frames/modbus_frame.h"
+#include "wire/crc16.h"
 
 #include <algorithm>
 #include <utility>
@@ -77,8 +78,10 @@ bool FrameFinder::announcesLength(const Place &place) const
         return place.start + position < m_bytes.size()
             && byteAt(m_bytes, place.start + position) == number;
     };
-    return (holds(functionByte, readFunction) && holds(byteCountByte, length - aroundReadData))
-        || (holds(functionByte, writeManyFunction) && holds(valueCountByte, length - aroundValues));
+    return (holds(functionByte, ReadHoldingRegisters)
+            && holds(byteCountByte, length - aroundReadData))
+        || (holds(functionByte, WriteMultipleRegisters)
+            && holds(valueCountByte, length - aroundValues));
 }
 
 int FrameFinder::missing() const
@@ -109,13 +112,8 @@ void FrameFinder::lookAgain()
 
 unsigned crcOf(const QByteArray &frame)
 {
-    unsigned crc = 0xFFFF;
-    for (int i = 0; i < frame.size() - crcBytes; ++i) {
-        crc ^= static_cast<unsigned>(byteAt(frame, i));
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1U) ? (crc >> 1) ^ 0xA001U : crc >> 1;
-    }
-    return crc;
+    return crc16(reinterpret_cast<const unsigned char *>(frame.constData()),
+                 lengthOf(frame) - crcBytes);
 }
 
 bool crcIsRight(const QByteArray &frame)

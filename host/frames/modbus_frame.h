@@ -4,6 +4,7 @@
 
 #include "host/base/length.h"
 #include "host_records.h"
+#include "wire/function_code.h"
 
 #include <QByteArray>
 
@@ -13,18 +14,12 @@ inline constexpr int stationByte = 0;
 inline constexpr int functionByte = 1;
 inline constexpr int byteCountByte = 2; ///< of a read reply
 inline constexpr int exceptionCodeByte = 2;
-inline constexpr int crcBytes = 2;
 
 /// Station, function, address, value or count: what the reply of a write repeats.
 inline constexpr int echoedBytes = 6;
 
 /// The shortest reply: station, function, code, CRC.
 inline constexpr int exceptionLength = 5;
-
-inline constexpr int readFunction = 3;
-inline constexpr int writeOneFunction = 6;
-inline constexpr int writeManyFunction = 16;
-inline constexpr int exceptionBit = 0x80; ///< set in the function of a refusal
 
 /// A byte as a number from 0 to 255.
 inline int byteAt(const QByteArray &bytes, int position)
@@ -41,7 +36,7 @@ inline QByteArray bytesOf(const FRAME_PRO &request)
 /// Whether the reply equals the request, as an adapter's echo does.
 inline bool repliesLikeEcho(const FRAME_PRO &request)
 {
-    return request.frame[functionByte] == writeOneFunction;
+    return request.frame[functionByte] == WriteSingleRegister;
 }
 
 } // namespace dx4::host

@@ -22,7 +22,7 @@ ReplyCause checkPayload(const FRAME_PRO &request, const QByteArray &reply)
 {
     if (byteAt(reply, functionByte) != request.frame[functionByte])
         return ReplyCause::WrongFunction;
-    if (request.frame[functionByte] == readFunction) {
+    if (request.frame[functionByte] == ReadHoldingRegisters) {
         const int announced = static_cast<int>(byteAt(reply, byteCountByte));
         const bool fits =
             announced == request.replyDataLength && reply.size() == request.replyLength;

@@ -2,18 +2,13 @@
 // Verdicts on replies in words.
 #include "host/frames/verdict_text.h"
 
-#include <QStringList>
+#include "wire/exception_name.h"
 
 namespace dx4::host {
 
 QString exceptionName(int code)
 {
-    static const QStringList names {
-        QStringLiteral("function not known"),      QStringLiteral("register not there"),
-        QStringLiteral("value not allowed"),       QStringLiteral("device failed"),
-        QStringLiteral("accepted, takes a while"), QStringLiteral("device busy"),
-    };
-    return names.value(code - 1, QStringLiteral("a code of the device's own"));
+    return QString::fromLatin1(dx4::exceptionName(code));
 }
 
 QString verdictText(const ReplyVerdict &verdict)

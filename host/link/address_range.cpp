@@ -28,7 +28,7 @@ std::optional<Ends> parseEnds(const QString &regType, const QString &text)
         QStringLiteral("^([0-9cC])\\.([0-9]{1,2})(?:\\s*-\\s*(?:([0-9cC])\\.)?([0-9]{1,2}))?$"));
     static const QRegularExpression numbers(
         QStringLiteral("^()([0-9]{1,2})(?:\\s*-\\s*()([0-9]{1,2}))?$"));
-    const auto match = (regType == REG_LIST[0] ? parameters : numbers).match(text);
+    const auto match = (regType == REG_LIST[TypeF] ? parameters : numbers).match(text);
     if (!match.hasMatch())
         return std::nullopt;
     Ends ends;
@@ -46,9 +46,9 @@ bool isKnown(const QString &regType)
 
 QString formatHint(const QString &regType)
 {
-    if (regType == REG_LIST[0])
+    if (regType == REG_LIST[TypeF])
         return QStringLiteral("\"F 8.2\" or \"F 8.2-8.5\", with groups 0 to 9 and c");
-    if (regType == REG_LIST[1])
+    if (regType == REG_LIST[TypeD])
         return QStringLiteral("\"D 4\" or \"D 0-9\"");
     return QStringLiteral("\"%1\"").arg(regType);
 }
@@ -73,7 +73,7 @@ std::optional<AddressRange> parseRange(const QString &text, QString *error)
             error);
     }
 
-    const bool isSingle = regType != REG_LIST[0] && regType != REG_LIST[1];
+    const bool isSingle = regType != REG_LIST[TypeF] && regType != REG_LIST[TypeD];
     const auto ends = parseEnds(regType, isSingle && rest.isEmpty() ? QStringLiteral("0") : rest);
     if (!ends)
         return refuse(QStringLiteral("not an address; write %1").arg(formatHint(regType)), error);

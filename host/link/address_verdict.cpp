@@ -9,21 +9,35 @@
 namespace dx4::host {
 namespace {
 
-constexpr int indexesPerGroup = 256;
-
 QString outOfRange(const QString &regType, int address)
 {
     const QString where = fullAddress(regType, address);
-    if (regType == REG_LIST[1]) {
-        return QStringLiteral("%1 is out of range; D reaches from 0 to 31 (0xD01F)").arg(where);
+    if (regType == REG_LIST[TypeD]) {
+        const int last = registerTypeRows[TypeD].registers - 1;
+        return QStringLiteral("%1 is out of range; D reaches from 0 to %2 (0x%3)")
+            .arg(where)
+            .arg(last)
+            .arg(QString::number(modbusRegister(regType, last), 16).toUpper());
     }
     const int group = address / indexesPerGroup;
-    if (regType != REG_LIST[0] || address < 0 || group >= parameterGroupCount)
+    if (regType != REG_LIST[TypeF] || address < 0 || group >= parameterGroupCount)
         return QStringLiteral("%1 is out of range; %2 has address 0 alone").arg(where, regType);
     const int first = group * indexesPerGroup;
     return QStringLiteral("%1 is out of range; the group reaches from %2 to %3")
         .arg(where, fullAddress(regType, first + REG_F_ADDRESS[group][0]),
              fullAddress(regType, first + REG_F_ADDRESS[group][1]));
+}
+
+/// "F, CW and FRE", the types with this right.
+QString typesThatAre(bool RegisterTypeRow::*right)
+{
+    QStringList names;
+    for (const RegisterTypeRow &row : registerTypeRows) {
+        if (row.*right)
+            names.append(QString::fromLatin1(row.name));
+    }
+    const QString last = names.takeLast();
+    return QStringLiteral("%1 and %2").arg(names.join(QStringLiteral(", ")), last);
 }
 
 } // namespace
@@ -51,9 +65,11 @@ QString addressVerdictText(int code, const QString &regType, int address)
             : QStringLiteral("no register type \"%1\"; types are %2")
                   .arg(regType, registerTypeNames().join(QStringLiteral(", ")));
     case AddressReadOnly:
-        return QStringLiteral("%1 can only be read; F, CW and FRE can be written").arg(regType);
+        return QStringLiteral("%1 can only be read; %2 can be written")
+            .arg(regType, typesThatAre(&RegisterTypeRow::isWritable));
     case AddressWriteOnly:
-        return QStringLiteral("%1 can only be written; F, D, SW and FU can be read").arg(regType);
+        return QStringLiteral("%1 can only be written; %2 can be read")
+            .arg(regType, typesThatAre(&RegisterTypeRow::isReadable));
     case AddressTooLong:
         return QStringLiteral("the address has too many characters");
     default:

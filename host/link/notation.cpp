@@ -3,26 +3,25 @@
 #include "host/link/notation.h"
 
 #include "register_tables.h"
+#include "wire/register_place.h"
 
 namespace dx4::host {
 namespace {
 
-constexpr int groupC = 10;
-constexpr int indexesPerGroup = 256;
-
-int parameterRegister(int address)
+RegisterType typeOf(const QString &name)
 {
-    const int group = address / indexesPerGroup;
-    if (address < 0 || group >= parameterGroupCount)
-        return -1;
-    return REG_F_OFFSETADDR[group] * indexesPerGroup + address % indexesPerGroup;
+    for (int type = 0; type < registerTypeCount; ++type) {
+        if (name == REG_LIST[type])
+            return static_cast<RegisterType>(type);
+    }
+    return UnknownType;
 }
 
 } // namespace
 
 QString addressText(const QString &regType, int address)
 {
-    if (regType != REG_LIST[0])
+    if (regType != REG_LIST[TypeF])
         return QString::number(address);
     const int group = address / indexesPerGroup;
     return QStringLiteral("%1.%2")
@@ -32,13 +31,7 @@ QString addressText(const QString &regType, int address)
 
 int modbusRegister(const QString &regType, int address)
 {
-    if (regType == REG_LIST[0])
-        return parameterRegister(address);
-    for (int type = 1; type < registerTypeCount; ++type) {
-        if (regType == REG_LIST[type])
-            return REG_OFFSETADDR[type] + address;
-    }
-    return -1;
+    return dx4::modbusRegister(typeOf(regType), address);
 }
 
 QString fullAddress(const QString &regType, int address)

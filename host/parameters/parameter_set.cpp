@@ -4,9 +4,9 @@
 
 #include "host/base/number_text.h"
 #include "host/base/whole_file.h"
-#include "host/frames/modbus_limits.h"
 #include "host/link/notation.h"
 #include "register_tables.h"
+#include "wire/limits.h"
 
 #include <QRegularExpression>
 
@@ -14,9 +14,6 @@
 
 namespace dx4::host {
 namespace {
-
-constexpr int indexesPerGroup = 256;
-constexpr int groupC = 10;
 
 QString nameOf(int address)
 {

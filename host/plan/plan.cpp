@@ -2,10 +2,11 @@
 // From the registers that a user wants to the addresses that may safely be handed to the driver.
 #include "host/plan/plan.h"
 
-#include "host/frames/modbus_limits.h"
 #include "host/link/address_range.h"
 #include "host/link/address_verdict.h"
 #include "host/link/notation.h"
+#include "register_tables.h"
+#include "wire/limits.h"
 
 #include <algorithm>
 #include <iterator>
@@ -125,8 +126,8 @@ std::optional<Plan> Planner::tryOut(const QVector<Register> &wantedRegisters, bo
 {
     QVector<Register> registers = wantedRegisters;
     for (int i = 0; withSeparators && i < wantedRegisters.size(); ++i) {
-        registers.append({ wantedRegisters.at(i).station, QStringLiteral("SW"), 0 });
-        registers.append({ wantedRegisters.at(i).station, QStringLiteral("FU"), 0 });
+        registers.append({ wantedRegisters.at(i).station, REG_LIST[TypeSw], 0 });
+        registers.append({ wantedRegisters.at(i).station, REG_LIST[TypeFu], 0 });
     }
     sortUnique(registers);
 

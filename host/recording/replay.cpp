@@ -4,6 +4,8 @@
 
 #include "host/base/length.h"
 #include "register_tables.h"
+#include "wire/function_code.h"
+#include "wire/register_place.h"
 
 #include <algorithm>
 #include <optional>
@@ -11,12 +13,8 @@
 namespace dx4::host {
 namespace {
 
-constexpr int readFunction = 3;
-constexpr int writeOneFunction = 6;
-constexpr int writeManyFunction = 16;
 constexpr int requestBytes = 8;
 constexpr int writeManyDataOffset = 7;
-constexpr int indexesPerGroup = 256;
 
 /// A request taken apart.
 struct Request {
@@ -41,23 +39,12 @@ int wordAt(const QByteArray &frame, int offset)
 /// Finds type and internal address of a Modbus register; false for one that no type has.
 bool locate(int modbusAddress, Request &request)
 {
-    for (int type = registerTypeCount - 1; type > 0; --type) {
-        const int address = modbusAddress - REG_OFFSETADDR[type];
-        const bool isMonitor = type == 1;
-        if (address < 0 || address >= (isMonitor ? indexesPerGroup : 1))
-            continue;
-        request.regType = REG_LIST[type];
-        request.address = address;
-        return true;
-    }
-    for (int group = 0; group < parameterGroupCount; ++group) {
-        if (REG_F_OFFSETADDR[group] != modbusAddress / indexesPerGroup)
-            continue;
-        request.regType = REG_LIST[0];
-        request.address = group * indexesPerGroup + modbusAddress % indexesPerGroup;
-        return true;
-    }
-    return false;
+    const auto place = placeOf(modbusAddress);
+    if (!place)
+        return false;
+    request.regType = REG_LIST[place->type];
+    request.address = place->address;
+    return true;
 }
 
 std::optional<Request> parse(const QByteArray &frame)
@@ -70,13 +57,13 @@ std::optional<Request> parse(const QByteArray &frame)
     if (!locate(wordAt(frame, 2), request))
         return std::nullopt;
     switch (request.function) {
-    case readFunction:
+    case ReadHoldingRegisters:
         request.count = wordAt(frame, 4);
         return request;
-    case writeOneFunction:
+    case WriteSingleRegister:
         request.values = { static_cast<quint16>(wordAt(frame, 4)) };
         return request;
-    case writeManyFunction:
+    case WriteMultipleRegisters:
         request.count = wordAt(frame, 4);
         if (frame.size() != writeManyDataOffset + 2 * request.count + 2)
             return std::nullopt;
@@ -104,7 +91,7 @@ bool isCyclic(const Link &link, const ReplayLine &line, const Request &request)
         return false;
     const auto following = parse(line.requestAfterNext());
     const bool outOfTurn = !names(rotation.constFirst(), request) && following
-        && following->function == readFunction && names(rotation.constFirst(), *following);
+        && following->function == ReadHoldingRegisters && names(rotation.constFirst(), *following);
     return !outOfTurn && std::any_of(rotation.begin(), rotation.end(), [&](const VARIABLE &block) {
         return names(block, request);
     });
@@ -116,7 +103,7 @@ void bringAbout(Link &link, const ReplayLine &line, const Request &request)
     const bool inProgress = link.waitingWrites() > 0 || link.waitingConditionReads() > 0;
     if (inProgress)
         return;
-    if (request.function != readFunction)
+    if (request.function != ReadHoldingRegisters)
         link.write(request.station, request.regType, request.address, request.values);
     else if (!isCyclic(link, line, request))
         link.addConditionRead(request.station, request.regType, request.address, request.count);

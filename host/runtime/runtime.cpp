@@ -3,6 +3,7 @@
 #include "host/runtime/runtime.h"
 
 #include "host/base/length.h"
+#include "register_tables.h"
 
 #include <algorithm>
 #include <thread>
@@ -89,7 +90,7 @@ void Runtime::applyPlan()
 
 bool Runtime::isStop(const WriteWish &wish) const
 {
-    return wish.regType == QLatin1String("CW") && m_stop.isStop(wish.station, wish.values);
+    return wish.regType == REG_LIST[TypeCw] && m_stop.isStop(wish.station, wish.values);
 }
 
 bool Runtime::mayBeWritten(int station) const
@@ -99,7 +100,7 @@ bool Runtime::mayBeWritten(int station) const
 
 Refusal Runtime::gate(const WriteWish &wish) const
 {
-    const bool isCommand = wish.regType == QLatin1String("CW");
+    const bool isCommand = wish.regType == REG_LIST[TypeCw];
     const bool stops = isStop(wish);
     // A station that a reload took out of the plant keeps a stop that it still owes.
     if (!stops && !mayBeWritten(wish.station))

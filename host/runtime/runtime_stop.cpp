@@ -2,7 +2,9 @@
 // The parts of a runtime that stop the drives and look after stations that do not answer.
 #include "host/runtime/runtime.h"
 
+#include "register_tables.h"
 #include "result_codes.h"
+#include "wire/function_code.h"
 
 #include <QStringList>
 
@@ -12,7 +14,6 @@ namespace dx4::host {
 namespace {
 
 constexpr int functionByte = 1;
-constexpr unsigned char writeOneFunction = 6;
 
 QString noStopsText()
 {
@@ -30,8 +31,8 @@ QString stationList(const QVector<int> &stations)
 /// The value of a "CW" that a request writes.
 std::optional<quint16> commandOf(const FRAME_PRO &request)
 {
-    const bool isCommand = request.var.regType == QLatin1String("CW")
-        && request.frame[functionByte] == writeOneFunction;
+    const bool isCommand = request.var.regType == REG_LIST[TypeCw]
+        && request.frame[functionByte] == WriteSingleRegister;
     if (!isCommand)
         return std::nullopt;
     return static_cast<quint16>(request.var.data[0] + 256 * request.var.data[1]);

@@ -4,6 +4,8 @@
 
 #include "host/base/length.h"
 #include "host/exchange/breaker.h"
+#include "register_tables.h"
+#include "wire/function_code.h"
 
 #include <algorithm>
 #include <tuple>
@@ -19,12 +21,6 @@ constexpr Duration withheldDelay = std::chrono::milliseconds(20);
 constexpr Duration turnaround = std::chrono::milliseconds(100);
 
 constexpr int functionByte = 1;
-constexpr unsigned char writeOneFunction = 6;
-
-QString controlWordType()
-{
-    return QStringLiteral("CW");
-}
 
 /// The value that a write carries.
 std::optional<quint16> wordIn(const FRAME_PRO &request)
@@ -277,7 +273,7 @@ void SafeStop::queue(int station)
 {
     const std::optional<quint16> word = wordOf(station);
     if (word && !isQueued())
-        m_link.write(station, controlWordType(), 0, { *word }, safeStopTag);
+        m_link.write(station, REG_LIST[TypeCw], 0, { *word }, safeStopTag);
 }
 
 void SafeStop::repeat(int station)
@@ -302,8 +298,8 @@ void SafeStop::afterStep(const Cycle &cycle, Cycle::Step step, const ExchangeRep
 {
     const FRAME_PRO &request = cycle.request();
     const int station = request.var.station;
-    const bool isStopWrite = request.frame[functionByte] == writeOneFunction
-        && request.var.regType == controlWordType() && wordIn(request) == wordOf(station);
+    const bool isStopWrite = request.frame[functionByte] == WriteSingleRegister
+        && request.var.regType == REG_LIST[TypeCw] && wordIn(request) == wordOf(station);
     if (isStopWrite && step == Cycle::Step::Served) {
         m_pending.erase(station);
         m_unconfirmed.erase(station);

@@ -3,10 +3,11 @@
 #include "host/writes/write_desk.h"
 
 #include "host/base/length.h"
-#include "host/frames/modbus_limits.h"
 #include "host/frames/verdict_text.h"
 #include "host/link/notation.h"
 #include "register_tables.h"
+#include "wire/function_code.h"
+#include "wire/limits.h"
 
 #include <algorithm>
 
@@ -19,12 +20,11 @@ constexpr int firstId = 1000; // above every tag that a host or the driver itsel
 constexpr int mostWaiting = 512; // of all stations together
 constexpr int ownShare = 16; // of a station, whatever waits for the others
 constexpr int functionByte = 1;
-constexpr unsigned char readFunction = 3;
 constexpr int firstDataByte = 3;
 
 bool isParameter(const WriteWish &wish)
 {
-    return wish.regType == REG_LIST[0];
+    return wish.regType == REG_LIST[TypeF];
 }
 
 /// Values in a read reply that was found good.
@@ -172,7 +172,7 @@ void WriteDesk::afterStep(const Cycle &cycle, Cycle::Step step, const ReplyVerdi
 {
     const FRAME_PRO &request = cycle.request();
     QueuedWrite *const write = m_queue.find(m_asked);
-    const bool isRead = request.frame[functionByte] == readFunction;
+    const bool isRead = request.frame[functionByte] == ReadHoldingRegisters;
     const bool isOurs =
         write && request.var.varKind == write->id && isRead == (write->next != Request::Send);
     if (isOurs)

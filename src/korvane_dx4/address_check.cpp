@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Checks of addresses typed in the host's editor.
 #include "driver_api.h"
-#include "korvane_dx4/address_text.h"
-#include "wire/register_type.h"
+#include "registers/address_text.h"
+#include "registers/register_type.h"
 
 #include <QStringList>
+
+#include <cstring>
 
 using namespace dx4;
 
 namespace {
 
-constexpr int monitorValues = 32; // D 0 to 31 can be read
 constexpr int notOffered = 0; // typeFlag
 constexpr int noSubIndex = -1;
 
@@ -23,7 +24,7 @@ qint64 endOf(int address, int count)
 // Deliberate: a group that has no row is accepted.
 AddressCheck checkParameterRange(int address, int count)
 {
-    const int group = address / 256;
+    const int group = address / indexesPerGroup;
     if (group < 0 || group >= parameterGroupCount)
         return AddressAccepted;
     const int lowest = packedAddress(group, REG_F_ADDRESS[group][0]);
@@ -53,31 +54,17 @@ AddressCheck checkText(RegisterType type, const QString &text, int *address, int
 {
     int unwanted = 0;
     int &converted = address ? *address : unwanted;
-    switch (type) {
-    case TypeF:
-        return checkParameter(text, converted, count);
-    case TypeD:
-        return checkNumber(text, converted, count, monitorValues);
-    case TypeCw:
-    case TypeSw:
-    case TypeFre:
-    case TypeFu:
-        return checkNumber(text, converted, count, 1);
-    default:
+    const RegisterTypeRow *row = rowOf(type);
+    if (!row)
         return AddressTypeUnknown;
-    }
+    return type == TypeF ? checkParameter(text, converted, count)
+                         : checkNumber(text, converted, count, row->registers);
 }
 
-int longestText(RegisterType type)
+// As long as the type's format; a single digit where there is no type.
+std::size_t longestText(const RegisterTypeRow *row)
 {
-    switch (type) {
-    case TypeF:
-        return 4; // "h.dd"
-    case TypeD:
-        return 2; // "dd"
-    default:
-        return 1; // "d"
-    }
+    return row ? std::strlen(row->format) : 1;
 }
 
 // The drive has no groups a and b. Read as hexadecimal digits, a would be the number of group c and
@@ -89,15 +76,13 @@ bool namesMissingGroup(const QString &text)
         || group == QLatin1String("B");
 }
 
-AddressCheck checkAccess(RegisterType type, int accessMode)
+AddressCheck checkAccess(const RegisterTypeRow &row, int accessMode)
 {
     const bool reads = accessMode == ReadAccess || accessMode == ReadWriteAccess;
     const bool writes = accessMode == WriteAccess || accessMode == ReadWriteAccess;
-    const bool isReadOnly = type == TypeD || type == TypeFu || type == TypeSw;
-    const bool isWriteOnly = type == TypeCw || type == TypeFre;
-    if (isReadOnly && writes)
+    if (!row.isWritable && writes)
         return AddressReadOnly;
-    if (isWriteOnly && reads)
+    if (!row.isReadable && reads)
         return AddressWriteOnly;
     return AddressAccepted;
 }
@@ -120,13 +105,14 @@ int intf_checkAddr(QString regType, QString addrText, int *address, int subIndex
                    int accessMode)
 {
     const RegisterType type = registerType(regType);
-    if (type != UnknownType && subIndex == noSubIndex)
+    const RegisterTypeRow *row = rowOf(type);
+    if (row && subIndex == noSubIndex)
         return AddressNotOffered;
-    if (addrText.size() > longestText(type))
+    if (static_cast<std::size_t>(addrText.size()) > longestText(row))
         return AddressTooLong;
     if (type == TypeF && namesMissingGroup(addrText))
         return AddressTypeUnknown;
-    const AddressCheck access = checkAccess(type, accessMode);
+    const AddressCheck access = row ? checkAccess(*row, accessMode) : AddressAccepted;
     if (access != AddressAccepted)
         return access;
     return checkText(type, addrText, address, count);

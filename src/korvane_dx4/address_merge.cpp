@@ -3,9 +3,9 @@
 #include "korvane_dx4/address_merge.h"
 
 #include "driver_api.h"
+#include "frames/record_copy.h"
 #include "korvane_dx4/data_areas.h"
-#include "korvane_dx4/record_copy.h"
-#include "wire/register_type.h"
+#include "registers/register_type.h"
 #include "wire/wrap.h"
 
 #include <algorithm>

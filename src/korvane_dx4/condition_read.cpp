@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // One-off reads that a screen or an alarm needs now.
 #include "driver_api.h"
-#include "korvane_dx4/record_copy.h"
+#include "frames/record_copy.h"
 #include "korvane_dx4/request_list.h"
-#include "wire/register_type.h"
+#include "registers/register_type.h"
 
 #include <cstring>
 

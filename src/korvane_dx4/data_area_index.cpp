@@ -2,7 +2,7 @@
 // Finds the record of a register in driver.dataAreas at a cost that does not grow with the cache.
 #include "korvane_dx4/data_area_index.h"
 
-#include "korvane_dx4/record_copy.h"
+#include "frames/record_copy.h"
 
 namespace dx4 {
 namespace {

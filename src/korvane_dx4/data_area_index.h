@@ -4,7 +4,7 @@
 
 #include "host_records.h"
 #include "korvane_dx4.h"
-#include "wire/register_type.h"
+#include "registers/register_type.h"
 #include "wire/wrap.h"
 
 #include <QList>

@@ -3,7 +3,7 @@
 #include "korvane_dx4/error_text.h"
 
 #include "korvane_dx4.h"
-#include "wire/register_type.h"
+#include "registers/register_type.h"
 
 #include <array>
 #include <charconv>

@@ -7,15 +7,15 @@
 #include "korvane_dx4/frame_select.h"
 
 #include "readframe/readframe.h"
-#include "wire/register_type.h"
+#include "registers/register_type.h"
 #include "writeframe/writeframe.h"
 
 using namespace dx4;
 
 void getReadFrame(VARIABLE &var)
 {
-    const RegisterType type = registerType(var.regType);
-    if (type == TypeFu || type == TypeSw)
+    const RegisterTypeRow *row = rowOf(registerType(var.regType));
+    if (row && row->isSingle() && row->isReadable)
         readframe_oneword(var);
     else
         readframe_word(var);
@@ -23,8 +23,8 @@ void getReadFrame(VARIABLE &var)
 
 void getWriteFrame(VARIABLE &var)
 {
-    const RegisterType type = registerType(var.regType);
-    if (type == TypeCw || type == TypeFre)
+    const RegisterTypeRow *row = rowOf(registerType(var.regType));
+    if (row && row->isSingle() && row->isWritable)
         writeframe_oneword(var);
     else
         writeframe_word(var);

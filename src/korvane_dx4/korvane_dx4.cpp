@@ -3,8 +3,8 @@
 #include "korvane_dx4.h"
 
 #include "driver_api.h"
+#include "frames/frame_queue.h"
 #include "korvane_dx4/data_area_index.h"
-#include "korvane_dx4/frame_queue.h"
 #include "wire/wrap.h"
 
 #include <QStringList>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Addresses of stepped copies, for the host's editor.
 #include "driver_api.h"
-#include "korvane_dx4/address_text.h"
-#include "wire/register_type.h"
+#include "registers/address_text.h"
+#include "registers/register_type.h"
 
 using namespace dx4;
 

@@ -3,9 +3,9 @@
 #include "korvane_dx4/recipe.h"
 
 #include "driver_api.h"
+#include "frames/record_copy.h"
+#include "frames/reply_bytes.h"
 #include "korvane_dx4/change_report.h"
-#include "korvane_dx4/record_copy.h"
-#include "wire/reply_bytes.h"
 #include "wire/wrap.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Register types and their descriptions, for the host's editor.
 #include "driver_api.h"
-#include "wire/register_type.h"
+#include "registers/register_type.h"
 
 using namespace dx4;
 

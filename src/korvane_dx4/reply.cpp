@@ -3,17 +3,17 @@
 #include "korvane_dx4/reply.h"
 
 #include "driver_api.h"
+#include "frames/frame_queue.h"
+#include "frames/reply_bytes.h"
+#include "frames/request_frame.h"
 #include "korvane_dx4/change_report.h"
 #include "korvane_dx4/cycle_end.h"
 #include "korvane_dx4/data_areas.h"
 #include "korvane_dx4/error_text.h"
-#include "korvane_dx4/frame_queue.h"
 #include "korvane_dx4/recipe.h"
 #include "korvane_dx4/writes.h"
 #include "wire/byte_order.h"
 #include "wire/crc16.h"
-#include "wire/reply_bytes.h"
-#include "wire/request_frame.h"
 #include "wire/wrap.h"
 
 using namespace dx4;

@@ -2,9 +2,9 @@
 // The bounded lists of waiting writes and condition reads.
 #include "korvane_dx4/request_list.h"
 
-#include "korvane_dx4/record_copy.h"
-#include "korvane_dx4/spare_record.h"
-#include "wire/register_type.h"
+#include "frames/record_copy.h"
+#include "frames/spare_record.h"
+#include "registers/register_type.h"
 #include "wire/wrap.h"
 
 #include <algorithm>

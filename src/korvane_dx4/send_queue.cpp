@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What goes on the line next.
 #include "driver_api.h"
-#include "korvane_dx4/frame_queue.h"
+#include "frames/frame_queue.h"
+#include "frames/record_copy.h"
 #include "korvane_dx4/frame_select.h"
 #include "korvane_dx4/recipe.h"
 #include "korvane_dx4/recipe_request.h"
-#include "korvane_dx4/record_copy.h"
 
 using namespace dx4;
 

@@ -2,9 +2,9 @@
 // Encoders of read requests, function 3.
 #include "readframe/readframe.h"
 
-#include "korvane_dx4/frame_queue.h"
-#include "wire/register_type.h"
-#include "wire/request_frame.h"
+#include "frames/frame_queue.h"
+#include "frames/request_frame.h"
+#include "registers/register_type.h"
 #include "wire/wrap.h"
 
 using namespace dx4;

@@ -2,10 +2,10 @@
 // Encoders of write requests, functions 6 and 16.
 #include "writeframe/writeframe.h"
 
-#include "korvane_dx4/frame_queue.h"
+#include "frames/frame_queue.h"
+#include "frames/request_frame.h"
+#include "registers/register_type.h"
 #include "wire/byte_order.h"
-#include "wire/register_type.h"
-#include "wire/request_frame.h"
 
 using namespace dx4;
 

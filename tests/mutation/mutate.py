@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Changes one thing in src/ at a time and asks whether the fast tests notice.
+"""Changes one thing in src/ and wire/ at a time and asks whether the fast tests notice.
 
 Works on copies of the tracked files under --work, never in the tree itself. There the driver is one
 shared library that the tests load and link, so that a change costs a compilation, a link and the
@@ -74,9 +74,9 @@ Mutant = collections.namedtuple("Mutant", "file line column old new kind text nu
 
 # Replaces src/CMakeLists.txt in the copies.
 BUILD_OF_SOURCES = """\
-file(GLOB_RECURSE sources CONFIGURE_DEPENDS "*.cpp")
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS "*.cpp" "../wire/*.cpp")
 add_library(korvane_dx4 SHARED ${sources})
-target_include_directories(korvane_dx4 PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+target_include_directories(korvane_dx4 PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}")
 target_link_libraries(korvane_dx4 PUBLIC korvane::driver_api)
 target_compile_options(korvane_dx4 PRIVATE -fno-builtin-memcpy)
 # Unique symbols would keep the library from being unloaded.
@@ -152,7 +152,7 @@ def tracked_files():
 
 def sources(patterns):
     paths = [name for name in tracked_files()
-             if name.startswith("src/") and name.endswith((".h", ".cpp"))]
+             if name.startswith(("src/", "wire/")) and name.endswith((".h", ".cpp"))]
     if not patterns:
         return sorted(paths)
     # In the order of the patterns.
@@ -171,7 +171,7 @@ def copy_tree(target):
         source, copy = os.path.join(ROOT, name), os.path.join(target, name)
         os.makedirs(os.path.dirname(copy), exist_ok=True)
         is_old = os.path.exists(copy) and filecmp.cmp(source, copy, shallow=False)
-        if not is_old or name.startswith("src/"):
+        if not is_old or name.startswith(("src/", "wire/")):
             shutil.copyfile(source, copy)
             shutil.copymode(source, copy)
     with open(os.path.join(target, "src", "CMakeLists.txt"), "w", encoding="utf-8") as stream:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // "F" address text to internal address.
-#include "korvane_dx4/address_text.h"
+#include "registers/address_text.h"
 
 #include <gtest/gtest.h>
 

@@ -2,15 +2,15 @@
 // Guards against misuse: null pointers, odd names and positions outside of their list.
 #include "driver_api.h"
 #include "driver_state.h"
+#include "frames/reply_bytes.h"
 #include "korvane_dx4/change_report.h"
 #include "korvane_dx4/cycle_end.h"
 #include "korvane_dx4/data_areas.h"
 #include "korvane_dx4/error_text.h"
 #include "korvane_dx4/reply.h"
 #include "korvane_dx4/writes.h"
+#include "registers/register_type.h"
 #include "wire/byte_order.h"
-#include "wire/register_type.h"
-#include "wire/reply_bytes.h"
 
 namespace {
 

@@ -2,21 +2,13 @@
 // The parts that every Modbus RTU request has in common.
 #pragma once
 
-#include "wire/register_address.h"
+#include "registers/register_address.h"
+#include "wire/function_code.h"
 
 namespace dx4 {
 
-enum FunctionCode : unsigned char {
-    ReadHoldingRegisters = 0x03,
-    WriteSingleRegister = 0x06,
-    WriteMultipleRegisters = 0x10,
-};
-
 /// Bytes of a read request, of a write of one register, and of the echo of any write.
 inline constexpr int shortFrameBytes = 8;
-
-/// Bytes of a frame that its CRC takes.
-inline constexpr int crcBytes = 2;
 
 /// Writes bytes 0 to 3: station (low 8 bits), function code, register.
 void putRequestHead(unsigned char *frame, int station, FunctionCode function,

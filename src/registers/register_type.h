@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The six register types as numbers, and comparison of their names.
+// Register types by their names, and comparison of names.
 #pragma once
 
 #include "register_tables.h"
@@ -10,9 +10,6 @@
 
 namespace dx4 {
 
-/// A register type by its position in REG_LIST.
-enum RegisterType { UnknownType = -1, TypeF, TypeD, TypeCw, TypeFre, TypeSw, TypeFu };
-
 /// The type with this name, case-sensitive.
 RegisterType registerType(const QString &name);
 
@@ -21,6 +18,12 @@ inline bool sameText(const QString &a, const QString &b)
 {
     return a.size() == b.size()
         && (a.constData() == b.constData() || std::equal(a.cbegin(), a.cend(), b.cbegin()));
+}
+
+/// The row of a type; null for UnknownType.
+inline const RegisterTypeRow *rowOf(RegisterType type)
+{
+    return type == UnknownType ? nullptr : &registerTypeRows[type];
 }
 
 /// The driver's own string for one of the six names, else the string given.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The parts that every Modbus RTU request has in common.
-#include "wire/request_frame.h"
+#include "frames/request_frame.h"
 
 #include "wire/byte_order.h"
 #include "wire/crc16.h"
@@ -24,7 +24,7 @@ void putWord(unsigned char *frame, int position, int word)
 
 int putCrc(unsigned char *frame, int length)
 {
-    const quint16 crc = crc16(frame, length);
+    const int crc = crc16(frame, length);
     frame[length] = lowByte(crc);
     frame[length + 1] = highByte(crc);
     return length + crcBytes;

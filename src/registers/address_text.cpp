@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // "F" address text and internal address.
-#include "korvane_dx4/address_text.h"
+#include "registers/address_text.h"
 
 #include "wire/wrap.h"
 

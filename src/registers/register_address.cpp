@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Register type and internal address to the Modbus register that goes on the wire.
-#include "wire/register_address.h"
+#include "registers/register_address.h"
 
 #include "register_tables.h"
+#include "registers/register_type.h"
 #include "wire/byte_order.h"
-#include "wire/register_type.h"
 #include "wire/wrap.h"
 
 namespace dx4 {

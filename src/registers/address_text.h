@@ -9,9 +9,6 @@ namespace dx4 {
 /// Internal address of an "F" parameter; wraps for groups beyond 23 bits.
 int packedAddress(int group, int index);
 
-/// Group "c" has this number: its hexadecimal digit less 2.
-inline constexpr int groupC = 10;
-
 } // namespace dx4
 
 /// Reads "h.dd": hexadecimal group, point, decimal index.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The six register types as numbers.
-#include "wire/register_type.h"
+#include "registers/register_type.h"
 
 namespace dx4 {
 namespace {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // driver.sendFrames: the frames of the request in progress, sent head first.
-#include "korvane_dx4/frame_queue.h"
+#include "frames/frame_queue.h"
 
+#include "frames/record_copy.h"
+#include "frames/spare_record.h"
 #include "korvane_dx4.h"
-#include "korvane_dx4/record_copy.h"
-#include "korvane_dx4/spare_record.h"
 
 namespace dx4 {
 namespace {

@@ -11,7 +11,7 @@ constexpr unsigned reflectedPolynomial = 0xA001;
 constexpr unsigned initialValue = 0xFFFF;
 constexpr int bytesPerStep = 8;
 
-using CrcTable = std::array<std::array<quint16, 256>, bytesPerStep>;
+using CrcTable = std::array<std::array<std::uint16_t, 256>, bytesPerStep>;
 
 constexpr unsigned shiftOut(unsigned crc, int bits)
 {
@@ -29,7 +29,7 @@ constexpr CrcTable makeTable()
         unsigned crc = value;
         for (auto &row : table) {
             crc = shiftOut(crc, 8);
-            row[value] = static_cast<quint16>(crc);
+            row[value] = static_cast<std::uint16_t>(crc);
         }
     }
     return table;
@@ -39,7 +39,7 @@ constexpr CrcTable table = makeTable();
 
 } // namespace
 
-quint16 crc16(const unsigned char *bytes, int length)
+std::uint16_t crc16(const unsigned char *bytes, int length)
 {
     unsigned crc = initialValue;
     for (; length >= bytesPerStep; length -= bytesPerStep, bytes += bytesPerStep) {
@@ -49,7 +49,7 @@ quint16 crc16(const unsigned char *bytes, int length)
     }
     for (; length > 0; --length, ++bytes)
         crc = (crc >> 8) ^ table[0][(crc ^ *bytes) & 0xFF];
-    return static_cast<quint16>(crc);
+    return static_cast<std::uint16_t>(crc);
 }
 
 } // namespace dx4
