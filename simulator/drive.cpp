@@ -34,10 +34,11 @@ double approach(double value, double target, double step)
     return value < target ? std::min(value + step, target) : std::max(value - step, target);
 }
 
-/// Hertz that one step may change, for a ramp of `seconds` over the whole range.
+/// Hertz that one step may change, for a ramp of `seconds` over the whole range; no ramp is shorter
+/// than a step.
 double rampStep(double seconds, const DriveSettings &settings)
 {
-    return seconds > 0.0 ? settings.maximumHertz / seconds * stepSeconds : settings.maximumHertz;
+    return settings.maximumHertz / std::max(seconds, stepSeconds) * stepSeconds;
 }
 
 } // namespace
@@ -86,13 +87,9 @@ double Drive::targetHertz(const DriveSettings &settings) const
 
 void Drive::ramp(double target, const DriveSettings &settings)
 {
-    m_ramping = 0;
+    m_ramp = Ramp::Steady;
     if (m_run)
         m_output = true;
-    if (!m_output) {
-        m_hertz = 0.0;
-        return;
-    }
     // A change of direction brakes to zero first and accelerates from there.
     const bool turning = m_hertz * target < 0.0;
     const double goal = turning ? 0.0 : target;
@@ -101,41 +98,34 @@ void Drive::ramp(double target, const DriveSettings &settings)
     const double from = m_hertz;
     m_hertz = approach(m_hertz, goal, rampStep(seconds, settings));
     if (m_hertz < from || m_hertz > from)
-        m_ramping = away ? 1 : -1;
+        m_ramp = away ? Ramp::Away : Ramp::Towards;
     if (!m_run && std::fabs(m_hertz) < nearlyThere)
         m_output = false;
 }
 
 void Drive::followElectrics(double acceleration, const DriveSettings &settings)
 {
+    if (!m_output)
+        return switchOff();
     const double load = settings.loadPercent / 100.0;
-    const double still = m_mainsVolts * rectified;
-    if (!m_output) {
-        m_amperes = 0.0;
-        m_volts = 0.0;
-        m_linkVolts = still;
-        return;
-    }
     const double torque = load + inertia * acceleration;
     const double part = std::sqrt(magnetising * magnetising + torque * torque);
     m_amperes = settings.ratedAmperes * part;
-    m_linkVolts =
-        still - linkSagVolts * std::max(torque, 0.0) + regeneration * std::max(-acceleration, 0.0);
-    const double share = settings.ratedHertz > 0.0 ? std::fabs(m_hertz) / settings.ratedHertz : 1.0;
+    m_linkVolts = m_mainsVolts * rectified - linkSagVolts * std::max(torque, 0.0)
+        + regeneration * std::max(-acceleration, 0.0);
+    const double share = std::fabs(m_hertz) / settings.ratedHertz;
     m_volts = std::min(settings.ratedVolts * std::min(share, 1.0), m_linkVolts / rectified);
 }
 
 void Drive::followHeat(const DriveSettings &settings)
 {
-    const double part = settings.ratedAmperes > 0.0 ? m_amperes / settings.ratedAmperes : 0.0;
+    const double part = m_amperes / settings.ratedAmperes;
     const double goal = m_ambient + heatRise * part * part;
     m_celsius += (goal - m_celsius) * stepSeconds / heatSeconds;
 }
 
 void Drive::protect(const DriveSettings &settings)
 {
-    if (m_fault != Fault::None)
-        return;
     if (m_amperes > settings.ratedAmperes * overcurrentFactor)
         trip(Fault::Overcurrent);
     else if (m_linkVolts > overvoltageVolts)
@@ -157,10 +147,15 @@ void Drive::trip(Fault fault)
     m_fault = fault;
     m_lastFault = fault;
     ++m_faultCount;
+    switchOff();
+}
+
+void Drive::switchOff()
+{
     m_run = false;
     m_output = false;
     m_hertz = 0.0;
-    m_ramping = 0;
+    m_ramp = Ramp::Steady;
     m_amperes = 0.0;
     m_volts = 0.0;
     m_linkVolts = m_mainsVolts * rectified;
@@ -172,7 +167,7 @@ bool Drive::causeIsGone() const
     case Fault::None:
     case Fault::Overcurrent:
     case Fault::CommunicationLoss:
-        return true;
+        break;
     case Fault::Overvoltage:
         return m_mainsVolts * rectified <= overvoltageVolts;
     case Fault::Undervoltage:
@@ -194,11 +189,8 @@ void Drive::control(std::uint16_t word)
             m_fault = Fault::None;
         return;
     }
-    if (word & CoastCommand) {
-        m_run = false;
-        m_output = false;
-        return;
-    }
+    if (word & CoastCommand)
+        return switchOff();
     if (!(word & RunCommand))
         m_run = false;
     else if (rising & RunCommand)
@@ -216,14 +208,9 @@ void Drive::restart(Micros now)
     m_startedAt = m_now;
     m_lastRequest.reset();
     m_control = 0;
-    m_run = false;
-    m_output = false;
     m_setHertz = 0.0;
-    m_hertz = 0.0;
-    m_ramping = 0;
-    m_amperes = 0.0;
-    m_volts = 0.0;
     m_fault = Fault::None;
+    switchOff();
 }
 
 double Drive::outputHertz() const
@@ -246,9 +233,9 @@ std::uint16_t Drive::statusWord() const
     mark(RunningStatus, m_output);
     mark(ReverseStatus, m_hertz < 0.0);
     mark(FaultStatus, faulty);
-    mark(AtFrequencyStatus, m_run && m_output && m_ramping == 0);
-    mark(AcceleratingStatus, m_ramping > 0);
-    mark(DeceleratingStatus, m_ramping < 0);
+    mark(AtFrequencyStatus, m_run && m_output && m_ramp == Ramp::Steady);
+    mark(AcceleratingStatus, m_ramp == Ramp::Away);
+    mark(DeceleratingStatus, m_ramp == Ramp::Towards);
     mark(WarmStatus, m_celsius > warmCelsius);
     return static_cast<std::uint16_t>(word);
 }

@@ -53,8 +53,8 @@ struct DriveSettings {
     double accelerationSeconds = 5.0; ///< from 0 to maximumHertz
     double decelerationSeconds = 5.0; ///< from maximumHertz to 0
     double ratedVolts = 400.0;
-    double ratedAmperes = 10.0;
-    double ratedHertz = 50.0;
+    double ratedAmperes = 10.0; ///< above 0
+    double ratedHertz = 50.0; ///< above 0
     double loadPercent = 40.0; ///< torque of the load
     double communicationSeconds = 0.0; ///< longest time without a request; 0 never trips
 };
@@ -107,12 +107,15 @@ public:
     Micros upTime() const { return m_now - m_startedAt; }
 
 private:
+    enum class Ramp { Steady, Away, Towards }; ///< from zero hertz, to it
+
     void stepOnce(const DriveSettings &settings);
     double targetHertz(const DriveSettings &settings) const;
     void ramp(double target, const DriveSettings &settings);
     void followElectrics(double acceleration, const DriveSettings &settings);
     void followHeat(const DriveSettings &settings);
     void protect(const DriveSettings &settings);
+    void switchOff();
     bool causeIsGone() const;
 
     Micros m_now { 0 };
@@ -125,7 +128,7 @@ private:
     bool m_output = false; ///< inverter gates on
     double m_setHertz = 0.0;
     double m_hertz = 0.0; ///< negative in reverse
-    int m_ramping = 0; ///< 1 away from zero, -1 towards it, 0 steady
+    Ramp m_ramp = Ramp::Steady;
 
     double m_mainsVolts = 400.0;
     double m_ambient = 25.0;

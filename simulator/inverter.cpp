@@ -3,8 +3,8 @@
 #include "simulator/inverter.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <iterator>
 
 namespace dx4::sim {
 
@@ -23,7 +23,6 @@ enum DriveParameter : unsigned {
     RatedFrequency = 6,
     LoadTorque = 7,
     CommunicationTime = 8,
-    DriveParameterCount = 9,
 };
 
 struct ParameterRow {
@@ -31,7 +30,7 @@ struct ParameterRow {
     std::uint16_t initial;
 };
 
-constexpr std::array<ParameterRow, DriveParameterCount> driveParameters = { {
+constexpr ParameterRow driveParameters[] = {
     // lowest, highest, initial
     { { 100, 40000 }, 5000 }, // MaximumFrequency, 0.01 Hz
     { { 0, 40000 }, 0 }, // MinimumFrequency, 0.01 Hz
@@ -42,7 +41,7 @@ constexpr std::array<ParameterRow, DriveParameterCount> driveParameters = { {
     { { 100, 40000 }, 5000 }, // RatedFrequency, 0.01 Hz
     { { 0, 150 }, 40 }, // LoadTorque, percent
     { { 0, 9999 }, 0 }, // CommunicationTime, 0.1 s
-} };
+};
 
 constexpr Limits frequencyLimits = { 0, 40000 }; // 0.01 Hz
 
@@ -53,19 +52,18 @@ std::uint16_t scaled(double value, double factor)
 
 std::uint16_t seconds(Micros time)
 {
-    return static_cast<std::uint16_t>(time.count() / 1000000 % 65536);
+    // A register starts again at 0 behind 65535 s.
+    return static_cast<std::uint16_t>(
+        std::chrono::duration_cast<std::chrono::seconds>(time).count());
 }
 
 } // namespace
 
 Inverter::Inverter()
 {
-    for (const Band &band : bands()) {
-        for (std::uint16_t i = 0; band.readable && band.writable && i < band.count; ++i)
-            m_parameters[static_cast<std::uint16_t>(band.first + i)] = 0;
-    }
-    for (unsigned index = 0; index < DriveParameterCount; ++index)
-        m_parameters[parameterRegister(driveGroup, index)] = driveParameters[index].initial;
+    unsigned index = 0;
+    for (const ParameterRow &row : driveParameters)
+        m_parameters[parameterRegister(driveGroup, index++)] = row.initial;
 }
 
 Limits Inverter::limitsOf(std::uint16_t address)
@@ -73,7 +71,7 @@ Limits Inverter::limitsOf(std::uint16_t address)
     if (address == frequencyRegister)
         return frequencyLimits;
     const unsigned index = unsigned { address } - parameterRegister(driveGroup, 0);
-    return index < DriveParameterCount ? driveParameters[index].limits : Limits {};
+    return index < std::size(driveParameters) ? driveParameters[index].limits : Limits {};
 }
 
 std::uint16_t Inverter::read(std::uint16_t address) const
@@ -85,16 +83,13 @@ std::uint16_t Inverter::read(std::uint16_t address) const
         return m_drive.statusWord();
     if (address == faultCodeRegister)
         return static_cast<std::uint16_t>(m_drive.fault());
-    if (address >= firstMonitorRegister && address < firstMonitorRegister + monitorCount)
-        return monitor(unsigned { address } - firstMonitorRegister);
     const auto found = m_parameters.find(address);
-    return found == m_parameters.end() ? std::uint16_t { 0 } : found->second;
+    return found != m_parameters.end() ? found->second : monitor(address);
 }
 
 bool Inverter::accepts(std::uint16_t address, std::uint16_t value) const
 {
-    const Band *band = bandOf(address);
-    if (!band || !band->writable || !has(address))
+    if (!has(address) || !bandOf(address)->writable)
         return false;
     const Limits limits = limitsOf(address);
     return value >= limits.lowest && value <= limits.highest;
@@ -150,9 +145,9 @@ DriveSettings Inverter::settings() const
     return settings;
 }
 
-std::uint16_t Inverter::monitor(unsigned index) const
+std::uint16_t Inverter::monitor(std::uint16_t address) const
 {
-    switch (index) {
+    switch (address - firstMonitorRegister) {
     case 0:
         return scaled(m_drive.outputHertz(), 100.0);
     case 1:

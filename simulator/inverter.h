@@ -68,9 +68,10 @@ public:
 private:
     DriveSettings settings() const;
     std::uint16_t parameter(unsigned group, unsigned index) const;
-    std::uint16_t monitor(unsigned index) const;
+    std::uint16_t monitor(std::uint16_t address) const;
 
-    std::map<std::uint16_t, std::uint16_t> m_parameters; ///< every F register
+    std::map<std::uint16_t, std::uint16_t>
+        m_parameters; ///< F registers; one that is not here holds 0
     std::map<std::uint16_t, std::uint16_t> m_held;
     std::set<std::uint16_t> m_removed;
     Drive m_drive;
