@@ -31,6 +31,16 @@ std::optional<std::uint16_t> existing(std::optional<std::uint16_t> address)
     return address && bandOf(*address) ? address : std::nullopt;
 }
 
+/// The register that digits count from the first of a band on.
+std::optional<std::uint16_t> registerBehind(std::uint16_t first, const std::string &digits)
+{
+    const Band *band = bandOf(first);
+    const std::optional<std::uint16_t> index = indexOf(digits);
+    if (!band || !index || *index >= band->count)
+        return std::nullopt;
+    return static_cast<std::uint16_t>(first + *index);
+}
+
 /// "4.12" or "c.3", behind the "F".
 std::optional<std::uint16_t> parameterByName(const std::string &text)
 {
@@ -38,10 +48,7 @@ std::optional<std::uint16_t> parameterByName(const std::string &text)
     if (point != 1)
         return std::nullopt;
     const std::optional<std::uint16_t> group = common::parseRegisterValue("0x" + text.substr(0, 1));
-    const std::optional<std::uint16_t> index = indexOf(text.substr(2));
-    if (!group || !index || *index > 0xFFU)
-        return std::nullopt;
-    return existing(parameterRegister(*group, *index));
+    return group ? registerBehind(parameterRegister(*group, 0), text.substr(2)) : std::nullopt;
 }
 
 } // namespace
@@ -77,16 +84,12 @@ std::optional<std::uint16_t> registerByName(const std::string &name)
         if (row.isSingle() && text == row.name)
             return static_cast<std::uint16_t>(row.base);
     }
-    if (text.rfind("0X", 0) == 0)
+    if (text.compare(0, 2, "0X") == 0)
         return existing(common::parseRegisterValue("0x" + text.substr(2)));
-    if (text.find('.') != std::string::npos && text.front() == 'F')
+    if (text[0] == 'F')
         return parameterByName(text.substr(1));
-    if (!text.empty() && text.front() == 'D') {
-        const std::optional<std::uint16_t> index = indexOf(text.substr(1));
-        if (!index || *index >= monitorCount)
-            return std::nullopt;
-        return existing(static_cast<std::uint16_t>(firstMonitorRegister + *index));
-    }
+    if (text[0] == 'D')
+        return registerBehind(firstMonitorRegister, text.substr(1));
     return existing(common::parseRegisterValue(text));
 }
 

@@ -11,34 +11,32 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
+#include <vector>
 
 namespace dx4::sim {
 
 namespace {
 
+struct Written {
+    std::uint16_t address;
+    std::uint16_t value;
+};
+
 constexpr unsigned readFunction = MODBUS_FC_READ_HOLDING_REGISTERS;
 constexpr unsigned writeOneFunction = MODBUS_FC_WRITE_SINGLE_REGISTER;
 constexpr unsigned writeSeveralFunction = MODBUS_FC_WRITE_MULTIPLE_REGISTERS;
 
-// The whole request lies in the socket before libmodbus looks, so waiting could only delay a
-// refusal. Zero would mean "for ever".
+// The whole request lies in the socket before libmodbus looks, so waiting for its rest, or before a
+// refusal, could only delay. Zero would mean "for ever".
 constexpr std::uint32_t shortestWait = 1; // microseconds
 
-struct MappingDeleter {
-    void operator()(modbus_mapping_t *mapping) const { modbus_mapping_free(mapping); }
-};
-using Mapping = std::unique_ptr<modbus_mapping_t, MappingDeleter>;
-
-Mapping mappingOf(const Band &band)
-{
-    return Mapping(modbus_mapping_new_start_address(0, 0, 0, 0, band.first, band.count, 0, 0));
-}
-
-/// Registers that the request writes; only asked of requests that libmodbus took.
-std::uint16_t writtenCount(const Bytes &request)
+/// Registers that the request reads or writes, as it says; only asked of requests that libmodbus
+/// took.
+std::uint16_t registerCount(const Bytes &request)
 {
     return request[1] == writeOneFunction ? std::uint16_t { 1 } : wordAt(request, 4);
 }
@@ -46,35 +44,34 @@ std::uint16_t writtenCount(const Bytes &request)
 /// Whether a write carries as many values as it says; libmodbus refuses it otherwise.
 bool isWholeWrite(const Bytes &request)
 {
-    if (request[1] == writeOneFunction)
-        return true;
-    const unsigned count = writtenCount(request);
-    return count >= 1 && count <= MODBUS_MAX_WRITE_REGISTERS && request[6] == count * 2;
+    return request[1] == writeOneFunction || request[6] == registerCount(request) * 2;
 }
 
-/// Whether one of the registers of a read or a write was taken away.
-bool touchesRemoved(const Inverter &inverter, const Bytes &request)
+/// What a whole write asks for.
+std::vector<Written> writesOf(const Bytes &request)
 {
-    const unsigned first = wordAt(request, 2);
-    const unsigned count = request[1] == writeOneFunction ? 1U : wordAt(request, 4);
-    for (unsigned address = first; address < first + count && address <= 0xFFFFU; ++address) {
-        const auto each = static_cast<std::uint16_t>(address);
-        if (bandOf(each) && !inverter.has(each))
-            return true;
-    }
-    return false;
+    std::vector<Written> writes;
+    const std::size_t values = request[1] == writeOneFunction ? 4 : 7;
+    for (std::size_t i = 0; i < registerCount(request); ++i)
+        writes.push_back({ static_cast<std::uint16_t>(wordAt(request, 2) + i),
+                           wordAt(request, values + i * 2) });
+    return writes;
 }
 
-bool valuesAccepted(const Inverter &inverter, const Bytes &request)
+/// The band that holds every register of the request, as far as it allows the access; null where it
+/// does not, or where the station lacks one of them.
+const Band *bandFor(const Inverter &inverter, const Bytes &request, bool write)
 {
     const std::uint16_t first = wordAt(request, 2);
-    const std::size_t values = request[1] == writeOneFunction ? 4 : 7;
-    for (std::uint16_t i = 0; i < writtenCount(request); ++i) {
-        const std::uint16_t value = wordAt(request, values + std::size_t { i } * 2);
-        if (!inverter.accepts(static_cast<std::uint16_t>(first + i), value))
-            return false;
+    const Band *band = bandOf(first);
+    if (!band || !(write ? band->writable : band->readable))
+        return nullptr;
+    for (unsigned i = 0; i < registerCount(request); ++i) {
+        const auto address = static_cast<std::uint16_t>(first + i);
+        if (!band->holds(address) || !inverter.has(address))
+            return nullptr;
     }
-    return true;
+    return band;
 }
 
 } // namespace
@@ -97,7 +94,6 @@ struct Slave::Line {
         modbus_set_socket(context, theirs);
         modbus_set_response_timeout(context, 0, shortestWait);
         modbus_set_byte_timeout(context, 0, shortestWait);
-        modbus_set_indication_timeout(context, 0, shortestWait);
     }
 
     ~Line()
@@ -115,13 +111,12 @@ struct Slave::Line {
         close(theirs);
     }
 
-    /// Everything that waits at `end`, which is empty afterwards.
+    /// What waits at `end`, which is empty afterwards: one frame at most.
     static Bytes drain(int end)
     {
-        Bytes all;
-        std::uint8_t part[MODBUS_MAX_ADU_LENGTH];
-        for (ssize_t count; (count = read(end, part, sizeof part)) > 0;)
-            all.insert(all.end(), part, part + count);
+        Bytes all(MODBUS_MAX_ADU_LENGTH);
+        const ssize_t count = read(end, all.data(), all.size());
+        all.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
         return all;
     }
 
@@ -183,37 +178,33 @@ void Slave::reply(const Bytes &request)
     if (length != static_cast<int>(request.size()))
         return;
 
-    static constexpr Band noBand = { 0, 0, false, false };
-    const Band *band = bandOf(wordAt(request, 2));
-    const bool allowed =
-        band && (write ? band->writable : band->readable) && !touchesRemoved(m_inverter, request);
-    replyFromBand(request, allowed ? *band : noBand, write);
+    static constexpr Band noBand {};
+    const Band *band = bandFor(m_inverter, request, write);
+    replyFromBand(request, band ? *band : noBand, write);
 }
 
 void Slave::replyFromBand(const Bytes &request, const Band &band, bool write)
 {
-    const Mapping mapping = mappingOf(band);
-    if (!mapping)
-        return refuse(request, MODBUS_EXCEPTION_SLAVE_OR_SERVER_FAILURE);
-    for (std::uint16_t i = 0; i < band.count && band.readable; ++i)
-        mapping->tab_registers[i] = m_inverter.read(static_cast<std::uint16_t>(band.first + i));
-
     // Limits are judged only where libmodbus will find every register; otherwise the missing
     // register is the better answer.
-    const unsigned first = wordAt(request, 2);
-    const bool inside = write && isWholeWrite(request) && band.holds(wordAt(request, 2))
-        && first + writtenCount(request) <= unsigned { band.first } + band.count;
-    if (inside && !valuesAccepted(m_inverter, request))
+    const bool isObeyed = write && band.holds(wordAt(request, 2)) && isWholeWrite(request);
+    const std::vector<Written> writes = isObeyed ? writesOf(request) : std::vector<Written> {};
+    const bool accepted = std::all_of(writes.begin(), writes.end(), [this](const Written &each) {
+        return m_inverter.accepts(each.address, each.value);
+    });
+    if (!accepted)
         return refuse(request, MODBUS_EXCEPTION_ILLEGAL_DATA_VALUE);
 
-    Line::drain(m_line->ours);
-    modbus_reply(m_line->context, request.data(), static_cast<int>(request.size()), mapping.get());
-    if (!inside)
-        return;
-    for (std::uint16_t i = 0; i < writtenCount(request); ++i) {
-        const std::uint16_t address = static_cast<std::uint16_t>(first + i);
-        m_inverter.write(address, mapping->tab_registers[address - band.first]);
-    }
+    std::vector<std::uint16_t> registers;
+    for (std::uint16_t i = 0; i < band.count; ++i)
+        registers.push_back(m_inverter.read(static_cast<std::uint16_t>(band.first + i)));
+    modbus_mapping_t mapping {};
+    mapping.start_registers = band.first;
+    mapping.nb_registers = static_cast<int>(registers.size());
+    mapping.tab_registers = registers.data();
+    modbus_reply(m_line->context, request.data(), static_cast<int>(request.size()), &mapping);
+    for (const Written &each : writes)
+        m_inverter.write(each.address, each.value);
 }
 
 void Slave::refuse(const Bytes &request, unsigned exception)

@@ -5,11 +5,19 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <iterator>
+#include <memory>
 #include <stdexcept>
 
 using namespace dx4::sim;
 
 namespace {
+
+std::string framed(const std::string &payload)
+{
+    return toHex(withCrc(fromHex(payload)));
+}
 
 std::string answerTo(Slave &slave, const std::string &payload)
 {
@@ -28,6 +36,7 @@ struct RangeRow {
     const char *name;
     const char *group; // high byte of the register
     int last; // highest index
+    const char *written; // first bytes of the answer to a write
 };
 
 class ParameterGroups : public ::testing::TestWithParam<RangeRow> { };
@@ -81,7 +90,7 @@ TEST(SlaveReplies, WriteOfOneRegisterIsEchoedAndKept)
 
     const std::string reply = answerTo(slave, "01 06 FC 0D 01 02");
 
-    EXPECT_EQ(reply, toHex(withCrc(fromHex("01 06 FC 0D 01 02"))));
+    EXPECT_EQ(reply, framed("01 06 FC 0D 01 02"));
     EXPECT_EQ(inverter.read(0xFC0D), 0x0102);
 }
 
@@ -92,7 +101,7 @@ TEST(SlaveReplies, WriteOfSeveralRegistersTellsStartAndCount)
 
     const std::string reply = answerTo(slave, "01 10 F1 00 00 02 04 00 07 00 08");
 
-    EXPECT_EQ(reply, toHex(withCrc(fromHex("01 10 F1 00 00 02"))));
+    EXPECT_EQ(reply, framed("01 10 F1 00 00 02"));
     EXPECT_EQ(inverter.read(0xF100), 7);
     EXPECT_EQ(inverter.read(0xF101), 8);
 }
@@ -115,7 +124,7 @@ TEST(SlaveReplies, StatusAndFaultAreReadTogether)
 
     const std::string reply = answerTo(slave, "01 03 20 00 00 02");
 
-    EXPECT_EQ(reply, toHex(withCrc(fromHex("01 03 04 00 01 00 00"))));
+    EXPECT_EQ(reply, framed("01 03 04 00 01 00 00"));
 }
 
 TEST(SlaveReplies, AnotherStationGetsNoAnswer)
@@ -148,7 +157,7 @@ TEST(SlaveReplies, BadCrcGetsNoAnswerAndChangesNothing)
     EXPECT_EQ(inverter.read(0xF005), 0);
 }
 
-TEST(SlaveReplies, FrameWithBytesBehindItGetsNoAnswer)
+TEST(SlaveReplies, FrameWithBytesBehindItGetsNoAnswerAndLeavesTheNextOneWhole)
 {
     Inverter inverter;
     Slave slave(1, inverter);
@@ -156,9 +165,50 @@ TEST(SlaveReplies, FrameWithBytesBehindItGetsNoAnswer)
     request.push_back(0x55);
 
     const Bytes reply = slave.answer(request);
+    const std::string next = answerTo(slave, "01 03 F0 05 00 01");
 
     EXPECT_EQ(toHex(reply), "");
-    EXPECT_EQ(inverter.read(0xF005), 0);
+    EXPECT_EQ(next, "01 03 02 00 00 B8 44");
+}
+
+TEST(SlaveReplies, RefusedBroadcastIsSilent)
+{
+    Inverter inverter;
+    Slave slave(1, inverter);
+
+    EXPECT_EQ(answerTo(slave, "00 01 00 00 00 01"), ""); // a function that there is not
+    EXPECT_EQ(answerTo(slave, "00 06 F8 04 01 E1"), ""); // a value above its limit
+    EXPECT_EQ(answerTo(slave, "00 06 20 00 00 01"), ""); // read only
+}
+
+TEST(SlaveReplies, UnknownFunctionIsRefusedInAFrameOfEveryLength)
+{
+    Inverter inverter;
+    Slave slave(1, inverter);
+    const Bytes longest = withCrc(Bytes(254, 0x01)); // 256 bytes with its CRC
+    const Bytes tooLong = withCrc(Bytes(255, 0x01));
+
+    EXPECT_EQ(answerTo(slave, "01 07"), framed("01 87 01"));
+    EXPECT_EQ(toHex(slave.answer(longest)), framed("01 81 01"));
+    EXPECT_EQ(toHex(slave.answer(tooLong)), "");
+}
+
+TEST(SlaveReplies, UnknownFunctionWithABadCrcGetsNoAnswer)
+{
+    Inverter inverter;
+    Slave slave(1, inverter);
+
+    EXPECT_EQ(toHex(slave.answer(fromHex("01 07 00 00"))), "");
+}
+
+TEST(SlaveReplies, FrameBelowFourBytesGetsNoAnswer)
+{
+    Inverter inverter;
+    Slave slave(1, inverter);
+
+    EXPECT_EQ(toHex(slave.answer({})), "");
+    EXPECT_EQ(toHex(slave.answer(fromHex("01"))), "");
+    EXPECT_EQ(answerTo(slave, "01"), ""); // a good CRC, and no function
 }
 
 TEST(SlaveReplies, TruncatedFrameLeavesTheNextOneWhole)
@@ -180,7 +230,7 @@ TEST(SlaveReplies, ValueOutsideItsLimitsKeepsAllOfTheWriteOut)
 
     const std::string reply = answerTo(slave, "01 10 F8 04 00 02 04 00 E6 00 00");
 
-    EXPECT_EQ(reply, toHex(withCrc(fromHex("01 90 03"))));
+    EXPECT_EQ(reply, framed("01 90 03"));
     EXPECT_EQ(inverter.read(0xF804), 400);
 }
 
@@ -190,9 +240,24 @@ TEST(SlaveReplies, BrokenByteCountDoesNotReachTheDrive)
     Slave slave(1, inverter);
     inverter.write(0x1002, 3000);
 
-    answerTo(slave, "01 10 10 01 00 02 02 00 01");
+    const std::string reply = answerTo(slave, "01 10 10 01 00 02 02 00 01");
 
+    EXPECT_EQ(reply, framed("01 90 03"));
     EXPECT_DOUBLE_EQ(inverter.drive().setHertz(), 30.0);
+}
+
+TEST(SlaveStations, GiveTheirDescriptorsBack)
+{
+    Inverter inverter;
+    const auto openNow = [] {
+        namespace fs = std::filesystem;
+        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    };
+    const auto before = openNow();
+
+    std::make_unique<Slave>(1, inverter).reset();
+
+    EXPECT_EQ(openNow(), before);
 }
 
 TEST(SlaveStations, OnlyOneTo247Exist)
@@ -212,7 +277,7 @@ TEST_P(SlaveExceptions, AreAnsweredWithTheirCode)
 
     const std::string reply = answerTo(slave, GetParam().request);
 
-    EXPECT_EQ(reply, toHex(withCrc(fromHex(GetParam().reply))));
+    EXPECT_EQ(reply, framed(GetParam().reply));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -239,10 +304,25 @@ INSTANTIATE_TEST_SUITE_P(
         ExceptionRow { "GroupDIsMissing", "01 03 FD 00 00 01", "01 83 02" },
         ExceptionRow { "NoRegisterAtAll", "01 03 F0 00 00 00", "01 83 03" },
         ExceptionRow { "TooManyRegisters", "01 03 F0 00 00 7E", "01 83 03" },
+        ExceptionRow { "WriteOfNoRegister", "01 10 F0 00 00 00 00", "01 90 03" },
+        ExceptionRow { "WriteBehindTheLastRegister", "01 10 FF FF 00 02 04 00 01 00 02",
+                       "01 90 02" },
         ExceptionRow { "ValueAboveItsLimit", "01 06 F8 04 01 E1", "01 86 03" },
         ExceptionRow { "ValueBelowItsLimit", "01 06 F8 04 00 63", "01 86 03" },
         ExceptionRow { "FrequencyAboveItsLimit", "01 06 10 02 9C 41", "01 86 03" }),
     rowName<ExceptionRow>);
+
+TEST_P(ParameterGroups, AreWrittenUpToTheirLastIndex)
+{
+    Inverter inverter;
+    Slave slave(1, inverter);
+    const std::string last = toHex({ static_cast<std::uint8_t>(GetParam().last) });
+
+    const std::string reply =
+        answerTo(slave, "01 06 " + std::string(GetParam().group) + ' ' + last + " 00 01");
+
+    EXPECT_EQ(reply.substr(0, 5), GetParam().written);
+}
 
 TEST_P(ParameterGroups, EndAtTheirLastIndex)
 {
@@ -261,10 +341,11 @@ TEST_P(ParameterGroups, EndAtTheirLastIndex)
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, ParameterGroups,
-    ::testing::Values(RangeRow { "Group0", "F0", 18 }, RangeRow { "Group1", "F1", 18 },
-                      RangeRow { "Group2", "F2", 18 }, RangeRow { "Group3", "F3", 16 },
-                      RangeRow { "Group4", "F4", 28 }, RangeRow { "Group5", "F5", 26 },
-                      RangeRow { "Group6", "F6", 19 }, RangeRow { "Group7", "F7", 8 },
-                      RangeRow { "Group8", "F8", 17 }, RangeRow { "Group9", "F9", 11 },
-                      RangeRow { "GroupC", "FC", 13 }, RangeRow { "Monitors", "D0", 37 }),
+    ::testing::Values(
+        RangeRow { "Group0", "F0", 18, "01 06" }, RangeRow { "Group1", "F1", 18, "01 06" },
+        RangeRow { "Group2", "F2", 18, "01 06" }, RangeRow { "Group3", "F3", 16, "01 06" },
+        RangeRow { "Group4", "F4", 28, "01 06" }, RangeRow { "Group5", "F5", 26, "01 06" },
+        RangeRow { "Group6", "F6", 19, "01 06" }, RangeRow { "Group7", "F7", 8, "01 06" },
+        RangeRow { "Group8", "F8", 17, "01 06" }, RangeRow { "Group9", "F9", 11, "01 06" },
+        RangeRow { "GroupC", "FC", 13, "01 06" }, RangeRow { "Monitors", "D0", 37, "01 86" }),
     rowName<RangeRow>);
