@@ -107,12 +107,10 @@ private:
         };
         if (std::any_of(m_values.begin(), m_values.end(), isSame))
             return registerName(*address) + " stands here twice";
-        StartValue value { m_line, m_station, *address, {} };
-        if (!isRefused)
-            value.value = common::parseRegisterValue(words.back());
-        if (!isRefused && !value.value)
+        const std::optional<std::uint16_t> value = common::parseRegisterValue(words.back());
+        if (!isRefused && !value)
             return "a value is 0 to 65535, or 0x0000 to 0xFFFF";
-        m_values.push_back(value);
+        m_values.push_back({ m_line, m_station, *address, value });
         return {};
     }
 

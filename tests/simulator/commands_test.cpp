@@ -4,6 +4,7 @@
 
 #include "line_fixture.h"
 
+#include <algorithm>
 #include <sstream>
 
 using namespace dx4::sim;
@@ -60,7 +61,7 @@ TEST_F(CommandLines, HoldAndReleaseAMonitorValue)
 
 TEST_F(CommandLines, TripAndStatusShowTheFault)
 {
-    answerTo("@2 trip overvoltage");
+    EXPECT_EQ(answerTo("@2 trip overvoltage"), "ok\n");
 
     EXPECT_EQ(answerTo("status"),
               "station 1: stopped, 0.00 Hz, 0.0 A, 0 V, link 566 V, 25.0 C, fault none\n"
@@ -69,8 +70,8 @@ TEST_F(CommandLines, TripAndStatusShowTheFault)
 
 TEST_F(CommandLines, MainsAndAmbientReachTheDrive)
 {
-    answerTo("mains 200");
-    answerTo("@2 ambient 120");
+    EXPECT_EQ(answerTo("mains 200"), "ok\n");
+    EXPECT_EQ(answerTo("@2 ambient 120"), "ok\n");
 
     pass(600000);
 
@@ -86,12 +87,34 @@ TEST_F(CommandLines, NumbersAreDecimal)
     EXPECT_EQ(answerTo("get D0"), "D0 101\n");
 }
 
+TEST_F(CommandLines, NumbersReachTheirLimits)
+{
+    for (const char *line : { "mains 0", "mains 1000", "ambient -40", "ambient 200",
+                              "power-cycle 3600000", "power-cycle 0" })
+        EXPECT_EQ(answerTo(line), "ok\n") << line;
+}
+
+TEST_F(CommandLines, SeeTheDriveAsItIsNow)
+{
+    clock.advance(std::chrono::seconds(3));
+
+    EXPECT_EQ(answerTo("get D13"), "D13 3\n");
+}
+
+TEST_F(CommandLines, RegisterThatWasTakenAwayIsNotThere)
+{
+    inverter.remove(0xF003);
+
+    EXPECT_EQ(answerTo("get F0.3"), "error: F0.3: this station does not have it\n");
+    EXPECT_EQ(answerTo("@2 get F0.3"), "F0.3 0\n");
+}
+
 TEST_F(CommandLines, UnplugAndPlug)
 {
-    answerTo("unplug");
+    EXPECT_EQ(answerTo("unplug"), "ok\n");
     const std::string lost = ask("01 03 20 01 00 01");
 
-    answerTo("plug");
+    EXPECT_EQ(answerTo("plug"), "ok\n");
 
     EXPECT_EQ(lost, "");
     EXPECT_EQ(ask("01 03 20 01 00 01"), "01 03 02 00 00 B8 44");
@@ -99,12 +122,29 @@ TEST_F(CommandLines, UnplugAndPlug)
 
 TEST_F(CommandLines, PowerCycleTakesItsTime)
 {
-    answerTo("power-cycle 1500");
+    EXPECT_EQ(answerTo("power-cycle 1500"), "ok\n");
     const std::string off = ask("01 03 20 01 00 01");
     pass(600);
 
     EXPECT_EQ(off, "");
     EXPECT_EQ(ask("01 03 20 01 00 01"), "01 03 02 00 00 B8 44");
+}
+
+TEST_F(CommandLines, PowerCycleTakesMilliseconds)
+{
+    answerTo("power-cycle 1500.5");
+
+    bus.advanceTo(Micros(1500499));
+    const bool before = inverter.powered();
+    bus.advanceTo(Micros(1500500));
+
+    EXPECT_FALSE(before);
+    EXPECT_TRUE(inverter.powered());
+}
+
+TEST_F(CommandLines, FaultMayBeOneWord)
+{
+    EXPECT_EQ(answerTo("fault kind=\"echo\""), "ok\n");
 }
 
 TEST_F(CommandLines, FaultAddsARuleAndFaultsOffTakesAllAway)
@@ -126,6 +166,8 @@ TEST_F(CommandLines, HelpNamesEveryCommand)
          { "status", "get", "set", "hold", "release", "trip", "mains", "ambient", "power-cycle",
            "unplug", "plug", "fault", "faults-off", "help", "quit", "@STATION" })
         EXPECT_NE(help.find(std::string(name)), std::string::npos) << name;
+    EXPECT_EQ(help.find("error"), std::string::npos);
+    EXPECT_EQ(std::count(help.begin(), help.end(), '\n'), 16);
 }
 
 TEST_F(CommandLines, QuitEndsAndNothingElseDoes)
@@ -133,6 +175,8 @@ TEST_F(CommandLines, QuitEndsAndNothingElseDoes)
     answerTo("");
     EXPECT_TRUE(goesOn);
     answerTo("nonsense");
+    EXPECT_TRUE(goesOn);
+    answerTo("@9 status");
     EXPECT_TRUE(goesOn);
     answerTo("quit");
     EXPECT_FALSE(goesOn);
@@ -153,6 +197,13 @@ INSTANTIATE_TEST_SUITE_P(
         CommandRow { "UnknownRegister", "get F4.29",
                      "F4.29: no such register; try F0.3, Fc.13, D0, CW, FRE, SW, FU, 0xF003" },
         CommandRow { "WriteOnly", "get CW", "CW: write only" },
+        CommandRow { "HoldOfWriteOnly", "hold CW 1", "CW: write only" },
+        CommandRow { "FaultWithoutARule", "fault",
+                     "usage: fault KEY = VALUE, ...: add a rule, with the keys of a fault file" },
+        CommandRow { "TooManyVolts", "mains 1000.1", "1000.1: expected a number from 0 to 1000" },
+        CommandRow { "NegativeVolts", "mains -0.1", "-0.1: expected a number from 0 to 1000" },
+        CommandRow { "TooHot", "ambient 200.1", "200.1: expected a number from -40 to 200" },
+        CommandRow { "TooCold", "ambient -41", "-41: expected a number from -40 to 200" },
         CommandRow { "ReadOnly", "set D0 1", "D0: read only; hold shows a value of your own" },
         CommandRow { "ValueTooLarge", "set F0.0 65536",
                      "65536: expected a value from 0 to 65535, or 0x0000 to 0xFFFF" },
@@ -225,6 +276,58 @@ TEST_F(LineFixture, ReportsEventsAsJson)
               "\"bytes\":\"01 03 20 01 00 01 DE 0A\"}\n"
               "{\"event\":\"reply\",\"frame\":1,\"time\":0.011167,"
               "\"bytes\":\"01 03 02 00 00 B8 44\"}\n");
+}
+
+TEST_F(LineFixture, ReportsEventsAsTextOnlyWhereAskedTo)
+{
+    std::ostringstream out;
+    Reporter reporter(out, false);
+    cable.observe([&reporter](const LineEvent &event) { reporter.event(event); });
+
+    ask("01 03 20 01 00 01");
+
+    EXPECT_EQ(out.str(), "");
+}
+
+TEST(JsonEvents, HaveBytesOrTextWhereThereAreAny)
+{
+    using Kind = LineEvent::Kind;
+    std::ostringstream out;
+    Reporter reporter(out, true);
+
+    reporter.event({ Kind::Damaged, 3, Micros(1500000), { 0x01, 0xAB }, {} });
+    reporter.event({ Kind::Fault, 3, Micros(1500000), {}, "drop-reply" });
+    reporter.event({ Kind::NoReply, 3, Micros(2500000), {}, {} });
+    reporter.event({ Kind::Plug, 3, Micros(4000000), {}, "unplugged" });
+
+    EXPECT_EQ(out.str(),
+              "{\"event\":\"damaged-request\",\"frame\":3,\"time\":1.500000,\"bytes\":\"01 AB\"}\n"
+              "{\"event\":\"fault\",\"frame\":3,\"time\":1.500000,\"text\":\"drop-reply\"}\n"
+              "{\"event\":\"no-reply\",\"frame\":3,\"time\":2.500000}\n"
+              "{\"event\":\"plug\",\"frame\":3,\"time\":4.000000,\"text\":\"unplugged\"}\n");
+}
+
+TEST_F(LineFixture, AnswersCommandsAsJson)
+{
+    std::ostringstream out;
+    Reporter reporter(out, true);
+    Commands commands(bus, cable, clock, reporter);
+
+    commands.run("set F0.1 5");
+    commands.run("fly");
+    commands.run("@2 trip overheat");
+    commands.run("status");
+
+    EXPECT_EQ(
+        out.str(),
+        "{\"event\":\"answer\",\"ok\":true,\"text\":\"\"}\n"
+        "{\"event\":\"answer\",\"ok\":false,"
+        "\"text\":\"fly: no such command; help lists them\"}\n"
+        "{\"event\":\"answer\",\"ok\":true,\"text\":\"\"}\n"
+        "{\"event\":\"status\",\"station\":1,\"state\":\"stopped\",\"hertz\":0.00,"
+        "\"amperes\":0.0,\"volts\":0,\"link\":566,\"celsius\":25.0,\"fault\":\"none\"}\n"
+        "{\"event\":\"status\",\"station\":2,\"state\":\"fault\",\"hertz\":0.00,"
+        "\"amperes\":0.0,\"volts\":0,\"link\":566,\"celsius\":25.0,\"fault\":\"overheat\"}\n");
 }
 
 TEST_F(LineFixture, ShowsEventsAsTextWhereAskedTo)

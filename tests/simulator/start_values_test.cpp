@@ -24,6 +24,20 @@ protected:
     }
 };
 
+/// A line for every parameter from this one on.
+std::string dumpFrom(std::uint16_t first)
+{
+    std::string text;
+    for (const Band &band : bands()) {
+        for (unsigned i = 0; i < band.count; ++i) {
+            const auto address = static_cast<std::uint16_t>(band.first + i);
+            if (address >= first)
+                text += registerName(address) + " = 100\n";
+        }
+    }
+    return text;
+}
+
 class WrongStartValues : public StartingLine, public ::testing::WithParamInterface<WrongRow> { };
 
 } // namespace
@@ -77,6 +91,33 @@ TEST_F(StartingLine, RefusedRegistersAreNotThere)
     EXPECT_EQ(ask("02 03 F8 03 00 01"), framed("02 03 02 00 32"));
 }
 
+TEST_F(StartingLine, ACompleteSetHoldsEveryParameterOfItsStation)
+{
+    EXPECT_EQ(start("station 1\nD 4 = 101\n" + dumpFrom(0xF000) + "complete\n"), "");
+    EXPECT_EQ(start("station 1\nD 4 = 101\n" + dumpFrom(0xF001) + "complete\n"),
+              "v.txt:205: the set is said to be complete, but 1 of 203 registers are missing");
+    EXPECT_EQ(start("station 1\n" + dumpFrom(0xF000) + "station 2\ncomplete\n"),
+              "v.txt:206: the set is said to be complete, but 203 of 203 registers are missing");
+}
+
+TEST_F(StartingLine, BehindACompleteSetComesAnotherStation)
+{
+    const std::string complete = "station 1\n" + dumpFrom(0xF000) + "complete\n";
+
+    EXPECT_EQ(start(complete + "station 2\nF 8.2 = 7\n"), "");
+    EXPECT_EQ(second.read(0xF802), 7);
+    EXPECT_EQ(start(complete + "D 4 = 101\n"),
+              "v.txt:206: only \"station\" may follow \"complete\"");
+}
+
+TEST_F(StartingLine, OnlyNamesOfOneRegisterStandWithZero)
+{
+    EXPECT_EQ(start("SW 0 = 3\nD 0 = 5\n"), "");
+
+    EXPECT_EQ(inverter.read(0x2000), 3);
+    EXPECT_EQ(inverter.read(0xD000), 5);
+}
+
 TEST_P(WrongStartValues, NameFileAndLine)
 {
     EXPECT_EQ(start(GetParam().text), std::string("v.txt:") + GetParam().error);
@@ -89,6 +130,15 @@ INSTANTIATE_TEST_SUITE_P(
                    "2: expected a line such as \"F 8.2 = 5\", \"D 4 = 101\" or \"station 1\"" },
         WrongRow { "NoValue", "F 8.2 =\n",
                    "1: expected a line such as \"F 8.2 = 5\", \"D 4 = 101\" or \"station 1\"" },
+        WrongRow { "ValueAlone", "= 5\n",
+                   "1: expected a line such as \"F 8.2 = 5\", \"D 4 = 101\" or \"station 1\"" },
+        WrongRow { "RefusedAlone", "refused\n",
+                   "1: expected a line such as \"F 8.2 = 5\", \"D 4 = 101\" or \"station 1\"" },
+        WrongRow { "TooManyWords", "SW 0 0 = 1\n",
+                   "1: expected a line such as \"F 8.2 = 5\", \"D 4 = 101\" or \"station 1\"" },
+        WrongRow { "SecondStatusWord", "SW 5 = 1\n",
+                   "1: no such register; expected a line such as \"F 8.2 = 5\", \"D 4 = 101\" or "
+                   "\"station 1\"" },
         WrongRow { "NoRegister", "F 4.29 = 1\n",
                    "1: no such register; expected a line such as \"F 8.2 = 5\", \"D 4 = 101\" or "
                    "\"station 1\"" },
@@ -98,6 +148,10 @@ INSTANTIATE_TEST_SUITE_P(
                    "2: 481 is outside the limits of F8.4, 100 to 480" },
         WrongRow { "Twice", "F 8.2 = 1\nF 8.2 = 1\n", "2: F8.2 stands here twice" },
         WrongRow { "StationZero", "station 0\n", "1: a station is a number from 1 to 247" },
+        WrongRow { "StationBehindTheLast", "station 248\n",
+                   "1: a station is a number from 1 to 247" },
+        WrongRow { "LastStationNotServed", "station 247\nF 8.2 = 1\n",
+                   "2: station 247 is not served; see --stations" },
         WrongRow { "StationNotServed", "station 7\nF 8.2 = 1\n",
                    "2: station 7 is not served; see --stations" },
         WrongRow { "CutInTheMiddle", "station 1\nF 8.2 = 1\ncomplete\n",
