@@ -6,6 +6,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -20,6 +21,14 @@ namespace {
 [[noreturn]] void fail(const std::string &what)
 {
     throw std::system_error(errno, std::generic_category(), what);
+}
+
+/// What a system call gave; throws where that is an error.
+int orFail(int result, const std::string &what)
+{
+    if (result < 0)
+        fail(what);
+    return result;
 }
 
 struct SpeedRow {
@@ -52,8 +61,7 @@ speed_t speedCode(int bitsPerSecond)
 termios settingsOf(int descriptor, const std::string &path)
 {
     termios settings {};
-    if (tcgetattr(descriptor, &settings) != 0)
-        fail(path);
+    orFail(tcgetattr(descriptor, &settings), path);
     return settings;
 }
 
@@ -61,8 +69,7 @@ void makeRaw(int descriptor, const std::string &path)
 {
     termios settings = settingsOf(descriptor, path);
     cfmakeraw(&settings);
-    if (tcsetattr(descriptor, TCSANOW, &settings) != 0)
-        fail(path);
+    orFail(tcsetattr(descriptor, TCSANOW, &settings), path);
 }
 
 } // namespace
@@ -70,17 +77,15 @@ void makeRaw(int descriptor, const std::string &path)
 Port Port::openPty()
 {
     Port port;
-    port.m_descriptor = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (port.m_descriptor < 0 || grantpt(port.m_descriptor) != 0
-        || unlockpt(port.m_descriptor) != 0)
-        fail("pseudo-terminal");
+    const std::string what = "pseudo-terminal";
+    port.m_descriptor = orFail(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), what);
+    orFail(grantpt(port.m_descriptor), what);
+    orFail(unlockpt(port.m_descriptor), what);
     char name[128];
     if (ptsname_r(port.m_descriptor, name, sizeof name) != 0)
-        fail("pseudo-terminal");
+        fail(what);
     port.m_path = name;
-    port.m_masterSide = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (port.m_masterSide < 0)
-        fail(port.m_path);
+    port.m_masterSide = orFail(open(name, O_RDWR | O_NOCTTY | O_CLOEXEC), port.m_path);
     makeRaw(port.m_masterSide, port.m_path);
     return port;
 }
@@ -99,9 +104,8 @@ Port Port::openSerial(const std::string &path, int speed, char parity, int stopB
         throw std::runtime_error(path + ": in use by " + common::holderText(strangers)
                                  + ", which took no lock; end it, as two programs on one line "
                                    "disturb each other");
-    port.m_descriptor = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (port.m_descriptor < 0)
-        fail(path);
+    port.m_descriptor =
+        orFail(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), path);
     termios settings = settingsOf(port.m_descriptor, path);
     cfmakeraw(&settings);
     settings.c_cflag |= CLOCAL | CREAD;
@@ -112,19 +116,16 @@ Port Port::openSerial(const std::string &path, int speed, char parity, int stopB
         settings.c_cflag |= PARODD;
     if (stopBits == 2)
         settings.c_cflag |= CSTOPB;
-    cfsetispeed(&settings, code);
-    cfsetospeed(&settings, code);
-    if (tcsetattr(port.m_descriptor, TCSANOW, &settings) != 0)
-        fail(path);
+    cfsetspeed(&settings, code);
+    orFail(tcsetattr(port.m_descriptor, TCSANOW, &settings), path);
     return port;
 }
 
 Port::~Port()
 {
-    if (m_masterSide >= 0)
-        close(m_masterSide);
-    if (m_descriptor >= 0)
-        close(m_descriptor);
+    // Of -1, where nothing is open, close() does nothing.
+    close(m_masterSide);
+    close(m_descriptor);
 }
 
 Port::Port(Port &&other) noexcept
@@ -144,7 +145,7 @@ Bytes Port::read()
     // A device that ends has been taken away; one with nothing to say gives EAGAIN.
     if (count == 0)
         throw std::system_error(EIO, std::generic_category(), m_path);
-    bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     return bytes;
 }
 
