@@ -348,7 +348,7 @@ TEST(SerialPort, SaysWhyItCannotBeReadOrWritten)
         return "done";
     };
 
-    const std::string path = pty.path();
+    const std::string &path = pty.path();
     EXPECT_EQ(failure("/", [&] { port.read(); }), path + ": Is a directory");
     EXPECT_EQ(failure("/dev/null", [&] { port.read(); }), path + ": Input/output error");
     EXPECT_EQ(failure("/", [&] { port.write({ 0x01 }); }), path + ": Bad file descriptor");
