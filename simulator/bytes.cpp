@@ -5,6 +5,8 @@
 #include "wire/crc16.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace dx4::sim {
 
@@ -12,7 +14,7 @@ namespace {
 
 constexpr char hexDigits[] = "0123456789ABCDEF";
 
-int digitValue(char digit)
+std::optional<int> digitValue(char digit)
 {
     if (digit >= '0' && digit <= '9')
         return digit - '0';
@@ -20,7 +22,7 @@ int digitValue(char digit)
         return digit - 'A' + 10;
     if (digit >= 'a' && digit <= 'f')
         return digit - 'a' + 10;
-    return -1;
+    return std::nullopt;
 }
 
 } // namespace
@@ -57,7 +59,6 @@ bool hasGoodCrc(const Bytes &frame)
 std::string toHex(const Bytes &bytes)
 {
     std::string text;
-    text.reserve(bytes.size() * 3);
     for (std::uint8_t byte : bytes) {
         if (!text.empty())
             text += ' ';
@@ -70,16 +71,16 @@ std::string toHex(const Bytes &bytes)
 Bytes fromHex(const std::string &hex)
 {
     Bytes bytes;
-    int high = -1;
+    std::optional<int> high;
     for (char character : hex) {
         if (character == ' ')
             continue;
-        const int value = digitValue(character);
-        if (value < 0)
+        const std::optional<int> value = digitValue(character);
+        if (!value)
             break;
-        if (high >= 0)
-            bytes.push_back(static_cast<std::uint8_t>(high * 16 + value));
-        high = high >= 0 ? -1 : value;
+        if (high)
+            bytes.push_back(static_cast<std::uint8_t>(*high * 16 + *value));
+        high = high ? std::nullopt : value;
     }
     return bytes;
 }

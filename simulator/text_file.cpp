@@ -15,18 +15,30 @@ namespace {
 constexpr std::size_t largest = std::size_t { 16 } << 20; // bytes
 
 /// @return errno of what went wrong, 0 for nothing
-int readAll(int descriptor, std::string &text)
+int readToTheEnd(int descriptor, std::string &text)
 {
     char part[4096];
     while (text.size() <= largest) {
         const ssize_t count = read(descriptor, part, sizeof part);
-        if (count == 0)
+        if (count > 0)
+            text.append(part, static_cast<std::size_t>(count));
+        else if (count == 0)
             return 0;
-        if (count < 0 && errno != EINTR)
+        else if (errno != EINTR)
             return errno;
-        text.append(part, static_cast<std::size_t>(count > 0 ? count : 0));
     }
     return EFBIG;
+}
+
+/// @return errno of what went wrong, 0 for nothing
+int readAll(const std::string &path, std::string &text)
+{
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    if (descriptor < 0)
+        return errno;
+    const int reason = readToTheEnd(descriptor, text);
+    close(descriptor);
+    return reason;
 }
 
 } // namespace
@@ -34,10 +46,7 @@ int readAll(int descriptor, std::string &text)
 std::optional<std::string> readTextFile(const std::string &path, std::string *error)
 {
     std::string text;
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
-    const int reason = descriptor < 0 ? errno : readAll(descriptor, text);
-    if (descriptor >= 0)
-        close(descriptor);
+    const int reason = readAll(path, text);
     if (reason == 0)
         return text;
     *error = path + ": " + std::generic_category().message(reason);

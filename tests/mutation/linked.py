@@ -44,7 +44,7 @@ TREES = {
     "simulator": Tree("simulator/libkorvane_simulator.a",
                       tuple("simulator/simulator_%s_test" % name for name in
                             ("slave", "drive", "cable", "fault", "fault_file", "register_map",
-                             "framer", "commands", "start_values", "station_list", "port"))
+                             "framer", "text", "commands", "start_values", "station_list", "port"))
                       + ("faults/korvane_fault_test",)),
     "capture": Tree("capture/libkorvane_capture.a", ("host/korvane_host_test",)),
 }
