@@ -14,7 +14,7 @@ namespace {
 constexpr Micros shortestFrameGap { 1750 }; // the fixed gap of fast lines
 constexpr int usualException = 4; // device failure
 constexpr int fastLine = 19200; // bit/s, above which the gap is fixed
-constexpr std::int64_t microsPerSecond = 1000000;
+constexpr std::int64_t halfASecond = 500000; // us: what one half of a bit takes at 1 bit/s
 
 /// Rounded up once for the whole span: cut off at each character, a long reply at 115,200 bit/s
 /// would be 0.1 ms shorter than it is on a wire.
@@ -22,8 +22,7 @@ Micros timeOfHalfBits(std::int64_t halfBits, int bitsPerSecond)
 {
     if (bitsPerSecond <= 0)
         return Micros(0);
-    const std::int64_t perSecond = std::int64_t { 2 } * bitsPerSecond;
-    return Micros((halfBits * microsPerSecond + perSecond - 1) / perSecond);
+    return Micros((halfBits * halfASecond + bitsPerSecond - 1) / bitsPerSecond);
 }
 
 std::string describe(const FaultRule &rule)
@@ -56,12 +55,13 @@ struct Cable::Passage {
     Bytes request; ///< as the stations hear it
     Bytes reply; ///< as the master hears it
     std::vector<FaultRule> rules; ///< those that strike
-    Micros end { 0 }; ///< of the request
-    Micros delay { 0 };
+    Micros end {}; ///< of the request
+    Micros delay {};
     std::optional<int> exception; ///< comes instead of the reply
     bool heard = true; ///< the stations get the request
     bool answered = true; ///< the master gets the reply
     bool echoed = false;
+    bool unplugged = false; ///< by one of the rules, on the way
 };
 
 Cable::Cable(Bus &bus, const Clock &clock, LineSettings settings, FaultPlan plan)
@@ -84,7 +84,6 @@ void Cable::send(const Bytes &request)
     passage.end = now + m_settings.wireTime(request.size());
     if (unplugged()) {
         passage.heard = false;
-        passage.answered = false;
     } else {
         passage.rules = m_plan.strike(m_number, request, now);
         strike(passage);
@@ -121,6 +120,7 @@ void Cable::beginOutage(Passage &passage, const FaultRule &rule)
         m_silentUntil = std::max(m_silentUntil, until);
     } else if (rule.kind == FaultKind::Unplug) {
         passage.heard = false;
+        passage.unplugged = true;
         m_arrivals.clear();
         m_unpluggedUntil = std::max(m_unpluggedUntil, until);
     } else if (rule.kind == FaultKind::PowerCycle) {
@@ -140,14 +140,15 @@ void Cable::carry(Passage &passage)
     else
         m_bus.advanceTo(passage.end);
 
+    // Junk comes from outside: it needs no reply to stand beside, but a plug that is in.
     for (const FaultRule &rule : passage.rules) {
-        if (damagesFrame(rule.kind) && rule.side == Side::Reply && canDamage(rule, passage))
+        if (damagesFrame(rule.kind) && rule.side == Side::Reply && !passage.unplugged)
             damage(passage.reply, rule, m_plan.dice());
     }
     if (!passage.answered || passage.end < m_silentUntil)
         passage.reply.clear();
     // The adapter at the master's end gives the request back whatever becomes of it.
-    const Bytes echo = passage.echoed && !unplugged() ? passage.sent : Bytes();
+    const Bytes echo = passage.echoed && !passage.unplugged ? passage.sent : Bytes();
     deliver(passage, echo);
 }
 
@@ -161,12 +162,6 @@ void Cable::deliver(const Passage &passage, const Bytes &echo)
     tell(LineEvent::Kind::Reply, echo.empty() ? start : passage.end, all);
     putEchoOnLine(echo, passage.end);
     putOnLine(passage.reply, start);
-}
-
-bool Cable::canDamage(const FaultRule &rule, const Passage &passage)
-{
-    // Junk comes from outside: it needs no reply to stand beside, but a plug that is in.
-    return !passage.reply.empty() || (rule.kind == FaultKind::Junk && !unplugged());
 }
 
 void Cable::obey(Passage &passage)

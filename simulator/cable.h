@@ -97,7 +97,6 @@ private:
 
     void strike(Passage &passage);
     void beginOutage(Passage &passage, const FaultRule &rule);
-    bool canDamage(const FaultRule &rule, const Passage &passage);
     void carry(Passage &passage);
     void obey(Passage &passage);
     void deliver(const Passage &passage, const Bytes &echo);

@@ -2,6 +2,7 @@
 // What goes wrong on the line, and when: rules as data, chosen by a seeded generator.
 #include "simulator/fault_plan.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -40,10 +41,10 @@ std::optional<RegisterRange> touchedRegisters(const Bytes &request)
     if (function != 3 && function != 6 && function != 16)
         return std::nullopt;
     const unsigned first = wordAt(request, 2);
-    const unsigned count = function == 6 ? 1U : wordAt(request, 4);
-    const unsigned last = count > 0 ? first + count - 1 : first;
-    return RegisterRange { static_cast<std::uint16_t>(first),
-                           static_cast<std::uint16_t>(last > 0xFFFF ? 0xFFFF : last) };
+    // A request for no register at all names its first one all the same.
+    const unsigned count = function == 6 ? 1U : std::max(unsigned { wordAt(request, 4) }, 1U);
+    const unsigned last = std::min(first + count - 1, 0xFFFFU);
+    return RegisterRange { static_cast<std::uint16_t>(first), static_cast<std::uint16_t>(last) };
 }
 
 bool touches(const RegisterRange &wanted, const Bytes &request)
@@ -93,7 +94,6 @@ const std::vector<FaultKind> &allFaultKinds()
 {
     static const std::vector<FaultKind> kinds = [] {
         std::vector<FaultKind> all;
-        all.reserve(std::size(kindRows));
         for (const KindRow &row : kindRows)
             all.push_back(row.kind);
         return all;

@@ -31,9 +31,9 @@ void flipBits(Bytes &frame, int count, Dice &dice)
 
 void breakCrc(Bytes &frame)
 {
-    for (std::size_t i = frame.size() - std::min<std::size_t>(frame.size(), 2); i < frame.size();
-         ++i)
-        frame[i] = static_cast<std::uint8_t>(frame[i] ^ 0xFFU);
+    const auto crc = frame.end() - std::min<std::ptrdiff_t>(2, frame.end() - frame.begin());
+    std::transform(crc, frame.end(), crc,
+                   [](std::uint8_t byte) { return static_cast<std::uint8_t>(~byte); });
 }
 
 void truncate(Bytes &frame, const FaultRule &rule, Dice &dice)
@@ -58,22 +58,26 @@ void addJunk(Bytes &frame, const FaultRule &rule, Dice &dice)
     frame.insert(frame.begin() + place, junk.begin(), junk.end());
 }
 
-void replaceByte(Bytes &frame, std::size_t place, int value)
+int otherStation(int station)
+{
+    return station < 247 ? station + 1 : 1;
+}
+
+int otherFunction(int function)
+{
+    return function == 3 ? 4 : 3;
+}
+
+/// Puts another station or function in front; leaves frames alone that are too short to have both.
+void replaceHead(Bytes &frame, const FaultRule &rule)
 {
     if (frame.size() < smallestFrame)
         return;
-    frame[place] = static_cast<std::uint8_t>(value);
+    if (rule.kind == FaultKind::WrongStation)
+        frame[0] = static_cast<std::uint8_t>(rule.value.value_or(otherStation(frame[0])));
+    else
+        frame[1] = static_cast<std::uint8_t>(rule.value.value_or(otherFunction(frame[1])));
     renewCrc(frame);
-}
-
-int otherStation(const Bytes &frame)
-{
-    return frame.empty() || frame[0] >= 247 ? 1 : frame[0] + 1;
-}
-
-int otherFunction(const Bytes &frame)
-{
-    return frame.size() > 1 && frame[1] == 3 ? 4 : 3;
 }
 
 } // namespace
@@ -96,7 +100,7 @@ bool damagesFrame(FaultKind kind)
     case FaultKind::Silence:
     case FaultKind::Unplug:
     case FaultKind::PowerCycle:
-        return false;
+        break;
     }
     return false;
 }
@@ -113,9 +117,8 @@ void damage(Bytes &frame, const FaultRule &rule, Dice &dice)
     case FaultKind::Junk:
         return addJunk(frame, rule, dice);
     case FaultKind::WrongStation:
-        return replaceByte(frame, 0, rule.value.value_or(otherStation(frame)));
     case FaultKind::WrongFunction:
-        return replaceByte(frame, 1, rule.value.value_or(otherFunction(frame)));
+        return replaceHead(frame, rule);
     case FaultKind::DropRequest:
     case FaultKind::DropReply:
     case FaultKind::Delay:

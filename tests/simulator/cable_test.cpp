@@ -31,14 +31,36 @@ TEST(LineSettings, WireTimeIsRoundedUpOnceForAllCharacters)
     EXPECT_EQ(timeless.wireTime(245), us(0));
 }
 
+TEST(LineSettings, WireTimeRoundsUpEvenAThirdOfAMicrosecond)
+{
+    LineSettings at1;
+    at1.bitsPerSecond = 1;
+    LineSettings at3;
+    at3.bitsPerSecond = 3;
+
+    EXPECT_EQ(at1.wireTime(1), us(11000000));
+    EXPECT_EQ(at3.wireTime(1), us(3666667)); // 3666666.7
+    EXPECT_EQ(at3.wireTime(2), us(7333334)); // 7333333.3
+    EXPECT_EQ(at3.wireTime(3), us(11000000));
+}
+
 TEST(LineSettings, FrameGapIsFixedOnFastLines)
 {
+    LineSettings timeless;
+    timeless.bitsPerSecond = 0;
+    LineSettings at1;
+    at1.bitsPerSecond = 1;
+    LineSettings at19201;
+    at19201.bitsPerSecond = 19201;
     LineSettings at19200;
     at19200.bitsPerSecond = 19200;
     LineSettings at38400;
     at38400.bitsPerSecond = 38400;
 
+    EXPECT_EQ(timeless.frameGap(), us(1750));
+    EXPECT_EQ(at1.frameGap(), us(38500000));
     EXPECT_EQ(at19200.frameGap(), us(2006)); // 2005.2
+    EXPECT_EQ(at19201.frameGap(), us(1750));
     EXPECT_EQ(at38400.frameGap(), us(1750));
 }
 
@@ -121,6 +143,17 @@ TEST_F(CableTime, ExchangeGivesUpAtItsTimeout)
     EXPECT_EQ(clock.now(), us(1000000));
 }
 
+TEST_F(CableTime, ExchangeHearsAByteThatComesAtItsTimeout)
+{
+    const Bytes request = withCrc(fromHex("01 03 F0 00 00 01"));
+
+    const Bytes whole = exchange(cable, clock, request, us(9167 + 2000 + 8021));
+    const Bytes cut = exchange(cable, clock, request, us(9167 + 2000 + 8021 - 1));
+
+    EXPECT_EQ(toHex(whole), "01 03 02 00 00 B8 44");
+    EXPECT_EQ(toHex(cut), "01 03 02 00 00 B8");
+}
+
 TEST_F(CableTime, EveryStationAnswersForItself)
 {
     inverter.write(0xF000, 1);
@@ -164,11 +197,21 @@ TEST_F(CableTime, NothingPassesWhileThePlugIsOut)
     EXPECT_EQ(back, framed("01 06 F0 00 00 09"));
 }
 
+TEST_F(CableTime, PlugIsInAtOnce)
+{
+    cable.unplug();
+
+    cable.plug();
+
+    EXPECT_FALSE(cable.unplugged());
+}
+
 TEST_F(CableTime, LogShowsRequestAndReply)
 {
     ask("01 03 F0 00 00 01");
     ask("07 03 F0 00 00 01");
     cable.unplug();
+    cable.plug();
 
     const std::vector<std::string> expected = {
         "1 > 01 03 F0 00 00 01 B7 0A",
@@ -176,6 +219,7 @@ TEST_F(CableTime, LogShowsRequestAndReply)
         "2 > " + framed("07 03 F0 00 00 01"),
         "2 -",
         "2 = unplugged",
+        "2 = plugged",
     };
     EXPECT_EQ(log, expected);
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every kind of fault, every condition, and the same faults for the same seed.
+// Every kind of fault on the line.
 #include "line_fixture.h"
-
-#include <algorithm>
 
 using namespace dx4::sim;
 
@@ -25,19 +23,23 @@ protected:
     const std::string good = "01 03 02 00 00 B8 44";
 };
 
-class FaultConditions : public FaultKinds {
-protected:
-    /// Which of the next `count` reads were left without a reply.
-    std::vector<int> lostOf(int count)
-    {
-        std::vector<int> lost;
-        for (int i = 1; i <= count; ++i) {
-            if (read().empty())
-                lost.push_back(i);
-        }
-        return lost;
+/// A line where bytes take no time.
+std::string askWithoutTime(const std::vector<FaultKind> &kinds)
+{
+    std::vector<FaultRule> rules;
+    for (const FaultKind kind : kinds) {
+        FaultRule rule;
+        rule.kind = kind;
+        rules.push_back(rule);
     }
-};
+    VirtualClock clock;
+    Bus bus;
+    bus.add(1);
+    LineSettings settings;
+    settings.bitsPerSecond = 0;
+    Cable cable(bus, clock, settings, FaultPlan(rules));
+    return toHex(exchange(cable, clock, withCrc(fromHex("01 03 F0 00 00 01"))));
+}
 
 } // namespace
 
@@ -50,6 +52,16 @@ TEST_F(FaultKinds, DropRequestKeepsTheWriteFromTheDrive)
     EXPECT_EQ(reply, "");
     EXPECT_EQ(inverter.read(0xF000), 0);
     EXPECT_EQ(read(), good);
+}
+
+TEST_F(FaultKinds, TimePassesForTheDrivesThoughTheyHearNothing)
+{
+    cable.plan().add(once(FaultKind::DropRequest));
+    clock.advance(std::chrono::seconds(3));
+
+    cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
+
+    EXPECT_EQ(inverter.read(0xD00D), 3); // seconds since power on
 }
 
 TEST_F(FaultKinds, DropReplyLeavesTheWriteDone)
@@ -226,6 +238,28 @@ TEST_F(FaultKinds, ExceptionComesInsteadAndNothingIsWritten)
     EXPECT_EQ(inverter.read(0xF000), 0);
 }
 
+TEST_F(FaultKinds, ExceptionIsDeviceFailureWhereTheRuleNamesNone)
+{
+    cable.plan().add(once(FaultKind::Exception));
+
+    EXPECT_EQ(read(), framed("01 83 04"));
+}
+
+TEST_F(FaultKinds, ExceptionComesAsSoonAsTheStationHasPowerAgain)
+{
+    once(FaultKind::PowerCycle).duration = std::chrono::milliseconds(1500);
+    cable.plan().add(rule);
+    read();
+    cable.plan().add(once(FaultKind::Exception));
+
+    const std::string off = read();
+    cable.plan().add(once(FaultKind::Exception));
+    const std::string on = read();
+
+    EXPECT_EQ(off, "");
+    EXPECT_EQ(on, framed("01 83 04"));
+}
+
 TEST_F(FaultKinds, ExceptionNeedsAStationToSpeak)
 {
     cable.plan().add(once(FaultKind::Exception));
@@ -240,6 +274,23 @@ TEST_F(FaultKinds, EchoStandsBeforeTheReply)
     EXPECT_EQ(read(), "01 03 F0 00 00 01 B7 0A " + good);
 }
 
+TEST_F(FaultKinds, EchoComesByteByByteAtTheEndOfTheRequest)
+{
+    cable.plan().add(once(FaultKind::Echo));
+
+    cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
+    clock.advanceTo(Micros(9167 + 1145));
+    const Bytes before = cable.receive();
+    clock.advanceTo(Micros(9167 + 1146));
+    const Bytes first = cable.receive();
+    clock.advanceTo(Micros(9167 + 2292));
+    const Bytes next = cable.receive();
+
+    EXPECT_EQ(toHex(before), "");
+    EXPECT_EQ(toHex(first), "01");
+    EXPECT_EQ(toHex(next), "03");
+}
+
 TEST_F(FaultKinds, EchoComesAlsoWhenNoReplyDoes)
 {
     for (const FaultKind kind : { FaultKind::DropRequest, FaultKind::DropReply, FaultKind::Silence,
@@ -252,9 +303,10 @@ TEST_F(FaultKinds, EchoComesAlsoWhenNoReplyDoes)
     }
 }
 
-TEST_F(FaultKinds, EchoDoesNotPassAPulledPlug)
+TEST_F(FaultKinds, EchoAndJunkDoNotPassAPulledPlug)
 {
     cable.plan().add(once(FaultKind::Echo));
+    cable.plan().add(once(FaultKind::Junk));
     cable.plan().add(once(FaultKind::Unplug));
 
     EXPECT_EQ(read(), "");
@@ -272,6 +324,37 @@ TEST_F(FaultKinds, SilenceLastsItsTimeWhileTheDriveObeys)
     EXPECT_EQ(first, "");
     EXPECT_EQ(stillSilent, "");
     EXPECT_EQ(after, framed("01 03 02 00 06"));
+}
+
+TEST_F(FaultKinds, SilenceIsOverAtItsEnd)
+{
+    once(FaultKind::Silence).duration = std::chrono::milliseconds(1500); // from the request's end
+    cable.plan().add(rule);
+    read();
+
+    clock.advanceTo(Micros(1499999));
+    cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
+    const bool before = cable.nextByteAt().has_value();
+    clock.advanceTo(Micros(1500000));
+    cable.send(withCrc(fromHex("01 03 F0 00 00 01")));
+    const bool after = cable.nextByteAt().has_value();
+
+    EXPECT_FALSE(before);
+    EXPECT_TRUE(after);
+}
+
+TEST_F(FaultKinds, UnplugLosesWhatIsOnItsWay)
+{
+    once(FaultKind::Delay).duration = std::chrono::milliseconds(1100);
+    cable.plan().add(rule);
+    read();
+    cable.plan().add(once(FaultKind::Unplug));
+
+    const std::string during = read();
+    const std::string after = read();
+
+    EXPECT_EQ(during, "");
+    EXPECT_EQ(after, good);
 }
 
 TEST_F(FaultKinds, UnplugLetsNothingPassForItsTime)
@@ -317,6 +400,34 @@ TEST_F(FaultKinds, PowerCycleSilencesOneStationAndStopsItsDrive)
     EXPECT_EQ(back, framed("01 03 04 00 00 00 00"));
 }
 
+TEST_F(FaultKinds, PowerCycleOfAStationThatIsNotThereLeavesTheOthersOn)
+{
+    once(FaultKind::PowerCycle).duration = std::chrono::milliseconds(1500);
+    cable.plan().add(rule);
+    cable.plan().add(rule);
+
+    const std::string absent = ask("09 03 F0 00 00 01");
+    const std::string empty = sendRaw({});
+
+    EXPECT_EQ(absent, "");
+    EXPECT_EQ(empty, "");
+    EXPECT_TRUE(inverter.powered());
+    EXPECT_TRUE(second.powered());
+}
+
+TEST_F(FaultKinds, LogNamesTheSideOfADamageAlone)
+{
+    cable.plan().add(once(FaultKind::WrongStation));
+    cable.plan().add(once(FaultKind::DropReply));
+
+    read();
+
+    const std::vector<std::string> expected = { "1 > 01 03 F0 00 00 01 B7 0A",
+                                                "1 ! wrong-station reply", "1 ! drop-reply",
+                                                "1 -" };
+    EXPECT_EQ(log, expected);
+}
+
 TEST_F(FaultKinds, LogNamesWhatStruck)
 {
     once(FaultKind::BreakCrc).side = Side::Request;
@@ -330,154 +441,12 @@ TEST_F(FaultKinds, LogNamesWhatStruck)
     EXPECT_EQ(log, expected);
 }
 
-TEST_F(FaultConditions, FrameStrikesOnce)
+TEST(FaultsWithoutTime, EchoKeepsTheOrderOfItsBytes)
 {
-    rule.frame = 3;
-    cable.plan().add(rule);
-
-    EXPECT_EQ(lostOf(8), std::vector<int>({ 3 }));
+    EXPECT_EQ(askWithoutTime({ FaultKind::Echo }), "01 03 F0 00 00 01 B7 0A 01 03 02 00 00 B8 44");
 }
 
-TEST_F(FaultConditions, EveryStrikesAtItsMultiples)
+TEST(FaultsWithoutTime, UnplugLetsNeitherEchoNorJunkPass)
 {
-    rule.every = 3;
-    cable.plan().add(rule);
-
-    EXPECT_EQ(lostOf(8), std::vector<int>({ 3, 6 }));
-}
-
-TEST_F(FaultConditions, TimesBoundsTheStrikes)
-{
-    rule.every = 2;
-    rule.times = 2;
-    cable.plan().add(rule);
-
-    EXPECT_EQ(lostOf(8), std::vector<int>({ 2, 4 }));
-}
-
-TEST_F(FaultConditions, ProbabilityZeroNeverAndOneAlways)
-{
-    rule.probability = 0.0;
-    cable.plan().add(rule);
-    const std::vector<int> never = lostOf(5);
-    rule.probability = 1.0;
-    cable.plan().add(rule);
-
-    EXPECT_TRUE(never.empty());
-    EXPECT_EQ(lostOf(3), std::vector<int>({ 1, 2, 3 }));
-}
-
-TEST_F(FaultConditions, ProbabilityStrikesAboutAsOftenAsItSays)
-{
-    rule.probability = 0.25;
-    cable.plan().add(rule);
-
-    const std::size_t lost = lostOf(1000).size();
-
-    EXPECT_GT(lost, 200U);
-    EXPECT_LT(lost, 300U);
-}
-
-TEST_F(FaultConditions, RegisterRangeStrikesWhereTheRequestTouchesIt)
-{
-    rule.registers = RegisterRange { 0xD002, 0xD003 };
-    cable.plan().add(rule);
-
-    EXPECT_NE(ask("01 03 D0 00 00 02"), "");
-    EXPECT_EQ(ask("01 03 D0 00 00 03"), "");
-    EXPECT_EQ(ask("01 03 D0 03 00 01"), "");
-    EXPECT_NE(ask("01 03 D0 04 00 01"), "");
-}
-
-TEST_F(FaultConditions, StationLeavesTheOthersAlone)
-{
-    rule.station = 2;
-    cable.plan().add(rule);
-
-    EXPECT_NE(ask("01 03 F0 00 00 01"), "");
-    EXPECT_EQ(ask("02 03 F0 00 00 01"), "");
-}
-
-TEST_F(FaultConditions, TimeWindowHasABeginAndAnEnd)
-{
-    rule.from = std::chrono::milliseconds(1000);
-    rule.until = std::chrono::milliseconds(2000);
-    cable.plan().add(rule);
-
-    const std::string before = read();
-    clock.advanceTo(std::chrono::milliseconds(1000));
-    const std::string inside = ask("01 03 F0 00 00 01");
-    clock.advanceTo(std::chrono::milliseconds(2000));
-    const std::string after = read();
-
-    EXPECT_EQ(before, good);
-    EXPECT_EQ(inside, "");
-    EXPECT_EQ(after, good);
-}
-
-TEST_F(FaultConditions, AllThatAreSetMustHold)
-{
-    rule.every = 2;
-    rule.from = std::chrono::milliseconds(100);
-    cable.plan().add(rule);
-
-    const std::vector<int> early = lostOf(2);
-    clock.advanceTo(std::chrono::milliseconds(100));
-
-    EXPECT_TRUE(early.empty());
-    EXPECT_EQ(lostOf(4), std::vector<int>({ 2, 4 }));
-}
-
-namespace {
-
-std::vector<std::string> logOfABadLine(std::uint64_t seed)
-{
-    std::vector<FaultRule> rules;
-    for (FaultKind kind : allFaultKinds()) {
-        FaultRule rule;
-        rule.kind = kind;
-        rule.probability = 0.08;
-        rule.duration = std::chrono::milliseconds(40);
-        rules.push_back(rule);
-    }
-    VirtualClock clock;
-    Bus bus;
-    bus.add(1);
-    Cable cable(bus, clock, {}, FaultPlan(rules, seed));
-    std::vector<std::string> log;
-    cable.observe([&log](const LineEvent &event) { log.push_back(logLine(event)); });
-    for (int i = 0; i < 300; ++i)
-        exchange(cable, clock, withCrc(fromHex("01 03 D0 00 00 0E")), Micros(50000));
-    return log;
-}
-
-} // namespace
-
-TEST(FaultSeed, SameSeedGivesTheSameBytes)
-{
-    const std::vector<std::string> first = logOfABadLine(42);
-    const std::vector<std::string> again = logOfABadLine(42);
-
-    EXPECT_GT(first.size(), 600U);
-    EXPECT_EQ(first, again);
-}
-
-TEST(FaultSeed, AnotherSeedGivesOtherBytes)
-{
-    EXPECT_NE(logOfABadLine(42), logOfABadLine(43));
-}
-
-TEST(FaultSeed, DiceAreTheSameOnEveryMachine)
-{
-    Dice dice(42);
-
-    EXPECT_EQ(dice.below(1000), 406U);
-}
-
-TEST(FaultNames, ReadBackAsTheirKind)
-{
-    for (FaultKind kind : allFaultKinds())
-        EXPECT_EQ(faultKindByName(faultKindName(kind)), kind);
-    EXPECT_EQ(allFaultKinds().size(), 14U);
-    EXPECT_EQ(faultKindByName("gremlin"), std::nullopt);
+    EXPECT_EQ(askWithoutTime({ FaultKind::Unplug, FaultKind::Echo, FaultKind::Junk }), "");
 }
