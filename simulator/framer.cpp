@@ -2,24 +2,27 @@
 // Finds the master's frames in the bytes that a port delivers.
 #include "simulator/framer.h"
 
+#include <limits>
 #include <utility>
 
 namespace dx4::sim {
 
 namespace {
 
-/// Length of the request that begins here, CRC included; 0 when its function does not tell yet.
+constexpr std::size_t shortestRequest = 8; // of those that end by themselves, CRC included
+constexpr std::size_t endsWithAPause = std::numeric_limits<std::size_t>::max();
+
+/// Length of the request that begins here, CRC included; endless when its function does not tell,
+/// or not yet.
 std::size_t expectedLength(const Bytes &bytes)
 {
-    if (bytes.size() < smallestFrame)
-        return 0;
+    if (bytes.size() < shortestRequest)
+        return endsWithAPause;
     const unsigned function = bytes[1];
     if (function >= 1 && function <= 6)
-        return 8;
+        return shortestRequest;
     const bool severalValues = function == 15 || function == 16;
-    if (severalValues && bytes.size() > 6)
-        return std::size_t { 9 } + bytes[6];
-    return 0;
+    return severalValues ? std::size_t { 9 } + bytes[6] : endsWithAPause;
 }
 
 } // namespace
@@ -33,7 +36,7 @@ void Framer::push(const Bytes &bytes, Micros now)
 std::optional<Bytes> Framer::take(Micros now)
 {
     const std::size_t length = expectedLength(m_pending);
-    if (length > 0 && m_pending.size() >= length) {
+    if (m_pending.size() >= length) {
         const auto end = m_pending.begin() + static_cast<std::ptrdiff_t>(length);
         Bytes frame(m_pending.begin(), end);
         if (hasGoodCrc(frame)) {

@@ -70,3 +70,59 @@ TEST(RequestFrames, UnknownFunctionEndsWithAPause)
     EXPECT_EQ(taken(framer, 3999), "none");
     EXPECT_EQ(taken(framer, 4000), toHex(request));
 }
+
+TEST(RequestFrames, OfEachFunctionWithALengthEndWithTheirLastByte)
+{
+    for (const char *payload :
+         { "01 01 00 00 00 01", "01 02 00 00 00 01", "01 04 00 00 00 01", "01 05 00 00 FF 00",
+           "01 06 F0 00 00 01", "01 0F 00 00 00 01 01 01", "01 10 F0 00 00 01 02 00 01" }) {
+        SCOPED_TRACE(payload);
+        Framer framer(gap);
+        const Bytes request = withCrc(fromHex(payload));
+
+        framer.push(request, Micros(0));
+
+        EXPECT_EQ(taken(framer, 0), toHex(request));
+    }
+}
+
+TEST(RequestFrames, OfFunctionsWithoutALengthEndWithAPause)
+{
+    for (const char *payload : { "01 00 00 00 00 01", "01 07 00 00 00 01",
+                                 "01 0E 00 00 00 01 01 01", "01 11 00 00 00 01 01 01" }) {
+        SCOPED_TRACE(payload);
+        Framer framer(gap);
+        const Bytes request = withCrc(fromHex(payload));
+
+        framer.push(request, Micros(0));
+
+        EXPECT_EQ(taken(framer, 3999), "none");
+        EXPECT_EQ(taken(framer, 4000), toHex(request));
+    }
+}
+
+TEST(RequestFrames, AreNotTakenBeforeTheirEndWhereTheLastOneWasTheSame)
+{
+    Framer framer(gap);
+    framer.push(fromHex("01 03 20 01 00 01 DE 0A"), Micros(0));
+    taken(framer, 0);
+
+    framer.push(fromHex("01 03 20 01"), Micros(10));
+    const std::string half = taken(framer, 10);
+    framer.push(fromHex("00 01 DE 0A"), Micros(20));
+
+    EXPECT_EQ(half, "none");
+    EXPECT_EQ(taken(framer, 20), "01 03 20 01 00 01 DE 0A");
+}
+
+TEST(RequestFrames, OfSeveralValuesAreNotTakenBeforeTheirEndWhereTheLastOneWasTheSame)
+{
+    Framer framer(gap);
+    const Bytes write = withCrc(fromHex("01 10 F0 00 00 01 02 00 01"));
+    framer.push(write, Micros(0));
+    taken(framer, 0);
+
+    framer.push(fromHex("01 10 F0 00 00 01 02 00"), Micros(10));
+
+    EXPECT_EQ(taken(framer, 10), "none");
+}
