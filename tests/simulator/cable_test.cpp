@@ -243,3 +243,36 @@ TEST(BusStations, RefusedNumberLeavesNothingBehind)
     EXPECT_THROW(bus.add(300), std::invalid_argument);
     EXPECT_TRUE(bus.stations().empty());
 }
+
+namespace {
+
+/// The fault codes of station 1 and 2, which trip 100 ms behind their last request, when 90 ms
+/// behind one of their own comes that request and 20 ms pass.
+std::string faultsBehind(const Bytes &request)
+{
+    Bus bus;
+    for (const int station : { 1, 2 }) {
+        bus.add(station).write(0xF808, 1);
+        Bytes own = fromHex("00 03 F0 00 00 01");
+        own[0] = static_cast<std::uint8_t>(station);
+        bus.deliver(withCrc(own), us(0));
+    }
+    bus.deliver(request, us(90000));
+    bus.advanceTo(us(110000));
+    return std::to_string(bus.find(1)->read(faultCodeRegister)) + ' '
+        + std::to_string(bus.find(2)->read(faultCodeRegister));
+}
+
+} // namespace
+
+TEST(BusStations, HearWholeRequestsToThemselvesAndToAll)
+{
+    Bytes broken = withCrc(fromHex("00 06 F0 00 00 01"));
+    broken.back() ^= 1U;
+
+    EXPECT_EQ(faultsBehind(withCrc(fromHex("01 03 F0 00 00 01"))), "0 5");
+    EXPECT_EQ(faultsBehind(withCrc(fromHex("02 03 F0 00 00 01"))), "5 0");
+    EXPECT_EQ(faultsBehind(withCrc(fromHex("03 03 F0 00 00 01"))), "5 5");
+    EXPECT_EQ(faultsBehind(withCrc(fromHex("00 06 F0 00 00 01"))), "0 0");
+    EXPECT_EQ(faultsBehind(broken), "5 5");
+}

@@ -403,7 +403,7 @@ TEST_F(FaultKinds, PowerCycleSilencesOneStationAndStopsItsDrive)
 TEST_F(FaultKinds, PowerCycleOfAStationThatIsNotThereLeavesTheOthersOn)
 {
     once(FaultKind::PowerCycle).duration = std::chrono::milliseconds(1500);
-    cable.plan().add(rule);
+    rule.times = 2;
     cable.plan().add(rule);
 
     const std::string absent = ask("09 03 F0 00 00 01");

@@ -18,6 +18,14 @@ std::string taken(Framer &framer, int now)
 
 } // namespace
 
+TEST(RequestFrames, AreNoneWhereNothingCame)
+{
+    Framer framer(gap);
+
+    EXPECT_EQ(taken(framer, 100000), "none");
+    EXPECT_EQ(framer.endsAt(), std::nullopt);
+}
+
 TEST(RequestFrames, EndWithTheirLastByte)
 {
     Framer framer(gap);
