@@ -94,6 +94,7 @@ const std::vector<FaultKind> &allFaultKinds()
 {
     static const std::vector<FaultKind> kinds = [] {
         std::vector<FaultKind> all;
+        all.reserve(std::size(kindRows));
         for (const KindRow &row : kindRows)
             all.push_back(row.kind);
         return all;

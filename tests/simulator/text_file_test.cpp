@@ -23,7 +23,7 @@ constexpr off_t largest = 16777216; // bytes
 /// A file of so many zeros, which take no room on the disk.
 std::string fileOf(const std::string &name, off_t size)
 {
-    const std::string path = fileWith(name, "");
+    std::string path = fileWith(name, "");
     EXPECT_EQ(truncate(path.c_str(), size), 0);
     return path;
 }
@@ -74,9 +74,11 @@ TEST(TextFiles, AreReadAsAWhole)
 
 TEST(TextFiles, MayHoldSixteenMebibytes)
 {
+    const std::string path = fileOf("largest.txt", largest);
     std::string error;
 
-    const std::optional<std::string> text = readTextFile(fileOf("largest.txt", largest), &error);
+    const std::optional<std::string> text = readTextFile(path, &error);
+    unlink(path.c_str());
 
     ASSERT_TRUE(text);
     EXPECT_EQ(text->size(), 16777216U);
@@ -89,6 +91,7 @@ TEST(TextFiles, AreRefusedWhereTheyAreLarger)
     std::string error;
 
     const std::optional<std::string> text = readTextFile(path, &error);
+    unlink(path.c_str());
 
     EXPECT_EQ(text, std::nullopt);
     EXPECT_EQ(error, path + ": File too large");
