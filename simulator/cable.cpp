@@ -35,13 +35,13 @@ std::string describe(const FaultRule &rule)
 
 } // namespace
 
-Micros LineSettings::wireTime(std::size_t bytes) const
+Micros CableSettings::wireTime(std::size_t bytes) const
 {
     return timeOfHalfBits(std::int64_t { 2 } * bitsPerCharacter * static_cast<std::int64_t>(bytes),
                           bitsPerSecond);
 }
 
-Micros LineSettings::frameGap() const
+Micros CableSettings::frameGap() const
 {
     if (bitsPerSecond <= 0 || bitsPerSecond > fastLine)
         return shortestFrameGap;
@@ -64,7 +64,7 @@ struct Cable::Passage {
     bool unplugged = false; ///< by one of the rules, on the way
 };
 
-Cable::Cable(Bus &bus, const Clock &clock, LineSettings settings, FaultPlan plan)
+Cable::Cable(Bus &bus, const Clock &clock, CableSettings settings, FaultPlan plan)
     : m_bus(bus)
     , m_clock(clock)
     , m_settings(settings)

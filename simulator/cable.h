@@ -14,7 +14,7 @@
 namespace dx4::sim {
 
 /// How fast the line is.
-struct LineSettings {
+struct CableSettings {
     int bitsPerSecond = 9600; ///< 0: bytes take no time
     int bitsPerCharacter = 11; ///< start, eight data bits, parity and stop bit, or two stop bits
     Micros turnaround { 2000 }; ///< from the end of a request to the begin of the reply
@@ -52,7 +52,7 @@ public:
     using Observer = std::function<void(const LineEvent &)>;
 
     /// `bus` and `clock` must outlive the cable.
-    Cable(Bus &bus, const Clock &clock, LineSettings settings = {}, FaultPlan plan = {});
+    Cable(Bus &bus, const Clock &clock, CableSettings settings = {}, FaultPlan plan = {});
 
     /// Adds an observer; all hear every event, in the order they were added.
     void observe(Observer observer) { m_observers.push_back(std::move(observer)); }
@@ -86,7 +86,7 @@ public:
     /// How many requests were sent so far.
     int requestCount() const { return m_number; }
 
-    const LineSettings &settings() const { return m_settings; }
+    const CableSettings &settings() const { return m_settings; }
 
 private:
     struct Passage;
@@ -106,7 +106,7 @@ private:
 
     Bus &m_bus;
     const Clock &m_clock;
-    LineSettings m_settings;
+    CableSettings m_settings;
     FaultPlan m_plan;
     std::vector<Observer> m_observers;
     std::deque<Arrival> m_arrivals; ///< ascending in time

@@ -29,9 +29,9 @@ using namespace dx4::sim;
 
 constexpr std::uint64_t defaultSeed = 1;
 
-LineSettings lineOf(const Options &options)
+CableSettings lineOf(const Options &options)
 {
-    LineSettings settings;
+    CableSettings settings;
     // The characters of a serial port take their time by themselves.
     settings.bitsPerSecond = options.pty ? options.speed : 0;
     settings.bitsPerCharacter = options.bitsPerCharacter();

@@ -27,11 +27,6 @@ int wordAt(const QByteArray &bytes, int position)
     return byteAt(bytes, position) * 256 + byteAt(bytes, position + 1);
 }
 
-unsigned crcOf(const QByteArray &bytes)
-{
-    return crc16(reinterpret_cast<const unsigned char *>(bytes.constData()), host::lengthOf(bytes));
-}
-
 QString functionText(int function)
 {
     switch (function) {
@@ -171,7 +166,8 @@ private:
             m_text.kind = QStringLiteral("unknown frame");
         if (left() > 0)
             take(left(), "rest", QStringLiteral("does not belong here"));
-        const unsigned crc = crcOf(m_frame.left(m_position));
+        const unsigned crc =
+            crc16(reinterpret_cast<const unsigned char *>(m_frame.constData()), m_position);
         const unsigned low = crc & 0xFFU;
         m_text.crcIsRight = byteAt(m_frame, m_position) == static_cast<int>(low)
             && byteAt(m_frame, m_position + 1) == static_cast<int>(crc >> 8);

@@ -2,7 +2,7 @@
 // One run of the scenario: two stations are polled and written while the cable fails as it is told.
 #include "run.h"
 
-#include "cable_line.h"
+#include "far_plug_line.h"
 #include "host/exchange/guarded_exchange.h"
 #include "simulator/byte_log.h"
 
@@ -30,9 +30,9 @@ LineSettings hostSide()
     return settings;
 }
 
-sim::LineSettings cableSide()
+sim::CableSettings cableSide()
 {
-    sim::LineSettings settings;
+    sim::CableSettings settings;
     settings.bitsPerSecond = 19200;
     return settings;
 }
@@ -93,7 +93,7 @@ public:
     Plant plant { clock };
     std::ostringstream log;
     sim::Cable cable;
-    CableLine line;
+    FarPlugLine line;
     Link link { loadPlugin(), LinkSettings() };
     LineExchange plain { line };
     GuardedExchange guarded;

@@ -23,9 +23,9 @@ LineSettings hostLine()
     return settings;
 }
 
-dx4::sim::LineSettings simulatorLine()
+dx4::sim::CableSettings simulatorLine()
 {
-    dx4::sim::LineSettings settings;
+    dx4::sim::CableSettings settings;
     settings.bitsPerSecond = 19200;
     return settings;
 }

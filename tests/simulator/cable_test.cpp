@@ -15,13 +15,13 @@ Micros us(int value)
 
 } // namespace
 
-TEST(LineSettings, WireTimeIsRoundedUpOnceForAllCharacters)
+TEST(CableSettings, WireTimeIsRoundedUpOnceForAllCharacters)
 {
-    LineSettings slow;
-    LineSettings fast;
+    CableSettings slow;
+    CableSettings fast;
     fast.bitsPerSecond = 115200;
     fast.bitsPerCharacter = 10;
-    LineSettings timeless;
+    CableSettings timeless;
     timeless.bitsPerSecond = 0;
 
     EXPECT_EQ(slow.wireTime(1), us(1146)); // 1145.8
@@ -31,11 +31,11 @@ TEST(LineSettings, WireTimeIsRoundedUpOnceForAllCharacters)
     EXPECT_EQ(timeless.wireTime(245), us(0));
 }
 
-TEST(LineSettings, WireTimeRoundsUpEvenAThirdOfAMicrosecond)
+TEST(CableSettings, WireTimeRoundsUpEvenAThirdOfAMicrosecond)
 {
-    LineSettings at1;
+    CableSettings at1;
     at1.bitsPerSecond = 1;
-    LineSettings at3;
+    CableSettings at3;
     at3.bitsPerSecond = 3;
 
     EXPECT_EQ(at1.wireTime(1), us(11000000));
@@ -44,17 +44,17 @@ TEST(LineSettings, WireTimeRoundsUpEvenAThirdOfAMicrosecond)
     EXPECT_EQ(at3.wireTime(3), us(11000000));
 }
 
-TEST(LineSettings, FrameGapIsFixedOnFastLines)
+TEST(CableSettings, FrameGapIsFixedOnFastLines)
 {
-    LineSettings timeless;
+    CableSettings timeless;
     timeless.bitsPerSecond = 0;
-    LineSettings at1;
+    CableSettings at1;
     at1.bitsPerSecond = 1;
-    LineSettings at19201;
+    CableSettings at19201;
     at19201.bitsPerSecond = 19201;
-    LineSettings at19200;
+    CableSettings at19200;
     at19200.bitsPerSecond = 19200;
-    LineSettings at38400;
+    CableSettings at38400;
     at38400.bitsPerSecond = 38400;
 
     EXPECT_EQ(timeless.frameGap(), us(1750));
@@ -93,7 +93,7 @@ TEST(CableTimeOfFastLines, LongReplyTakesAllOfItsTime)
     VirtualClock clock;
     Bus bus;
     bus.add(1);
-    LineSettings settings;
+    CableSettings settings;
     settings.bitsPerSecond = 115200;
     settings.turnaround = us(0);
     Cable cable(bus, clock, settings);

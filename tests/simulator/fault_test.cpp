@@ -35,7 +35,7 @@ std::string askWithoutTime(const std::vector<FaultKind> &kinds)
     VirtualClock clock;
     Bus bus;
     bus.add(1);
-    LineSettings settings;
+    CableSettings settings;
     settings.bitsPerSecond = 0;
     Cable cable(bus, clock, settings, FaultPlan(rules));
     return toHex(exchange(cable, clock, withCrc(fromHex("01 03 F0 00 00 01"))));

@@ -10,10 +10,10 @@ namespace dx4::faults {
 
 /// Puts the host on one end of a cable. Always open: a plug pulled on the far side looks like
 /// silence from here.
-class CableLine : public host::Line {
+class FarPlugLine : public host::Line {
 public:
     /// Both must outlive the line; `settings` should give the cable's own character time.
-    CableLine(sim::Cable &cable, sim::VirtualClock &clock, const host::LineSettings &settings);
+    FarPlugLine(sim::Cable &cable, sim::VirtualClock &clock, const host::LineSettings &settings);
 
     bool open(QString *) override { return true; }
     void close() override { }

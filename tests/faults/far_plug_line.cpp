@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The simulator's cable as a line of the host: in memory, on a clock that moves only when somebody
 // waits.
-#include "cable_line.h"
+#include "far_plug_line.h"
 
 #include "host/base/length.h"
 
@@ -12,8 +12,8 @@ namespace dx4::faults {
 
 using host::Duration;
 
-CableLine::CableLine(sim::Cable &cable, sim::VirtualClock &clock,
-                     const host::LineSettings &settings)
+FarPlugLine::FarPlugLine(sim::Cable &cable, sim::VirtualClock &clock,
+                         const host::LineSettings &settings)
     : m_cable(cable)
     , m_clock(clock)
     , m_settings(settings)
@@ -21,14 +21,14 @@ CableLine::CableLine(sim::Cable &cable, sim::VirtualClock &clock,
 {
 }
 
-bool CableLine::send(const QByteArray &bytes)
+bool FarPlugLine::send(const QByteArray &bytes)
 {
     m_cable.send(sim::Bytes(bytes.begin(), bytes.end()));
     m_lastActivity = now() + m_settings.wireTime(host::lengthOf(bytes));
     return true;
 }
 
-QByteArray CableLine::receive(int count, Duration deadline)
+QByteArray FarPlugLine::receive(int count, Duration deadline)
 {
     takeArrived();
     while (m_input.size() < count) {
@@ -45,7 +45,7 @@ QByteArray CableLine::receive(int count, Duration deadline)
     return received;
 }
 
-int CableLine::discardInput()
+int FarPlugLine::discardInput()
 {
     takeArrived();
     const int dropped = host::lengthOf(m_input);
@@ -53,7 +53,7 @@ int CableLine::discardInput()
     return dropped;
 }
 
-bool CableLine::awaitSilence(Duration gap, Duration deadline)
+bool FarPlugLine::awaitSilence(Duration gap, Duration deadline)
 {
     discardInput();
     for (std::optional<sim::Micros> next;
@@ -66,7 +66,7 @@ bool CableLine::awaitSilence(Duration gap, Duration deadline)
     return silentAt <= now();
 }
 
-void CableLine::takeArrived()
+void FarPlugLine::takeArrived()
 {
     const sim::Bytes arrived = m_cable.receive();
     if (arrived.empty())
