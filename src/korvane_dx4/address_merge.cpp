@@ -4,6 +4,7 @@
 
 #include "driver_api.h"
 #include "frames/record_copy.h"
+#include "korvane_dx4/call_watch.h"
 #include "korvane_dx4/data_areas.h"
 #include "registers/register_type.h"
 #include "wire/wrap.h"
@@ -179,6 +180,7 @@ void addrMerge(QList<KEY_ADDRESS> &list, int mode)
 
 int intf_addrMerge(QList<KEY_ADDRESS> &addresses)
 {
+    [[maybe_unused]] const CallWatch watch("intf_addrMerge");
     const CacheScope scope;
     clearMonitorMarks();
     const QList<KEY_ADDRESS> &wanted = addresses;

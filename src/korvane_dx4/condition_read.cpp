@@ -2,6 +2,7 @@
 // One-off reads that a screen or an alarm needs now.
 #include "driver_api.h"
 #include "frames/record_copy.h"
+#include "korvane_dx4/call_watch.h"
 #include "korvane_dx4/request_list.h"
 #include "registers/register_type.h"
 
@@ -17,6 +18,7 @@ constexpr int wholeRegisters = -1; // KEY_ADDRESS::subAddress
 
 int intf_addConditionRead(KEY_ADDRESS address, int varKind)
 {
+    [[maybe_unused]] const CallWatch watch("intf_addConditionRead");
     const bool isWhole = address.subAddress == wholeRegisters;
     const int limit = splitLimit(isWhole ? driver.bitBlockSize : driver.writeBlockSize);
     VARIABLE var;

@@ -3,6 +3,7 @@
 #include "korvane_dx4/data_areas.h"
 
 #include "driver_api.h"
+#include "korvane_dx4/call_watch.h"
 #include "wire/byte_order.h"
 #include "wire/wrap.h"
 
@@ -109,6 +110,7 @@ int _setBitValue(int value, int bit, int on)
 
 int intf_getData(int station, QString regType, int address, int count, unsigned char *out)
 {
+    [[maybe_unused]] const CallWatch watch("intf_getData");
     const RegisterType type = registerType(regType);
     if (type == UnknownType)
         return alwaysDone;

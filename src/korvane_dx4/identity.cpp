@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What the driver says of itself, and the host's callback.
 #include "driver_api.h"
+#include "korvane_dx4/call_watch.h"
+
+using namespace dx4;
 
 namespace {
 
@@ -37,5 +40,6 @@ void intf_SetDriverPropertyPage(QString &text)
 
 void intf_setAddrValueChangeCallBack(ValueChangeCallback callback)
 {
+    [[maybe_unused]] const CallWatch watch("intf_setAddrValueChangeCallBack");
     driver.valueChangeCallback = callback;
 }

@@ -4,6 +4,7 @@
 
 #include "driver_api.h"
 #include "frames/frame_queue.h"
+#include "korvane_dx4/call_watch.h"
 #include "korvane_dx4/data_area_index.h"
 #include "wire/wrap.h"
 
@@ -79,6 +80,7 @@ korvane_dx4::korvane_dx4()
 int intf_initProperty(unsigned char *hostBlock, int hostParam, unsigned short *recipeBuffer,
                       int *result, const char *propertyText, QMutex *hostMutex)
 {
+    [[maybe_unused]] const CallWatch watch("intf_initProperty");
     if (result)
         *result = 0;
     takeSettings(propertyText);

@@ -5,6 +5,7 @@
 #include "driver_api.h"
 #include "frames/record_copy.h"
 #include "frames/reply_bytes.h"
+#include "korvane_dx4/call_watch.h"
 #include "korvane_dx4/change_report.h"
 #include "wire/wrap.h"
 
@@ -62,6 +63,7 @@ void storeDouble(const QByteArray &reply, int position, int bufferOffset)
 
 int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &rcpList)
 {
+    [[maybe_unused]] const CallWatch watch("intf_setRcpAddress");
     QVector<_RCP_VAR_PRO> ownVars;
     for (const _RCP_VAR_PRO &rcp : rcpList) {
         if (rcp.linkId == driver.linkId)

@@ -6,6 +6,7 @@
 #include "frames/frame_queue.h"
 #include "frames/reply_bytes.h"
 #include "frames/request_frame.h"
+#include "korvane_dx4/call_watch.h"
 #include "korvane_dx4/change_report.h"
 #include "korvane_dx4/cycle_end.h"
 #include "korvane_dx4/data_areas.h"
@@ -175,6 +176,7 @@ int check_rcv_data(unsigned char *bytes, int length)
 
 int intf_dealRcvFrame(QByteArray &reply, QString &errorText)
 {
+    [[maybe_unused]] const CallWatch watch("intf_dealRcvFrame");
     if (driver.sendFrames.isEmpty()) {
         errorText.clear();
         return NoRequestPending;

@@ -3,6 +3,7 @@
 #include "driver_api.h"
 #include "frames/frame_queue.h"
 #include "frames/record_copy.h"
+#include "korvane_dx4/call_watch.h"
 #include "korvane_dx4/frame_select.h"
 #include "korvane_dx4/recipe.h"
 #include "korvane_dx4/recipe_request.h"
@@ -120,6 +121,7 @@ void startNextRequest()
 
 int intf_getSendFrame(FRAME_PRO &out)
 {
+    [[maybe_unused]] const CallWatch watch("intf_getSendFrame");
     if (driver.sendFrames.isEmpty())
         startNextRequest();
     if (driver.sendFrames.isEmpty())

@@ -3,6 +3,7 @@
 #include "korvane_dx4/writes.h"
 
 #include "driver_api.h"
+#include "korvane_dx4/call_watch.h"
 #include "korvane_dx4/change_report.h"
 #include "korvane_dx4/request_list.h"
 #include "wire/byte_order.h"
@@ -105,6 +106,7 @@ void _write_FailOrSuc(int station, QString regType, int address, int count, int 
 int intf_setData(int station, QString regType, int address, int count, unsigned char *data,
                  int varKind)
 {
+    [[maybe_unused]] const CallWatch watch("intf_setData");
     const RegisterRange range { station, registerType(regType), address, count };
     const bool lacksValues = count > 0 && !data;
     if (range.type == UnknownType || lacksValues)

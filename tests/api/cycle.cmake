@@ -21,3 +21,9 @@ korvane_cycle_test(api_values_test
 if(NOT KORVANE_SANITIZE)
   korvane_cycle_test(api_allocation_test allocation_test.cpp)
 endif()
+
+# Built where the driver notices calls that overlap, as in the sanitizer build.
+if(KORVANE_WATCH_CALLS)
+  korvane_api_test(api_overlapping_calls_test overlapping_calls_test.cpp)
+  target_link_libraries(api_overlapping_calls_test PRIVATE pthread)
+endif()
