@@ -176,25 +176,25 @@ BreakerExchange::BreakerExchange(Line &line, GuardedExchange &guard, Breaker &br
 {
 }
 
-void BreakerExchange::setPurposes(PurposeOf purposeOf, StopAllowance stopAllowance)
+void BreakerExchange::setPurposes(PurposeOf purposeOf, AllowanceOf allowanceOf)
 {
     m_purposeOf = std::move(purposeOf);
-    m_stopAllowance = std::move(stopAllowance);
+    m_allowanceOf = std::move(allowanceOf);
 }
 
 Reply BreakerExchange::run(const FRAME_PRO &request)
 {
     const int station = request.var.station;
     const Purpose purpose = m_purposeOf(request);
-    if (purpose == Purpose::SafeStop) {
-        Reply reply = askOnce(request, m_stopAllowance(station));
+    if (purpose == Purpose::Bounded) {
+        Reply reply = askOnce(request, m_allowanceOf(station));
         reply.isRepeated = true;
         return reply;
     }
     if (purpose != Purpose::Polled)
         m_breaker.noteAsked(station);
     const bool isLeftAlone = m_breaker.isLeftAlone(station);
-    if (isLeftAlone && purpose == Purpose::Stop)
+    if (isLeftAlone && purpose == Purpose::Urgent)
         return askOnce(request, { doubtTimeout(station), std::nullopt, false });
     if (isLeftAlone)
         return { Reply::Kind::NotAsked, {}, false, Duration { 0 } };

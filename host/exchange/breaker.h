@@ -114,26 +114,26 @@ private:
 enum class Purpose {
     Polled, ///< a cyclic read
     Asked, ///< a one-off read or a write
-    Stop, ///< a write that stops the drive: sent even to a station that is left alone
-    SafeStop, ///< the same, from SafeStop, which also says how long it may take
+    Urgent, ///< a write that is sent even to a station that is left alone
+    Bounded, ///< the same, and whoever sends it says how long it may take
 };
 
 /// Asks the breaker before it uses the line.
 ///
-/// A request to a station that is left alone fails without the line, unless it stops the drive. A
+/// A request to a station that is left alone fails without the line, unless it is urgent. A
 /// polled read of a station in doubt waits as briefly as a living station needs. Both only matter
 /// where several stations are polled: one alone takes nothing from others.
 class BreakerExchange : public Exchange {
 public:
     using PurposeOf = std::function<Purpose(const FRAME_PRO &)>;
-    using StopAllowance = std::function<Allowance(int station)>;
+    using AllowanceOf = std::function<Allowance(int station)>;
 
     /// All of them outlive the exchange. Until told otherwise every request counts as asked.
     BreakerExchange(Line &line, GuardedExchange &guard, Breaker &breaker);
 
-    /// @param purposeOf      tells what a request is for
-    /// @param stopAllowance  of a safe stop that is about to be sent
-    void setPurposes(PurposeOf purposeOf, StopAllowance stopAllowance);
+    /// @param purposeOf    tells what a request is for
+    /// @param allowanceOf  how long a bounded request that is about to be sent may take
+    void setPurposes(PurposeOf purposeOf, AllowanceOf allowanceOf);
 
     Reply run(const FRAME_PRO &request) override;
     const ExchangeReport &report() const override { return m_guard.report(); }
@@ -165,7 +165,7 @@ private:
     GuardedExchange &m_guard;
     Breaker &m_breaker;
     PurposeOf m_purposeOf;
-    StopAllowance m_stopAllowance;
+    AllowanceOf m_allowanceOf;
 };
 
 /// Whether the reply came from the station that was asked, whatever it says.

@@ -64,8 +64,8 @@ Purpose Runtime::purposeOf(const FRAME_PRO &request) const
     if (!command)
         return Purpose::Asked;
     if (request.var.varKind == safeStopTag)
-        return Purpose::SafeStop;
-    return m_stop.isStop(request.var.station, { *command }) ? Purpose::Stop : Purpose::Asked;
+        return Purpose::Bounded;
+    return m_stop.isStop(request.var.station, { *command }) ? Purpose::Urgent : Purpose::Asked;
 }
 
 StopOutlook Runtime::outlookOf(int station) const
