@@ -95,39 +95,52 @@ void Cable::strike(Passage &passage)
 {
     for (const FaultRule &rule : passage.rules) {
         tell(LineEvent::Kind::Fault, passage.end, {}, describe(rule));
-        if (damagesFrame(rule.kind) && rule.side == Side::Request)
-            damage(passage.request, rule, m_plan.dice());
-        else if (rule.kind == FaultKind::DropRequest)
-            passage.heard = false;
-        else if (rule.kind == FaultKind::DropReply)
-            passage.answered = false;
-        else if (rule.kind == FaultKind::Delay)
-            passage.delay += rule.duration;
-        else if (rule.kind == FaultKind::Exception)
-            passage.exception = rule.value.value_or(usualException);
-        else if (rule.kind == FaultKind::Echo)
-            passage.echoed = true;
-        else
-            beginOutage(passage, rule);
+        applyTo(passage, rule);
     }
 }
 
-void Cable::beginOutage(Passage &passage, const FaultRule &rule)
+void Cable::applyTo(Passage &passage, const FaultRule &rule)
 {
-    const Micros until = passage.end + rule.duration;
-    if (rule.kind == FaultKind::Silence) {
+    switch (rule.kind) {
+    case FaultKind::DropRequest:
+        passage.heard = false;
+        return;
+    case FaultKind::DropReply:
         passage.answered = false;
-        m_silentUntil = std::max(m_silentUntil, until);
-    } else if (rule.kind == FaultKind::Unplug) {
+        return;
+    case FaultKind::Delay:
+        passage.delay += rule.duration;
+        return;
+    case FaultKind::FlipBits:
+    case FaultKind::BreakCrc:
+    case FaultKind::Truncate:
+    case FaultKind::Junk:
+    case FaultKind::WrongStation:
+    case FaultKind::WrongFunction:
+        if (rule.side == Side::Request)
+            damage(passage.request, rule, m_plan.dice());
+        return;
+    case FaultKind::Exception:
+        passage.exception = rule.value.value_or(usualException);
+        return;
+    case FaultKind::Echo:
+        passage.echoed = true;
+        return;
+    case FaultKind::Silence:
+        passage.answered = false;
+        m_silentUntil = std::max(m_silentUntil, passage.end + rule.duration);
+        return;
+    case FaultKind::Unplug:
         passage.heard = false;
         passage.unplugged = true;
         m_arrivals.clear();
-        m_unpluggedUntil = std::max(m_unpluggedUntil, until);
-    } else if (rule.kind == FaultKind::PowerCycle) {
+        m_unpluggedUntil = std::max(m_unpluggedUntil, passage.end + rule.duration);
+        return;
+    case FaultKind::PowerCycle:
         passage.heard = false;
-        Inverter *inverter = m_bus.find(passage.sent.empty() ? 0 : passage.sent[0]);
-        if (inverter)
+        if (Inverter *inverter = m_bus.find(passage.sent.empty() ? 0 : passage.sent[0]))
             inverter->powerCycle(passage.end, rule.duration);
+        return;
     }
 }
 

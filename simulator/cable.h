@@ -96,7 +96,7 @@ private:
     };
 
     void strike(Passage &passage);
-    void beginOutage(Passage &passage, const FaultRule &rule);
+    void applyTo(Passage &passage, const FaultRule &rule);
     void carry(Passage &passage);
     void obey(Passage &passage);
     void deliver(const Passage &passage, const Bytes &echo);

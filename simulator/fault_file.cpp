@@ -3,7 +3,6 @@
 #include "simulator/fault_file.h"
 
 #include "common/number_text.h"
-#include "simulator/frame_damage.h"
 #include "simulator/register_map.h"
 #include "simulator/text_file.h"
 #include "wire/limits.h"
@@ -124,23 +123,6 @@ JunkPlace placeOf(const toml::node &node, const std::string &key)
     wrong(node, key, "expected " + expected);
 }
 
-bool usesCount(FaultKind kind)
-{
-    return kind == FaultKind::FlipBits || kind == FaultKind::Truncate || kind == FaultKind::Junk;
-}
-
-bool usesValue(FaultKind kind)
-{
-    return kind == FaultKind::WrongStation || kind == FaultKind::WrongFunction
-        || kind == FaultKind::Exception;
-}
-
-bool usesDuration(FaultKind kind)
-{
-    return kind == FaultKind::Delay || kind == FaultKind::Silence || kind == FaultKind::Unplug
-        || kind == FaultKind::PowerCycle;
-}
-
 /// Takes a key that says when; false for any other key.
 bool readCondition(FaultRule &rule, const std::string &key, const toml::node &node)
 {
@@ -168,15 +150,15 @@ bool readCondition(FaultRule &rule, const std::string &key, const toml::node &no
 /// Takes a key that says what; false for a key that rules of this kind do not have.
 bool readEffect(FaultRule &rule, const std::string &key, const toml::node &node)
 {
-    if (key == "side" && damagesFrame(rule.kind))
+    if (key == "side" && hasKey(rule.kind, SideKey))
         rule.side = sideOf(node, key);
-    else if (key == "place" && rule.kind == FaultKind::Junk)
+    else if (key == "place" && hasKey(rule.kind, PlaceKey))
         rule.place = placeOf(node, key);
-    else if (key == "count" && usesCount(rule.kind))
+    else if (key == "count" && hasKey(rule.kind, CountKey))
         rule.count = static_cast<int>(integerOf(node, key, 1, longestFrame));
-    else if (key == "value" && usesValue(rule.kind))
+    else if (key == "value" && hasKey(rule.kind, ValueKey))
         rule.value = smallIntegerOf(node, key, rule.kind == FaultKind::Exception ? 1 : 0, 255);
-    else if (key == "duration_ms" && usesDuration(rule.kind))
+    else if (key == "duration_ms" && hasKey(rule.kind, DurationKey))
         rule.duration = timeOf(node, key);
     else
         return false;

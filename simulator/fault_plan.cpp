@@ -3,34 +3,11 @@
 #include "simulator/fault_plan.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace dx4::sim {
 
 namespace {
-
-struct KindRow {
-    FaultKind kind;
-    const char *name;
-};
-
-constexpr std::array<KindRow, 14> kindRows = { {
-    { FaultKind::DropRequest, "drop-request" },
-    { FaultKind::DropReply, "drop-reply" },
-    { FaultKind::Delay, "delay" },
-    { FaultKind::FlipBits, "flip-bits" },
-    { FaultKind::BreakCrc, "break-crc" },
-    { FaultKind::Truncate, "truncate" },
-    { FaultKind::Junk, "junk" },
-    { FaultKind::WrongStation, "wrong-station" },
-    { FaultKind::WrongFunction, "wrong-function" },
-    { FaultKind::Exception, "exception" },
-    { FaultKind::Echo, "echo" },
-    { FaultKind::Silence, "silence" },
-    { FaultKind::Unplug, "unplug" },
-    { FaultKind::PowerCycle, "power-cycle" },
-} };
 
 /// Registers that a request of function 3, 6 or 16 touches; none for any other bytes.
 std::optional<RegisterRange> touchedRegisters(const Bytes &request)
@@ -71,36 +48,6 @@ bool applies(const FaultRule &rule, int number, const Bytes &request, Micros now
 }
 
 } // namespace
-
-const char *faultKindName(FaultKind kind)
-{
-    for (const KindRow &row : kindRows) {
-        if (row.kind == kind)
-            return row.name;
-    }
-    return "";
-}
-
-std::optional<FaultKind> faultKindByName(const std::string &name)
-{
-    for (const KindRow &row : kindRows) {
-        if (name == row.name)
-            return row.kind;
-    }
-    return std::nullopt;
-}
-
-const std::vector<FaultKind> &allFaultKinds()
-{
-    static const std::vector<FaultKind> kinds = [] {
-        std::vector<FaultKind> all;
-        all.reserve(std::size(kindRows));
-        for (const KindRow &row : kindRows)
-            all.push_back(row.kind);
-        return all;
-    }();
-    return kinds;
-}
 
 // The distributions of the standard library differ between implementations; the engine does not.
 std::uint32_t Dice::below(std::uint32_t sides)

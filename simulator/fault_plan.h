@@ -4,6 +4,7 @@
 
 #include "simulator/bytes.h"
 #include "simulator/clock.h"
+#include "simulator/fault_kind.h"
 
 #include <cstdint>
 #include <optional>
@@ -12,24 +13,6 @@
 #include <vector>
 
 namespace dx4::sim {
-
-/// What a rule does to an exchange.
-enum class FaultKind {
-    DropRequest, ///< the stations hear nothing
-    DropReply, ///< the stations obey, the master hears nothing
-    Delay, ///< the reply comes later by `duration`
-    FlipBits, ///< `count` bits of the frame are inverted, the CRC stays as it was
-    BreakCrc, ///< the CRC bytes are inverted
-    Truncate, ///< only the first `count` bytes arrive
-    Junk, ///< `count` foreign bytes before, inside or after the frame
-    WrongStation, ///< the frame carries station `value`, with a good CRC
-    WrongFunction, ///< the frame carries function `value`, with a good CRC
-    Exception, ///< exception `value` comes instead of the reply; the station obeys nothing
-    Echo, ///< the master hears its own request, whatever becomes of it, then the reply
-    Silence, ///< for `duration` the stations obey, but no reply reaches the master
-    Unplug, ///< for `duration` nothing passes in either direction
-    PowerCycle, ///< the drive is without power for `duration` and starts anew
-};
 
 /// The frame that FlipBits, BreakCrc, Truncate, Junk, WrongStation and WrongFunction work on.
 enum class Side { Request, Reply };
@@ -65,16 +48,6 @@ struct FaultRule {
 
     int struck = 0; ///< how often it struck so far
 };
-
-/// "drop-request", "drop-reply", "delay", "flip-bits", "break-crc", "truncate", "junk",
-/// "wrong-station", "wrong-function", "exception", "echo", "silence", "unplug", "power-cycle".
-const char *faultKindName(FaultKind kind);
-
-/// The kind of such a name; none for another text.
-std::optional<FaultKind> faultKindByName(const std::string &name);
-
-/// Every kind, in the order of the enumeration.
-const std::vector<FaultKind> &allFaultKinds();
 
 /// A generator that gives the same numbers on every machine for the same seed.
 class Dice {

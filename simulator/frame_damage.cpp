@@ -82,29 +82,6 @@ void replaceHead(Bytes &frame, const FaultRule &rule)
 
 } // namespace
 
-bool damagesFrame(FaultKind kind)
-{
-    switch (kind) {
-    case FaultKind::FlipBits:
-    case FaultKind::BreakCrc:
-    case FaultKind::Truncate:
-    case FaultKind::Junk:
-    case FaultKind::WrongStation:
-    case FaultKind::WrongFunction:
-        return true;
-    case FaultKind::DropRequest:
-    case FaultKind::DropReply:
-    case FaultKind::Delay:
-    case FaultKind::Exception:
-    case FaultKind::Echo:
-    case FaultKind::Silence:
-    case FaultKind::Unplug:
-    case FaultKind::PowerCycle:
-        break;
-    }
-    return false;
-}
-
 void damage(Bytes &frame, const FaultRule &rule, Dice &dice)
 {
     switch (rule.kind) {

@@ -6,9 +6,6 @@
 
 namespace dx4::sim {
 
-/// Whether rules of this kind change the bytes of a frame, on the side they name.
-bool damagesFrame(FaultKind kind);
-
 /// Applies a rule that damages frames. What the rule leaves open (which bit, how many bytes, which
 /// junk) comes from `dice`. An empty frame stays empty, except that junk needs no frame.
 ///
