@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 batch: commands of a file, one after the other on one line.
-#include "cli/commands/batch.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/interrupt.h"
 #include "cli/line/batch_file.h"
@@ -143,7 +143,7 @@ Failure playAll(Play &play, const QVector<BatchStep> &steps, const Options &opti
         if (failure.code == ExitDone)
             continue;
         failure.text = host::ConfigError { step.line, failure.text }.in(options.files.constFirst());
-        complain(QStringLiteral("batch"), failure);
+        complain(failure);
         if (first.code == ExitDone)
             first = failure;
         if (failure.code == ExitInterrupted || !options.keepGoing)
@@ -155,22 +155,21 @@ Failure playAll(Play &play, const QVector<BatchStep> &steps, const Options &opti
 
 int runBatch(const Options &options)
 {
-    const QString name = QStringLiteral("batch");
     Failure failure;
     const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     const auto text = editor ? contentOf(options.files.constFirst(), &failure) : std::nullopt;
     if (!text)
-        return complain(name, failure);
+        return complain(failure);
     // All of it is looked at before anything is sent.
     QVector<host::ConfigError> errors;
     const auto steps = parseBatch(*text, options.line, editor->api(), &errors);
     for (const host::ConfigError &error : std::as_const(errors))
-        complain(name, { ExitUsage, error.in(options.files.constFirst()) });
+        complain({ ExitUsage, error.in(options.files.constFirst()) });
     if (!steps)
         return ExitUsage;
     const auto session = Session::open(options.line, &failure, wishesOf(*steps, options));
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     const RegisterNames names(options.line.plant, editor->api(), options.names);
     Play play(*session, options, names);
     bool isWhole = false;
@@ -184,23 +183,21 @@ int runBatch(const Options &options)
 
 } // namespace
 
-void addBatch(CommandLine &line)
+void describeBatch(Command &command)
 {
-    Command command = line.add("batch", "run the commands of a file on one line");
-    const auto options = std::make_shared<Options>();
-    command.words("file", options->files, "one command a line; - for standard input", true, 1);
-    command.flag("--keep-going", options->keepGoing, "go on behind a command that failed");
-    command.flag("--always", options->manner.always,
+    Options &options = command.action(runBatch);
+    command.words("file", options.files, "one command a line; - for standard input", true, 1);
+    command.flag("--keep-going", options.keepGoing, "go on behind a command that failed");
+    command.flag("--always", options.manner.always,
                  "write parameters also where they are held already");
-    command.flag("--verify", options->manner.readBack, "read parameters back and compare");
-    command.flag("--names", options->names, "with names and units of the simulated inverter");
-    addLineOptions(command, options->line, QStringLiteral("batch"));
-    command.remark(QStringLiteral(
+    command.flag("--verify", options.manner.readBack, "read parameters back and compare");
+    command.flag("--names", options.names, "with names and units of the simulated inverter");
+    addLineOptions(command, options.line);
+    command.remark(
         "Commands are set, get, wait MS and stop [STATION]; # begins a comment. Ended by a\n"
-        "signal, or by a failure behind a CW, it sends the stop of the configuration."));
-    command.example(QStringLiteral("dx4 batch --port /dev/ttyUSB0 start.txt"),
-                    QStringLiteral("with lines such as set FRE 3000, set CW 1, wait 500, stop"));
-    command.action([options] { return runBatch(*options); });
+        "signal, or by a failure behind a CW, it sends the stop of the configuration.");
+    command.example("dx4 batch --port /dev/ttyUSB0 start.txt",
+                    "with lines such as set FRE 3000, set CW 1, wait 500, stop");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 check: the driver's verdict on an address.
-#include "cli/commands/check.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/nearest_word.h"
 #include "cli/console/output.h"
@@ -74,7 +74,7 @@ int runCheck(const Options &options)
     Failure failure;
     const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
-        return complain(QStringLiteral("check"), failure);
+        return complain(failure);
     const Verdict verdict = judge(plugin->api(), options);
     const bool accepted = verdict.code == AddressAccepted;
     if (options.json) {
@@ -102,21 +102,18 @@ int runCheck(const Options &options)
 
 } // namespace
 
-void addCheck(CommandLine &line)
+void describeCheck(Command &command)
 {
-    Command command = line.add("check", "ask the driver whether an address is acceptable");
-    const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "type and address, such as F c.13");
-    command.number("--count", options->count, "registers from the address on", 1, mostRegisters);
-    command.flag("--read", options->read, "to be read; so it is when neither is given");
-    command.flag("--write", options->write, "to be written");
-    command.flag("--json", options->json, "print one JSON object");
-    addDriverOption(command, options->driver);
-    command.example(QStringLiteral("dx4 check F c.13 --write"),
-                    QStringLiteral("0 and the register: it can be written"));
-    command.example(QStringLiteral("dx4 check F c.13 --count 2"),
-                    QStringLiteral("2: the second register is past the end of the group"));
-    command.action([options] { return runCheck(*options); });
+    Options &options = command.action(runCheck);
+    command.words("address", options.words, "type and address, such as F c.13");
+    command.number("--count", options.count, "registers from the address on", 1, mostRegisters);
+    command.flag("--read", options.read, "to be read; so it is when neither is given");
+    command.flag("--write", options.write, "to be written");
+    command.flag("--json", options.json, "print one JSON object");
+    addDriverOption(command, options.driver);
+    command.example("dx4 check F c.13 --write", "0 and the register: it can be written");
+    command.example("dx4 check F c.13 --count 2",
+                    "2: the second register is past the end of the group");
 }
 
 } // namespace dx4::cli

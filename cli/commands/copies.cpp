@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 copies: stepped copies of an address.
-#include "cli/commands/copies.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
 #include "cli/line/driver_file.h"
@@ -60,14 +60,13 @@ void printCopy(const Options &options, const QString &regType, int number, int a
 
 int runCopies(const Options &options)
 {
-    const QString name = QStringLiteral("copies");
     Failure failure;
     const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
-        return complain(name, failure);
+        return complain(failure);
     const auto first = firstCopy(options, plugin->api(), &failure);
     if (!first)
-        return complain(name, failure);
+        return complain(failure);
     QVector<QString> texts;
     QVector<int> addresses;
     const int result = plugin->api().multiCopy(first->regType, first->address, options.count,
@@ -75,24 +74,22 @@ int runCopies(const Options &options)
     for (int i = 0; i < host::lengthOf(addresses); ++i)
         printCopy(options, first->regType, i, addresses.at(i));
     if (result == CopyClamped)
-        note(name, QStringLiteral("some copies reached the end and stay at the highest address"));
+        note(QStringLiteral("some copies reached the end and stay at the highest address"));
     return ExitDone;
 }
 
 } // namespace
 
-void addCopies(CommandLine &line)
+void describeCopies(Command &command)
 {
-    Command command = line.add("copies", "list the addresses of stepped copies");
-    const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "type and address of the first copy");
-    command.number("--count", options->count, "copies, the first one included", 1, mostCopies);
-    command.number("--step", options->step, "registers from one copy to the next", 1, largestStep);
-    command.flag("--json", options->json, "print one JSON object per copy");
-    addDriverOption(command, options->driver);
-    command.example(QStringLiteral("dx4 copies F 0.16 --count 5 --step 1"),
-                    QStringLiteral("on from the end of group 0 into group 1"));
-    command.action([options] { return runCopies(*options); });
+    Options &options = command.action(runCopies);
+    command.words("address", options.words, "type and address of the first copy");
+    command.number("--count", options.count, "copies, the first one included", 1, mostCopies);
+    command.number("--step", options.step, "registers from one copy to the next", 1, largestStep);
+    command.flag("--json", options.json, "print one JSON object per copy");
+    addDriverOption(command, options.driver);
+    command.example("dx4 copies F 0.16 --count 5 --step 1",
+                    "on from the end of group 0 into group 1");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 demo: the driver polling and writing a simulated inverter, for everyone to see.
-#include "cli/commands/demo.h"
+#include "cli/commands/commands.h"
 
 #include "cli/commands/demo_view.h"
 #include "cli/console/interrupt.h"
@@ -19,6 +19,14 @@ namespace dx4::cli {
 namespace {
 
 constexpr int lineSpeed = 19200; // bit/s
+
+struct Options {
+    int seconds = 8; ///< length of the show, 1 or more
+    QString simulator; ///< path of dx4-sim; empty: looked for
+    QString driver; ///< path of the driver's file; empty: looked for
+    bool json = false; ///< one JSON object per line instead of the table
+    bool trace = false; ///< frames are shown on standard error
+};
 
 constexpr int parameter(int group, int index)
 {
@@ -108,7 +116,7 @@ public:
         settings.afterStep = [this] { show(); };
         settings.onLine = [](const QString &) {};
         settings.patience = host::Duration { 0 }; // a simulator that ended does not come back
-        const PollEnd end = poll(m_session, QStringLiteral("demo"), settings);
+        const PollEnd end = poll(m_session, settings);
         stopMotor(end);
         m_view.end(m_list, m_runtime.counters(), m_session.line().now(), elapsed());
         return end;
@@ -184,10 +192,9 @@ std::optional<host::Plan> demoPlan(const LineOptions &options, Failure *failure)
     return makePlan(words, options, failure);
 }
 
-LineOptions demoLine(const DemoOptions &options, const QString &device)
+LineOptions demoLine(const Options &options, const QString &device)
 {
     LineOptions line;
-    line.command = QStringLiteral("demo");
     line.driver = options.driver;
     line.json = options.json;
     line.trace = options.trace;
@@ -210,18 +217,17 @@ Failure judge(const host::CounterSet &counters, PollEnd end)
     return { ExitDone, QString() };
 }
 
-int showOn(const DemoOptions &options, const LineOptions &line, const QString &driver)
+int showOn(const Options &options, const LineOptions &line, const QString &driver)
 {
-    const QString name = QStringLiteral("demo");
     Failure failure;
     const auto plan = demoPlan(line, &failure);
     if (!plan)
-        return complain(name, failure);
+        return complain(failure);
     SessionWishes wishes;
     wishes.stops = { { 1, stopWord } };
     const auto session = Session::open(line, &failure, wishes);
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     session->runtime().setPlan(*plan);
     DemoSetting setting;
     setting.driver = QDir::current().relativeFilePath(driver);
@@ -236,41 +242,37 @@ int showOn(const DemoOptions &options, const LineOptions &line, const QString &d
         failure =
             judge(session->runtime().counters(), Show(*session, *view, options.seconds).play());
     }
-    return failure.code == ExitDone ? ExitDone : complain(name, failure);
+    return failure.code == ExitDone ? ExitDone : complain(failure);
 }
 
-} // namespace
-
-int runDemo(const DemoOptions &options)
+int runDemo(const Options &options)
 {
-    const QString name = QStringLiteral("demo");
     const host::DriverFile driver = host::locateDriver(options.driver);
     if (driver.path.isEmpty())
         return complain(
-            name,
             { ExitFailed, notFound("the driver libkorvane_dx4.so", driver.tried, "--driver") });
     const SimulatorFile simulator = locateSimulator(options.simulator);
     if (simulator.path.isEmpty())
         return complain(
-            name, { ExitFailed, notFound("the simulator dx4-sim", simulator.tried, "--sim") });
+            { ExitFailed, notFound("the simulator dx4-sim", simulator.tried, "--sim") });
     QString error;
     SimulatorProcess inverter;
     if (!inverter.start(simulator.path, QStringLiteral("1,2"), lineSpeed, &error))
-        return complain(name, { ExitFailed, error });
+        return complain({ ExitFailed, error });
     return showOn(options, demoLine(options, inverter.device()), driver.path);
 }
 
-void addDemo(CommandLine &line)
+} // namespace
+
+void describeDemo(Command &command)
 {
-    Command command = line.add("demo", "poll and write a simulated inverter");
-    const auto options = std::make_shared<DemoOptions>();
-    command.number("--seconds", options->seconds, "length of the show", 1, 3600);
-    command.text("--sim", options->simulator, "program of the simulator, dx4-sim", "FILE");
-    addDriverOption(command, options->driver);
-    command.flag("--json", options->json, "print one JSON object per line");
-    addTraceOption(command, options->trace);
-    command.example(QStringLiteral("dx4 demo --seconds 3"), QStringLiteral("a short show"));
-    command.action([options] { return runDemo(*options); });
+    Options &options = command.action(runDemo);
+    command.number("--seconds", options.seconds, "length of the show", 1, 3600);
+    command.text("--sim", options.simulator, "program of the simulator, dx4-sim", "FILE");
+    addDriverOption(command, options.driver);
+    command.flag("--json", options.json, "print one JSON object per line");
+    addTraceOption(command, options.trace);
+    command.example("dx4 demo --seconds 3", "a short show");
 }
 
 } // namespace dx4::cli

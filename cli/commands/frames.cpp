@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // dx4 frames: the driver's requests, byte by byte.
-#include "cli/commands/frames.h"
+#include "cli/commands/commands.h"
 
-#include "cli/commands/frames_decode.h"
 #include "cli/console/output.h"
 #include "cli/line/driver_file.h"
 #include "cli/registers/frame_text.h"
@@ -78,16 +77,15 @@ int printFrames(host::Link &link, int expected, bool json)
 
 int runRead(const Options &options)
 {
-    const QString name = QStringLiteral("frames read");
     Failure failure;
     auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
-        return complain(name, failure);
+        return complain(failure);
     QStringList words = options.words;
     const auto targets =
         parseCounted(words, options.count, options.station, ReadAccess, plugin->api(), &failure);
     if (!targets)
-        return complain(name, failure);
+        return complain(failure);
     host::Link link(std::move(plugin), oneTry(options.block));
     for (const Target &target : *targets) {
         for (const Target &piece : pieces(target, options.block)) {
@@ -100,53 +98,48 @@ int runRead(const Options &options)
 
 int runWrite(const Options &options)
 {
-    const QString name = QStringLiteral("frames write");
     Failure failure;
     auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
-        return complain(name, failure);
+        return complain(failure);
     const auto setting = parseSetting(options.words, options.station, plugin->api(), &failure);
     if (!setting)
-        return complain(name, failure);
+        return complain(failure);
     host::Link link(std::move(plugin), oneTry(options.block));
     const Target &target = setting->target;
     link.write(target.station, target.regType, target.address, setting->values);
     const int waiting = link.waitingWrites();
     if (printFrames(link, waiting, options.json) == waiting)
         return ExitDone;
-    return complain(name, { ExitUsage, QStringLiteral("the driver builds no frame for it") });
+    return complain({ ExitUsage, QStringLiteral("the driver builds no frame for it") });
 }
 
-std::shared_ptr<Options> addCommon(Command &command, const char *help)
+Options &addCommon(Command &command, int (*run)(const Options &), const char *help)
 {
-    auto options = std::make_shared<Options>();
-    command.words("address", options->words, help);
-    command.number("--station", options->station, "station to ask", 1, host::lastStation);
-    command.number("--block", options->block, "most registers of one request", 1,
+    Options &options = command.action(run);
+    command.words("address", options.words, help);
+    command.number("--station", options.station, "station to ask", 1, host::lastStation);
+    command.number("--block", options.block, "most registers of one request", 1,
                    host::largestBlock);
-    command.flag("--json", options->json, "print one JSON object per frame");
-    addDriverOption(command, options->driver);
+    command.flag("--json", options.json, "print one JSON object per frame");
+    addDriverOption(command, options.driver);
     return options;
 }
 
 } // namespace
 
-void addFrames(CommandLine &line)
+void describeFrames(Command &frames)
 {
-    Command frames = line.add("frames", "show requests and explain frames; needs no line");
     Command read = frames.sub("read", "show the requests that read these registers");
-    const auto reading = addCommon(read, "registers to read");
-    read.number("--count", reading->count, "registers from the address on", 1, host::largestBlock);
-    read.example(QStringLiteral("dx4 frames read D 0 --count 4 --station 3"),
-                 QStringLiteral("the request for four monitor values"));
-    read.action([reading] { return runRead(*reading); });
+    Options &reading = addCommon(read, runRead, "registers to read");
+    read.number("--count", reading.count, "registers from the address on", 1, host::largestBlock);
+    read.example("dx4 frames read D 0 --count 4 --station 3",
+                 "the request for four monitor values");
 
     Command write = frames.sub("write", "show the requests that write these values");
-    const auto writing = addCommon(write, "address and values, such as F 8.2 20 15");
-    write.example(QStringLiteral("dx4 frames write F 8.2 20 15"),
-                  QStringLiteral("both ramps in one request"));
-    write.action([writing] { return runWrite(*writing); });
-    addFramesDecode(frames);
+    addCommon(write, runWrite, "address and values, such as F 8.2 20 15");
+    write.example("dx4 frames write F 8.2 20 15", "both ramps in one request");
+    describeFramesDecode(frames);
 }
 
 } // namespace dx4::cli

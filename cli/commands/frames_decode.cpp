@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 frames decode: a request or a reply explained.
-#include "cli/commands/frames_decode.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
 #include "cli/line/driver_file.h"
@@ -169,18 +169,17 @@ void print(const QByteArray &bytes, const FrameText &text, const Opinion &opinio
 
 int runDecode(const Options &options)
 {
-    const QString name = QStringLiteral("frames decode");
     QString error;
     const auto bytes = parseBytes(options.words, &error);
     std::optional<QByteArray> request;
     if (bytes && !options.request.isEmpty())
         request = parseBytes({ options.request }, &error);
     if (!error.isEmpty())
-        return complain(name, { ExitUsage, error });
+        return complain({ ExitUsage, error });
     Failure failure;
     auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
-        return complain(name, failure);
+        return complain(failure);
     host::LinkSettings settings;
     settings.blockSize = 123; // any request that fits a frame
     settings.retryLimit = 1;
@@ -202,22 +201,19 @@ int runDecode(const Options &options)
 
 } // namespace
 
-void addFramesDecode(Command &frames)
+void describeFramesDecode(Command &frames)
 {
     Command command = frames.sub("decode", "explain a request or a reply");
-    const auto options = std::make_shared<Options>();
-    command.words("bytes", options->words, "the frame, two hexadecimal digits per byte");
-    command.text("--request", options->request, "the request that it answers", "BYTES");
-    command.flag("--json", options->json, "print one JSON object");
-    addDriverOption(command, options->driver);
-    command.example(QStringLiteral("dx4 frames decode 01 03 D0 00 00 04 7C C9"),
-                    QStringLiteral("a read request"));
-    command.example(QStringLiteral("dx4 frames decode 01 83 02 C0 F1"),
-                    QStringLiteral("an exception: the register is not there"));
-    command.example(QStringLiteral("dx4 frames decode 01 03 02 00 11 78 48 "
-                                   "--request \"01 03 20 00 00 01 8F CA\""),
-                    QStringLiteral("a reply with its request, and the driver's verdict on it"));
-    command.action([options] { return runDecode(*options); });
+    Options &options = command.action(runDecode);
+    command.words("bytes", options.words, "the frame, two hexadecimal digits per byte");
+    command.text("--request", options.request, "the request that it answers", "BYTES");
+    command.flag("--json", options.json, "print one JSON object");
+    addDriverOption(command, options.driver);
+    command.example("dx4 frames decode 01 03 D0 00 00 04 7C C9", "a read request");
+    command.example("dx4 frames decode 01 83 02 C0 F1", "an exception: the register is not there");
+    command.example("dx4 frames decode 01 03 02 00 11 78 48 "
+                    "--request \"01 03 20 00 00 01 8F CA\"",
+                    "a reply with its request, and the driver's verdict on it");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 get: reads registers once.
-#include "cli/commands/get.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/interrupt.h"
 #include "cli/console/output.h"
@@ -24,7 +24,7 @@ struct Options {
 
 void printFailure(const Session &session, const Target &target, const Failure &failure)
 {
-    complain(QStringLiteral("get"), failure);
+    complain(failure);
     if (!session.options().json)
         return;
     QJsonObject object = registerJson(target.station, target.regType, target.address);
@@ -58,53 +58,50 @@ int readAll(Session &session, const QVector<Target> &targets, const RegisterName
 
 int runGet(const Options &options)
 {
-    const QString name = QStringLiteral("get");
     Failure failure;
     const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     if (!editor)
-        return complain(name, failure);
+        return complain(failure);
     const QStringList words = wordsOrConfigured(options.words, options.line);
     if (words.isEmpty())
-        return complain(name, noRegisters());
+        return complain(noRegisters());
     if (!checkConfigured(words, options.line, editor->api(), &failure))
-        return complain(name, failure);
+        return complain(failure);
     const auto targets = parseCounted(words, options.count, usualStation(options.line), ReadAccess,
                                       editor->api(), &failure);
     if (!targets)
-        return complain(name, failure);
+        return complain(failure);
     LineOptions line = options.line;
     const auto pair = pairOf(options.pair, &line.plant.link, &failure);
     if (!pair || !arePairs(*targets, *pair, &failure))
-        return complain(name, failure);
+        return complain(failure);
     const auto session = Session::open(line, &failure);
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     const RegisterNames names(options.line.plant, editor->api(), options.names);
     return readAll(*session, *targets, names, *pair);
 }
 
 } // namespace
 
-void addGet(CommandLine &line)
+void describeGet(Command &command)
 {
-    Command command = line.add("get", "read registers once");
-    const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
-    command.number("--count", options->count, "registers from one address on", 1, 123);
-    command.flag("--names", options->names, "with names and units of the simulated inverter");
-    addPairOptions(command, options->pair);
-    addLineOptions(command, options->line, QStringLiteral("get"));
-    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 F 8.2-8.3 D 4"),
-                    QStringLiteral("both ramps and a monitor value of station 1"));
-    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --json 2:SW 2:FU"),
-                    QStringLiteral("status and fault of station 2, for a script"));
-    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --trace SW"),
-                    QStringLiteral("with the frames that pass, in bytes and in words"));
-    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 --as u32 --order low D 12-13"),
-                    QStringLiteral("two registers as one number, its low half first"));
-    command.example(QStringLiteral("dx4 get --port /dev/ttyUSB0 @0x2000 @0xD000-0xD003"),
-                    QStringLiteral("Modbus registers, as the types that cover them"));
-    command.action([options] { return runGet(*options); });
+    Options &options = command.action(runGet);
+    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW", false);
+    command.number("--count", options.count, "registers from one address on", 1, 123);
+    command.flag("--names", options.names, "with names and units of the simulated inverter");
+    addPairOptions(command, options.pair);
+    addLineOptions(command, options.line);
+    command.example("dx4 get --port /dev/ttyUSB0 F 8.2-8.3 D 4",
+                    "both ramps and a monitor value of station 1");
+    command.example("dx4 get --port /dev/ttyUSB0 --json 2:SW 2:FU",
+                    "status and fault of station 2, for a script");
+    command.example("dx4 get --port /dev/ttyUSB0 --trace SW",
+                    "with the frames that pass, in bytes and in words");
+    command.example("dx4 get --port /dev/ttyUSB0 --as u32 --order low D 12-13",
+                    "two registers as one number, its low half first");
+    command.example("dx4 get --port /dev/ttyUSB0 @0x2000 @0xD000-0xD003",
+                    "Modbus registers, as the types that cover them");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 line: serial ports, their lasting names, and who holds them.
-#include "cli/commands/line.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/exit_code.h"
 #include "cli/console/output.h"
@@ -62,7 +62,6 @@ void printPort(const host::PortInfo &port, bool json)
 
 int runLine(const Options &options)
 {
-    const QString name = QStringLiteral("line");
     QVector<host::PortInfo> ports = host::listPorts();
     if (!options.devices.isEmpty()) {
         const QVector<host::PortInfo> all = ports;
@@ -70,28 +69,25 @@ int runLine(const Options &options)
         for (const QString &device : options.devices) {
             const auto port = named(device, all);
             if (!port)
-                return complain(name, { ExitLine, QStringLiteral("no port %1").arg(device) });
+                return complain({ ExitLine, QStringLiteral("no port %1").arg(device) });
             ports.append(*port);
         }
     }
     for (const host::PortInfo &port : std::as_const(ports))
         printPort(port, options.json);
     if (ports.isEmpty())
-        note(name, QStringLiteral("this machine has no serial port"));
+        note(QStringLiteral("this machine has no serial port"));
     return ExitDone;
 }
 
 } // namespace
 
-void addLine(CommandLine &line)
+void describeLine(Command &command)
 {
-    Command command = line.add("line", "list serial ports and who holds them");
-    const auto options = std::make_shared<Options>();
-    command.words("device", options->devices, "ports to look at, all where none is named", false);
-    command.flag("--json", options->json, "print one JSON object per port");
-    command.example(QStringLiteral("dx4 line /dev/ttyUSB0"),
-                    QStringLiteral("its lasting name and its holders"));
-    command.action([options] { return runLine(*options); });
+    Options &options = command.action(runLine);
+    command.words("device", options.devices, "ports to look at, all where none is named", false);
+    command.flag("--json", options.json, "print one JSON object per port");
+    command.example("dx4 line /dev/ttyUSB0", "its lasting name and its holders");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 params: the parameters of a station in a file.
-#include "cli/commands/params.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/interrupt.h"
 #include "cli/console/output.h"
@@ -150,7 +150,7 @@ int dumpToOutput(const Options &options)
     Failure failure;
     const bool complete = readSet(options.line, set, &failure);
     printSet(set, options.line.json);
-    return complete ? ExitDone : complain(QStringLiteral("params dump"), failure);
+    return complete ? ExitDone : complain(failure);
 }
 
 /// What the file holds, made sure that it may be replaced; an empty set where there is no file.
@@ -170,12 +170,11 @@ std::optional<host::ParameterSet> replaceable(const Options &options, Failure *f
 
 int dumpToFile(const Options &options)
 {
-    const QString name = QStringLiteral("params dump");
     const QString &file = options.files.constFirst();
     Failure failure;
     const auto held = replaceable(options, &failure);
     if (!held)
-        return complain(name, failure);
+        return complain(failure);
     host::ParameterSet set;
     set.station = options.line.station;
     if (!host::isComplete(*held) && held->station == set.station)
@@ -183,21 +182,21 @@ int dumpToFile(const Options &options)
     const bool complete = readSet(options.line, set, &failure);
     if (!complete && host::isComplete(*held)) {
         failure.text += QStringLiteral("; %1 stays as it was, a complete set").arg(file);
-        return complain(name, failure);
+        return complain(failure);
     }
     QString error;
     if (!set.values.isEmpty() && !host::saveParameterSet(file, set, &error))
-        return complain(name, { ExitFailed, error });
+        return complain({ ExitFailed, error });
     if (!set.values.isEmpty())
         printKept(file, set, options.line.json);
-    return complete ? ExitDone : complain(name, failure);
+    return complete ? ExitDone : complain(failure);
 }
 
 int runDump(const Options &options)
 {
     Failure failure;
     if (!namesStation(options.line, &failure))
-        return complain(QStringLiteral("params dump"), failure);
+        return complain(failure);
     return options.files.isEmpty() ? dumpToOutput(options) : dumpToFile(options);
 }
 
@@ -220,26 +219,24 @@ void printDifferences(const QVector<host::ParameterDifference> &differences, boo
 
 int runDiff(const Options &options)
 {
-    const QString name = QStringLiteral("params diff");
     Failure failure;
     const auto first = loadSet(options.files.constFirst(), &failure);
     if (!first)
-        return complain(name, failure);
+        return complain(failure);
     host::ParameterSet second;
     second.station = options.line.station;
     if (options.files.size() > 1) {
         const auto loaded = loadSet(options.files.at(1), &failure);
         if (!loaded)
-            return complain(name, failure);
+            return complain(failure);
         second = *loaded;
     } else if (!namesStation(options.line, &failure)
                || !mayMeet(options, *first, "compare it with", &failure)
                || !readSet(options.line, second, &failure)) {
-        return complain(name, failure);
+        return complain(failure);
     }
     if (first->station != second.station)
-        note(name,
-             QStringLiteral("station %1 | station %2").arg(first->station).arg(second.station));
+        note(QStringLiteral("station %1 | station %2").arg(first->station).arg(second.station));
     const auto differences = host::compare(*first, second);
     printDifferences(differences, options.line.json);
     return differences.isEmpty() ? ExitDone : ExitDiffers;
@@ -274,61 +271,54 @@ void printReport(const host::RestoreReport &report, int from, int to, bool json)
 
 int runRestore(const Options &options)
 {
-    const QString name = QStringLiteral("params restore");
     Failure failure;
     if (!mayDrive(options.line, options.line.station, &failure))
-        return complain(name, failure);
+        return complain(failure);
     const auto wanted = loadSet(options.files.constFirst(), &failure);
     if (!wanted || !mayMeet(options, *wanted, "restore it to", &failure))
-        return complain(name, failure);
+        return complain(failure);
     const auto session = Session::open(options.line, &failure);
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     if (!host::isComplete(*wanted))
-        note(name,
-             QStringLiteral("%1 is not complete; what it lacks stays as it is")
+        note(QStringLiteral("%1 is not complete; what it lacks stays as it is")
                  .arg(options.files.constFirst()));
     Access access(*session);
     const host::RestoreReport report =
         host::restoreParameters(access, options.line.station, *wanted, showProgress);
     printReport(report, wanted->station, options.line.station, options.line.json);
     for (const QString &refusal : report.refused)
-        note(name, refusal);
+        note(refusal);
     printDifferences(report.remaining, options.line.json);
     if (!report.interrupted.isEmpty())
-        return complain(name, brokenOff(*session, report.interrupted));
+        return complain(brokenOff(*session, report.interrupted));
     return report.isRestored() ? ExitDone : ExitDiffers;
 }
 
 } // namespace
 
-void addParams(CommandLine &line)
+void describeParams(Command &params)
 {
-    Command params = line.add("params", "keep the parameters of a station in a file");
     Command dump = params.sub("dump", "read all parameters");
-    const auto dumping = std::make_shared<Options>();
-    dump.words("file", dumping->files, "to write, and to go on from; else standard output", false,
+    Options &dumping = dump.action(runDump);
+    dump.words("file", dumping.files, "to write, and to go on from; else standard output", false,
                1);
-    addLineOptions(dump, dumping->line, QStringLiteral("params dump"));
-    dump.example(QStringLiteral("dx4 params dump --port /dev/ttyUSB0 drive.txt"),
-                 QStringLiteral("all parameters of station 1"));
-    dump.action([dumping] { return runDump(*dumping); });
+    addLineOptions(dump, dumping.line);
+    dump.example("dx4 params dump --port /dev/ttyUSB0 drive.txt", "all parameters of station 1");
 
     Command diff = params.sub("diff", "compare a file with another, or with the station");
-    const auto comparing = std::make_shared<Options>();
-    diff.words("file", comparing->files, "one or two files", true, 2);
-    addLineOptions(diff, comparing->line, QStringLiteral("params diff"));
-    diff.example(QStringLiteral("dx4 params diff --port /dev/ttyUSB0 drive.txt"),
-                 QStringLiteral("exit code 8 when something differs"));
-    diff.action([comparing] { return runDiff(*comparing); });
+    Options &comparing = diff.action(runDiff);
+    diff.words("file", comparing.files, "one or two files", true, 2);
+    addLineOptions(diff, comparing.line);
+    diff.example("dx4 params diff --port /dev/ttyUSB0 drive.txt",
+                 "exit code 8 when something differs");
 
     Command restore = params.sub("restore", "write what differs and read it back");
-    const auto restoring = std::make_shared<Options>();
-    restore.words("file", restoring->files, "parameters to restore", true, 1);
-    addLineOptions(restore, restoring->line, QStringLiteral("params restore"));
-    restore.example(QStringLiteral("dx4 params restore --port /dev/ttyUSB0 drive.txt"),
-                    QStringLiteral("station 1 holds what the file says"));
-    restore.action([restoring] { return runRestore(*restoring); });
+    Options &restoring = restore.action(runRestore);
+    restore.words("file", restoring.files, "parameters to restore", true, 1);
+    addLineOptions(restore, restoring.line);
+    restore.example("dx4 params restore --port /dev/ttyUSB0 drive.txt",
+                    "station 1 holds what the file says");
 }
 
 } // namespace dx4::cli

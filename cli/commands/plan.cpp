@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 plan: the blocks that polling would take.
-#include "cli/commands/plan.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
 #include "cli/line/driver_file.h"
@@ -102,15 +102,14 @@ void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::
 
 int runPlan(const Options &options)
 {
-    const QString name = QStringLiteral("plan");
     Failure failure;
     const auto plan =
         makePlan(wordsOrConfigured(options.words, options.line), options.line, &failure);
     if (!plan)
-        return complain(name, failure);
+        return complain(failure);
     const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     if (!editor)
-        return complain(name, failure);
+        return complain(failure);
     const RegisterNames names(options.line.plant, editor->api(), options.names);
     const host::LineSettings &line = options.line.plant.line;
     const host::Duration cycle =
@@ -125,17 +124,14 @@ int runPlan(const Options &options)
 
 } // namespace
 
-void addPlan(CommandLine &line)
+void describePlan(Command &command)
 {
-    Command command = line.add("plan", "show the blocks and the time that polling takes");
-    const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
-    command.number("--turnaround", options->turnaround, "ms from request to reply", 0, 10000);
-    command.flag("--names", options->names, "with names of the simulated inverter");
-    addLineOptions(command, options->line, QStringLiteral("plan"));
-    command.example(QStringLiteral("dx4 plan --speed 19200 D 0-9 SW FU 2:D 0-9"),
-                    QStringLiteral("two stations at 19200 bit/s"));
-    command.action([options] { return runPlan(*options); });
+    Options &options = command.action(runPlan);
+    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW", false);
+    command.number("--turnaround", options.turnaround, "ms from request to reply", 0, 10000);
+    command.flag("--names", options.names, "with names of the simulated inverter");
+    addLineOptions(command, options.line);
+    command.example("dx4 plan --speed 19200 D 0-9 SW FU 2:D 0-9", "two stations at 19200 bit/s");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 record: the frames of a line in a file.
-#include "cli/commands/record.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
 #include "cli/line/polling.h"
@@ -52,29 +52,28 @@ PollEnd keep(Session &session, host::FrameRing &ring, Recording &recording, cons
     };
     settings.afterStep = [&] { recording.add(ring.takeEnded()); };
     settings.patience = patienceOf(options.reconnect, reads > 0);
-    return poll(session, QStringLiteral("record"), settings);
+    return poll(session, settings);
 }
 
 int runRecord(const Options &options)
 {
-    const QString name = QStringLiteral("record");
     const QString file = options.words.constFirst();
     Failure failure;
     if (!namesFile(options.words, &failure))
-        return complain(name, failure);
+        return complain(failure);
     const auto plan =
         makePlan(wordsOrConfigured(options.words.mid(1), options.line), options.line, &failure);
     if (!plan)
-        return complain(name, failure);
+        return complain(failure);
     Recording recording(file);
     if (!recording.canBegin(options.force))
-        return complain(name, { ExitFailed, recording.error() });
+        return complain({ ExitFailed, recording.error() });
     host::FrameRing ring;
     SessionWishes wishes;
     wishes.ring = &ring;
     const auto session = Session::open(options.line, &failure, wishes);
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     session->runtime().setPlan(*plan);
     recording.begin(session->line().now());
     const qint64 reads = options.rounds * static_cast<qint64>(plan->blocks.size());
@@ -84,28 +83,25 @@ int runRecord(const Options &options)
     recording.end();
     report(file, recording.frames(), options.line.json);
     if (recording.failed())
-        return complain(name, { ExitFailed, recording.error() });
+        return complain({ ExitFailed, recording.error() });
     if (end == PollEnd::LineGone)
-        return complainLineGone(*session, name);
-    const int exitCode = codeOfEnd(end, options.rounds > 0, name);
+        return complainLineGone(*session);
+    const int exitCode = codeOfEnd(end, options.rounds > 0);
     return stopped ? exitCode : ExitFailed;
 }
 
 } // namespace
 
-void addRecord(CommandLine &line)
+void describeRecord(Command &command)
 {
-    Command command = line.add("record", "poll and keep every frame in a file");
-    const auto options = std::make_shared<Options>();
-    command.words("file", options->words, "a capture to write, then the registers to poll");
-    command.number("--rounds", options->rounds, "through all registers; 0 until Ctrl-C", 0,
-                   1000000);
-    command.flag("--force", options->force, "replace also a file that is no recording");
-    addPollOptions(command, options->reconnect);
-    addLineOptions(command, options->line, QStringLiteral("record"));
-    command.example(QStringLiteral("dx4 record --port /dev/ttyUSB0 --rounds 5 line.pcap D 0-3 SW"),
-                    QStringLiteral("five rounds; the file opens in protocol analysers"));
-    command.action([options] { return runRecord(*options); });
+    Options &options = command.action(runRecord);
+    command.words("file", options.words, "a capture to write, then the registers to poll");
+    command.number("--rounds", options.rounds, "through all registers; 0 until Ctrl-C", 0, 1000000);
+    command.flag("--force", options.force, "replace also a file that is no recording");
+    addPollOptions(command, options.reconnect);
+    addLineOptions(command, options.line);
+    command.example("dx4 record --port /dev/ttyUSB0 --rounds 5 line.pcap D 0-3 SW",
+                    "five rounds; the file opens in protocol analysers");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 replay: a recording through the driver once more.
-#include "cli/commands/replay.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
 #include "cli/line/driver_file.h"
@@ -55,18 +55,14 @@ void printChange(host::Link &link, const host::ValueChange &change, bool json,
 
 int report(const host::ReplayResult &result)
 {
-    const QString name = QStringLiteral("replay");
-    note(name,
-         counted(static_cast<quint64>(result.played), "request", "requests")
-             + QStringLiteral(" played"));
+    note(counted(static_cast<quint64>(result.played), "request", "requests")
+         + QStringLiteral(" played"));
     if (result.unrecorded > 0)
-        note(name,
-             QStringLiteral("%1 of the driver left out, as the recording does not have them there")
+        note(QStringLiteral("%1 of the driver left out, as the recording does not have them there")
                  .arg(counted(static_cast<quint64>(result.unrecorded), "request", "requests")));
     if (result.complete)
         return ExitDone;
-    return complain(name,
-                    { ExitFailed,
+    return complain({ ExitFailed,
                       QStringLiteral("the driver does not send %1; name the registers that "
                                      "were polled")
                           .arg(result.stoppedAt) });
@@ -74,23 +70,22 @@ int report(const host::ReplayResult &result)
 
 int runReplay(const Options &options)
 {
-    const QString name = QStringLiteral("replay");
     QString error;
     const auto frames = host::readPcap(options.words.constFirst(), &error);
     if (!frames)
-        return complain(name, { ExitFailed, error });
+        return complain({ ExitFailed, error });
     Failure failure;
     QList<KEY_ADDRESS> addresses = recordedReads(*frames);
     const QStringList words = wordsOrConfigured(options.words.mid(1), options.line);
     if (!words.isEmpty()) {
         const auto plan = makePlan(words, options.line, &failure);
         if (!plan)
-            return complain(name, failure);
+            return complain(failure);
         addresses = plan->addresses;
     }
     auto plugin = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
-        return complain(name, failure);
+        return complain(failure);
     host::ReplayLine line(*frames, options.line.plant.line);
     host::GuardedExchange exchange(line);
     host::Link link(std::move(plugin), options.line.plant.link);
@@ -99,22 +94,19 @@ int runReplay(const Options &options)
         printChange(link, change, options.line.json, names);
     });
     for (const QString &text : host::unreadable(link.poll(addresses)))
-        note(name, text + QStringLiteral("; read as the recording has it"));
+        note(text + QStringLiteral("; read as the recording has it"));
     return report(host::replay(link, line, exchange));
 }
 
 } // namespace
 
-void addReplay(CommandLine &line)
+void describeReplay(Command &command)
 {
-    Command command = line.add("replay", "play a recording through the driver once more");
-    const auto options = std::make_shared<Options>();
-    command.words("file", options->words, "a capture, then the registers that were polled");
-    command.flag("--names", options->names, "with names and units of the simulated inverter");
-    addLineOptions(command, options->line, QStringLiteral("replay"));
-    command.example(QStringLiteral("dx4 replay line.pcap"),
-                    QStringLiteral("every change of a value, without a line"));
-    command.action([options] { return runReplay(*options); });
+    Options &options = command.action(runReplay);
+    command.words("file", options.words, "a capture, then the registers that were polled");
+    command.flag("--names", options.names, "with names and units of the simulated inverter");
+    addLineOptions(command, options.line);
+    command.example("dx4 replay line.pcap", "every change of a value, without a line");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 run: sets a frequency and starts the motor.
-#include "cli/commands/run.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/interrupt.h"
 #include "cli/line/session.h"
@@ -62,44 +62,40 @@ bool start(Session &session, const Options &options, std::optional<quint16> freq
 
 int runRun(const Options &options)
 {
-    const QString name = QStringLiteral("run");
     Failure failure;
     std::optional<quint16> frequency;
     if (!options.frequency.isEmpty()) {
         frequency = parseFrequency(options.frequency, &failure);
         if (!frequency)
-            return complain(name, failure);
+            return complain(failure);
     }
     if (!mayDrive(options.line, options.line.station, &failure))
-        return complain(name, failure);
+        return complain(failure);
     SessionWishes wishes;
     if (options.line.plant.stop.controlWord)
         wishes.stops.append({ options.line.station, *options.line.plant.stop.controlWord });
     const auto session = Session::open(options.line, &failure, wishes);
     if (!session || !session->hear(options.line.station, &failure))
-        return complain(name, failure);
+        return complain(failure);
     if (start(*session, options, frequency, &failure) && !interrupted())
         return ExitDone;
     // Interrupted, or not confirmed: it may have been heard all the same.
     const bool stopped = session->stopSafely();
-    const int exitCode = interrupted() ? ExitInterrupted : complain(name, failure);
+    const int exitCode = interrupted() ? ExitInterrupted : complain(failure);
     return stopped ? exitCode : ExitFailed;
 }
 
 } // namespace
 
-void addRun(CommandLine &line)
+void describeRun(Command &command)
 {
-    Command command = line.add("run", "set a frequency and start the motor");
-    const auto options = std::make_shared<Options>();
-    command.text("--frequency", options->frequency, "to run at; else the last one set", "HZ");
-    command.flag("--reverse", options->reverse, "turn the other way");
-    command.number("--word", options->word, "control word of a drive with other bits", 0, 65535);
+    Options &options = command.action(runRun);
+    command.text("--frequency", options.frequency, "to run at; else the last one set", "HZ");
+    command.flag("--reverse", options.reverse, "turn the other way");
+    command.number("--word", options.word, "control word of a drive with other bits", 0, 65535);
     command.excludes("--reverse", "--word");
-    addLineOptions(command, options->line, QStringLiteral("run"));
-    command.example(QStringLiteral("dx4 run --port /dev/ttyUSB0 --frequency 30.00"),
-                    QStringLiteral("station 1 runs at 30 Hz"));
-    command.action([options] { return runRun(*options); });
+    addLineOptions(command, options.line);
+    command.example("dx4 run --port /dev/ttyUSB0 --frequency 30.00", "station 1 runs at 30 Hz");
 }
 
 } // namespace dx4::cli

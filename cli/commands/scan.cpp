@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 scan: finds the stations on a line.
-#include "cli/commands/scan.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/interrupt.h"
 #include "cli/console/output.h"
@@ -58,7 +58,7 @@ public:
         if (m_file.isEmpty() || m_failed || saveScanState(m_file, state, &error))
             return;
         m_failed = true;
-        note(QStringLiteral("scan"), QStringLiteral("the state is not kept: %1").arg(error));
+        note(QStringLiteral("the state is not kept: %1").arg(error));
     }
 
     /// The scan is through; the next one begins anew.
@@ -68,8 +68,7 @@ public:
         if (m_file.isEmpty() || !file.exists() || file.remove())
             return;
         m_failed = true;
-        note(QStringLiteral("scan"),
-             QStringLiteral("%1 cannot be removed, and the scan is through: %2")
+        note(QStringLiteral("%1 cannot be removed, and the scan is through: %2")
                  .arg(m_file, file.errorString()));
     }
 
@@ -168,7 +167,7 @@ int endEarly(const Options &options, const ScanState &state, const Keeper &keepe
         failure.code = ExitDone; // the reader had enough
     failure.text += round.settings.isEmpty() ? QStringLiteral("; go on with %1").arg(how)
                                              : QStringLiteral(" at %1").arg(round.settings);
-    return complain(QStringLiteral("scan"), failure);
+    return complain(failure);
 }
 
 int scan(Session &session, const Options &options, ScanState &state, Keeper &keeper,
@@ -335,12 +334,11 @@ void printSummary(const host::LineSettings &line, const std::optional<QVector<in
 /// Scans with one setting of the line after the other, and says at the end which found what.
 int scanSettings(const Options &options)
 {
-    const QString name = QStringLiteral("scan");
     Failure failure;
     const auto all = settingsOf(options, &failure);
     const auto begin = all ? beginning(options, &failure) : std::nullopt;
     if (!begin)
-        return complain(name, failure);
+        return complain(failure);
     QVector<std::optional<QVector<int>>> found;
     bool isAny = false;
     for (const host::LineSettings &line : *all) {
@@ -352,7 +350,7 @@ int scanSettings(const Options &options)
         const auto session = Session::open(own, &failure);
         // An adapter need not have every setting; without the first one there may be no port.
         if (!session && (found.isEmpty() || failure.code != ExitLine))
-            return complain(name, failure);
+            return complain(failure);
         if (!session) {
             found.append(std::nullopt);
             continue;
@@ -373,14 +371,13 @@ int runScan(const Options &options)
 {
     if (options.hasSettings())
         return scanSettings(options);
-    const QString name = QStringLiteral("scan");
     Failure failure;
     auto state = beginning(options, &failure);
     if (!state)
-        return complain(name, failure);
+        return complain(failure);
     const auto session = Session::open(options.line, &failure);
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     for (const int station : std::as_const(state->found))
         printFound(station, QStringLiteral("found before"), options.line, {});
     Keeper keeper(options.resume);
@@ -388,9 +385,8 @@ int runScan(const Options &options)
     if (exitCode != ExitDone)
         return exitCode;
     keeper.drop();
-    note(name,
-         counted(static_cast<quint64>(state->found.size()), "station", "stations")
-             + QStringLiteral(" found"));
+    note(counted(static_cast<quint64>(state->found.size()), "station", "stations")
+         + QStringLiteral(" found"));
     if (keeper.failed())
         return ExitFailed;
     return state->found.isEmpty() ? ExitNoReply : ExitDone;
@@ -398,19 +394,18 @@ int runScan(const Options &options)
 
 } // namespace
 
-void addScan(CommandLine &line)
+void describeScan(Command &command)
 {
-    Command command = line.add("scan", "find the stations on a line");
-    const auto options = std::make_shared<Options>();
-    options->line.timeout = 100; // most stations are not there
-    options->line.retries = 0;
-    command.number("--from", options->from, "first station to ask; else 1", 1, host::lastStation);
-    command.number("--to", options->to, "last station to ask; else 247", 1, host::lastStation);
-    command.text("--resume", options->resume, "keep the state here and go on from it", "FILE");
-    command.text("--speeds", options->speeds, "try these in turn, such as 9600,19200", "LIST");
-    command.text("--parities", options->parities, "try these in turn, of N, E and O", "LIST");
-    command.flag("--all-settings", options->allSettings, "try the usual speeds and all parities");
-    addLineOptions(command, options->line, QStringLiteral("scan"));
+    Options &options = command.action(runScan);
+    options.line.timeout = 100; // most stations are not there
+    options.line.retries = 0;
+    command.number("--from", options.from, "first station to ask; else 1", 1, host::lastStation);
+    command.number("--to", options.to, "last station to ask; else 247", 1, host::lastStation);
+    command.text("--resume", options.resume, "keep the state here and go on from it", "FILE");
+    command.text("--speeds", options.speeds, "try these in turn, such as 9600,19200", "LIST");
+    command.text("--parities", options.parities, "try these in turn, of N, E and O", "LIST");
+    command.flag("--all-settings", options.allSettings, "try the usual speeds and all parities");
+    addLineOptions(command, options.line);
     for (const char *several : { "--speeds", "--parities" }) {
         command.excludes(several, "--resume");
         command.excludes(several, "--all-settings");
@@ -420,12 +415,10 @@ void addScan(CommandLine &line)
     for (const char *one : { "--resume", "--speed", "--format" })
         command.excludes("--all-settings", one);
     command.without("--station"); // --from and --to say which
-    command.example(QStringLiteral("dx4 scan --port /dev/ttyUSB0 --to 3"),
-                    QStringLiteral("the first three stations"));
-    command.example(QStringLiteral("dx4 scan --port /dev/ttyUSB0 --speeds 9600,19200 --parities "
-                                   "N,E --to 1"),
-                    QStringLiteral("which of four settings station 1 answers to"));
-    command.action([options] { return runScan(*options); });
+    command.example("dx4 scan --port /dev/ttyUSB0 --to 3", "the first three stations");
+    command.example("dx4 scan --port /dev/ttyUSB0 --speeds 9600,19200 --parities "
+                    "N,E --to 1",
+                    "which of four settings station 1 answers to");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 stats: how well the line works.
-#include "cli/commands/stats.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
 #include "cli/line/polling.h"
@@ -90,7 +90,7 @@ PollEnd measure(Session &session, const Options &options)
         return sent >= static_cast<quint64>(options.requests);
     };
     settings.patience = patienceOf(options.reconnect, true);
-    return poll(session, QStringLiteral("stats"), settings);
+    return poll(session, settings);
 }
 
 /// What was measured, as it is printed.
@@ -122,15 +122,14 @@ QStringList wordsOf(const Options &options)
 
 int runStats(const Options &options)
 {
-    const QString name = QStringLiteral("stats");
     const QStringList words = wordsOf(options);
     Failure failure;
     const auto plan = makePlan(words, options.line, &failure);
     if (!plan)
-        return complain(name, failure);
+        return complain(failure);
     const auto session = Session::open(options.line, &failure);
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     session->runtime().setPlan(*plan);
     const host::Duration start = session->line().now();
     const PollEnd end = measure(*session, options);
@@ -138,31 +137,28 @@ int runStats(const Options &options)
     const bool stopped = end != PollEnd::Asked || session->stopSafely();
     printLines(result);
     if (end == PollEnd::LineGone)
-        return complainLineGone(*session, name);
+        return complainLineGone(*session);
     const bool heard = session->runtime().counters().total().good > 0;
     if (!heard && end == PollEnd::Enough)
-        return complain(name,
-                        { causeCode(session->verdict()),
+        return complain({ causeCode(session->verdict()),
                           QStringLiteral("nothing was answered: %1")
                               .arg(host::verdictText(session->verdict())) });
-    const int exitCode = codeOfEnd(end, true, name);
+    const int exitCode = codeOfEnd(end, true);
     return stopped ? exitCode : ExitFailed;
 }
 
 } // namespace
 
-void addStats(CommandLine &line)
+void describeStats(Command &command)
 {
-    Command command = line.add("stats", "poll and count how well the line works");
-    const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "registers to poll; else the file's, or SW", false);
-    command.number("--requests", options->requests, "to send, repeated ones included", 1, 1000000);
-    command.flag("--names", options->names, "with names of the simulated inverter");
-    addPollOptions(command, options->reconnect);
-    addLineOptions(command, options->line, QStringLiteral("stats"));
-    command.example(QStringLiteral("dx4 stats --port /dev/ttyUSB0 --requests 20 D 0-9"),
-                    QStringLiteral("failures by kind, and how soon the station answers"));
-    command.action([options] { return runStats(*options); });
+    Options &options = command.action(runStats);
+    command.words("address", options.words, "registers to poll; else the file's, or SW", false);
+    command.number("--requests", options.requests, "to send, repeated ones included", 1, 1000000);
+    command.flag("--names", options.names, "with names of the simulated inverter");
+    addPollOptions(command, options.reconnect);
+    addLineOptions(command, options.line);
+    command.example("dx4 stats --port /dev/ttyUSB0 --requests 20 D 0-9",
+                    "failures by kind, and how soon the station answers");
 }
 
 } // namespace dx4::cli

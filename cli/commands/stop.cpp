@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 stop: stops the motor.
-#include "cli/commands/stop.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
 #include "cli/line/session.h"
@@ -50,7 +50,7 @@ int stopOne(Session &session, int station, quint16 word)
     print(session, session.write(commandOf(station), { word }, {}, &failure), station, word);
     if (failure.code == ExitDone)
         return ExitDone;
-    return complain(QStringLiteral("stop"), failure);
+    return complain(failure);
 }
 
 void printConfirmed(Session &session, int station, quint16 word)
@@ -76,7 +76,6 @@ int stopAll(Session &session, const QVector<int> &stations, quint16 word)
     if (stillTurning == 0)
         return ExitDone;
     return complain(
-        QStringLiteral("stop"),
         { ExitFailed,
           QStringLiteral("STOP NOT CONFIRMED by %1 of %2")
               .arg(stillTurning)
@@ -85,14 +84,13 @@ int stopAll(Session &session, const QVector<int> &stations, quint16 word)
 
 int runStop(const Options &options)
 {
-    const QString name = QStringLiteral("stop");
     const QVector<int> stations = stationsOf(options);
     if (stations.isEmpty())
         return complain(
-            name, { ExitUsage, QStringLiteral("--all needs stations; name a file with --config") });
+            { ExitUsage, QStringLiteral("--all needs stations; name a file with --config") });
     Failure failure;
     if (!options.all && !mayDrive(options.line, options.line.station, &failure))
-        return complain(name, failure);
+        return complain(failure);
     // The runtime lets a command through to a station that it has not heard only as a stop.
     LineOptions line = options.line;
     const quint16 word = wordOf(options);
@@ -104,7 +102,7 @@ int runStop(const Options &options)
         wishes.stops.append({ station, word });
     const auto session = Session::open(line, &failure, wishes);
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     const int exitCode = options.all ? stopAll(*session, stations, word)
                                      : stopOne(*session, stations.constFirst(), word);
     session->warnOfMotors();
@@ -113,17 +111,14 @@ int runStop(const Options &options)
 
 } // namespace
 
-void addStop(CommandLine &line)
+void describeStop(Command &command)
 {
-    Command command = line.add("stop", "stop the motor");
-    const auto options = std::make_shared<Options>();
-    command.number("--word", options->word, "control word of a drive with other bits", 0, 65535);
-    command.flag("--all", options->all, "every station of the configuration");
-    addLineOptions(command, options->line, QStringLiteral("stop"));
+    Options &options = command.action(runStop);
+    command.number("--word", options.word, "control word of a drive with other bits", 0, 65535);
+    command.flag("--all", options.all, "every station of the configuration");
+    addLineOptions(command, options.line);
     command.excludes("--all", "--station");
-    command.example(QStringLiteral("dx4 stop --port /dev/ttyUSB0"),
-                    QStringLiteral("station 1 ramps down"));
-    command.action([options] { return runStop(*options); });
+    command.example("dx4 stop --port /dev/ttyUSB0", "station 1 ramps down");
 }
 
 } // namespace dx4::cli

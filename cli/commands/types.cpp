@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 types: the driver's catalogue of register types.
-#include "cli/commands/types.h"
+#include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
 #include "cli/line/driver_file.h"
@@ -99,7 +99,7 @@ int runTypes(const Options &options)
     Failure failure;
     const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
-        return complain(QStringLiteral("types"), failure);
+        return complain(failure);
     QList<QString> types;
     plugin->api().getRegListByType(everyType, &types);
     if (!options.json)
@@ -113,15 +113,13 @@ int runTypes(const Options &options)
 
 } // namespace
 
-void addTypes(CommandLine &line)
+void describeTypes(Command &command)
 {
-    Command command = line.add("types", "list the register types with formats, ranges and rights");
-    const auto options = std::make_shared<Options>();
-    addDriverOption(command, options->driver);
-    command.flag("--json", options->json, "print one JSON object per type");
-    command.example(QStringLiteral("dx4 types"), QStringLiteral("the catalogue"));
-    command.example(QStringLiteral("dx4 types --json"), QStringLiteral("the same for a script"));
-    command.action([options] { return runTypes(*options); });
+    Options &options = command.action(runTypes);
+    addDriverOption(command, options.driver);
+    command.flag("--json", options.json, "print one JSON object per type");
+    command.example("dx4 types", "the catalogue");
+    command.example("dx4 types --json", "the same for a script");
 }
 
 } // namespace dx4::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // dx4 watch: polls registers and shows them.
-#include "cli/commands/watch.h"
+#include "cli/commands/commands.h"
 
 #include "cli/commands/watch_view.h"
 #include "cli/line/polling.h"
@@ -115,20 +115,18 @@ PollEnd follow(Session &session, WatchList &list, WatchView &view, const Options
     };
     settings.onLine = [&view](const QString &text) { view.line(text); };
     settings.patience = patienceOf(options.reconnect, reads > 0);
-    const PollEnd end = poll(session, QStringLiteral("watch"), settings);
+    const PollEnd end = poll(session, settings);
     view.end(list, runtime.counters(), line.now(), line.now() - start);
     return end;
 }
 
 int outcome(Session &session, PollEnd end, bool hasEnd)
 {
-    const QString name = QStringLiteral("watch");
     if (end == PollEnd::LineGone)
-        return complainLineGone(session, name);
+        return complainLineGone(session);
     if (session.runtime().counters().reads().good > 0 || end != PollEnd::Enough)
-        return codeOfEnd(end, hasEnd, name);
+        return codeOfEnd(end, hasEnd);
     return complain(
-        name,
         { causeCode(session.verdict()),
           QStringLiteral("nothing was read: %1").arg(host::verdictText(session.verdict())) });
 }
@@ -144,24 +142,23 @@ host::Duration staleAfter(const host::Plan &plan, const Options &options)
 
 int runWatch(const Options &options)
 {
-    const QString name = QStringLiteral("watch");
     Failure failure;
     const QStringList words = wordsOrConfigured(options.words, options.line);
     LineOptions line = options.line;
     const auto pair = pairOf(options.pair, &line.plant.link, &failure);
     const auto plan = pair ? makePlan(words, line, &failure) : std::nullopt;
     if (!plan)
-        return complain(name, failure);
+        return complain(failure);
     SessionWishes wishes;
     wishes.staleAfter = staleAfter(*plan, options);
     const auto session = Session::open(line, &failure, wishes);
     if (!session)
-        return complain(name, failure);
+        return complain(failure);
     const host::DriverApi &api = session->runtime().link().api();
     const auto targets = parseTargets(words, usualStation(options.line), ReadAccess, api, &failure);
     if (!targets || !arePairs(*targets, *pair, &failure)
         || !areReadTogether(*targets, *plan, *pair, &failure))
-        return complain(name, failure);
+        return complain(failure);
     WatchList list(watched(*targets, RegisterNames(options.line.plant, api, options.names), *pair),
                    session->runtime());
     session->runtime().setPlan(*plan);
@@ -184,32 +181,29 @@ int runWatch(const Options &options)
 
 } // namespace
 
-void addWatch(CommandLine &line)
+void describeWatch(Command &command)
 {
-    Command command = line.add("watch", "poll registers and show them as they change");
-    const auto options = std::make_shared<Options>();
-    command.words("address", options->words, "registers, such as F c.13 D 0-9 2:SW", false);
-    command.number("--rounds", options->rounds, "through all registers; 0 until Ctrl-C", 0,
-                   1000000);
-    command.number("--interval", options->interval,
+    Options &options = command.action(runWatch);
+    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW", false);
+    command.number("--rounds", options.rounds, "through all registers; 0 until Ctrl-C", 0, 1000000);
+    command.number("--interval", options.interval,
                    "ms from one round of reads to the next; 0: no pause", 0, longestInterval);
-    command.number("--sample", options->sample,
+    command.number("--sample", options.sample,
                    "ms; print all values in one row so often; 0: changes", 0, longestInterval);
-    command.flag("--clock", options->clock, "with date and time of day in place of seconds");
-    command.flag("--csv", options->csv, "print comma-separated values");
-    command.flag("--names", options->names, "with names and units of the simulated inverter");
-    addPairOptions(command, options->pair);
-    addPollOptions(command, options->reconnect);
-    addLineOptions(command, options->line, QStringLiteral("watch"));
+    command.flag("--clock", options.clock, "with date and time of day in place of seconds");
+    command.flag("--csv", options.csv, "print comma-separated values");
+    command.flag("--names", options.names, "with names and units of the simulated inverter");
+    addPairOptions(command, options.pair);
+    addPollOptions(command, options.reconnect);
+    addLineOptions(command, options.line);
     command.excludes("--csv", "--json");
-    command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --names D 0-7 SW FU"),
-                    QStringLiteral("a live table until Ctrl-C"));
-    command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --csv --rounds 10 D 0-3 2:D 0-3"),
-                    QStringLiteral("ten rounds over two stations into a file or a pipe"));
-    command.example(QStringLiteral("dx4 watch --port /dev/ttyUSB0 --interval 200 --sample 500 "
-                                   "--clock --rounds 10 D 0-3"),
-                    QStringLiteral("five reads a second, two rows a second for a spreadsheet"));
-    command.action([options] { return runWatch(*options); });
+    command.example("dx4 watch --port /dev/ttyUSB0 --names D 0-7 SW FU",
+                    "a live table until Ctrl-C");
+    command.example("dx4 watch --port /dev/ttyUSB0 --csv --rounds 10 D 0-3 2:D 0-3",
+                    "ten rounds over two stations into a file or a pipe");
+    command.example("dx4 watch --port /dev/ttyUSB0 --interval 200 --sample 500 "
+                    "--clock --rounds 10 D 0-3",
+                    "five reads a second, two rows a second for a spreadsheet");
 }
 
 } // namespace dx4::cli

@@ -75,7 +75,7 @@ public:
             sayUnshown(elapsed);
     }
 
-    void line(const QString &text) override { note(QStringLiteral("watch"), text); }
+    void line(const QString &text) override { note(text); }
 
     void end(WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
@@ -126,9 +126,8 @@ private:
         if (count == 0)
             return;
         if (!m_isJson)
-            return note(QStringLiteral("watch"),
-                        counted(static_cast<quint64>(count), "sample", "samples")
-                            + QStringLiteral(" not shown"));
+            return note(counted(static_cast<quint64>(count), "sample", "samples")
+                        + QStringLiteral(" not shown"));
         QJsonObject object { { QStringLiteral("event"), QStringLiteral("held") },
                              { QStringLiteral("not_shown"), count } };
         m_stamp.add(object, elapsed);

@@ -109,7 +109,7 @@ public:
         say(list, elapsed);
     }
 
-    void line(const QString &text) override { cli::note(QStringLiteral("watch"), text); }
+    void line(const QString &text) override { cli::note(text); }
 
     void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration elapsed) override
@@ -182,7 +182,7 @@ private:
             + QStringLiteral(" not shown");
         if (m_form == Form::Text)
             return printLine(text);
-        cli::note(QStringLiteral("watch"), text); // a table has no place for it
+        cli::note(text); // a table has no place for it
     }
 
     void print(const WatchRow &row, host::Duration elapsed) const

@@ -170,9 +170,8 @@ QString withHelp(const QString &text, const QString &command)
 int refuse(const Place &place, const QString &why)
 {
     const QString command = place.path.join(QLatin1Char(' '));
-    const QString help =
-        (QStringList { QStringLiteral("dx4") } + place.path).join(QLatin1Char(' '));
-    return complain(command, { ExitUsage, withHelp(why, help) });
+    speakFor(command);
+    return complain({ ExitUsage, withHelp(why, QStringLiteral("dx4 %1").arg(command).trimmed()) });
 }
 
 /// An option of the command with nothing behind its "=", as a script with an empty variable writes
@@ -195,15 +194,15 @@ int judged(int exitCode)
     const QString loss = outputLoss();
     if (loss.isEmpty())
         return exitCode;
-    const int lost =
-        complain(QString(), { ExitFailed, QStringLiteral("standard output: ") + loss });
+    const int lost = complain({ ExitFailed, QStringLiteral("standard output: ") + loss });
     return finishOutput(exitCode == ExitDone ? lost : exitCode);
 }
 
 } // namespace
 
-Command::Command(CLI::App &app, int &exitCode)
+Command::Command(CLI::App &app, const QString &words, int &exitCode)
     : m_app(app)
+    , m_words(words)
     , m_exitCode(exitCode)
 {
 }
@@ -305,37 +304,40 @@ void Command::without(const char *option)
     m_app.remove_option(m_app.get_option(option));
 }
 
-void Command::remark(const QString &text)
+void Command::remark(const char *text)
 {
-    m_app.footer(text.toStdString());
+    m_app.footer(text);
 }
 
-void Command::example(const QString &line, const QString &meaning)
+void Command::example(const char *line, const char *meaning)
 {
     std::string footer = m_app.get_footer();
     if (footer.find("Examples:") == std::string::npos)
         footer += footer.empty() ? "Examples:" : "\n\nExamples:";
-    m_app.footer(footer + "\n  $ " + line.toStdString() + "\n      " + meaning.toStdString());
+    m_app.footer(footer + "\n  $ " + line + "\n      " + meaning);
 }
 
 Command Command::sub(const char *name, const char *summary)
 {
     m_app.require_subcommand(1);
-    return Command(*m_app.add_subcommand(name, summary), m_exitCode);
+    return Command(*m_app.add_subcommand(name, summary),
+                   m_words + QLatin1Char(' ') + QString::fromLatin1(name), m_exitCode);
 }
 
 void Command::prepare(Action step)
 {
-    m_prepare = std::move(step);
+    *m_prepare = std::move(step);
 }
 
 void Command::action(Action action)
 {
-    m_app.callback([prepare = m_prepare, action = std::move(action), exitCode = &m_exitCode] {
-        *exitCode = prepare ? prepare() : 0;
-        if (*exitCode == 0)
-            *exitCode = action();
-    });
+    m_app.callback(
+        [words = m_words, prepare = m_prepare, action = std::move(action), exitCode = &m_exitCode] {
+            speakFor(words);
+            *exitCode = *prepare ? (*prepare)() : 0;
+            if (*exitCode == 0)
+                *exitCode = action();
+        });
 }
 
 CommandLine::CommandLine(const char *version)
@@ -345,8 +347,7 @@ CommandLine::CommandLine(const char *version)
     m_app->require_subcommand(1);
     Command help = add("help", "print the help of a command");
     help.words("command", m_helpWords, "such as get, or frames read; none: all of them", false);
-    help.example(QStringLiteral("dx4 help frames read"),
-                 QStringLiteral("the same as dx4 frames read --help"));
+    help.example("dx4 help frames read", "the same as dx4 frames read --help");
     help.action([] { return ExitDone; }); // found by its name before the parser is asked
 }
 
@@ -354,7 +355,7 @@ CommandLine::~CommandLine() = default;
 
 Command CommandLine::add(const char *name, const char *summary)
 {
-    return Command(*m_app->add_subcommand(name, summary), m_exitCode);
+    return Command(*m_app->add_subcommand(name, summary), QString::fromLatin1(name), m_exitCode);
 }
 
 int CommandLine::run(int argc, char **argv)
@@ -364,7 +365,9 @@ int CommandLine::run(int argc, char **argv)
         arguments.append(QString::fromLocal8Bit(argv[i]));
     const bool isHelp = !arguments.isEmpty() && arguments.constFirst() == QLatin1String("help")
         && !arguments.value(1).startsWith(QLatin1Char('-'));
-    const int exitCode = finishOutput(isHelp ? help(arguments.mid(1)) : execute(arguments));
+    const int ended = isHelp ? help(arguments.mid(1)) : execute(arguments);
+    speakFor(QString());
+    const int exitCode = finishOutput(ended);
     return quitAsked() ? ExitQuit : judged(exitCode);
 }
 

@@ -15,12 +15,13 @@ class App;
 namespace dx4::cli {
 
 /// One command while it is described. Variables bound to options must live as long as the command
-/// line; the action is a good place to keep them.
+/// line, as those do that action() gives.
 class Command {
 public:
     using Action = std::function<int()>;
 
-    Command(CLI::App &app, int &exitCode);
+    /// @param words  that call it, without the program's name
+    Command(CLI::App &app, const QString &words, int &exitCode);
 
     /// Bare words behind the options.
     ///
@@ -49,10 +50,10 @@ public:
     void without(const char *option);
 
     /// A paragraph behind the options in the help; goes before the examples.
-    void remark(const QString &text);
+    void remark(const char *text);
 
     /// A command line that the help shows, with what it does.
-    void example(const QString &line, const QString &meaning);
+    void example(const char *line, const char *meaning);
 
     /// A command of this one.
     Command sub(const char *name, const char *summary);
@@ -60,13 +61,22 @@ public:
     /// Done before the action; a result other than 0 ends the command with it.
     void prepare(Action step);
 
-    /// What it does; the result is the exit code. Comes last.
+    /// What it does; the result is the exit code.
     void action(Action action);
+
+    /// The same with options. @return these, which live as long as the command line
+    template <typename Options> Options &action(int (*run)(const Options &))
+    {
+        const auto options = std::make_shared<Options>();
+        action([options, run] { return run(*options); });
+        return *options;
+    }
 
 private:
     CLI::App &m_app;
+    QString m_words;
     int &m_exitCode;
-    Action m_prepare;
+    std::shared_ptr<Action> m_prepare = std::make_shared<Action>();
 };
 
 /// The program's arguments.

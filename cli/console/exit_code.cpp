@@ -5,17 +5,30 @@
 #include "cli/console/standard_streams.h"
 
 namespace dx4::cli {
+namespace {
 
-int complain(const QString &command, const Failure &failure)
+QString &speaker()
 {
-    note(command, failure.text);
+    static QString name = QStringLiteral("dx4");
+    return name;
+}
+
+} // namespace
+
+void speakFor(const QString &command)
+{
+    speaker() = QStringLiteral("dx4 %1").arg(command).trimmed();
+}
+
+int complain(const Failure &failure)
+{
+    note(failure.text);
     return failure.code;
 }
 
-void note(const QString &command, const QString &text)
+void note(const QString &text)
 {
-    const QString program = command.isEmpty() ? QStringLiteral("dx4") : QStringLiteral("dx4 ");
-    writeTalk(program + command + QStringLiteral(": ") + text + QLatin1Char('\n'));
+    writeTalk(speaker() + QStringLiteral(": ") + text + QLatin1Char('\n'));
 }
 
 } // namespace dx4::cli

@@ -27,13 +27,17 @@ struct Failure {
     QString text; ///< what, where, and what would be right
 };
 
+/// From now on messages are those of the command that these words call, without the program's name.
+///
+/// @param command  empty: of the program itself
+void speakFor(const QString &command);
+
 /// Says it on standard error, "dx4 get: ...".
 ///
-/// @param command  words that called it, without the program's name
 /// @return the code, for the caller to end with
-int complain(const QString &command, const Failure &failure);
+int complain(const Failure &failure);
 
 /// A note on standard error that is no failure, "dx4 scan: ...".
-void note(const QString &command, const QString &text);
+void note(const QString &text);
 
 } // namespace dx4::cli

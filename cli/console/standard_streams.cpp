@@ -158,8 +158,7 @@ int finishOutput(int exitCode)
 {
     const bool wasAsked = interrupted();
     if (!finish(output())) {
-        note(QString(),
-             QStringLiteral("standard output: its reader did not take the last %1 bytes")
+        note(QStringLiteral("standard output: its reader did not take the last %1 bytes")
                  .arg(output().waiting()));
         if (exitCode == ExitDone && !wasAsked)
             exitCode = ExitInterrupted;

@@ -123,9 +123,8 @@ UsualConfig usualConfig()
              QStringLiteral("is the usual configuration; DX4_CONFIG= goes without one") };
 }
 
-int readConfiguration(LineOptions &options, const QString &name)
+int readConfiguration(LineOptions &options)
 {
-    options.command = name;
     const UsualConfig usual = options.config.isEmpty() ? usualConfig() : UsualConfig();
     if (options.config.isEmpty())
         options.config = usual.file;
@@ -138,9 +137,9 @@ int readConfiguration(LineOptions &options, const QString &name)
     QVector<host::ConfigError> errors;
     const auto config = host::loadConfig(options.config, &errors);
     for (const host::ConfigError &error : std::as_const(errors))
-        complain(name, { ExitUsage, error.in(options.config) });
+        complain({ ExitUsage, error.in(options.config) });
     if (!config && !usual.file.isEmpty())
-        note(name, QStringLiteral("%1 %2").arg(options.config, usual.origin));
+        note(QStringLiteral("%1 %2").arg(options.config, usual.origin));
     if (!config)
         return ExitUsage;
     complete(options, *config);
@@ -184,7 +183,7 @@ bool mayDrive(const LineOptions &options, int station, Failure *failure)
     return false;
 }
 
-void addLineOptions(Command &command, LineOptions &options, const QString &name)
+void addLineOptions(Command &command, LineOptions &options)
 {
     // A command may bring values of its own, which the help shows and which go before the file's.
     const bool hasTimeout = options.timeout > 0;
@@ -214,7 +213,7 @@ void addLineOptions(Command &command, LineOptions &options, const QString &name)
     command.flag("--json", options.json, "print one JSON object per line");
     addTraceOption(command, options.trace);
     addDriverOption(command, options.driver);
-    command.prepare([&options, name] { return readConfiguration(options, name); });
+    command.prepare([&options] { return readConfiguration(options); });
 }
 
 QString formatText(const host::LineSettings &line)

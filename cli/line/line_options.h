@@ -26,7 +26,6 @@ struct LineOptions {
     bool shared = false; ///< beside a program that has the port open without a lock
     bool trace = false; ///< frames are shown on standard error
 
-    QString command; ///< words that called it, for messages
     QStringList given; ///< options that a second command needs to stop the same drive, port apart
     QStringList registers; ///< of the configuration, as splitTargets() takes them
     host::Config plant; ///< the configuration, with the options in place of what they replace
@@ -46,9 +45,7 @@ bool mayDrive(const LineOptions &options, int station, Failure *failure);
 
 /// Adds the options of a line to a command, and the step that reads the configuration. `options`
 /// must live as long as the command line.
-///
-/// @param name  the command, for messages
-void addLineOptions(Command &command, LineOptions &options, const QString &name);
+void addLineOptions(Command &command, LineOptions &options);
 
 /// "8N1", as --format takes it.
 QString formatText(const host::LineSettings &line);

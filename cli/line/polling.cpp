@@ -30,8 +30,8 @@ bool rested(const PollSettings &settings)
 
 void addPollOptions(Command &command, int &seconds)
 {
-    command.remark(QStringLiteral("Ended by hand, it first sends the stop of the configuration. "
-                                  "Ended by itself,\nit stops nothing: drives that turn go on."));
+    command.remark("Ended by hand, it first sends the stop of the configuration. "
+                   "Ended by itself,\nit stops nothing: drives that turn go on.");
     command.number("--reconnect", seconds, "seconds to wait for a line that broke", 0,
                    longestPatience);
 }
@@ -43,27 +43,27 @@ std::optional<host::Duration> patienceOf(int seconds, bool hasEnd)
     return hasEnd ? std::optional(usualPatience) : std::nullopt;
 }
 
-int complainLineGone(Session &session, const QString &command)
+int complainLineGone(Session &session)
 {
     session.noteUnstopped();
     session.warnOfMotors();
     return complain(
-        command, { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
+        { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
 }
 
-int codeOfEnd(PollEnd end, bool hasEnd, const QString &command)
+int codeOfEnd(PollEnd end, bool hasEnd)
 {
     if (end != PollEnd::Asked || !hasEnd || !interrupted())
         return ExitDone;
-    return complain(command, { ExitInterrupted, QStringLiteral("interrupted") });
+    return complain({ ExitInterrupted, QStringLiteral("interrupted") });
 }
 
-PollEnd poll(Session &session, const QString &command, const PollSettings &settings)
+PollEnd poll(Session &session, const PollSettings &settings)
 {
     using Step = host::Runtime::Step;
     const QString &port = session.options().plant.line.port;
     const auto tell = [&](const QString &text) {
-        settings.onLine ? settings.onLine(text) : note(command, text);
+        settings.onLine ? settings.onLine(text) : note(text);
     };
     std::optional<host::Duration> downSince;
     while (!shouldEnd()) {

@@ -38,17 +38,15 @@ void addPollOptions(Command &command, int &seconds);
 std::optional<host::Duration> patienceOf(int seconds, bool hasEnd);
 
 /// Says that the line of this session is gone. @return the exit code
-int complainLineGone(Session &session, const QString &command);
+int complainLineGone(Session &session);
 
 /// The code of a command whose loop ended with nothing wrong. Ended by hand, one that has an end of
 /// its own says that it was not done; one that runs until Ctrl-C was. A reader who has gone had
 /// enough.
-int codeOfEnd(PollEnd end, bool hasEnd, const QString &command);
+int codeOfEnd(PollEnd end, bool hasEnd);
 
 /// Steps the session's runtime.
-///
-/// @param command  for notes
-PollEnd poll(Session &session, const QString &command, const PollSettings &settings);
+PollEnd poll(Session &session, const PollSettings &settings);
 
 /// Reads that have ended: answered, given up, or passed over as their station is left alone.
 qint64 endedReads(const host::CounterSet &counters);

@@ -284,10 +284,10 @@ bool Session::stopSafely()
         isConfirmed = report.unconfirmed.isEmpty();
         for (const host::StopCommand &stop : std::as_const(m_stops)) {
             if (!report.unconfirmed.contains(stop.station))
-                note(m_options.command, QStringLiteral("station %1 stopped").arg(stop.station));
+                note(QStringLiteral("station %1 stopped").arg(stop.station));
         }
         if (!isConfirmed)
-            note(m_options.command, report.text);
+            note(report.text);
     }
     warnOfMotors();
     return isConfirmed;
@@ -302,8 +302,7 @@ void Session::noteUnstopped()
 void Session::warnOfMotors()
 {
     for (const int station : m_mayTurn)
-        note(m_options.command,
-             QStringLiteral("the motor of station %1 may still turn; stop it with: %2")
+        note(QStringLiteral("the motor of station %1 may still turn; stop it with: %2")
                  .arg(station)
                  .arg(stopCommand(station)));
 }
@@ -330,7 +329,7 @@ void Session::tellNotice(const QString &text) const
         printJson({ { QStringLiteral("event"), QStringLiteral("notice") },
                     { QStringLiteral("text"), text } });
     else
-        note(m_options.command, text);
+        note(text);
 }
 
 void Session::giveWayIfAsked()
@@ -339,8 +338,7 @@ void Session::giveWayIfAsked()
         return;
     const bool wasOpen = m_line->isOpen();
     m_line->close(); // another program may want to stop the drives
-    note(m_options.command,
-         QStringLiteral("suspended; %1 is free, drives go on as they are")
+    note(QStringLiteral("suspended; %1 is free, drives go on as they are")
              .arg(m_options.plant.line.port));
     const std::set<int> before = m_mayTurn;
     noteUnstopped();
