@@ -4,12 +4,12 @@
 
 #include "cli/console/interrupt.h"
 #include "cli/console/output.h"
+#include "cli/line/line_variants.h"
 #include "cli/line/scan_state.h"
 #include "cli/line/session.h"
 #include "cli/registers/reply_text.h"
 #include "cli/registers/target.h"
 #include "host/base/length.h"
-#include "host/base/number_text.h"
 #include "host/frames/modbus_limits.h"
 #include "host/frames/verdict_text.h"
 
@@ -30,11 +30,7 @@ struct Options {
     int from = 0; ///< 0: not given
     int to = 0;
     QString resume; ///< file of the state; empty: none
-    QString speeds; ///< between commas; empty: the line's own
-    QString parities;
-    bool allSettings = false;
-
-    bool hasSettings() const { return allSettings || !speeds.isEmpty() || !parities.isEmpty(); }
+    LineVariants variants;
 };
 
 /// Where a scan stands among several settings of the line.
@@ -42,42 +38,6 @@ struct Round {
     int number = 0;
     int count = 1;
     QString settings; ///< "19200 8E1"; empty where there is one alone
-};
-
-/// Keeps the state in a file, as long as that takes it.
-class Keeper {
-public:
-    explicit Keeper(QString file)
-        : m_file(std::move(file))
-    {
-    }
-
-    void keep(const ScanState &state)
-    {
-        QString error;
-        if (m_file.isEmpty() || m_failed || saveScanState(m_file, state, &error))
-            return;
-        m_failed = true;
-        note(QStringLiteral("the state is not kept: %1").arg(error));
-    }
-
-    /// The scan is through; the next one begins anew.
-    void drop()
-    {
-        QFile file(m_file);
-        if (m_file.isEmpty() || !file.exists() || file.remove())
-            return;
-        m_failed = true;
-        note(QStringLiteral("%1 cannot be removed, and the scan is through: %2")
-                 .arg(m_file, file.errorString()));
-    }
-
-    bool failed() const { return m_failed; }
-    bool isKept() const { return !m_file.isEmpty() && !m_failed; }
-
-private:
-    QString m_file; // empty: nothing is kept
-    bool m_failed = false;
 };
 
 /// A bar on standard error, where that is a terminal.
@@ -156,7 +116,7 @@ QString ask(Session &session, int station, bool soundOnly, Failure *failure)
     return silent ? QString() : host::verdictText(session.verdict());
 }
 
-int endEarly(const Options &options, const ScanState &state, const Keeper &keeper,
+int endEarly(const Options &options, const ScanState &state, const ScanKeeper &keeper,
              const Round &round, Failure failure)
 {
     const QString how = keeper.isKept() ? QStringLiteral("--resume %1").arg(options.resume)
@@ -170,7 +130,7 @@ int endEarly(const Options &options, const ScanState &state, const Keeper &keepe
     return complain(failure);
 }
 
-int scan(Session &session, const Options &options, ScanState &state, Keeper &keeper,
+int scan(Session &session, const Options &options, ScanState &state, ScanKeeper &keeper,
          const Round &round = {})
 {
     Progress progress(state, round, options.line.trace);
@@ -236,75 +196,6 @@ std::optional<ScanState> beginning(const Options &options, Failure *failure)
     return std::nullopt;
 }
 
-std::optional<QVector<int>> speedsOf(const Options &options, Failure *failure)
-{
-    // The usual ones first.
-    const QVector<int> all { 9600, 19200, 38400, 57600, 115200, 4800, 2400, 1200 };
-    if (options.allSettings)
-        return all;
-    if (options.speeds.isEmpty())
-        return QVector<int> { options.line.plant.line.speed };
-    QVector<int> speeds;
-    const QStringList words = options.speeds.split(QLatin1Char(','));
-    for (const QString &word : words) {
-        const auto speed = host::parseWholeNumber(word.trimmed());
-        if (!speed || *speed < 300 || *speed > 4000000) {
-            *failure = { ExitUsage,
-                         QStringLiteral("--speeds: \"%1\" is no speed; write 300 to 4000000 bit/s "
-                                        "between commas, such as 9600,19200")
-                             .arg(word) };
-            return std::nullopt;
-        }
-        speeds.append(*speed);
-    }
-    return speeds;
-}
-
-/// Lines of one speed, one per parity. A byte with parity has one stop bit.
-std::optional<QVector<host::LineSettings>> parityVariants(const Options &options, int speed,
-                                                          Failure *failure)
-{
-    host::LineSettings line = options.line.plant.line;
-    line.speed = speed;
-    if (options.parities.isEmpty() && !options.allSettings)
-        return QVector<host::LineSettings> { line };
-    QVector<host::LineSettings> variants;
-    const QStringList letters = options.allSettings
-        ? QStringList { QStringLiteral("N"), QStringLiteral("E"), QStringLiteral("O") }
-        : options.parities.toUpper().split(QLatin1Char(','));
-    for (const QString &letter : letters) {
-        const auto place = QStringLiteral("NEO").indexOf(letter.trimmed());
-        if (letter.trimmed().size() != 1 || place < 0) {
-            *failure = { ExitUsage,
-                         QStringLiteral("--parities: \"%1\" is no parity; write N, E and O between "
-                                        "commas")
-                             .arg(letter) };
-            return std::nullopt;
-        }
-        line.parity = place == 0 ? host::Parity::None
-            : place == 1         ? host::Parity::Even
-                                 : host::Parity::Odd;
-        line.stopBits = place == 0 ? options.line.plant.line.stopBits : 1;
-        variants.append(line);
-    }
-    return variants;
-}
-
-std::optional<QVector<host::LineSettings>> settingsOf(const Options &options, Failure *failure)
-{
-    const auto speeds = speedsOf(options, failure);
-    if (!speeds)
-        return std::nullopt;
-    QVector<host::LineSettings> all;
-    for (const int speed : *speeds) {
-        const auto variants = parityVariants(options, speed, failure);
-        if (!variants)
-            return std::nullopt;
-        all += *variants;
-    }
-    return all;
-}
-
 /// @param found  nothing where the port did not take the settings
 void printSummary(const host::LineSettings &line, const std::optional<QVector<int>> &found,
                   bool json)
@@ -335,7 +226,7 @@ void printSummary(const host::LineSettings &line, const std::optional<QVector<in
 int scanSettings(const Options &options)
 {
     Failure failure;
-    const auto all = settingsOf(options, &failure);
+    const auto all = variantsOf(options.line.plant.line, options.variants, &failure);
     const auto begin = all ? beginning(options, &failure) : std::nullopt;
     if (!begin)
         return complain(failure);
@@ -355,7 +246,7 @@ int scanSettings(const Options &options)
             found.append(std::nullopt);
             continue;
         }
-        Keeper keeper { QString() };
+        ScanKeeper keeper { QString() };
         const int code = scan(*session, options, state, keeper, round);
         if (code != ExitDone)
             return code;
@@ -369,7 +260,7 @@ int scanSettings(const Options &options)
 
 int runScan(const Options &options)
 {
-    if (options.hasSettings())
+    if (options.variants.areGiven())
         return scanSettings(options);
     Failure failure;
     auto state = beginning(options, &failure);
@@ -380,7 +271,7 @@ int runScan(const Options &options)
         return complain(failure);
     for (const int station : std::as_const(state->found))
         printFound(station, QStringLiteral("found before"), options.line, {});
-    Keeper keeper(options.resume);
+    ScanKeeper keeper(options.resume);
     const int exitCode = scan(*session, options, *state, keeper);
     if (exitCode != ExitDone)
         return exitCode;
@@ -402,9 +293,11 @@ void describeScan(Command &command)
     command.number("--from", options.from, "first station to ask; else 1", 1, host::lastStation);
     command.number("--to", options.to, "last station to ask; else 247", 1, host::lastStation);
     command.text("--resume", options.resume, "keep the state here and go on from it", "FILE");
-    command.text("--speeds", options.speeds, "try these in turn, such as 9600,19200", "LIST");
-    command.text("--parities", options.parities, "try these in turn, of N, E and O", "LIST");
-    command.flag("--all-settings", options.allSettings, "try the usual speeds and all parities");
+    command.text("--speeds", options.variants.speeds, "try these in turn, such as 9600,19200",
+                 "LIST");
+    command.text("--parities", options.variants.parities, "try these in turn, of N, E and O",
+                 "LIST");
+    command.flag("--all-settings", options.variants.all, "try the usual speeds and all parities");
     addLineOptions(command, options.line);
     for (const char *several : { "--speeds", "--parities" }) {
         command.excludes(several, "--resume");

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
-// Commands, options and their help; the only place that knows the argument parser.
+// Commands, options and their help.
 #include "cli/console/command_line.h"
 
 #include "cli/console/exit_code.h"
 #include "cli/console/interrupt.h"
 #include "cli/console/nearest_word.h"
 #include "cli/console/output.h"
+#include "cli/console/usage_error.h"
 #include "host/base/number_text.h"
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -18,175 +18,6 @@
 
 namespace dx4::cli {
 namespace {
-
-QStringList commandNames(const CLI::App &app)
-{
-    QStringList names;
-    for (const CLI::App *command : app.get_subcommands([](const CLI::App *) { return true; }))
-        names.append(QString::fromStdString(command->get_name()));
-    return names;
-}
-
-QStringList optionNames(const CLI::App &app)
-{
-    QStringList names;
-    for (const CLI::Option *option : app.get_options()) {
-        for (const std::string &name : option->get_lnames())
-            names.append(QStringLiteral("--") + QString::fromStdString(name));
-        for (const std::string &name : option->get_snames())
-            names.append(QLatin1Char('-') + QString::fromStdString(name));
-    }
-    return names;
-}
-
-/// A letter is as near to one as to any other: only words are suggested.
-QStringList longNames(const QStringList &names)
-{
-    return names.filter(QStringLiteral("--"));
-}
-
-/// Follows the words down to the command that they name.
-struct Place {
-    const CLI::App *app;
-    QStringList path;
-    QStringList rest;
-};
-
-Place findPlace(const CLI::App &app, const QStringList &arguments)
-{
-    Place place { &app, {}, arguments };
-    while (!place.rest.isEmpty() && commandNames(*place.app).contains(place.rest.constFirst())) {
-        place.app = place.app->get_subcommand(place.rest.constFirst().toStdString());
-        place.path.append(place.rest.takeFirst());
-    }
-    return place;
-}
-
-QString described(const CLI::Option &option)
-{
-    return QStringLiteral("%1: %2").arg(QString::fromStdString(option.get_name()),
-                                        QString::fromStdString(option.get_description()));
-}
-
-/// Options of a command and of all below it.
-QStringList allOptionNames(const CLI::App &app)
-{
-    QStringList names = optionNames(app);
-    for (const CLI::App *command : app.get_subcommands([](const CLI::App *) { return true; }))
-        names += allOptionNames(*command);
-    return names;
-}
-
-/// A word that ought to be a command.
-QString explainCommand(const Place &place, const QStringList &commands)
-{
-    if (place.rest.isEmpty())
-        return QStringLiteral("a command is needed: %1").arg(commands.join(QStringLiteral(", ")));
-    const QString word = place.rest.constFirst();
-    const QString name = word.section(QLatin1Char('='), 0, 0);
-    if (!word.startsWith(QLatin1Char('-')))
-        return QStringLiteral("no command \"%1\"%2").arg(word, suggestion(word, commands));
-    const QStringList known = allOptionNames(*place.app);
-    if (known.contains(name))
-        return QStringLiteral("%1 goes behind the command, such as dx4 get %1").arg(name);
-    return QStringLiteral("no option \"%1\"%2").arg(name, suggestion(name, longNames(known)));
-}
-
-/// The first word that looks like an option and is none; empty where there is no such word.
-QString unknownOption(const Place &place)
-{
-    const QStringList known = optionNames(*place.app);
-    for (const QString &word : place.rest) {
-        QString name = word.section(QLatin1Char('='), 0, 0);
-        const bool isNumber = host::parseDecimal(word.mid(1)).has_value();
-        const bool isShort = name.size() == 2 && !known.contains(name);
-        const bool isLong = name.startsWith(QLatin1String("--")) && !known.contains(name);
-        if (name.startsWith(QLatin1Char('-')) && name.size() > 1 && !isNumber
-            && name != QLatin1String("--") && (isShort || isLong))
-            return name;
-    }
-    return QString();
-}
-
-/// What is missing, or has no value.
-QString explainMissing(const CLI::App &app, const CLI::ParseError &error)
-{
-    QString text = QString::fromUtf8(error.what());
-    const bool isRequired = dynamic_cast<const CLI::RequiredError *>(&error) != nullptr;
-    const bool isMismatch = dynamic_cast<const CLI::ArgumentMismatch *>(&error) != nullptr;
-    for (const CLI::Option *option : app.get_options()) {
-        const bool isMissing = option->get_required() && option->count() == 0;
-        if (isRequired && isMissing)
-            return QStringLiteral("nothing given for %1").arg(described(*option));
-        const QString name = QString::fromStdString(option->get_name());
-        if (isMismatch && text.startsWith(name + QLatin1Char(':')))
-            return QStringLiteral("%1 given for %2")
-                .arg(option->count() == 0 ? QStringLiteral("no value")
-                                          : QStringLiteral("too many values"),
-                     described(*option));
-    }
-    return text;
-}
-
-/// Two options that were given and exclude each other; empty where there are none.
-QString explainContradiction(const CLI::App &app)
-{
-    for (const CLI::Option *option : app.get_options()) {
-        for (const CLI::Option *other : option->get_excludes()) {
-            if (option->count() > 0 && other->count() > 0)
-                return QStringLiteral("%1 and %2 contradict each other; give one of them")
-                    .arg(QString::fromStdString(option->get_name()),
-                         QString::fromStdString(other->get_name()));
-        }
-    }
-    return QString();
-}
-
-/// What is wrong, in the words of this program where it knows better than the parser.
-QString explain(const Place &place, const CLI::ParseError &error)
-{
-    const QStringList commands = commandNames(*place.app);
-    if (!commands.isEmpty())
-        return explainCommand(place, commands);
-    const QString option = unknownOption(place);
-    if (!option.isEmpty())
-        return QStringLiteral("no option \"%1\"%2")
-            .arg(option, suggestion(option, longNames(optionNames(*place.app))));
-    if (dynamic_cast<const CLI::ExtrasError *>(&error)) {
-        const QString words = QString::fromUtf8(error.what()).section(QStringLiteral(": "), 1);
-        return QStringLiteral("\"%1\" is not expected").arg(words);
-    }
-    const QString contradiction = explainContradiction(*place.app);
-    return contradiction.isEmpty() ? explainMissing(*place.app, error) : contradiction;
-}
-
-QString withHelp(const QString &text, const QString &command)
-{
-    const QString pointer = text.endsWith(QLatin1Char('?')) ? QStringLiteral("%1 See %2 --help")
-                                                            : QStringLiteral("%1; see %2 --help");
-    return pointer.arg(text, command);
-}
-
-int refuse(const Place &place, const QString &why)
-{
-    const QString command = place.path.join(QLatin1Char(' '));
-    speakFor(command);
-    return complain({ ExitUsage, withHelp(why, QStringLiteral("dx4 %1").arg(command).trimmed()) });
-}
-
-/// An option of the command with nothing behind its "=", as a script with an empty variable writes
-/// it: the parser would take the next word for the value. Empty where there is none.
-QString optionWithoutValue(const Place &place)
-{
-    const QStringList known = optionNames(*place.app);
-    for (const QString &word : place.rest) {
-        if (word == QLatin1String("--"))
-            break;
-        if (word.endsWith(QLatin1Char('=')) && known.contains(word.chopped(1)))
-            return word.chopped(1);
-    }
-    return QString();
-}
 
 /// The code of a command whose output is written, as far as that was possible.
 int judged(int exitCode)
@@ -226,67 +57,64 @@ void Command::words(const char *name, QStringList &value, const char *help, bool
     option->required(required)->check(CLI::Validator(check, ""))->type_name("");
 }
 
+void Command::addOption(const char *option, const char *help, const QString &type,
+                        const Check &check, const Take &take, const QString &usual)
+{
+    const auto text = [](const std::string &given) { return QString::fromStdString(given); };
+    m_app
+        .add_option_function<std::string>(
+            option, [=](const std::string &given) { take(text(given)); }, help)
+        ->check(CLI::Validator(
+            [=](const std::string &given) { return check(text(given)).toStdString(); }, ""))
+        ->type_name(type.toStdString())
+        ->default_str(usual.toStdString());
+}
+
 void Command::number(const char *option, int &value, const char *help, int lowest, int highest,
                      bool *isGiven)
 {
     const QString allowed = QStringLiteral("%1 to %2").arg(lowest).arg(highest);
-    const auto check = [=](const std::string &given) {
-        const QString word = QString::fromStdString(given);
+    const auto check = [=](const QString &word) {
         const std::optional<int> number = host::parseWholeNumber(word);
         if (number && *number >= lowest && *number <= highest)
-            return std::string();
+            return QString();
         const char *what = number ? "is out of range" : "is no whole number";
         return QStringLiteral("\"%1\" %2; %3 is allowed")
-            .arg(word, QString::fromLatin1(what), allowed)
-            .toStdString();
+            .arg(word, QString::fromLatin1(what), allowed);
     };
-    CLI::Option *added = m_app.add_option_function<std::string>(
-        option,
-        [&value, isGiven](const std::string &given) {
-            value = host::parseWholeNumber(QString::fromStdString(given)).value_or(value);
-            if (isGiven)
-                *isGiven = true;
-        },
-        help);
-    added->check(CLI::Validator(check, ""))
-        ->type_name(QStringLiteral("[%1-%2]").arg(lowest).arg(highest).toStdString());
-    if (value >= lowest && value <= highest) // else it stands for "not given"
-        added->default_str(std::to_string(value));
+    const auto take = [&value, isGiven](const QString &given) {
+        value = host::parseWholeNumber(given).value_or(value);
+        if (isGiven)
+            *isGiven = true;
+    };
+    const bool isUsual = value >= lowest && value <= highest; // else it stands for "not given"
+    addOption(option, help, QStringLiteral("[%1-%2]").arg(lowest).arg(highest), check, take,
+              isUsual ? QString::number(value) : QString());
 }
 
 void Command::text(const char *option, QString &value, const char *help, const char *placeholder)
 {
+    const QString type = QString::fromLatin1(placeholder);
     // A script whose variable is empty must not do the same as one that leaves the option out.
-    const std::string missing = std::string("nothing given; ") + placeholder + " is needed";
-    const auto check = [missing](const std::string &given) {
-        return given.empty() ? missing : std::string();
+    const auto check = [type](const QString &given) {
+        return given.isEmpty() ? QStringLiteral("nothing given; %1 is needed").arg(type)
+                               : QString();
     };
-    m_app
-        .add_option_function<std::string>(
-            option, [&value](const std::string &given) { value = QString::fromStdString(given); },
-            help)
-        ->check(CLI::Validator(check, ""))
-        ->type_name(placeholder)
-        ->default_str(value.toStdString());
+    addOption(
+        option, help, type, check, [&value](const QString &given) { value = given; }, value);
 }
 
 void Command::choice(const char *option, QString &value, const char *help, const QStringList &valid)
 {
-    const auto check = [valid](const std::string &given) {
-        const QString word = QString::fromStdString(given);
-        if (valid.contains(word))
-            return std::string();
-        return QStringLiteral("\"%1\" is none of %2%3")
-            .arg(word, valid.join(QStringLiteral(", ")), suggestion(word, valid))
-            .toStdString();
+    const auto check = [valid](const QString &word) {
+        return valid.contains(word)
+            ? QString()
+            : QStringLiteral("\"%1\" is none of %2%3")
+                  .arg(word, valid.join(QStringLiteral(", ")), suggestion(word, valid));
     };
-    m_app
-        .add_option_function<std::string>(
-            option, [&value](const std::string &given) { value = QString::fromStdString(given); },
-            help)
-        ->check(CLI::Validator(check, ""))
-        ->type_name(valid.join(QLatin1Char('|')).toStdString())
-        ->default_str(value.toStdString());
+    addOption(
+        option, help, valid.join(QLatin1Char('|')), check,
+        [&value](const QString &given) { value = given; }, value);
 }
 
 void Command::flag(const char *option, bool &value, const char *help)
@@ -376,11 +204,7 @@ int CommandLine::help(const QStringList &words)
     const Place place = findPlace(*m_app, words);
     if (place.rest.isEmpty())
         return execute(words + QStringList { QStringLiteral("--help") });
-    const QStringList commands = commandNames(*place.app);
-    const QString &word = place.rest.constFirst();
-    return refuse(place,
-                  commands.isEmpty() ? QStringLiteral("\"%1\" is not expected").arg(word)
-                                     : explainCommand(place, commands));
+    return refuse(place, explainNoHelp(place));
 }
 
 int CommandLine::execute(const QStringList &arguments)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Commands, options and their help; the only place that knows the argument parser.
+// Commands, options and their help. Only this and usage_error know the argument parser.
 #pragma once
 
 #include <QString>
@@ -73,6 +73,12 @@ public:
     }
 
 private:
+    using Check = std::function<QString(const QString &)>; ///< what is wrong; empty: nothing
+    using Take = std::function<void(const QString &)>;
+
+    void addOption(const char *option, const char *help, const QString &type, const Check &check,
+                   const Take &take, const QString &usual);
+
     CLI::App &m_app;
     QString m_words;
     int &m_exitCode;

@@ -14,14 +14,10 @@
 namespace dx4::cli {
 namespace {
 
-constexpr int fastestSpeed = 4000000; // bit/s
-
-host::Parity parityOf(const QString &format)
+/// In the order of host::Parity.
+QString parityLetters()
 {
-    const QChar letter = format.at(1);
-    if (letter == QLatin1Char('E'))
-        return host::Parity::Even;
-    return letter == QLatin1Char('O') ? host::Parity::Odd : host::Parity::None;
+    return QStringLiteral("NEO");
 }
 
 /// Fills in what was not given.
@@ -56,7 +52,7 @@ void complete(LineOptions &options, const host::Config &config)
     plant = config;
     plant.line.port = options.port;
     plant.line.speed = options.speed;
-    plant.line.parity = parityOf(options.format);
+    plant.line.parity = *parityOf(options.format.mid(1, 1));
     plant.line.stopBits = options.format.endsWith(QLatin1Char('2')) ? 2 : 1;
     plant.line.responseTimeout = std::chrono::milliseconds(options.timeout);
     plant.line.isShared = options.shared || config.line.isShared;
@@ -191,7 +187,8 @@ void addLineOptions(Command &command, LineOptions &options)
     command.text("--config", options.config,
                  "TOML file with line, stations, registers; else the usual one", "FILE");
     command.text("--port", options.port, "serial port; else the file's, or DX4_PORT", "DEVICE");
-    command.number("--speed", options.speed, "bit/s; else the file's, or 9600", 300, fastestSpeed);
+    command.number("--speed", options.speed, "bit/s; else the file's, or 9600", slowestSpeed,
+                   fastestSpeed);
     command.choice("--format", options.format,
                    "data bits, parity, stop bits; else the file's, or 8N1",
                    { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
@@ -218,10 +215,15 @@ void addLineOptions(Command &command, LineOptions &options)
 
 QString formatText(const host::LineSettings &line)
 {
-    const QString parity = line.parity == host::Parity::None ? QStringLiteral("N")
-        : line.parity == host::Parity::Even                  ? QStringLiteral("E")
-                                                             : QStringLiteral("O");
-    return QStringLiteral("8%1%2").arg(parity).arg(line.stopBits);
+    return QStringLiteral("8%1%2")
+        .arg(parityLetters().at(static_cast<int>(line.parity)))
+        .arg(line.stopBits);
+}
+
+std::optional<host::Parity> parityOf(const QString &letter)
+{
+    const auto place = letter.size() == 1 ? parityLetters().indexOf(letter) : -1;
+    return place < 0 ? std::nullopt : std::optional(static_cast<host::Parity>(place));
 }
 
 void addTraceOption(Command &command, bool &trace)

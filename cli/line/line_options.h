@@ -8,6 +8,10 @@
 
 namespace dx4::cli {
 
+// bit/s
+inline constexpr int slowestSpeed = 300;
+inline constexpr int fastestSpeed = 4000000;
+
 /// What every command with a line lets a user set. Options go before the configuration file, that
 /// before what is usual.
 struct LineOptions {
@@ -49,6 +53,9 @@ void addLineOptions(Command &command, LineOptions &options);
 
 /// "8N1", as --format takes it.
 QString formatText(const host::LineSettings &line);
+
+/// Of a letter as it stands there. @return nothing where it is none of N, E and O
+std::optional<host::Parity> parityOf(const QString &letter);
 
 /// Adds -v, --trace.
 void addTraceOption(Command &command, bool &trace);

@@ -6,10 +6,12 @@
 #include "cli/registers/target.h"
 #include "host/base/whole_file.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 
 #include <algorithm>
+#include <utility>
 
 namespace dx4::cli {
 namespace {
@@ -60,6 +62,30 @@ bool saveScanState(const QString &file, const ScanState &state, QString *error)
                                     { QStringLiteral("next"), state.next },
                                     { QStringLiteral("found"), found } });
     return host::replaceFile(file, text.toUtf8() + '\n', error);
+}
+
+ScanKeeper::ScanKeeper(QString file)
+    : m_file(std::move(file))
+{
+}
+
+void ScanKeeper::keep(const ScanState &state)
+{
+    QString error;
+    if (m_file.isEmpty() || m_failed || saveScanState(m_file, state, &error))
+        return;
+    m_failed = true;
+    note(QStringLiteral("the state is not kept: %1").arg(error));
+}
+
+void ScanKeeper::drop()
+{
+    QFile file(m_file);
+    if (m_file.isEmpty() || !file.exists() || file.remove())
+        return;
+    m_failed = true;
+    note(QStringLiteral("%1 cannot be removed, and the scan is through: %2")
+             .arg(m_file, file.errorString()));
 }
 
 } // namespace dx4::cli

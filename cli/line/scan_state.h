@@ -32,4 +32,23 @@ bool goesOn(const ScanState &state, int from, int to);
 /// @param error  out: which file and why it could not be written
 bool saveScanState(const QString &file, const ScanState &state, QString *error);
 
+/// Keeps the state in a file, as long as that takes it.
+class ScanKeeper {
+public:
+    /// @param file  empty: nothing is kept
+    explicit ScanKeeper(QString file);
+
+    void keep(const ScanState &state);
+
+    /// The scan is through; the next one begins anew.
+    void drop();
+
+    bool failed() const { return m_failed; }
+    bool isKept() const { return !m_file.isEmpty() && !m_failed; }
+
+private:
+    QString m_file;
+    bool m_failed = false;
+};
+
 } // namespace dx4::cli
