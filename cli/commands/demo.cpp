@@ -237,10 +237,9 @@ int showOn(const Options &options, const LineOptions &line, const QString &drive
     setting.blocks = host::lengthOf(plan->blocks);
     setting.seconds = options.seconds;
     {
-        const auto view = DemoView::create(Terminal::detect(options.trace), options.json);
-        view->begin(setting);
+        DemoView view(setting, Terminal::detect(options.trace), options.json);
         failure =
-            judge(session->runtime().counters(), Show(*session, *view, options.seconds).play());
+            judge(session->runtime().counters(), Show(*session, view, options.seconds).play());
     }
     return failure.code == ExitDone ? ExitDone : complain(failure);
 }

@@ -2,14 +2,11 @@
 // How the demonstration is shown: a live table, plain lines, or JSON.
 #include "cli/commands/demo_view.h"
 
-#include "cli/console/live_table.h"
 #include "cli/console/output.h"
 #include "cli/registers/counters_text.h"
 #include "cli/registers/value_table.h"
 #include "host/base/length.h"
 #include "host/link/notation.h"
-
-#include <QJsonObject>
 
 #include <optional>
 #include <vector>
@@ -17,25 +14,7 @@
 namespace dx4::cli {
 namespace {
 
-constexpr host::Duration redrawAfter = std::chrono::milliseconds(100);
 constexpr host::Duration plainLineAfter = std::chrono::seconds(1);
-
-double inSeconds(host::Duration span)
-{
-    return std::chrono::duration<double>(span).count();
-}
-
-QString secondsText(host::Duration span)
-{
-    return QStringLiteral("%1 s").arg(inSeconds(span), 5, 'f', 1);
-}
-
-QString writeText(const DemoWrite &write)
-{
-    return QStringLiteral("wrote %1  %2, %3")
-        .arg(host::fullAddress(write.regType, write.address).leftJustified(16), write.meaning,
-             write.outcome);
-}
 
 /// The end of a path that is too long for its line.
 QString shortened(const QString &path)
@@ -67,86 +46,15 @@ QStringList summaryLines(const host::CounterSet &counters, host::Duration elapse
                  .arg(total.bytesReceived) };
 }
 
-/// Draws the table over itself.
-class LiveView : public DemoView {
-public:
-    explicit LiveView(const Terminal &terminal)
-        : m_terminal(terminal)
-    {
-    }
-
-    void begin(const DemoSetting &setting) override
-    {
-        m_seconds = setting.seconds;
-        printLines(headLines(setting));
-        printLine(QString());
-    }
-
-    void write(const DemoWrite &write, host::Duration elapsed) override
-    {
-        m_lastWrite = QStringLiteral("%1  %2").arg(secondsText(elapsed), writeText(write));
-    }
-
-    void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
-                host::Duration elapsed) override
-    {
-        if (now - m_drawnAt < redrawAfter)
-            return;
-        m_drawnAt = now;
-        draw(list, counters, now, elapsed);
-    }
-
-    void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
-             host::Duration elapsed) override
-    {
-        draw(list, counters, now, elapsed);
-        printLine(QString());
-        printLines(summaryLines(counters, elapsed));
-    }
-
-private:
-    void draw(WatchList &list, const host::CounterSet &counters, host::Duration now,
-              host::Duration elapsed)
-    {
-        const QString progress =
-            QStringLiteral("%1 of %2 s  %3")
-                .arg(secondsText(elapsed))
-                .arg(m_seconds)
-                .arg(m_terminal.styled(countersText(counters), Terminal::Style::Dim));
-        m_terminal.measure();
-        const QStringList foot { QString(), progress, m_lastWrite };
-        const int room = LiveTable::room(m_terminal, host::lengthOf(foot));
-        m_scroll.move(m_table.keys().take(), host::lengthOf(list.rows()));
-        Scroll *scroll = m_table.keys().areThere() ? &m_scroll : nullptr;
-        m_table.draw(tableLines(list.rows(), now, m_terminal, room, scroll), foot);
-    }
-
-    LiveTable m_table;
-    Scroll m_scroll;
-    Terminal m_terminal;
-    QString m_lastWrite;
-    host::Duration m_drawnAt { 0 };
-    int m_seconds = 0;
-};
-
 /// One line per write and per second, and the table at the end.
-class PlainView : public DemoView {
+class PlainView : public WatchView {
 public:
     explicit PlainView(const Terminal &terminal)
         : m_terminal(terminal)
     {
     }
 
-    void begin(const DemoSetting &setting) override
-    {
-        printLines(headLines(setting));
-        printLine(QString());
-    }
-
-    void write(const DemoWrite &write, host::Duration elapsed) override
-    {
-        printLine(secondsText(elapsed) + QStringLiteral("  ") + writeText(write));
-    }
+    void line(const QString &text) override { printLine(text); }
 
     void values(WatchList &list, const host::CounterSet &, host::Duration,
                 host::Duration elapsed) override
@@ -164,13 +72,10 @@ public:
                       .arg(secondsText(elapsed), shown.join(QStringLiteral(", "))));
     }
 
-    void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
-             host::Duration elapsed) override
+    void end(WatchList &list, const host::CounterSet &, host::Duration now, host::Duration) override
     {
         printLine(QString());
         printLines(tableLines(list.rows(), now, m_terminal));
-        printLine(QString());
-        printLines(summaryLines(counters, elapsed));
     }
 
 private:
@@ -178,28 +83,12 @@ private:
     host::Duration m_nextLine = plainLineAfter;
 };
 
-/// One object per line: the setting, each changed value, each write, the counters.
-class JsonView : public DemoView {
+/// An object for each changed value, and the counters.
+class JsonView : public RunningView {
 public:
-    void begin(const DemoSetting &setting) override
+    JsonView()
+        : RunningView({ WatchStyle::Form::Json })
     {
-        printJson({ { QStringLiteral("event"), QStringLiteral("start") },
-                    { QStringLiteral("driver"), setting.driver },
-                    { QStringLiteral("device"), setting.device },
-                    { QStringLiteral("speed"), setting.speed },
-                    { QStringLiteral("registers"), setting.registers },
-                    { QStringLiteral("blocks"), setting.blocks } });
-    }
-
-    void write(const DemoWrite &write, host::Duration elapsed) override
-    {
-        printJson({ { QStringLiteral("event"), QStringLiteral("write") },
-                    { QStringLiteral("time"), inSeconds(elapsed) },
-                    { QStringLiteral("station"), write.station },
-                    { QStringLiteral("address"), host::fullAddress(write.regType, write.address) },
-                    { QStringLiteral("count"), write.count },
-                    { QStringLiteral("meaning"), write.meaning },
-                    { QStringLiteral("outcome"), write.outcome } });
     }
 
     void values(WatchList &list, const host::CounterSet &, host::Duration,
@@ -219,31 +108,25 @@ public:
     void end(WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
     {
-        printJson(
-            { { QStringLiteral("event"), QStringLiteral("end") },
-              { QStringLiteral("time"), inSeconds(elapsed) },
-              { QStringLiteral("reads"), static_cast<qint64>(counters.reads().good) },
-              { QStringLiteral("writes"), static_cast<qint64>(counters.writes().good) },
-              { QStringLiteral("retries"), static_cast<qint64>(counters.total().retries) },
-              { QStringLiteral("givenUp"), static_cast<qint64>(counters.total().giveUps) },
-              { QStringLiteral("bytesSent"), static_cast<qint64>(counters.total().bytesSent) },
-              { QStringLiteral("bytesReceived"),
-                static_cast<qint64>(counters.total().bytesReceived) } });
+        QJsonObject object = countersJson(counters);
+        for (const char *left : { "requests", "silences", "badReplies" })
+            object.remove(QLatin1String(left));
+        printEvent("end", object, elapsed);
     }
 
 private:
     void value(const WatchRow &row, host::Duration elapsed)
     {
-        printJson(
-            { { QStringLiteral("event"), QStringLiteral("value") },
-              { QStringLiteral("time"), inSeconds(elapsed) },
-              { QStringLiteral("station"), row.what.station },
+        printEvent(
+            "value",
+            { { QStringLiteral("station"), row.what.station },
               { QStringLiteral("address"), host::fullAddress(row.what.regType, row.what.address) },
               { QStringLiteral("name"), row.what.name },
               { QStringLiteral("raw"), row.state.value },
               { QStringLiteral("value"), formatValue(row.what, row.number()) },
               { QStringLiteral("meaning"), meaningText(row.what, row.number()) },
-              { QStringLiteral("unit"), row.what.scaling.unit } });
+              { QStringLiteral("unit"), row.what.scaling.unit } },
+            elapsed);
     }
 
     std::vector<std::optional<quint16>> m_said; // last printed value, by row
@@ -251,13 +134,59 @@ private:
 
 } // namespace
 
-std::unique_ptr<DemoView> DemoView::create(const Terminal &terminal, bool json)
+DemoView::DemoView(const DemoSetting &setting, const Terminal &terminal, bool json)
+    : m_json(json)
 {
-    if (json)
-        return std::make_unique<JsonView>();
+    if (json) {
+        m_values = std::make_unique<JsonView>();
+        printJson({ { QStringLiteral("event"), QStringLiteral("start") },
+                    { QStringLiteral("driver"), setting.driver },
+                    { QStringLiteral("device"), setting.device },
+                    { QStringLiteral("speed"), setting.speed },
+                    { QStringLiteral("registers"), setting.registers },
+                    { QStringLiteral("blocks"), setting.blocks } });
+        return;
+    }
+    WatchStyle style;
+    style.seconds = setting.seconds;
     if (terminal.live)
-        return std::make_unique<LiveView>(terminal);
-    return std::make_unique<PlainView>(terminal);
+        m_values = WatchView::create(style, terminal, {});
+    else
+        m_values = std::make_unique<PlainView>(terminal);
+    printLines(headLines(setting));
+    printLine(QString());
+}
+
+void DemoView::write(const DemoWrite &write, host::Duration elapsed)
+{
+    const QString address = host::fullAddress(write.regType, write.address);
+    if (!m_json)
+        return m_values->line(QStringLiteral("%1  wrote %2  %3, %4")
+                                  .arg(secondsText(elapsed), address.leftJustified(16),
+                                       write.meaning, write.outcome));
+    printJson({ { QStringLiteral("event"), QStringLiteral("write") },
+                { QStringLiteral("time"), inSeconds(elapsed) },
+                { QStringLiteral("station"), write.station },
+                { QStringLiteral("address"), address },
+                { QStringLiteral("count"), write.count },
+                { QStringLiteral("meaning"), write.meaning },
+                { QStringLiteral("outcome"), write.outcome } });
+}
+
+void DemoView::values(WatchList &list, const host::CounterSet &counters, host::Duration now,
+                      host::Duration elapsed)
+{
+    m_values->values(list, counters, now, elapsed);
+}
+
+void DemoView::end(WatchList &list, const host::CounterSet &counters, host::Duration now,
+                   host::Duration elapsed)
+{
+    m_values->end(list, counters, now, elapsed);
+    if (m_json)
+        return;
+    printLine(QString());
+    printLines(summaryLines(counters, elapsed));
 }
 
 } // namespace dx4::cli

@@ -2,8 +2,7 @@
 // How the demonstration is shown: a live table, plain lines, or JSON.
 #pragma once
 
-#include "cli/console/terminal.h"
-#include "cli/registers/watch_list.h"
+#include "cli/commands/watch_view.h"
 
 #include <memory>
 
@@ -29,25 +28,23 @@ struct DemoWrite {
     QString outcome; ///< "confirmed", "timed out" ...
 };
 
-/// One way to show it. Times are counted from the start of the demonstration.
+/// Shows it. Times are counted from the start of the demonstration.
 class DemoView {
 public:
-    DemoView() = default;
-    virtual ~DemoView() = default;
-    DemoView(const DemoView &) = delete;
-    DemoView &operator=(const DemoView &) = delete;
+    /// Says what it runs on.
+    DemoView(const DemoSetting &setting, const Terminal &terminal, bool json);
 
-    virtual void begin(const DemoSetting &setting) = 0;
-    virtual void write(const DemoWrite &write, host::Duration elapsed) = 0;
+    void write(const DemoWrite &write, host::Duration elapsed);
 
     /// Called after each exchange; draws when enough time has passed since the last drawing.
-    virtual void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
-                        host::Duration elapsed) = 0;
-    virtual void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
-                     host::Duration elapsed) = 0;
+    void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
+                host::Duration elapsed);
+    void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
+             host::Duration elapsed);
 
-    /// The view that suits the output.
-    static std::unique_ptr<DemoView> create(const Terminal &terminal, bool json);
+private:
+    bool m_json;
+    std::unique_ptr<WatchView> m_values;
 };
 
 } // namespace dx4::cli

@@ -2,9 +2,7 @@
 // All watched values at equal times, for spreadsheets.
 #include "cli/commands/watch_samples.h"
 
-#include "cli/console/exit_code.h"
 #include "cli/console/output.h"
-#include "cli/console/time_stamp.h"
 #include "cli/registers/counters_text.h"
 #include "host/link/notation.h"
 
@@ -41,16 +39,16 @@ bool isGood(const host::Value &state)
     return state.known && !state.failed && !state.stale;
 }
 
-class SampleView : public WatchView {
+class SampleView : public RunningView {
 public:
     SampleView(const WatchStyle &style, const QVector<WatchRow> &values)
-        : m_isJson(style.form == WatchStyle::Form::Json)
+        : RunningView(style)
         , m_every(*style.sample)
         , m_next(m_every)
-        , m_stamp(style.clock)
     {
-        if (m_isJson)
+        if (isJson())
             return;
+        m_form = WatchStyle::Form::Csv; // also where text is asked for
         QStringList heads { QStringLiteral("time") };
         for (const WatchRow &row : values)
             heads.append(headOf(row.what));
@@ -75,26 +73,20 @@ public:
             sayUnshown(elapsed);
     }
 
-    void line(const QString &text) override { note(text); }
-
     void end(WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
     {
         m_stamp.setNow(elapsed);
         sayUnshown(elapsed);
-        if (!m_isJson)
-            return;
-        QJsonObject object = countersJson(counters);
-        object.insert(QStringLiteral("event"), QStringLiteral("end"));
-        m_stamp.add(object, elapsed);
-        printJson(object);
+        if (isJson())
+            printEvent("end", countersJson(counters), elapsed);
     }
 
 private:
     void print(const WatchList &list) const
     {
-        if (m_isJson)
-            return printJson(objectOf(list));
+        if (isJson())
+            return printEvent("sample", objectOf(list), m_next);
         QStringList cells { m_stamp.text(m_next) };
         for (const WatchRow &row : list.rows())
             cells.append(isGood(row.state) ? numberText(row) : QString());
@@ -107,37 +99,23 @@ private:
         return row.what.bits ? QString::number(row.number()) : formatValue(row.what, row.number());
     }
 
-    QJsonObject objectOf(const WatchList &list) const
+    static QJsonObject objectOf(const WatchList &list)
     {
         QJsonObject samples;
         for (const WatchRow &row : list.rows())
             samples.insert(keyOf(row.what),
                            isGood(row.state) ? QJsonValue(numberText(row).toDouble())
                                              : QJsonValue());
-        QJsonObject object { { QStringLiteral("event"), QStringLiteral("sample") },
-                             { QStringLiteral("values"), samples } };
-        m_stamp.add(object, m_next);
-        return object;
+        return { { QStringLiteral("values"), samples } };
     }
 
     void sayUnshown(host::Duration elapsed)
     {
-        const int count = std::exchange(m_unshown, 0);
-        if (count == 0)
-            return;
-        if (!m_isJson)
-            return note(counted(static_cast<quint64>(count), "sample", "samples")
-                        + QStringLiteral(" not shown"));
-        QJsonObject object { { QStringLiteral("event"), QStringLiteral("held") },
-                             { QStringLiteral("not_shown"), count } };
-        m_stamp.add(object, elapsed);
-        printJson(object);
+        printUnshown(std::exchange(m_unshown, 0), "sample", "samples", elapsed);
     }
 
-    bool m_isJson;
     host::Duration m_every;
     host::Duration m_next; // moment of the next sample, since the start
-    TimeStamp m_stamp;
     int m_unshown = 0;
 };
 

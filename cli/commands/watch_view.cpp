@@ -3,11 +3,9 @@
 #include "cli/commands/watch_view.h"
 
 #include "cli/commands/watch_samples.h"
-#include "cli/console/exit_code.h"
 #include "cli/console/held_changes.h"
 #include "cli/console/live_table.h"
 #include "cli/console/output.h"
-#include "cli/console/time_stamp.h"
 #include "cli/registers/counters_text.h"
 #include "cli/registers/value_output.h"
 #include "cli/registers/value_table.h"
@@ -25,39 +23,44 @@ constexpr host::Duration redrawAfter = std::chrono::milliseconds(100);
 /// Draws the table over itself.
 class LiveView : public WatchView {
 public:
-    explicit LiveView(const Terminal &terminal)
+    LiveView(const Terminal &terminal, int seconds)
         : m_terminal(terminal)
+        , m_seconds(seconds)
     {
     }
 
     void values(WatchList &list, const host::CounterSet &counters, host::Duration now,
-                host::Duration) override
+                host::Duration elapsed) override
     {
-        if (m_drawnAt && now - *m_drawnAt < redrawAfter)
-            return;
-        draw(list, counters, now);
+        if (!m_drawnAt || now - *m_drawnAt >= redrawAfter)
+            end(list, counters, now, elapsed);
     }
 
     void line(const QString &text) override { m_notice = text; }
 
     void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
-             host::Duration) override
-    {
-        draw(list, counters, now);
-    }
-
-private:
-    void draw(WatchList &list, const host::CounterSet &counters, host::Duration now)
+             host::Duration elapsed) override
     {
         m_drawnAt = now;
         m_terminal.measure();
-        const QStringList foot = footOf(counters);
+        const QStringList foot = m_seconds > 0 ? progress(counters, elapsed) : footOf(counters);
         const int room = LiveTable::room(m_terminal, host::lengthOf(foot));
         m_scroll.move(m_table.keys().take(), host::lengthOf(list.rows()));
         list.look(m_scroll.first, room, now);
         Scroll *scroll = m_table.keys().areThere() ? &m_scroll : nullptr;
         m_table.draw(tableLines(list.rows(), now, m_terminal, room, scroll), foot);
         list.takeChanged();
+    }
+
+private:
+    QStringList progress(const host::CounterSet &counters, host::Duration elapsed) const
+    {
+        const QString text = m_terminal.styled(countersText(counters), Terminal::Style::Dim);
+        return {
+            QString(),
+            QStringLiteral("%1 of %2 s  %3").arg(secondsText(elapsed)).arg(m_seconds).arg(text),
+            m_notice
+        };
     }
 
     QStringList footOf(const host::CounterSet &counters) const
@@ -73,6 +76,7 @@ private:
     LiveTable m_table;
     Scroll m_scroll;
     Terminal m_terminal;
+    int m_seconds; // of a show; 0: it is none
     QString m_notice;
     std::optional<host::Duration> m_drawnAt;
 };
@@ -85,13 +89,12 @@ QString stateText(const host::Value &state)
 }
 
 /// A line for every value that became another, failed, grew stale or came back.
-class LineView : public WatchView {
+class LineView : public RunningView {
 public:
     using Form = WatchStyle::Form;
 
     explicit LineView(const WatchStyle &style)
-        : m_form(style.form)
-        , m_stamp(style.clock)
+        : RunningView(style)
     {
         if (m_form == Form::Csv)
             printLine(QStringLiteral(
@@ -105,11 +108,9 @@ public:
         m_rows.resize(static_cast<std::size_t>(list.rows().size()));
         const QVector<int> changed = list.takeChanged();
         for (const int row : changed)
-            note(list.rows().at(row), row, elapsed);
+            hold(list.rows().at(row), row, elapsed);
         say(list, elapsed);
     }
-
-    void line(const QString &text) override { cli::note(text); }
 
     void end(WatchList &list, const host::CounterSet &counters, host::Duration now,
              host::Duration elapsed) override
@@ -117,15 +118,11 @@ public:
         list.lookAtAll(now);
         values(list, counters, now, elapsed);
         m_held.drop();
-        sayUnshown(elapsed);
-        if (m_form == Form::Json) {
-            QJsonObject object = countersJson(counters);
-            object.insert(QStringLiteral("event"), QStringLiteral("end"));
-            m_stamp.add(object, elapsed);
-            printJson(object);
-        } else if (m_form == Form::Text) {
+        printUnshown(m_held.takeUnshown(), "change", "changes", elapsed);
+        if (isJson())
+            printEvent("end", countersJson(counters), elapsed);
+        else if (m_form == Form::Text)
             printLine(countersText(counters));
-        }
     }
 
 private:
@@ -143,7 +140,7 @@ private:
             || said->stale != now.stale;
     }
 
-    void note(const WatchRow &row, int number, host::Duration elapsed)
+    void hold(const WatchRow &row, int number, host::Duration elapsed)
     {
         if (!row.state.known && !row.state.failed)
             return;
@@ -164,32 +161,14 @@ private:
             print(shown, row.changedAt);
             return true;
         });
-        sayUnshown(elapsed);
-    }
-
-    void sayUnshown(host::Duration elapsed)
-    {
-        const int count = m_held.takeUnshown();
-        if (count == 0)
-            return;
-        if (m_form == Form::Json) {
-            QJsonObject object { { QStringLiteral("event"), QStringLiteral("held") },
-                                 { QStringLiteral("not_shown"), count } };
-            m_stamp.add(object, elapsed);
-            return printJson(object);
-        }
-        const QString text = counted(static_cast<quint64>(count), "change", "changes")
-            + QStringLiteral(" not shown");
-        if (m_form == Form::Text)
-            return printLine(text);
-        cli::note(text); // a table has no place for it
+        printUnshown(m_held.takeUnshown(), "change", "changes", elapsed);
     }
 
     void print(const WatchRow &row, host::Duration elapsed) const
     {
         switch (m_form) {
         case Form::Json:
-            return printJson(rowJson(row, elapsed));
+            return printEvent("value", rowJson(row), elapsed);
         case Form::Csv:
             return printLine(csvLine(rowCells(row, elapsed)));
         case Form::Text:
@@ -197,12 +176,10 @@ private:
         }
     }
 
-    QJsonObject rowJson(const WatchRow &row, host::Duration elapsed) const
+    static QJsonObject rowJson(const WatchRow &row)
     {
         const WatchedValue &what = row.what;
         QJsonObject object = registerJson(what.station, what.regType, what.address);
-        object.insert(QStringLiteral("event"), QStringLiteral("value"));
-        m_stamp.add(object, elapsed);
         object.insert(QStringLiteral("state"), stateText(row.state));
         if (row.state.known) {
             object.insert(QStringLiteral("value"), numberJson(what, row.number()));
@@ -248,13 +225,32 @@ private:
             .trimmed();
     }
 
-    Form m_form;
-    TimeStamp m_stamp;
     std::vector<Row> m_rows;
     HeldChanges m_held;
 };
 
 } // namespace
+
+void RunningView::printEvent(const char *event, QJsonObject object, host::Duration elapsed) const
+{
+    object.insert(QStringLiteral("event"), QString::fromLatin1(event));
+    m_stamp.add(object, elapsed);
+    printJson(object);
+}
+
+void RunningView::printUnshown(int count, const char *one, const char *many,
+                               host::Duration elapsed) const
+{
+    if (count == 0)
+        return;
+    if (isJson())
+        return printEvent("held", { { QStringLiteral("not_shown"), count } }, elapsed);
+    const QString text =
+        counted(static_cast<quint64>(count), one, many) + QStringLiteral(" not shown");
+    if (m_form == WatchStyle::Form::Text)
+        return printLine(text);
+    note(text); // a table has no place for it
+}
 
 std::unique_ptr<WatchView> WatchView::create(const WatchStyle &style, const Terminal &terminal,
                                              const QVector<WatchRow> &values)
@@ -262,7 +258,7 @@ std::unique_ptr<WatchView> WatchView::create(const WatchStyle &style, const Term
     if (style.sample)
         return sampleView(style, values);
     const bool isTable = style.form == WatchStyle::Form::Text && terminal.live;
-    return isTable ? std::unique_ptr<WatchView>(std::make_unique<LiveView>(terminal))
+    return isTable ? std::unique_ptr<WatchView>(std::make_unique<LiveView>(terminal, style.seconds))
                    : std::make_unique<LineView>(style);
 }
 

@@ -2,7 +2,9 @@
 // How watched registers are shown: a live table, plain lines, CSV or JSON.
 #pragma once
 
+#include "cli/console/exit_code.h"
 #include "cli/console/terminal.h"
+#include "cli/console/time_stamp.h"
 #include "cli/registers/watch_list.h"
 #include "host/exchange/counters.h"
 
@@ -17,7 +19,8 @@ struct WatchStyle {
 
     Form form = Form::Text;
     bool clock = false; ///< times of day in place of seconds since the start
-    std::optional<host::Duration> sample; ///< all values at once, each time this has passed
+    std::optional<host::Duration> sample = {}; ///< all values at once, each time this has passed
+    int seconds = 0; ///< of a show, whose progress stands below the table; 0: it is none
 };
 
 /// One way to show them.
@@ -46,6 +49,28 @@ public:
     /// @param values  that will be shown
     static std::unique_ptr<WatchView> create(const WatchStyle &style, const Terminal &terminal,
                                              const QVector<WatchRow> &values);
+};
+
+/// What the views have in common that print one line, or one object, after the other.
+class RunningView : public WatchView {
+public:
+    explicit RunningView(const WatchStyle &style)
+        : m_form(style.form)
+        , m_stamp(style.clock)
+    {
+    }
+
+    void line(const QString &text) override { note(text); }
+
+protected:
+    bool isJson() const { return m_form == WatchStyle::Form::Json; }
+    void printEvent(const char *event, QJsonObject object, host::Duration elapsed) const;
+
+    /// How much was passed over, such as "3 changes"; nothing where that is 0.
+    void printUnshown(int count, const char *one, const char *many, host::Duration elapsed) const;
+
+    WatchStyle::Form m_form;
+    TimeStamp m_stamp;
 };
 
 } // namespace dx4::cli

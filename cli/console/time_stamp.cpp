@@ -13,6 +13,11 @@ double inSeconds(host::Duration span)
     return std::chrono::duration<double>(span).count();
 }
 
+QString secondsText(host::Duration span)
+{
+    return QStringLiteral("%1 s").arg(inSeconds(span), 5, 'f', 1);
+}
+
 QString clockText(host::Duration ago)
 {
     const QDateTime time =

@@ -10,6 +10,9 @@ namespace dx4::cli {
 
 double inSeconds(host::Duration span);
 
+/// To a tenth of a second, for a column: " 12.3 s".
+QString secondsText(host::Duration span);
+
 /// Date and time of the system's clock some time ago, in ISO 8601 with milliseconds and the offset
 /// of the time zone: "2026-03-01T14:05:09.250+01:00".
 QString clockText(host::Duration ago);
