@@ -8,6 +8,7 @@
 #include "cli/registers/target.h"
 #include "cli/registers/values.h"
 #include "host/base/length.h"
+#include "host/frames/modbus_frame.h"
 #include "host/frames/modbus_limits.h"
 #include "host/link/link.h"
 
@@ -33,7 +34,7 @@ host::LinkSettings oneTry(int block)
 
 void printFrame(const FRAME_PRO &frame, bool json)
 {
-    const QByteArray bytes(reinterpret_cast<const char *>(frame.frame), frame.sendLength);
+    const QByteArray bytes = host::bytesOf(frame);
     const FrameText text = explainFrame(bytes);
     if (json) {
         printJson({ { QStringLiteral("frame"), bytesText(bytes) },

@@ -7,6 +7,7 @@
 #include "cli/registers/frame_text.h"
 #include "cli/registers/reply_text.h"
 #include "host/base/length.h"
+#include "host/frames/modbus_frame.h"
 #include "host/frames/reply_check.h"
 #include "host/frames/verdict_text.h"
 #include "host/link/link.h"
@@ -70,11 +71,6 @@ std::optional<Asked> askedFor(const FrameText &text)
     return Asked { REG_LIST[type], text.firstRegister - REG_OFFSETADDR[type] };
 }
 
-QByteArray bytesOf(const FRAME_PRO &frame)
-{
-    return QByteArray(reinterpret_cast<const char *>(frame.frame), frame.sendLength);
-}
-
 /// Has the driver build the request that these bytes seem to be.
 bool buildAlike(host::Link &link, const FrameText &text, FRAME_PRO &frame)
 {
@@ -108,7 +104,7 @@ Opinion aboutRequest(host::Link &link, const QByteArray &bytes, const FrameText 
     FRAME_PRO built;
     if (!buildAlike(link, text, built))
         return { true, QStringLiteral("the driver builds no such request"), ExitDone };
-    const QByteArray own = bytesOf(built);
+    const QByteArray own = host::bytesOf(built);
     if (own != bytes)
         return { true, QStringLiteral("the driver builds %1").arg(bytesText(own)), ExitDone };
     const Asked asked = *askedFor(text);
@@ -128,10 +124,10 @@ Opinion aboutReply(host::Link &link, const QByteArray &request, const FrameText 
     FRAME_PRO built;
     if (!isRequest(asked) || !buildAlike(link, asked, built))
         return { true, QStringLiteral("the driver builds no such request"), ExitUsage };
-    if (bytesOf(built) != request)
+    if (host::bytesOf(built) != request)
         return { true,
                  QStringLiteral("the driver builds %1 in place of that request")
-                     .arg(bytesText(bytesOf(built))),
+                     .arg(bytesText(host::bytesOf(built))),
                  ExitUsage };
     const host::ReplyVerdict verdict = host::checkReply(built, reply);
     QString errorText;

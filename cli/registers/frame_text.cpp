@@ -4,10 +4,11 @@
 
 #include "cli/console/output.h"
 #include "host/base/length.h"
+#include "host/frames/frame_finder.h"
+#include "host/frames/modbus_frame.h"
 #include "host/frames/verdict_text.h"
 #include "host/link/notation.h"
 #include "register_tables.h"
-#include "wire/crc16.h"
 #include "wire/function_code.h"
 #include "wire/register_place.h"
 
@@ -17,14 +18,9 @@ namespace {
 constexpr int requestLength = 8;
 constexpr int shortestFrame = 5;
 
-int byteAt(const QByteArray &bytes, int position)
-{
-    return static_cast<unsigned char>(bytes.at(position));
-}
-
 int wordAt(const QByteArray &bytes, int position)
 {
-    return byteAt(bytes, position) * 256 + byteAt(bytes, position + 1);
+    return host::byteAt(bytes, position) * 256 + host::byteAt(bytes, position + 1);
 }
 
 QString functionText(int function)
@@ -57,10 +53,10 @@ public:
 
     FrameText read()
     {
-        m_text.station = byteAt(m_frame, 0);
-        m_text.function = byteAt(m_frame, 1) & ~exceptionBit;
+        m_text.station = host::byteAt(m_frame, 0);
+        m_text.function = host::byteAt(m_frame, 1) & ~exceptionBit;
         take(1, "station", QString::number(m_text.station));
-        const bool refused = byteAt(m_frame, 1) & exceptionBit;
+        const bool refused = host::byteAt(m_frame, 1) & exceptionBit;
         take(1, "function",
              refused ? QStringLiteral("exception to %1").arg(functionText(m_text.function))
                      : functionText(m_text.function));
@@ -88,7 +84,7 @@ private:
     {
         m_text.kind = QStringLiteral("exception");
         if (left() >= 1)
-            take(1, "code", exceptionText(byteAt(m_frame, m_position)));
+            take(1, "code", exceptionText(host::byteAt(m_frame, m_position)));
     }
 
     void takeRegister()
@@ -117,7 +113,7 @@ private:
 
     void takeByteCount()
     {
-        const int announced = byteAt(m_frame, m_position);
+        const int announced = host::byteAt(m_frame, m_position);
         const int there = left() - 1;
         take(1, "bytes",
              announced == there ? QString::number(announced)
@@ -166,13 +162,10 @@ private:
             m_text.kind = QStringLiteral("unknown frame");
         if (left() > 0)
             take(left(), "rest", QStringLiteral("does not belong here"));
-        const unsigned crc =
-            crc16(reinterpret_cast<const unsigned char *>(m_frame.constData()), m_position);
-        const unsigned low = crc & 0xFFU;
-        m_text.crcIsRight = byteAt(m_frame, m_position) == static_cast<int>(low)
-            && byteAt(m_frame, m_position + 1) == static_cast<int>(crc >> 8);
+        const unsigned crc = host::crcOf(m_frame);
+        m_text.crcIsRight = host::crcIsRight(m_frame);
         QByteArray right;
-        right.append(static_cast<char>(low)).append(static_cast<char>(crc >> 8));
+        right.append(static_cast<char>(crc & 0xFFU)).append(static_cast<char>(crc >> 8));
         take(2, "CRC",
              m_text.crcIsRight ? QStringLiteral("right")
                                : QStringLiteral("wrong; %1 would be right").arg(bytesText(right)));
