@@ -77,26 +77,23 @@ int runCheck(const Options &options)
         return complain(failure);
     const Verdict verdict = judge(plugin->api(), options);
     const bool accepted = verdict.code == AddressAccepted;
-    if (options.json) {
-        QJsonObject object { { QStringLiteral("type"), verdict.regType },
-                             { QStringLiteral("text"), verdict.addrText },
-                             { QStringLiteral("count"), options.count },
-                             { QStringLiteral("access"), accessName(accessMode(options)) },
-                             { QStringLiteral("code"), verdict.code },
-                             { QStringLiteral("verdict"), verdict.words } };
-        if (accepted) {
-            object.insert(QStringLiteral("address"), verdict.address);
-            object.insert(QStringLiteral("register"),
-                          host::modbusRegister(verdict.regType, verdict.address));
-        }
-        printJson(object);
-    } else {
-        printLine(QStringLiteral("%1: %2, count %3, %4: %5")
-                      .arg(verdict.code)
-                      .arg((verdict.regType + QLatin1Char(' ') + verdict.addrText).trimmed())
-                      .arg(options.count)
-                      .arg(accessName(accessMode(options)), verdict.words));
+    const QString access = accessName(accessMode(options));
+    QJsonObject object {
+        { QStringLiteral("type"), verdict.regType }, { QStringLiteral("text"), verdict.addrText },
+        { QStringLiteral("count"), options.count },  { QStringLiteral("access"), access },
+        { QStringLiteral("code"), verdict.code },    { QStringLiteral("verdict"), verdict.words }
+    };
+    if (accepted) {
+        object.insert(QStringLiteral("address"), verdict.address);
+        object.insert(QStringLiteral("register"),
+                      host::modbusRegister(verdict.regType, verdict.address));
     }
+    print(options.json, object,
+          QStringLiteral("%1: %2, count %3, %4: %5")
+              .arg(verdict.code)
+              .arg((verdict.regType + QLatin1Char(' ') + verdict.addrText).trimmed())
+              .arg(options.count)
+              .arg(access, verdict.words));
     return accepted ? ExitDone : ExitUsage;
 }
 

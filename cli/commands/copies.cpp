@@ -47,15 +47,13 @@ std::optional<Target> firstCopy(const Options &options, const host::DriverApi &a
 
 void printCopy(const Options &options, const QString &regType, int number, int address)
 {
-    if (!options.json) {
-        printLine(host::fullAddress(regType, address));
-        return;
-    }
-    printJson({ { QStringLiteral("copy"), number },
-                { QStringLiteral("type"), regType },
-                { QStringLiteral("text"), host::addressText(regType, address) },
-                { QStringLiteral("address"), address },
-                { QStringLiteral("register"), host::modbusRegister(regType, address) } });
+    print(options.json,
+          { { QStringLiteral("copy"), number },
+            { QStringLiteral("type"), regType },
+            { QStringLiteral("text"), host::addressText(regType, address) },
+            { QStringLiteral("address"), address },
+            { QStringLiteral("register"), host::modbusRegister(regType, address) } },
+          host::fullAddress(regType, address));
 }
 
 int runCopies(const Options &options)

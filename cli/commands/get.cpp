@@ -42,7 +42,7 @@ int readAll(Session &session, const QVector<Target> &targets, const RegisterName
         Failure failure;
         const auto values = session.read(target, &failure);
         if (values) {
-            printValues(target, *values, session.options().json, names, QString(), pair);
+            printValues(target, *values, session.options().json, names, pair);
             continue;
         }
         if (failure.code == ExitInterrupted && !interrupted())

@@ -133,14 +133,12 @@ void printSet(const host::ParameterSet &set, bool json)
 void printKept(const QString &file, const host::ParameterSet &set, bool json)
 {
     const int count = host::lengthOf(set.values);
-    if (json) {
-        printJson({ { QStringLiteral("file"), file },
-                    { QStringLiteral("parameters"), count },
-                    { QStringLiteral("complete"), host::isComplete(set) } });
-        return;
-    }
-    printLine(QStringLiteral("%1 in %2")
-                  .arg(counted(static_cast<quint64>(count), "parameter", "parameters"), file));
+    print(json,
+          { { QStringLiteral("file"), file },
+            { QStringLiteral("parameters"), count },
+            { QStringLiteral("complete"), host::isComplete(set) } },
+          QStringLiteral("%1 in %2")
+              .arg(counted(static_cast<quint64>(count), "parameter", "parameters"), file));
 }
 
 int dumpToOutput(const Options &options)
@@ -245,28 +243,26 @@ int runDiff(const Options &options)
 /// @param from, to  station of the file, and the one that was written to
 void printReport(const host::RestoreReport &report, int from, int to, bool json)
 {
-    if (json) {
-        printJson({ { QStringLiteral("fileStation"), from },
-                    { QStringLiteral("station"), to },
-                    { QStringLiteral("compared"), report.compared },
-                    { QStringLiteral("written"), report.written },
-                    { QStringLiteral("verified"), report.verified },
-                    { QStringLiteral("refused"), QJsonArray::fromStringList(report.refused) },
-                    { QStringLiteral("remaining"), host::lengthOf(report.remaining) },
-                    { QStringLiteral("notLookedAt"), report.unseen },
-                    { QStringLiteral("restored"), report.isRestored() } });
-        return;
-    }
-    printLine(QStringLiteral("station %1 to station %2: %3 compared, %4 written, %5 verified")
-                  .arg(from)
-                  .arg(to)
-                  .arg(report.compared)
-                  .arg(report.written)
-                  .arg(report.verified));
-    printLine(QStringLiteral("%1 refused, %2 still different, %3 not looked at")
-                  .arg(report.refused.size())
-                  .arg(report.remaining.size())
-                  .arg(report.unseen));
+    print(json,
+          { { QStringLiteral("fileStation"), from },
+            { QStringLiteral("station"), to },
+            { QStringLiteral("compared"), report.compared },
+            { QStringLiteral("written"), report.written },
+            { QStringLiteral("verified"), report.verified },
+            { QStringLiteral("refused"), QJsonArray::fromStringList(report.refused) },
+            { QStringLiteral("remaining"), host::lengthOf(report.remaining) },
+            { QStringLiteral("notLookedAt"), report.unseen },
+            { QStringLiteral("restored"), report.isRestored() } },
+          QStringLiteral("station %1 to station %2: %3 compared, %4 written, %5 verified\n"
+                         "%6 refused, %7 still different, %8 not looked at")
+              .arg(from)
+              .arg(to)
+              .arg(report.compared)
+              .arg(report.written)
+              .arg(report.verified)
+              .arg(report.refused.size())
+              .arg(report.remaining.size())
+              .arg(report.unseen));
 }
 
 int runRestore(const Options &options)

@@ -7,7 +7,6 @@
 #include "cli/line/watch_plan.h"
 #include "cli/registers/value_output.h"
 #include "host/base/length.h"
-#include "host/link/notation.h"
 
 #include <QJsonArray>
 
@@ -66,30 +65,15 @@ void printAsJson(const host::Plan &plan, const host::LineSettings &line, host::D
                 { QStringLiteral("cycleMs"), inMilliseconds(cycle) } });
 }
 
-QVector<QStringList> blockRows(const host::Plan &plan, const host::LineSettings &line)
-{
-    QVector<QStringList> rows { { QStringLiteral("Station"), QStringLiteral("From"),
-                                  QStringLiteral("To"), QStringLiteral("Registers"),
-                                  QStringLiteral("Wire ms") } };
-    for (const KEY_ADDRESS &block : plan.blocks) {
-        rows.append({ QString::number(block.station),
-                      host::fullAddress(block.regType, block.address),
-                      host::fullAddress(block.regType, block.address + block.count - 1),
-                      QString::number(block.count),
-                      millisecondsText(line.wireTime(frameBytes + 2 * block.count)) });
-    }
-    return rows;
-}
-
 void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::Duration cycle,
                   const RegisterNames &names)
 {
-    const QStringList lines = columns(blockRows(plan, line), { 0, 3, 4 });
-    printLine(lines.constFirst());
-    for (int i = 0; i < host::lengthOf(plan.blocks); ++i) {
-        printLine(lines.at(i + 1));
-        printLines(blockNames(plan.blocks.at(i), names));
-    }
+    const auto numbersOf = [&line](const KEY_ADDRESS &block) -> QStringList {
+        return { QString::number(block.count),
+                 millisecondsText(line.wireTime(frameBytes + 2 * block.count)) };
+    };
+    printLines(blockLines(plan, { QStringLiteral("Registers"), QStringLiteral("Wire ms") },
+                          numbersOf, names));
     printLine(QString());
     const auto registers = static_cast<quint64>(plan.wantedRegisters);
     const auto blocks = static_cast<quint64>(plan.blocks.size());

@@ -32,15 +32,6 @@ bool namesFile(const QStringList &words, Failure *failure)
     return false;
 }
 
-void report(const QString &file, quint64 frames, bool json)
-{
-    if (json)
-        printJson({ { QStringLiteral("file"), file },
-                    { QStringLiteral("frames"), static_cast<qint64>(frames) } });
-    else
-        printLine(QStringLiteral("%1 in %2").arg(counted(frames, "frame", "frames"), file));
-}
-
 /// Polls until it has had enough, or the file takes no more.
 PollEnd keep(Session &session, host::FrameRing &ring, Recording &recording, const Options &options,
              qint64 reads)
@@ -81,13 +72,13 @@ int runRecord(const Options &options)
     const bool stopped = end != PollEnd::Asked || session->stopSafely();
     recording.add(ring.frames());
     recording.end();
-    report(file, recording.frames(), options.line.json);
+    print(options.line.json,
+          { { QStringLiteral("file"), file },
+            { QStringLiteral("frames"), static_cast<qint64>(recording.frames()) } },
+          QStringLiteral("%1 in %2").arg(counted(recording.frames(), "frame", "frames"), file));
     if (recording.failed())
         return complain({ ExitFailed, recording.error() });
-    if (end == PollEnd::LineGone)
-        return complainLineGone(*session);
-    const int exitCode = codeOfEnd(end, options.rounds > 0);
-    return stopped ? exitCode : ExitFailed;
+    return codeOfEnd(*session, end, options.rounds > 0, nullptr, stopped);
 }
 
 } // namespace

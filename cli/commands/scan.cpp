@@ -91,10 +91,8 @@ void printFound(int station, const QString &how, const LineOptions &line, const 
     }
     const QString settings =
         round.settings.isEmpty() ? QString() : round.settings + QStringLiteral(", ");
-    if (line.json)
-        printJson(object);
-    else
-        printLine(QStringLiteral("%1station %2: %3").arg(settings).arg(station).arg(how));
+    print(line.json, object,
+          QStringLiteral("%1station %2: %3").arg(settings).arg(station).arg(how));
 }
 
 /// How the station answered a read of its status word; empty when it is silent.

@@ -7,10 +7,6 @@
 #include "cli/line/watch_plan.h"
 #include "cli/registers/counters_text.h"
 #include "cli/registers/register_names.h"
-#include "cli/registers/reply_text.h"
-#include "host/base/length.h"
-#include "host/frames/verdict_text.h"
-#include "host/link/notation.h"
 
 namespace dx4::cli {
 namespace {
@@ -28,33 +24,19 @@ QString percentText(double share)
     return QStringLiteral("%1 %").arg(qRound(share * 100));
 }
 
-QVector<QStringList> blockRows(const host::Plan &plan, const host::CounterSet &counters)
-{
-    QVector<QStringList> rows { { QStringLiteral("Station"), QStringLiteral("From"),
-                                  QStringLiteral("To"), QStringLiteral("Sent"),
-                                  QStringLiteral("Good"), QStringLiteral("Retries"),
-                                  QStringLiteral("Given up") } };
-    for (const KEY_ADDRESS &block : plan.blocks) {
-        const host::RequestCounts counts =
-            counters.block({ block.station, block.regType, block.address, block.count, false });
-        rows.append({ QString::number(block.station),
-                      host::fullAddress(block.regType, block.address),
-                      host::fullAddress(block.regType, block.address + block.count - 1),
-                      QString::number(counts.requests), QString::number(counts.good),
-                      QString::number(counts.retries), QString::number(counts.giveUps) });
-    }
-    return rows;
-}
-
 /// A line per block, below it the names of its registers.
-QStringList blockLines(const host::Plan &plan, const host::CounterSet &counters,
+QStringList countLines(const host::Plan &plan, const host::CounterSet &counters,
                        const RegisterNames &names)
 {
-    const QStringList rows = columns(blockRows(plan, counters), { 0, 3, 4, 5, 6 });
-    QStringList lines { rows.constFirst() };
-    for (int i = 0; i < host::lengthOf(plan.blocks); ++i)
-        lines << rows.at(i + 1) << blockNames(plan.blocks.at(i), names);
-    return lines;
+    const QStringList heads { QStringLiteral("Sent"), QStringLiteral("Good"),
+                              QStringLiteral("Retries"), QStringLiteral("Given up") };
+    const auto countsOf = [&counters](const KEY_ADDRESS &block) -> QStringList {
+        const host::RequestCounts counts =
+            counters.block({ block.station, block.regType, block.address, block.count, false });
+        return { QString::number(counts.requests), QString::number(counts.good),
+                 QString::number(counts.retries), QString::number(counts.giveUps) };
+    };
+    return blockLines(plan, heads, countsOf, names);
 }
 
 QStringList sumLines(const host::CounterSet &counters, double load)
@@ -101,7 +83,7 @@ QStringList resultLines(Session &session, const Options &options, const host::Pl
     if (options.line.json)
         return { jsonText(runtime.countersJson()) };
     const RegisterNames names(options.line.plant, session.runtime().link().api(), options.names);
-    return blockLines(plan, runtime.counters(), names)
+    return countLines(plan, runtime.counters(), names)
         << QString()
         << sumLines(runtime.counters(), runtime.counters().lineLoad(start, session.line().now()));
 }
@@ -136,15 +118,7 @@ int runStats(const Options &options)
     const QStringList result = resultLines(*session, options, *plan, start); // without the stop
     const bool stopped = end != PollEnd::Asked || session->stopSafely();
     printLines(result);
-    if (end == PollEnd::LineGone)
-        return complainLineGone(*session);
-    const bool heard = session->runtime().counters().total().good > 0;
-    if (!heard && end == PollEnd::Enough)
-        return complain({ causeCode(session->verdict()),
-                          QStringLiteral("nothing was answered: %1")
-                              .arg(host::verdictText(session->verdict())) });
-    const int exitCode = codeOfEnd(end, true);
-    return stopped ? exitCode : ExitFailed;
+    return codeOfEnd(*session, end, true, "answered", stopped);
 }
 
 } // namespace

@@ -7,9 +7,7 @@
 #include "cli/line/session.h"
 #include "cli/line/watch_plan.h"
 #include "cli/registers/register_names.h"
-#include "cli/registers/reply_text.h"
 #include "host/base/length.h"
-#include "host/frames/verdict_text.h"
 
 #include <algorithm>
 
@@ -120,17 +118,6 @@ PollEnd follow(Session &session, WatchList &list, WatchView &view, const Options
     return end;
 }
 
-int outcome(Session &session, PollEnd end, bool hasEnd)
-{
-    if (end == PollEnd::LineGone)
-        return complainLineGone(session);
-    if (session.runtime().counters().reads().good > 0 || end != PollEnd::Enough)
-        return codeOfEnd(end, hasEnd);
-    return complain(
-        { causeCode(session.verdict()),
-          QStringLiteral("nothing was read: %1").arg(host::verdictText(session.verdict())) });
-}
-
 host::Duration staleAfter(const host::Plan &plan, const Options &options)
 {
     const host::LineSettings &line = options.line.plant.line;
@@ -175,8 +162,7 @@ int runWatch(const Options &options)
     }
     // Whoever ends the watch by hand goes away; a watch that is over by itself was a look.
     const bool stopped = end != PollEnd::Asked || session->stopSafely();
-    const int exitCode = outcome(*session, end, options.rounds > 0);
-    return stopped ? exitCode : ExitFailed;
+    return codeOfEnd(*session, end, options.rounds > 0, "read", stopped);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // All watched values at equal times, for spreadsheets.
-#include "cli/commands/watch_samples.h"
+#include "cli/commands/watch_view.h"
 
 #include "cli/console/output.h"
 #include "cli/registers/counters_text.h"

@@ -2,7 +2,6 @@
 // How watched registers are shown: a live table, plain lines, CSV or JSON.
 #include "cli/commands/watch_view.h"
 
-#include "cli/commands/watch_samples.h"
 #include "cli/console/held_changes.h"
 #include "cli/console/live_table.h"
 #include "cli/console/output.h"
@@ -181,10 +180,8 @@ private:
         const WatchedValue &what = row.what;
         QJsonObject object = registerJson(what.station, what.regType, what.address);
         object.insert(QStringLiteral("state"), stateText(row.state));
-        if (row.state.known) {
-            object.insert(QStringLiteral("value"), numberJson(what, row.number()));
+        if (row.state.known)
             describe(object, what, row.number());
-        }
         return object;
     }
 

@@ -29,6 +29,11 @@ void printJson(const QJsonObject &object)
     printLine(jsonText(object));
 }
 
+void print(bool json, const QJsonObject &object, const QString &line)
+{
+    printLine(json ? jsonText(object) : line);
+}
+
 QString jsonText(const QJsonObject &object)
 {
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));

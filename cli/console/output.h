@@ -17,6 +17,9 @@ void printLines(const QStringList &lines);
 /// One JSON object on a line of its own.
 void printJson(const QJsonObject &object);
 
+/// One or the other.
+void print(bool json, const QJsonObject &object, const QString &line);
+
 /// The object as printJson() writes it.
 QString jsonText(const QJsonObject &object);
 

@@ -4,6 +4,8 @@
 
 #include "cli/console/interrupt.h"
 #include "cli/console/output.h"
+#include "cli/registers/reply_text.h"
+#include "host/frames/verdict_text.h"
 
 #include <algorithm>
 
@@ -43,19 +45,23 @@ std::optional<host::Duration> patienceOf(int seconds, bool hasEnd)
     return hasEnd ? std::optional(usualPatience) : std::nullopt;
 }
 
-int complainLineGone(Session &session)
+int codeOfEnd(Session &session, PollEnd end, bool hasEnd, const char *wish, bool stopped)
 {
-    session.noteUnstopped();
-    session.warnOfMotors();
-    return complain(
-        { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
-}
-
-int codeOfEnd(PollEnd end, bool hasEnd)
-{
-    if (end != PollEnd::Asked || !hasEnd || !interrupted())
-        return ExitDone;
-    return complain({ ExitInterrupted, QStringLiteral("interrupted") });
+    if (end == PollEnd::LineGone) {
+        session.noteUnstopped();
+        session.warnOfMotors();
+        return complain(
+            { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
+    }
+    const host::ReplyVerdict verdict = session.verdict();
+    if (end == PollEnd::Enough && wish && session.runtime().counters().reads().good == 0)
+        return complain({ causeCode(verdict),
+                          QStringLiteral("nothing was %1: %2")
+                              .arg(QString::fromLatin1(wish), host::verdictText(verdict)) });
+    const bool isCut = end == PollEnd::Asked && hasEnd && interrupted();
+    const int exitCode =
+        isCut ? complain({ ExitInterrupted, QStringLiteral("interrupted") }) : ExitDone;
+    return stopped ? exitCode : ExitFailed;
 }
 
 PollEnd poll(Session &session, const PollSettings &settings)

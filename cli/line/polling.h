@@ -37,13 +37,13 @@ void addPollOptions(Command &command, int &seconds);
 /// own and no limit for one that runs until Ctrl-C.
 std::optional<host::Duration> patienceOf(int seconds, bool hasEnd);
 
-/// Says that the line of this session is gone. @return the exit code
-int complainLineGone(Session &session);
-
-/// The code of a command whose loop ended with nothing wrong. Ended by hand, one that has an end of
-/// its own says that it was not done; one that runs until Ctrl-C was. A reader who has gone had
-/// enough.
-int codeOfEnd(PollEnd end, bool hasEnd);
+/// The code of a command whose loop ended so, and says what is wrong with it. Ended by hand, one
+/// that has an end of its own says that it was not done; one that runs until Ctrl-C was. A reader
+/// who has gone had enough.
+///
+/// @param wish     what should have come back at least once, "read"; null: nothing
+/// @param stopped  whether a stop that was due was confirmed
+int codeOfEnd(Session &session, PollEnd end, bool hasEnd, const char *wish, bool stopped);
 
 /// Steps the session's runtime.
 PollEnd poll(Session &session, const PollSettings &settings);

@@ -5,6 +5,8 @@
 #include "cli/console/output.h"
 #include "cli/line/driver_file.h"
 #include "cli/registers/target.h"
+#include "host/base/length.h"
+#include "host/link/notation.h"
 
 namespace dx4::cli {
 
@@ -62,11 +64,32 @@ std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &
     return plan;
 }
 
-QStringList blockNames(const KEY_ADDRESS &block, const RegisterNames &names)
+QStringList blockLines(const host::Plan &plan, const QStringList &heads,
+                       const std::function<QStringList(const KEY_ADDRESS &)> &numbersOf,
+                       const RegisterNames &names)
 {
+    QVector<QStringList> rows { QStringList { QStringLiteral("Station"), QStringLiteral("From"),
+                                              QStringLiteral("To") }
+                                + heads };
+    for (const KEY_ADDRESS &block : plan.blocks)
+        rows.append(
+            QStringList { QString::number(block.station),
+                          host::fullAddress(block.regType, block.address),
+                          host::fullAddress(block.regType, block.address + block.count - 1) }
+            + numbersOf(block));
+    QVector<int> numbers { 0 };
+    for (int i = 0; i < host::lengthOf(heads); ++i)
+        numbers.append(3 + i);
+    const QStringList table = columns(rows, numbers);
     const QString belowTheAddress(9, QLatin1Char(' '));
-    return wrapped(names.namesIn(block.station, block.regType, block.address, block.count),
-                   belowTheAddress);
+    QStringList lines { table.constFirst() };
+    for (int i = 0; i < host::lengthOf(plan.blocks); ++i) {
+        const KEY_ADDRESS &block = plan.blocks.at(i);
+        lines << table.at(i + 1)
+              << wrapped(names.namesIn(block.station, block.regType, block.address, block.count),
+                         belowTheAddress);
+    }
+    return lines;
 }
 
 } // namespace dx4::cli

@@ -7,6 +7,8 @@
 #include "cli/registers/register_names.h"
 #include "host/plan/plan.h"
 
+#include <functional>
+
 namespace dx4::cli {
 
 /// The words, or the registers of the configuration where there are none.
@@ -27,7 +29,12 @@ bool checkConfigured(const QStringList &words, const LineOptions &options,
 std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &options,
                                    Failure *failure);
 
-/// Lines with the names of a block's registers, to stand below it; none where none has a name.
-QStringList blockNames(const KEY_ADDRESS &block, const RegisterNames &names);
+/// A table with a line per block: its station, its ends, and numbers. Below each stand the names of
+/// its registers, where they have some.
+///
+/// @param heads  of the numbers
+QStringList blockLines(const host::Plan &plan, const QStringList &heads,
+                       const std::function<QStringList(const KEY_ADDRESS &)> &numbersOf,
+                       const RegisterNames &names);
 
 } // namespace dx4::cli

@@ -46,14 +46,11 @@ QString numberText(const WatchedValue &what, quint32 value)
     return what.pair.kind == Pair::Kind::None ? QString::number(value) : what.pair.text(value);
 }
 
-QJsonValue numberJson(const WatchedValue &what, quint32 value)
-{
-    return what.pair.kind == Pair::Kind::None ? QJsonValue(static_cast<int>(value))
-                                              : QJsonValue(what.pair.quantity(value));
-}
-
 void describe(QJsonObject &object, const WatchedValue &what, quint32 value)
 {
+    object.insert(QStringLiteral("value"),
+                  what.pair.kind == Pair::Kind::None ? QJsonValue(static_cast<int>(value))
+                                                     : QJsonValue(what.pair.quantity(value)));
     if (!isDescribed(what))
         return;
     object.insert(QStringLiteral("name"), what.name);
@@ -65,7 +62,7 @@ void describe(QJsonObject &object, const WatchedValue &what, quint32 value)
 }
 
 void printValues(const Target &target, const QVector<quint16> &values, bool json,
-                 const RegisterNames &names, const QString &outcome, const Pair &pair)
+                 const RegisterNames &names, const Pair &pair, const QString &outcome, int write)
 {
     for (int i = 0; i + pair.length() <= host::lengthOf(values); i += pair.length()) {
         WatchedValue what = names.of(target.station, target.regType, target.address + i);
@@ -77,10 +74,11 @@ void printValues(const Target &target, const QVector<quint16> &values, bool json
             continue;
         }
         QJsonObject object = registerJson(what.station, what.regType, what.address);
-        object.insert(QStringLiteral("value"), numberJson(what, value));
         describe(object, what, value);
-        if (!outcome.isEmpty())
+        if (!outcome.isEmpty()) {
             object.insert(QStringLiteral("outcome"), outcome);
+            object.insert(QStringLiteral("write"), write);
+        }
         printJson(object);
     }
 }

@@ -12,18 +12,18 @@ namespace dx4::cli {
 /// Station, type, address and register of one register.
 QJsonObject registerJson(int station, const QString &regType, int address);
 
-/// Adds name, scaled value, unit and meaning where more is known than the number.
+/// Adds the number, and name, scaled value, unit and meaning where more is known.
 void describe(QJsonObject &object, const WatchedValue &what, quint32 value);
 
 /// What was read, without scaling: the register, or the number of a pair.
 QString numberText(const WatchedValue &what, quint32 value);
-QJsonValue numberJson(const WatchedValue &what, quint32 value);
 
 /// Prints one line, or one object, per register of the run, or per pair.
 ///
-/// @param outcome  put behind each, such as "confirmed"; empty for none
+/// @param outcome  of a write, put behind each, such as "confirmed"; empty for none
+/// @param write    its id, for JSON
 void printValues(const Target &target, const QVector<quint16> &values, bool json,
-                 const RegisterNames &names, const QString &outcome = QString(),
-                 const Pair &pair = {});
+                 const RegisterNames &names, const Pair &pair = {},
+                 const QString &outcome = QString(), int write = 0);
 
 } // namespace dx4::cli
