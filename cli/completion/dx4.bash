@@ -1,30 +1,21 @@
 # SPDX-License-Identifier: MIT
 # Completion of dx4 for bash.
 
+# Commands and options are those of the program's help: with --help it does nothing but tell.
+#
+# $1: command, or nothing
+_dx4_help() {
+  local -a words
+  read -ra words <<<"$1"
+  "${COMP_WORDS[0]/#\~/$HOME}" "${words[@]}" --help 2>/dev/null
+}
+
+_dx4_commands() {
+  _dx4_help "$1" | sed -nE '/^Subcommands:/,/^$/s/^  ([a-z]+) .*/\1/p'
+}
+
 _dx4_options() {
-  local line='--config --port --speed --format --station --timeout --retries --block --shared --json --trace --driver'
-  case $1 in
-    demo) echo '--seconds --sim --driver --json --trace' ;;
-    types) echo '--driver --json' ;;
-    check) echo '--count --read --write --json --driver' ;;
-    copies) echo '--count --step --json --driver' ;;
-    'frames read') echo '--station --block --json --driver --count' ;;
-    'frames write') echo '--station --block --json --driver' ;;
-    'frames decode') echo '--request --json --driver' ;;
-    get) echo "--count --names --as --order $line" ;;
-    set) echo "--always --verify --names $line" ;;
-    batch) echo "--keep-going --always --verify --names $line" ;;
-    watch) echo "--rounds --interval --sample --clock --csv --names --as --order --reconnect $line" ;;
-    plan) echo "--turnaround --names $line" ;;
-    scan) echo "--from --to --resume --speeds --parities --all-settings $line" ;;
-    stats) echo "--requests --names --reconnect $line" ;;
-    run) echo "--frequency --reverse --word $line" ;;
-    stop) echo "--word --all $line" ;;
-    line) echo '--json' ;;
-    record) echo "--force --rounds --reconnect $line" ;;
-    'params dump' | 'params diff' | 'params restore') echo "$line" ;;
-    replay) echo "--names $line" ;;
-  esac
+  _dx4_help "$1" | sed -nE '/--help/d; s/^  (-[a-z],)?(--[a-z-]+).*/\2/p'
 }
 
 # Files whose names match a pattern, and folders. Readline quotes blanks and marks folders.
@@ -50,7 +41,6 @@ _dx4_stations() {
 _dx4() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} offered=''
-  local commands='demo types check copies frames get set batch watch plan scan stats run stop line params record replay'
   case $command in
     frames | params) [ "$COMP_CWORD" -gt 2 ] && command="$command ${COMP_WORDS[2]}" ;;
   esac
@@ -81,11 +71,9 @@ _dx4() {
     --speed) offered='9600 19200 38400 57600 115200' ;;
     *)
       if [ "$COMP_CWORD" -eq 1 ]; then
-        offered="$commands help --help --version"
-      elif [ "$command" = frames ]; then
-        offered='read write decode --help'
-      elif [ "$command" = params ]; then
-        offered='dump diff restore --help'
+        offered="$(_dx4_commands '') --help --version"
+      elif [ "$command" = frames ] || [ "$command" = params ]; then
+        offered="$(_dx4_commands "$command") --help"
       elif [[ $word == -* ]]; then
         offered="$(_dx4_options "$command") --help"
       else
@@ -95,7 +83,7 @@ _dx4() {
             return
             ;;
           'frames write' | set) offered='F CW FRE' ;;
-          help) offered=$commands ;;
+          help) offered=$(_dx4_commands '') ;;
           'frames decode' | demo | types | scan | run | stop) ;;
           check | copies) offered='F D CW FRE SW FU' ;;
           *) offered='F D SW FU' ;;

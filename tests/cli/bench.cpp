@@ -74,6 +74,17 @@ Printed Bench::run(const std::string &command)
     return printed;
 }
 
+std::string Bench::complete(const std::string &typed)
+{
+    const std::string script = m_folder + ".complete";
+    const Printed printed =
+        run("cat >'" + script + "' <<'END'\n. " COMPLETION_FOLDER "/dx4.bash\nCOMP_WORDS=(" + typed
+            + ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_dx4\n"
+              "printf '%s\\n' \"${COMPREPLY[@]}\"\nEND\nbash '"
+            + script + "'; rm '" + script + "'");
+    return printed.out;
+}
+
 bool Bench::awaitRequests(int function, int count) const
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);

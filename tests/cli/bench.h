@@ -44,6 +44,9 @@ public:
     /// Runs a shell command.
     Printed run(const std::string &command);
 
+    /// What the completion for bash makes of the last word of a line, a candidate a line.
+    std::string complete(const std::string &typed);
+
     /// The words to start a shell command in the bench's environment.
     ///
     /// @param settings  further variables of the environment, in place of NO_COLOR=1

@@ -29,17 +29,6 @@ const Case cases[] = {
     { "dx4 get --speed 38", "dx4 get --speed 38400" },
 };
 
-std::string bashCompletion(Bench &bench, const std::string &typed)
-{
-    const std::string script = bench.folder() + "/complete.bash";
-    const Printed printed = bench.run(
-        "cat >'" + script + "' <<'END'\n. " COMPLETION_FOLDER "/dx4.bash\nCOMP_WORDS=(" + typed
-        + ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_dx4\n"
-          "printf '%s\\n' \"${COMPREPLY[@]}\"\nEND\nbash '"
-        + script + "'");
-    return printed.out;
-}
-
 } // namespace
 
 TEST(Completion, BashFinishesWords)
@@ -47,7 +36,7 @@ TEST(Completion, BashFinishesWords)
     Bench bench;
     for (const auto &[typed, completed] : cases) {
         const std::string line = completed;
-        EXPECT_EQ(bashCompletion(bench, typed), line.substr(line.rfind(' ') + 1) + "\n") << typed;
+        EXPECT_EQ(bench.complete(typed), line.substr(line.rfind(' ') + 1) + "\n") << typed;
     }
 }
 
@@ -56,11 +45,11 @@ TEST(Completion, BashFinishesFileNamesWithBlanksAndFolders)
     Bench bench;
     bench.run("mkdir 'all plants'; touch 'two drives.toml' two.txt");
 
-    EXPECT_EQ(bashCompletion(bench, "dx4 get --config two"), "two drives.toml\n");
-    EXPECT_EQ(bashCompletion(bench, "dx4 get --config all"), "all plants\n");
-    EXPECT_EQ(bashCompletion(bench, "dx4 get --config = two"), "two drives.toml\n");
-    EXPECT_EQ(bashCompletion(bench, "dx4 params dump 'two\\ dr'"), "two drives.toml\n");
-    EXPECT_EQ(bashCompletion(bench, "dx4 replay two.t"), "two.txt\n");
+    EXPECT_EQ(bench.complete("dx4 get --config two"), "two drives.toml\n");
+    EXPECT_EQ(bench.complete("dx4 get --config all"), "all plants\n");
+    EXPECT_EQ(bench.complete("dx4 get --config = two"), "two drives.toml\n");
+    EXPECT_EQ(bench.complete("dx4 params dump 'two\\ dr'"), "two drives.toml\n");
+    EXPECT_EQ(bench.complete("dx4 replay two.t"), "two.txt\n");
 }
 
 TEST(Completion, BashOffersTheStationsOfTheConfiguration)
@@ -69,16 +58,15 @@ TEST(Completion, BashOffersTheStationsOfTheConfiguration)
     bench.run("printf '[[station]]\\naddress = 12\\n[[station]]\\n address=7 # pump\\n' "
               ">'two drives.toml'");
 
-    EXPECT_EQ(bashCompletion(bench, "dx4 run --config 'two\\ drives.toml' --station ''"),
-              "12\n7\n");
-    EXPECT_EQ(bashCompletion(bench, "dx4 run --config = 'two\\ drives.toml' --station 1"), "12\n");
-    EXPECT_EQ(bashCompletion(bench, "dx4 run --station ''"), "\n");
+    EXPECT_EQ(bench.complete("dx4 run --config 'two\\ drives.toml' --station ''"), "12\n7\n");
+    EXPECT_EQ(bench.complete("dx4 run --config = 'two\\ drives.toml' --station 1"), "12\n");
+    EXPECT_EQ(bench.complete("dx4 run --station ''"), "\n");
 }
 
 TEST(Completion, BashOffersAllOptionsOfACommand)
 {
     Bench bench;
-    EXPECT_EQ(bashCompletion(bench, "dx4 check --"),
+    EXPECT_EQ(bench.complete("dx4 check --"),
               "--count\n--read\n--write\n--json\n--driver\n--help\n");
 }
 

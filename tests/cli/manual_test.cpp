@@ -132,22 +132,22 @@ TEST(Manual, NamesEveryCommandAndOption)
 TEST(Completion, KnowsEveryCommandAndOption)
 {
     Bench bench;
-    const std::string bash = contentOf(COMPLETION_FOLDER "/dx4.bash");
     const std::string zsh = contentOf(COMPLETION_FOLDER "/_dx4");
     const std::regex option("\n  (?:-[a-z],)?--([a-z-]+)");
     int options = 0;
 
     for (const auto &[command, help] : helps(bench)) {
+        const std::string offered = "\n" + bench.complete("dx4 " + command + "-");
         for (std::sregex_iterator match(help.begin(), help.end(), option), end; match != end;
              ++match, ++options) {
             const std::string name = "--" + (*match)[1].str();
-            EXPECT_NE(bash.find(name), std::string::npos) << command << name;
+            EXPECT_NE(offered.find("\n" + name + "\n"), std::string::npos) << command << name;
             EXPECT_NE(zsh.find(name), std::string::npos) << command << name;
         }
-        const std::string last =
-            command.substr(command.rfind(' ', command.size() - 2) + 1, std::string::npos);
-        EXPECT_NE(bash.find(last.substr(0, last.size() - 1)), std::string::npos) << command;
-        EXPECT_NE(zsh.find(last.substr(0, last.size() - 1)), std::string::npos) << command;
+        const std::string path = command.substr(0, command.size() - 1);
+        const std::string last = path.substr(path.rfind(' ') + 1);
+        EXPECT_EQ(bench.complete("dx4 " + path), last + "\n");
+        EXPECT_NE(zsh.find(last), std::string::npos) << command;
     }
 
     EXPECT_GT(options, 99);
