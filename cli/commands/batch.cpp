@@ -98,10 +98,8 @@ private:
     Failure stop(int station)
     {
         const quint16 word = m_options.line.plant.stop.controlWord.value_or(stopWord);
-        Failure failure { ExitDone, QString() };
-        const Target command { station, QStringLiteral("CW"), 0, 1 };
-        printResults(m_session.write(command, { word }, {}, &failure), command, { word },
-                     m_options.line.json, m_names);
+        const Failure failure = writeAndPrint(m_session, { station, QStringLiteral("CW"), 0, 1 },
+                                              { word }, {}, m_names);
         m_commanded = m_commanded || failure.code != ExitDone;
         return failure;
     }

@@ -33,15 +33,6 @@ constexpr int parameter(int group, int index)
     return group * 256 + index;
 }
 
-/// A write of the show, made once `share` hundredths of its length have passed.
-struct PlannedWrite {
-    int share;
-    QString regType;
-    int address;
-    QVector<quint16> values;
-    QString meaning;
-};
-
 QVector<WatchedValue> demoValues()
 {
     const QString f = QStringLiteral("F");
@@ -67,7 +58,7 @@ QVector<WatchedValue> demoValues()
     };
 }
 
-QVector<PlannedWrite> demoWrites()
+QVector<DemoWrite> demoWrites()
 {
     const QString f = QStringLiteral("F");
     const QString fre = QStringLiteral("FRE");
@@ -139,7 +130,7 @@ private:
             submit(m_writes.at(m_nextWrite++));
     }
 
-    void submit(const PlannedWrite &write)
+    void submit(const DemoWrite &write)
     {
         m_underWay.insert(m_runtime.write({ 1, write.regType, write.address, write.values }),
                           write);
@@ -147,12 +138,9 @@ private:
 
     void report(const host::WriteOutcome &outcome)
     {
-        if (!m_underWay.contains(outcome.id))
-            return;
-        const PlannedWrite write = m_underWay.take(outcome.id);
-        m_view.write({ 1, write.regType, write.address, host::lengthOf(write.values), write.meaning,
-                       QString::fromLatin1(host::writeEndName(outcome.end)) },
-                     elapsed());
+        if (m_underWay.contains(outcome.id))
+            m_view.write(m_underWay.take(outcome.id),
+                         QString::fromLatin1(host::writeEndName(outcome.end)), elapsed());
     }
 
     /// Nothing is left turning, also when the show was cut short.
@@ -164,9 +152,8 @@ private:
         if (end == PollEnd::LineGone || isStopped || quitAsked())
             return;
         const bool confirmed = m_session.stop().unconfirmed.isEmpty();
-        const PlannedWrite &stop = m_writes.constLast();
-        m_view.write({ 1, stop.regType, stop.address, 1, stop.meaning,
-                       confirmed ? QStringLiteral("confirmed") : QStringLiteral("timed out") },
+        m_view.write(m_writes.constLast(),
+                     confirmed ? QStringLiteral("confirmed") : QStringLiteral("timed out"),
                      elapsed());
         show();
     }
@@ -175,8 +162,8 @@ private:
     host::Runtime &m_runtime;
     DemoView &m_view;
     WatchList m_list;
-    QVector<PlannedWrite> m_writes;
-    QHash<int, PlannedWrite> m_underWay; // by id
+    QVector<DemoWrite> m_writes;
+    QHash<int, DemoWrite> m_underWay; // by id
     int m_nextWrite = 0;
     host::Duration m_length;
     host::Duration m_start { 0 };

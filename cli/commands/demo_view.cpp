@@ -157,20 +157,20 @@ DemoView::DemoView(const DemoSetting &setting, const Terminal &terminal, bool js
     printLine(QString());
 }
 
-void DemoView::write(const DemoWrite &write, host::Duration elapsed)
+void DemoView::write(const DemoWrite &write, const QString &outcome, host::Duration elapsed)
 {
     const QString address = host::fullAddress(write.regType, write.address);
     if (!m_json)
-        return m_values->line(QStringLiteral("%1  wrote %2  %3, %4")
-                                  .arg(secondsText(elapsed), address.leftJustified(16),
-                                       write.meaning, write.outcome));
+        return m_values->line(
+            QStringLiteral("%1  wrote %2  %3, %4")
+                .arg(secondsText(elapsed), address.leftJustified(16), write.meaning, outcome));
     printJson({ { QStringLiteral("event"), QStringLiteral("write") },
                 { QStringLiteral("time"), inSeconds(elapsed) },
-                { QStringLiteral("station"), write.station },
+                { QStringLiteral("station"), 1 },
                 { QStringLiteral("address"), address },
-                { QStringLiteral("count"), write.count },
+                { QStringLiteral("count"), host::lengthOf(write.values) },
                 { QStringLiteral("meaning"), write.meaning },
-                { QStringLiteral("outcome"), write.outcome } });
+                { QStringLiteral("outcome"), outcome } });
 }
 
 void DemoView::values(WatchList &list, const host::CounterSet &counters, host::Duration now,

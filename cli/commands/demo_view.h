@@ -18,14 +18,13 @@ struct DemoSetting {
     int seconds = 0; ///< planned length
 };
 
-/// A write that was settled.
+/// A write to station 1, made once `share` hundredths of the length have passed.
 struct DemoWrite {
-    int station = 1;
+    int share = 0;
     QString regType;
     int address = 0;
-    int count = 1;
+    QVector<quint16> values;
     QString meaning; ///< "set frequency 30.00 Hz"
-    QString outcome; ///< "confirmed", "timed out" ...
 };
 
 /// Shows it. Times are counted from the start of the demonstration.
@@ -34,7 +33,8 @@ public:
     /// Says what it runs on.
     DemoView(const DemoSetting &setting, const Terminal &terminal, bool json);
 
-    void write(const DemoWrite &write, host::Duration elapsed);
+    /// A write was settled. @param outcome  "confirmed", "timed out" ...
+    void write(const DemoWrite &write, const QString &outcome, host::Duration elapsed);
 
     /// Called after each exchange; draws when enough time has passed since the last drawing.
     void values(WatchList &list, const host::CounterSet &counters, host::Duration now,

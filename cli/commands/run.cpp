@@ -3,8 +3,7 @@
 #include "cli/commands/commands.h"
 
 #include "cli/console/interrupt.h"
-#include "cli/line/session.h"
-#include "cli/line/write_output.h"
+#include "cli/line/writing.h"
 #include "cli/registers/register_names.h"
 #include "host/base/number_text.h"
 
@@ -41,9 +40,7 @@ bool writeOne(Session &session, const QString &regType, quint16 value, const Reg
               Failure *failure)
 {
     const Target target { session.options().station, regType, 0, 1 };
-    *failure = { ExitDone, QString() };
-    const auto results = session.write(target, { value }, {}, failure);
-    printResults(results, target, { value }, session.options().json, names);
+    *failure = writeAndPrint(session, target, { value }, {}, names);
     return failure->code == ExitDone;
 }
 

@@ -3,8 +3,7 @@
 #include "cli/commands/commands.h"
 
 #include "cli/console/output.h"
-#include "cli/line/session.h"
-#include "cli/line/write_output.h"
+#include "cli/line/writing.h"
 #include "cli/registers/register_names.h"
 
 namespace dx4::cli {
@@ -38,19 +37,16 @@ Target commandOf(int station)
     return { station, QStringLiteral("CW"), 0, 1 };
 }
 
-void print(Session &session, const QVector<WriteResult> &results, int station, quint16 word)
+RegisterNames namesOf(Session &session)
 {
-    printResults(results, commandOf(station), { word }, session.options().json,
-                 RegisterNames(session.options().plant, session.runtime().link().api(), true));
+    return { session.options().plant, session.runtime().link().api(), true };
 }
 
 int stopOne(Session &session, int station, quint16 word)
 {
-    Failure failure { ExitDone, QString() };
-    print(session, session.write(commandOf(station), { word }, {}, &failure), station, word);
-    if (failure.code == ExitDone)
-        return ExitDone;
-    return complain(failure);
+    const Failure failure =
+        writeAndPrint(session, commandOf(station), { word }, {}, namesOf(session));
+    return failure.code == ExitDone ? ExitDone : complain(failure);
 }
 
 void printConfirmed(Session &session, int station, quint16 word)
@@ -58,7 +54,8 @@ void printConfirmed(Session &session, int station, quint16 word)
     host::WriteOutcome confirmed;
     confirmed.id = host::safeStopTag;
     confirmed.sent = true;
-    print(session, { { commandOf(station), confirmed } }, station, word);
+    printResults({ { commandOf(station), confirmed } }, commandOf(station), { word },
+                 session.options().json, namesOf(session));
 }
 
 /// One pass over all of them goes first, and those that confirmed it are told at once: none waits

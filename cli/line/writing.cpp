@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Settings written in a row, as the commands do that write.
+// What the commands have in common that write.
 #include "cli/line/writing.h"
+
+#include "cli/registers/value_output.h"
 
 #include <algorithm>
 
@@ -37,18 +39,38 @@ bool mayDriveAll(const LineOptions &options, const QVector<Setting> &settings, F
     });
 }
 
+void printResults(const QVector<WriteResult> &results, const Target &target,
+                  const QVector<quint16> &values, bool json, const RegisterNames &names)
+{
+    for (const WriteResult &result : results) {
+        const Target &piece = result.target;
+        const QVector<quint16> written = values.mid(piece.address - target.address, piece.count);
+        const QString outcome =
+            result.outcome.sent ? QStringLiteral("confirmed") : QStringLiteral("held already");
+        printValues(piece, written, json, names, {}, outcome, result.outcome.id);
+    }
+}
+
+Failure writeAndPrint(Session &session, const Target &target, const QVector<quint16> &values,
+                      const WriteManner &manner, const RegisterNames &names)
+{
+    Failure failure { ExitDone, QString() };
+    const auto results = session.write(target, values, manner, &failure);
+    printResults(results, target, values, session.options().json, names);
+    return failure;
+}
+
 Failure writeSetting(Session &session, const Setting &setting, const WriteManner &manner,
                      const RegisterNames &names, bool *commanded)
 {
     Failure failure { ExitDone, QString() };
-    const LineOptions &options = session.options();
-    if (needsAnswer(setting, options.plant.stop) && !session.hear(setting.target.station, &failure))
+    const Target &target = setting.target;
+    if (needsAnswer(setting, session.options().plant.stop)
+        && !session.hear(target.station, &failure))
         return failure;
-    failure = { ExitDone, QString() };
-    const auto results = session.write(setting.target, setting.values, manner, &failure);
-    if (setting.target.regType == QLatin1String("CW") && failure.code != ExitUsage)
+    failure = writeAndPrint(session, target, setting.values, manner, names);
+    if (target.regType == QLatin1String("CW") && failure.code != ExitUsage)
         *commanded = true;
-    printResults(results, setting.target, setting.values, options.json, names);
     return failure;
 }
 
