@@ -9,8 +9,8 @@
 #include "cli/registers/values.h"
 #include "host/base/length.h"
 #include "host/frames/modbus_frame.h"
-#include "host/frames/modbus_limits.h"
 #include "host/link/link.h"
+#include "wire/limits.h"
 
 namespace dx4::cli {
 namespace {
@@ -119,9 +119,8 @@ Options &addCommon(Command &command, int (*run)(const Options &), const char *he
 {
     Options &options = command.action(run);
     command.words("address", options.words, help);
-    command.number("--station", options.station, "station to ask", 1, host::lastStation);
-    command.number("--block", options.block, "most registers of one request", 1,
-                   host::largestBlock);
+    command.number("--station", options.station, "station to ask", 1, lastStation);
+    command.number("--block", options.block, "most registers of one request", 1, largestBlock);
     command.flag("--json", options.json, "print one JSON object per frame");
     addDriverOption(command, options.driver);
     return options;
@@ -133,7 +132,7 @@ void describeFrames(Command &frames)
 {
     Command read = frames.sub("read", "show the requests that read these registers");
     Options &reading = addCommon(read, runRead, "registers to read");
-    read.number("--count", reading.count, "registers from the address on", 1, host::largestBlock);
+    read.number("--count", reading.count, "registers from the address on", 1, largestBlock);
     read.example("dx4 frames read D 0 --count 4 --station 3",
                  "the request for four monitor values");
 

@@ -10,8 +10,8 @@
 #include "cli/registers/reply_text.h"
 #include "cli/registers/target.h"
 #include "host/base/length.h"
-#include "host/frames/modbus_limits.h"
 #include "host/frames/verdict_text.h"
+#include "wire/limits.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -184,7 +184,7 @@ std::optional<ScanState> beginning(const Options &options, Failure *failure)
         return std::nullopt;
     if (isAnew)
         return fromTheStart(options.from > 0 ? options.from : 1,
-                            options.to > 0 ? options.to : host::lastStation, failure);
+                            options.to > 0 ? options.to : lastStation, failure);
     const auto saved = loadScanState(options.resume);
     if (saved)
         return goneOn(options, *saved, failure);
@@ -288,8 +288,8 @@ void describeScan(Command &command)
     Options &options = command.action(runScan);
     options.line.timeout = 100; // most stations are not there
     options.line.retries = 0;
-    command.number("--from", options.from, "first station to ask; else 1", 1, host::lastStation);
-    command.number("--to", options.to, "last station to ask; else 247", 1, host::lastStation);
+    command.number("--from", options.from, "first station to ask; else 1", 1, lastStation);
+    command.number("--to", options.to, "last station to ask; else 247", 1, lastStation);
     command.text("--resume", options.resume, "keep the state here and go on from it", "FILE");
     command.text("--speeds", options.variants.speeds, "try these in turn, such as 9600,19200",
                  "LIST");
