@@ -84,7 +84,7 @@ int placesOf(const WatchRow &row)
 /// The value with blanks behind it that bring its point below those of the others.
 QString alignedValue(const WatchRow &row, int places)
 {
-    const QString text = valueText(row);
+    QString text = valueText(row);
     if (!row.state.known || row.state.failed)
         return text;
     const int width = std::min(host::lengthOf(text) + places - placesOf(row), valueWidth);
