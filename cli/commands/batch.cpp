@@ -33,14 +33,13 @@ std::optional<QString> contentOf(const QString &file, Failure *failure)
         const auto bytes = host::readWholeFile(file, &why);
         if (bytes)
             return QString::fromUtf8(*bytes);
-        *failure = { ExitFailed, why };
-        return std::nullopt;
+        return refuse(failure, why, ExitFailed);
     }
     QFile input;
     if (input.open(stdin, QIODevice::ReadOnly))
         return QString::fromUtf8(input.readAll());
-    *failure = { ExitFailed, QStringLiteral("standard input: %1").arg(input.errorString()) };
-    return std::nullopt;
+    return refuse(failure, QStringLiteral("standard input: %1").arg(input.errorString()),
+                  ExitFailed);
 }
 
 /// The steps on an open line.

@@ -41,7 +41,7 @@ std::optional<Target> firstCopy(const Options &options, const host::DriverApi &a
     if (targets && targets->size() == 1)
         return targets->constFirst();
     if (targets)
-        *failure = { ExitUsage, QStringLiteral("one address is copied at a time") };
+        return refuse(failure, QStringLiteral("one address is copied at a time"));
     return std::nullopt;
 }
 

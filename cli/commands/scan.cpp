@@ -155,8 +155,7 @@ std::optional<ScanState> fromTheStart(int from, int to, Failure *failure)
 {
     if (from <= to)
         return ScanState { from, to, from, {} };
-    *failure = { ExitUsage, QStringLiteral("--to %1 is below --from %2").arg(to).arg(from) };
-    return std::nullopt;
+    return refuse(failure, QStringLiteral("--to %1 is below --from %2").arg(to).arg(from));
 }
 
 /// The stations that are asked for; what is not said stays as it is in the file.
@@ -166,14 +165,13 @@ std::optional<ScanState> goneOn(const Options &options, const ScanState &saved, 
     const int to = options.to > 0 ? options.to : saved.to;
     if (goesOn(saved, from, to))
         return ScanState { from, to, saved.next, saved.found };
-    *failure = { ExitUsage,
-                 QStringLiteral("%1: its scan of stations %2 to %3 goes on with station %4; leave "
-                                "--from and --to out, or name another file with --resume")
-                     .arg(options.resume)
-                     .arg(saved.from)
-                     .arg(saved.to)
-                     .arg(saved.next) };
-    return std::nullopt;
+    return refuse(failure,
+                  QStringLiteral("%1: its scan of stations %2 to %3 goes on with station %4; leave "
+                                 "--from and --to out, or name another file with --resume")
+                      .arg(options.resume)
+                      .arg(saved.from)
+                      .arg(saved.to)
+                      .arg(saved.next));
 }
 
 /// Where the scan begins: anew, or where the file says.
@@ -188,10 +186,10 @@ std::optional<ScanState> beginning(const Options &options, Failure *failure)
     const auto saved = loadScanState(options.resume);
     if (saved)
         return goneOn(options, *saved, failure);
-    *failure = { ExitFailed, // the end of the scan would remove it
-                 QStringLiteral("%1: not the state of a scan; name another file with --resume")
-                     .arg(options.resume) };
-    return std::nullopt;
+    return refuse(failure, // the end of the scan would remove it
+                  QStringLiteral("%1: not the state of a scan; name another file with --resume")
+                      .arg(options.resume),
+                  ExitFailed);
 }
 
 /// @param found  nothing where the port did not take the settings

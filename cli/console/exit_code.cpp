@@ -15,6 +15,13 @@ QString &speaker()
 
 } // namespace
 
+std::nullopt_t refuse(Failure *failure, const QString &text, ExitCode code)
+{
+    if (failure)
+        *failure = { code, text };
+    return std::nullopt;
+}
+
 void speakFor(const QString &command)
 {
     speaker() = QStringLiteral("dx4 %1").arg(command).trimmed();

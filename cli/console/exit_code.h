@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace dx4::cli {
 
 /// One code per kind of failure; the man page lists them.
@@ -26,6 +28,11 @@ struct Failure {
     ExitCode code = ExitFailed;
     QString text; ///< what, where, and what would be right
 };
+
+/// Tells why something is not to be had, and gives nothing, for the caller to return.
+///
+/// @param failure  out: why; may be null
+std::nullopt_t refuse(Failure *failure, const QString &text, ExitCode code = ExitUsage);
 
 /// From now on messages are those of the command that these words call, without the program's name.
 ///

@@ -37,18 +37,12 @@ public:
         const QStringList known { QStringLiteral("set"), QStringLiteral("get"),
                                   QStringLiteral("wait"), QStringLiteral("stop") };
         return refuse(
+            failure,
             QStringLiteral("no command \"%1\"; a file has %2%3")
-                .arg(command, known.join(QStringLiteral(", ")), suggestion(command, known)),
-            failure);
+                .arg(command, known.join(QStringLiteral(", ")), suggestion(command, known)));
     }
 
 private:
-    static std::nullopt_t refuse(const QString &text, Failure *failure)
-    {
-        *failure = { ExitUsage, text };
-        return std::nullopt;
-    }
-
     std::optional<BatchStep> set(const QString &rest, Failure *failure) const
     {
         const QStringList words =
@@ -79,10 +73,10 @@ private:
     {
         const auto span = host::parseWholeNumber(rest);
         if (!span || *span < 0 || *span > longestWait)
-            return refuse(QStringLiteral("\"%1\" is no time; write 0 to %2 ms, such as wait 500")
+            return refuse(failure,
+                          QStringLiteral("\"%1\" is no time; write 0 to %2 ms, such as wait 500")
                               .arg(rest)
-                              .arg(longestWait),
-                          failure);
+                              .arg(longestWait));
         BatchStep step;
         step.wait = std::chrono::milliseconds(*span);
         return step;
@@ -97,8 +91,8 @@ private:
         const bool isNone = step.station < 1 || step.station > lastStation;
         if (isNone && !rest.isEmpty())
             return refuse(
-                QStringLiteral("no station \"%1\"; write 1 to 247, such as stop 2").arg(rest),
-                failure);
+                failure,
+                QStringLiteral("no station \"%1\"; write 1 to 247, such as stop 2").arg(rest));
         if (!mayDrive(m_options, step.station, failure))
             return std::nullopt;
         return step;

@@ -20,13 +20,11 @@ std::optional<QVector<int>> speedsOf(int own, const LineVariants &wanted, Failur
     const QStringList words = wanted.speeds.split(QLatin1Char(','));
     for (const QString &word : words) {
         const auto speed = host::parseWholeNumber(word.trimmed());
-        if (!speed || *speed < slowestSpeed || *speed > fastestSpeed) {
-            *failure = { ExitUsage,
-                         QStringLiteral("--speeds: \"%1\" is no speed; write 300 to 4000000 bit/s "
-                                        "between commas, such as 9600,19200")
-                             .arg(word) };
-            return std::nullopt;
-        }
+        if (!speed || *speed < slowestSpeed || *speed > fastestSpeed)
+            return refuse(failure,
+                          QStringLiteral("--speeds: \"%1\" is no speed; write 300 to 4000000 bit/s "
+                                         "between commas, such as 9600,19200")
+                              .arg(word));
         speeds.append(*speed);
     }
     return speeds;
@@ -41,13 +39,12 @@ std::optional<QVector<host::Parity>> paritiesOf(host::Parity own, const LineVari
     const QString letters = wanted.all ? QStringLiteral("N,E,O") : wanted.parities.toUpper();
     for (const QString &letter : letters.split(QLatin1Char(','))) {
         const auto parity = parityOf(letter.trimmed());
-        if (!parity) {
-            *failure = { ExitUsage,
-                         QStringLiteral("--parities: \"%1\" is no parity; write N, E and O between "
-                                        "commas")
-                             .arg(letter) };
-            return std::nullopt;
-        }
+        if (!parity)
+            return refuse(
+                failure,
+                QStringLiteral("--parities: \"%1\" is no parity; write N, E and O between "
+                               "commas")
+                    .arg(letter));
         parities.append(*parity);
     }
     return parities;

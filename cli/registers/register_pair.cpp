@@ -57,18 +57,14 @@ std::optional<Pair> pairOf(const PairOptions &options, host::LinkSettings *link,
 {
     Pair pair;
     pair.lowFirst = options.order == QLatin1String("low");
-    if (options.as.isEmpty() && !options.order.isEmpty()) {
-        *failure = { ExitUsage, QStringLiteral("--order goes with --as u32, i32 or f32") };
-        return std::nullopt;
-    }
+    if (options.as.isEmpty() && !options.order.isEmpty())
+        return refuse(failure, QStringLiteral("--order goes with --as u32, i32 or f32"));
     if (options.as.isEmpty())
         return pair;
-    if (link->blockSize < 2) {
-        *failure = { ExitUsage,
-                     QStringLiteral("--as needs requests of 2 registers; the block size "
-                                    "is 1, see --block") };
-        return std::nullopt;
-    }
+    if (link->blockSize < 2)
+        return refuse(failure,
+                      QStringLiteral("--as needs requests of 2 registers; the block size "
+                                     "is 1, see --block"));
     link->blockSize -= link->blockSize % 2;
     pair.kind = options.as == QLatin1String("u32") ? Pair::Kind::U32
         : options.as == QLatin1String("i32")       ? Pair::Kind::I32

@@ -35,12 +35,6 @@ Word takeApart(const QString &text)
     return word;
 }
 
-void tell(Failure *failure, const QString &text)
-{
-    if (failure)
-        *failure = { ExitUsage, text };
-}
-
 /// The station of a run.
 ///
 /// @param written  in front of it; may be empty
@@ -52,13 +46,13 @@ std::optional<int> stationOf(const QString &written, const QString &part, const 
     if (station >= 1 && station <= lastStation)
         return station;
     const QString given = written.isEmpty() ? QString::number(station) : written;
-    tell(failure,
-         written.isEmpty() && station == 0
-             ? QStringLiteral("\"%1\" names no station, and %2; name one with --station, or "
-                              "in front as in 2:D 4")
-                   .arg(part, usual.whyNone)
-             : QStringLiteral("no station %1; stations are 1 to 247").arg(given));
-    return std::nullopt;
+    return refuse(
+        failure,
+        written.isEmpty() && station == 0
+            ? QStringLiteral("\"%1\" names no station, and %2; name one with --station, or "
+                             "in front as in 2:D 4")
+                  .arg(part, usual.whyNone)
+            : QStringLiteral("no station %1; stations are 1 to 247").arg(given));
 }
 
 /// "@0xD000" or "2:@0xD000-0xD003", a Modbus register as the wire has it, as the type and address
@@ -71,23 +65,20 @@ std::optional<TargetText> parseRaw(const QString &part, const UsualStation &usua
     const auto first = host::parseRegisterValue(match.captured(2));
     const auto last =
         match.captured(3).isEmpty() ? first : host::parseRegisterValue(match.captured(3));
-    if (!first || !last || *last < *first) {
-        tell(failure,
-             QStringLiteral("\"%1\" is no register of the wire; write @0x2000 or "
-                            "2:@0xD000-0xD003")
-                 .arg(part));
-        return std::nullopt;
-    }
+    if (!first || !last || *last < *first)
+        return refuse(failure,
+                      QStringLiteral("\"%1\" is no register of the wire; write @0x2000 or "
+                                     "2:@0xD000-0xD003")
+                          .arg(part));
     QString types[2];
     int addresses[2] = {};
     const bool isKnown = findRegister(*first, &types[0], &addresses[0])
         && findRegister(*last, &types[1], &addresses[1]);
-    if (!isKnown || types[0] != types[1]) {
-        tell(failure,
-             QStringLiteral("\"%1\": no register type covers that; \"dx4 types\" lists them")
-                 .arg(part));
-        return std::nullopt;
-    }
+    if (!isKnown || types[0] != types[1])
+        return refuse(
+            failure,
+            QStringLiteral("\"%1\": no register type covers that; \"dx4 types\" lists them")
+                .arg(part));
     QString text = types[0] + QLatin1Char(' ') + host::addressText(types[0], addresses[0]);
     if (*last > *first)
         text += QLatin1Char('-') + host::addressText(types[0], addresses[1]);
@@ -99,10 +90,10 @@ bool checkType(const QString &regType, Failure *failure)
 {
     if (host::registerTypeNames().contains(regType))
         return true;
-    tell(failure,
-         QStringLiteral("no register type \"%1\"; types are %2%3")
-             .arg(regType, host::registerTypeNames().join(QStringLiteral(", ")),
-                  suggestion(regType, host::registerTypeNames())));
+    refuse(failure,
+           QStringLiteral("no register type \"%1\"; types are %2%3")
+               .arg(regType, host::registerTypeNames().join(QStringLiteral(", ")),
+                    suggestion(regType, host::registerTypeNames())));
     return false;
 }
 
@@ -113,10 +104,8 @@ std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
         return std::nullopt;
     QString reason;
     const auto range = host::parseRange(text.text, &reason);
-    if (!range) {
-        tell(failure, QStringLiteral("\"%1\": %2").arg(text.text, reason));
-        return std::nullopt;
-    }
+    if (!range)
+        return refuse(failure, QStringLiteral("\"%1\": %2").arg(text.text, reason));
     Target target { text.station, range->regType, 0, range->count };
     const int code =
         api.checkAddr(range->regType, range->firstText, &target.address, 0, range->count, mode);
@@ -126,8 +115,8 @@ std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
     const QString verdict = host::addressVerdictText(code, range->regType, last);
     const bool namesAddress =
         code == AddressOutOfRange || code == AddressReadOnly || code == AddressWriteOnly;
-    tell(failure, namesAddress ? verdict : QStringLiteral("\"%1\": %2").arg(text.text, verdict));
-    return std::nullopt;
+    return refuse(failure,
+                  namesAddress ? verdict : QStringLiteral("\"%1\": %2").arg(text.text, verdict));
 }
 
 } // namespace
@@ -146,12 +135,11 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, const 
             continue;
         }
         const Word word = takeApart(part);
-        if (word.letters.isEmpty() && (runs.isEmpty() || !word.station.isEmpty())) {
-            tell(failure,
-                 QStringLiteral("\"%1\" names no register type; write \"F c.13\" or \"2:D 4\"")
-                     .arg(part));
-            return std::nullopt;
-        }
+        if (word.letters.isEmpty() && (runs.isEmpty() || !word.station.isEmpty()))
+            return refuse(
+                failure,
+                QStringLiteral("\"%1\" names no register type; write \"F c.13\" or \"2:D 4\"")
+                    .arg(part));
         if (word.letters.isEmpty()) {
             runs.last().text += QLatin1Char(' ') + word.address;
             continue;

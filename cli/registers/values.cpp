@@ -27,8 +27,7 @@ std::optional<quint16> parseValue(const QString &text, Failure *failure)
                          "registers in a row stand together, such as F 8.2 20 15, and every "
                          "further setting in quotes, such as \"FRE 3000\" \"CW 1\"")
         : QStringLiteral("\"%1\" is no value; values are 0 to 65535 or 0x0 to 0xFFFF");
-    *failure = { ExitUsage, why.arg(text) };
-    return std::nullopt;
+    return refuse(failure, why.arg(text));
 }
 
 /// Words that name the register; the values follow.
@@ -82,13 +81,12 @@ std::optional<NamedRegister> findNamed(const QString &name, int station, const h
     const QVector<NamedRegister> found = registersCalled(name, station, plant);
     if (found.size() == 1)
         return found.constFirst();
-    *failure = { ExitUsage,
-                 found.isEmpty() ? unknownName(name, plant)
-                                 : QStringLiteral("\"%1\" is a register of several stations; "
-                                                  "write which, such as %2:%1=1")
-                                       .arg(name)
-                                       .arg(found.constFirst().station) };
-    return std::nullopt;
+    return refuse(failure,
+                  found.isEmpty() ? unknownName(name, plant)
+                                  : QStringLiteral("\"%1\" is a register of several stations; "
+                                                   "write which, such as %2:%1=1")
+                                        .arg(name)
+                                        .arg(found.constFirst().station));
 }
 
 /// The register's value for a quantity in its unit, "30.5" or "-4".
@@ -131,10 +129,8 @@ std::optional<Target> lengthened(Target target, int count, AccessMode mode,
     const int first = target.address;
     const int code = api.checkAddr(target.regType, host::addressText(target.regType, first),
                                    &target.address, 0, count, mode);
-    if (code != AddressAccepted) {
-        *failure = { ExitUsage, host::addressVerdictText(code, target.regType, first + count - 1) };
-        return std::nullopt;
-    }
+    if (code != AddressAccepted)
+        return refuse(failure, host::addressVerdictText(code, target.regType, first + count - 1));
     target.count = count;
     return target;
 }
@@ -157,26 +153,23 @@ std::optional<Setting> parseSetting(const QStringList &words, const UsualStation
         setting.values.append(*value);
     }
     const int count = host::lengthOf(setting.values);
-    if (count == 0) {
-        *failure = { ExitUsage,
-                     QStringLiteral("no value given for %1; write it behind the address, such as "
-                                    "F 8.2 20")
-                         .arg(host::fullAddress(setting.target.regType, setting.target.address)) };
-        return std::nullopt;
-    }
+    if (count == 0)
+        return refuse(failure,
+                      QStringLiteral("no value given for %1; write it behind the address, such as "
+                                     "F 8.2 20")
+                          .arg(host::fullAddress(setting.target.regType, setting.target.address)));
     const bool everyRegister = setting.target.count > 1 && count == 1;
     if (everyRegister)
         setting.values.fill(setting.values.constFirst(), setting.target.count);
     const bool fits = count <= mostRegisters
         && (setting.target.count == 1 || setting.target.count == setting.values.size());
-    if (!fits) {
-        *failure = { ExitUsage,
-                     QStringLiteral("%1 values for %2 registers; write the address, then one value "
-                                    "per register, such as F 8.2 20 15")
-                         .arg(count)
-                         .arg(setting.target.count) };
-        return std::nullopt;
-    }
+    if (!fits)
+        return refuse(
+            failure,
+            QStringLiteral("%1 values for %2 registers; write the address, then one value "
+                           "per register, such as F 8.2 20 15")
+                .arg(count)
+                .arg(setting.target.count));
     const auto whole =
         lengthened(setting.target, host::lengthOf(setting.values), WriteAccess, api, failure);
     if (!whole)
@@ -219,10 +212,8 @@ std::optional<QVector<Target>> parseCounted(const QStringList &words, int count,
     auto targets = parseTargets(words, usual, mode, api, failure);
     if (!targets || count == 0)
         return targets;
-    if (targets->size() != 1 || targets->constFirst().count != 1) {
-        *failure = { ExitUsage, QStringLiteral("--count goes with one address alone") };
-        return std::nullopt;
-    }
+    if (targets->size() != 1 || targets->constFirst().count != 1)
+        return refuse(failure, QStringLiteral("--count goes with one address alone"));
     const auto whole = lengthened(targets->constFirst(), count, mode, api, failure);
     if (!whole)
         return std::nullopt;
