@@ -31,9 +31,9 @@ int judged(int exitCode)
 
 } // namespace
 
-Command::Command(CLI::App &app, const QString &words, int &exitCode)
+Command::Command(CLI::App &app, QString words, int &exitCode)
     : m_app(app)
-    , m_words(words)
+    , m_words(std::move(words))
     , m_exitCode(exitCode)
 {
 }

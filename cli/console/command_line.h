@@ -21,7 +21,7 @@ public:
     using Action = std::function<int()>;
 
     /// @param words  that call it, without the program's name
-    Command(CLI::App &app, const QString &words, int &exitCode);
+    Command(CLI::App &app, QString words, int &exitCode);
 
     /// Bare words behind the options.
     ///
