@@ -97,8 +97,8 @@ private:
     Failure stop(int station)
     {
         const quint16 word = m_options.line.plant.stop.controlWord.value_or(stopWord);
-        const Failure failure = writeAndPrint(m_session, { station, QStringLiteral("CW"), 0, 1 },
-                                              { word }, {}, m_names);
+        Failure failure = writeAndPrint(m_session, { station, QStringLiteral("CW"), 0, 1 },
+                                        { word }, {}, m_names);
         m_commanded = m_commanded || failure.code != ExitDone;
         return failure;
     }

@@ -14,7 +14,7 @@ void describeDemo(Command &command);
 void describeTypes(Command &command);
 void describeCheck(Command &command);
 void describeCopies(Command &command);
-void describeFrames(Command &command);
+void describeFrames(Command &frames);
 void describeGet(Command &command);
 void describeSet(Command &command);
 void describeBatch(Command &command);
@@ -25,7 +25,7 @@ void describeStats(Command &command);
 void describeRun(Command &command);
 void describeStop(Command &command);
 void describeLine(Command &command);
-void describeParams(Command &command);
+void describeParams(Command &params);
 void describeRecord(Command &command);
 void describeReplay(Command &command);
 

@@ -43,10 +43,10 @@ struct Round {
 /// A bar on standard error, where that is a terminal.
 class Progress {
 public:
-    Progress(const ScanState &state, const Round &round, bool trace)
+    Progress(const ScanState &state, Round round, bool trace)
         : m_from(state.from)
         , m_total(state.to - state.from + 1)
-        , m_round(round)
+        , m_round(std::move(round))
         , m_shown(!trace && isatty(STDERR_FILENO) != 0)
     {
     }

@@ -91,7 +91,7 @@ QStringList resultLines(Session &session, const Options &options, const host::Pl
 /// The status word, which every drive has, where nothing else is asked for.
 QStringList wordsOf(const Options &options)
 {
-    const QStringList words = wordsOrConfigured(options.words, options.line);
+    QStringList words = wordsOrConfigured(options.words, options.line);
     if (!words.isEmpty())
         return words;
     if (options.line.station > 0)
