@@ -119,7 +119,8 @@ Reply GuardedExchange::broadcast(quint16 controlWord, const Allowance &allowance
     const FRAME_PRO request = controlWordBroadcast(controlWord);
     m_owed.expire(0, m_line.now(), Duration { 0 });
     const Duration start = m_line.now();
-    if (!send(request, allowance))
+    awaitGap(request, allowance);
+    if (!send(request))
         return lineDown(start);
     m_owed.noteGivenUp();
     const Duration end = noLaterThan(allowance.until, *m_lastActivity + allowance.timeout);
@@ -163,6 +164,8 @@ void GuardedExchange::learnEcho(const FRAME_PRO &request, const Allowance &allow
         if (!read)
             break;
         const Reply reply = exchange(*read, allowance);
+        if (reply.kind == Reply::Kind::Withheld)
+            break;
         ++m_report.echoProbes;
         const bool isAnswered =
             reply.kind == Reply::Kind::Complete || m_report.verdict.cause == ReplyCause::Exception;
@@ -179,7 +182,7 @@ bool GuardedExchange::clear(const FRAME_PRO &request, const Allowance &allowance
     const int station = request.frame[stationByte];
     m_owed.expire(station, m_line.now(), longestAnswer());
     bool isThere = false;
-    while (isUnclear(request) && m_report.clearingReads < mostClearingReads) {
+    while (isUnclear(request) && m_report.clearingReads < mostClearingReads && !isHurried()) {
         const bool mayAsk = m_line.now() >= m_clearing[station].askAgainAt;
         const auto read = mayAsk ? clearingRead(request, isThere) : std::nullopt;
         if (!read)
@@ -201,9 +204,11 @@ bool GuardedExchange::isUnclear(const FRAME_PRO &request) const
 /// @return whether it was answered
 bool GuardedExchange::askToClear(const FRAME_PRO &read, const Allowance &allowance)
 {
-    ++m_report.clearingReads;
     m_heardRefusal = false;
     const Reply reply = exchange(read, allowance);
+    if (reply.kind == Reply::Kind::Withheld)
+        return false;
+    ++m_report.clearingReads;
     if (reply.kind == Reply::Kind::Complete || m_report.verdict.cause == ReplyCause::Exception)
         return true;
     Clearing &clearing = m_clearing[read.frame[stationByte]];
@@ -244,8 +249,8 @@ std::optional<FRAME_PRO> GuardedExchange::clearingRead(const FRAME_PRO &request,
 /// Listens until nothing owed can be taken for the reply to this request any more.
 void GuardedExchange::awaitClear(const FRAME_PRO &request, Duration until)
 {
-    while (m_line.isOpen() && m_line.now() < until && isUnclear(request))
-        hear(m_line.receive(m_finder.missing(), until));
+    while (m_line.isOpen() && m_line.now() < until && isUnclear(request) && !isHurried())
+        hear(m_line.receive(m_finder.missing(), nextLook(until)));
 }
 
 Duration GuardedExchange::longestAnswer() const
@@ -263,7 +268,9 @@ Reply GuardedExchange::exchange(const FRAME_PRO &request, const Allowance &allow
     m_report.foreignFrames = 0;
     m_reply.clear();
     const Duration begun = m_line.now();
-    if (!send(request, allowance))
+    if (!awaitGap(request, allowance))
+        return { Reply::Kind::Withheld, {}, true, m_line.now() - begun };
+    if (!send(request))
         return lineDown(begun);
     const Duration requestEnd = *m_lastActivity;
     const Duration start = requestEnd - settings.wireTime(request.sendLength);
@@ -276,9 +283,8 @@ Reply GuardedExchange::exchange(const FRAME_PRO &request, const Allowance &allow
 }
 
 /// @return false when the line is closed or broke
-bool GuardedExchange::send(const FRAME_PRO &request, const Allowance &allowance)
+bool GuardedExchange::send(const FRAME_PRO &request)
 {
-    awaitGap(request, allowance);
     const Duration end = m_line.now() + m_line.settings().wireTime(request.sendLength);
     // Noted first: what a line that breaks has let through may be answered when it is back.
     m_owed.noteSent(request, m_echo.state() != AdapterEcho::State::Absent, end);
@@ -307,8 +313,33 @@ Duration GuardedExchange::gapBefore(int station) const
         + (extra == m_extraGaps.end() ? Duration { 0 } : extra->second);
 }
 
+/// Where somebody may be in a hurry, waits are looked at once in every gap: the silence that has
+/// passed by then is the one that the hurried request needs itself.
+Duration GuardedExchange::nextLook(Duration moment) const
+{
+    return m_isHurried ? std::min(moment, m_line.now() + m_line.settings().silentGap()) : moment;
+}
+
+/// What others did on the line before this exchange is the line's to know.
+///
+/// @return false when somebody is in a hurry before the line was silent
+bool GuardedExchange::awaitFirstSilence(Duration gap, Duration limit, bool isUrgent)
+{
+    while (m_line.isOpen()) {
+        const Duration look = isUrgent ? limit : nextLook(limit);
+        if (m_line.awaitSilence(gap, look) || look >= limit)
+            break;
+        if (!isUrgent && isHurried())
+            return false;
+    }
+    m_lastActivity = m_line.now() - gap;
+    return true;
+}
+
 /// Listens until the line was silent for as long as a frame needs before it.
-void GuardedExchange::awaitGap(const FRAME_PRO &request, const Allowance &allowance)
+///
+/// @return false when somebody is in a hurry: the request is not to be sent
+bool GuardedExchange::awaitGap(const FRAME_PRO &request, const Allowance &allowance)
 {
     const LineSettings &settings = m_line.settings();
     const Duration gap = gapBefore(request.frame[stationByte]);
@@ -317,14 +348,16 @@ void GuardedExchange::awaitGap(const FRAME_PRO &request, const Allowance &allowa
     if (allowance.until)
         limit = std::min(limit, *allowance.until - settings.wireTime(request.sendLength));
     hear(m_line.receive(mostHeard, m_line.now()));
-    if (!m_lastActivity) {
-        m_line.awaitSilence(
-            gap, std::max(limit, m_line.now())); // what others did before is the line's to know
-        m_lastActivity = m_line.now() - gap;
-    }
-    while (m_line.isOpen() && m_line.now() < std::min(*m_lastActivity + gap, limit))
-        hear(m_line.receive(mostHeard, std::min(*m_lastActivity + gap, limit)));
+    const auto mayWait = [&] { return m_line.isOpen() && (allowance.isUrgent || !isHurried()); };
+    if (!m_lastActivity
+        && !awaitFirstSilence(gap, std::max(limit, m_line.now()), allowance.isUrgent))
+        return false;
+    while (mayWait() && m_line.now() < std::min(*m_lastActivity + gap, limit))
+        hear(m_line.receive(mostHeard, nextLook(std::min(*m_lastActivity + gap, limit))));
+    if (m_line.isOpen() && !mayWait())
+        return false;
     m_finder.takeRest(); // the beginning of a frame that nobody ended
+    return true;
 }
 
 /// Takes in what comes while no reply is awaited.

@@ -8,8 +8,10 @@
 #include "host/exchange/owed_replies.h"
 #include "host/frames/frame_finder.h"
 
+#include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace dx4::host {
 
@@ -63,6 +65,12 @@ public:
     /// Silence that a station needs before a request, on top of the line's own gap.
     void setExtraGap(int station, Duration extra) { m_extraGaps[station] = extra; }
 
+    /// `isHurried` is asked before each request that is not urgent, and while it waits to be sent
+    /// once in every silent gap of the line. When it says so the request is withheld, which ends
+    /// the wait for replies that are owed, the reads ahead of it and the gap before it. The reply
+    /// of what was sent is awaited to its end.
+    void setHurry(std::function<bool()> isHurried) { m_isHurried = std::move(isHurried); }
+
     /// Response timeout of a station: that of the line, or a longer one that was learnt.
     Duration timeoutOf(int station) const { return m_answerTimes.timeoutOf(station); }
 
@@ -103,8 +111,11 @@ private:
     void awaitClear(const FRAME_PRO &request, Duration until);
     std::optional<FRAME_PRO> clearingRead(const FRAME_PRO &request, bool isThere) const;
     Duration longestAnswer() const;
-    void awaitGap(const FRAME_PRO &request, const Allowance &allowance);
-    bool send(const FRAME_PRO &request, const Allowance &allowance);
+    bool isHurried() const { return m_isHurried && m_isHurried(); }
+    Duration nextLook(Duration moment) const;
+    bool awaitFirstSilence(Duration gap, Duration limit, bool isUrgent);
+    bool awaitGap(const FRAME_PRO &request, const Allowance &allowance);
+    bool send(const FRAME_PRO &request);
     void hear(const QByteArray &bytes);
     void collect(const FRAME_PRO &request, Duration deadline, const Allowance &allowance);
     bool seemsDamaged(const FRAME_PRO &request) const;
@@ -124,6 +135,7 @@ private:
     std::map<int, Clearing> m_clearing;
     bool m_heardRefusal = false; // late, so that it is not known of what
     std::map<int, Duration> m_extraGaps;
+    std::function<bool()> m_isHurried;
     std::optional<Duration> m_lastActivity; // of the line, as far as it was followed
     int m_lateBefore = 0; // late replies since the last exchange
 };

@@ -56,6 +56,8 @@ Runtime::Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettin
 {
     if (!m_settings.pause)
         m_settings.pause = sleepFor;
+    if (m_settings.isHurried)
+        m_guard.setHurry([this] { return isHurried(); });
     m_stop.setBroadcast(settings.stopBroadcast);
     m_desk.setGate([this](const WriteWish &wish) { return gate(wish); });
     m_desk.setStopTest([this](const WriteWish &wish) { return isStop(wish); });
@@ -160,7 +162,15 @@ Runtime::Step Runtime::takeStep()
     if (m_stop.isUrgent(m_line.now()))
         return stopStep();
     lookAfterSilent();
+    if (isHurried())
+        return Step::Idle;
     return cycleStep();
+}
+
+bool Runtime::isHurried() const
+{
+    const bool isAsked = m_settings.isHurried && m_settings.isHurried();
+    return isAsked && m_stopCalls == 0;
 }
 
 /// Asks for the next request of a station that is not left alone.
@@ -241,6 +251,15 @@ void Runtime::lineWentDown()
     m_openAt = m_line.now() + m_openDelay;
     m_desk.abandon(WriteEnd::TimedOut, Refusal::None, QStringLiteral("the line broke"));
     m_link.failWrites();
+}
+
+void Runtime::dropWrites(const QString &reason)
+{
+    m_link.handlerErrors().during([&] {
+        m_link.failWrites();
+        m_desk.abandon(WriteEnd::Refused, Refusal::NotConnected, reason);
+        m_desk.deliver();
+    });
 }
 
 void Runtime::run(const std::function<bool()> &enough)

@@ -23,6 +23,11 @@ struct RuntimeSettings {
     Duration staleAfter = std::chrono::seconds(5); ///< age from which a value counts as old
     Duration userPatience { 0 }; ///< silence of the user that leads to a stop; 0: never
     std::function<void(Duration)> pause; ///< lets time pass; null: the thread sleeps
+    /// Asked between requests and before one is sent; when it says so, a step that has sent nothing
+    /// yet ends soon and sends nothing more: waits for replies that are owed and gaps before a
+    /// request are cut short, that for the reply of a request on the line is not. What it says
+    /// while stop() runs has no effect. Null: nobody is ever in a hurry.
+    std::function<bool()> isHurried;
     /// The drives take a broadcast of "CW": where all stops have the same value it goes before
     /// them, to every drive on the line.
     bool stopBroadcast = false;
@@ -102,6 +107,10 @@ public:
     /// @return its id
     int write(const WriteWish &wish) { return m_desk.submit(wish); }
 
+    /// Ends every write that waits, for a host that goes away: as refused, or as timed out where it
+    /// was sent. The outcomes are reported before it returns.
+    void dropWrites(const QString &reason);
+
     /// Writes whose outcome was not reported.
     int pendingWrites() const { return m_desk.pending(); }
 
@@ -160,6 +169,7 @@ public:
 private:
     class StopCall;
 
+    bool isHurried() const;
     Refusal gate(const WriteWish &wish) const;
     bool mayBeWritten(int station) const;
     bool isStop(const WriteWish &wish) const;
