@@ -41,16 +41,9 @@ ConfigReload::ConfigReload(Link &link, Planner &planner, Config current)
 }
 
 ConfigReload::ConfigReload(Runtime &runtime, Planner &planner, Config current)
-    : ConfigReload(runtime.link(), planner, std::move(current),
-                   [&runtime](const Config &config, const Plan &plan) {
-                       runtime.setPlan(plan);
-                       const RuntimeSettings settings = runtimeSettings(config);
-                       runtime.setStops(settings.stops);
-                       runtime.setStations(settings.stations);
-                       runtime.setStopBroadcast(settings.stopBroadcast);
-                       runtime.setStopBudget(settings.stopBudget);
-                       setExtraGaps(runtime.guard(), config);
-                   })
+    : ConfigReload(
+        runtime.link(), planner, std::move(current),
+        [&runtime](const Config &config, const Plan &plan) { takeOver(runtime, config, plan); })
 {
 }
 

@@ -18,6 +18,17 @@ RuntimeSettings runtimeSettings(const Config &config)
     return settings;
 }
 
+void takeOver(Runtime &runtime, const Config &config, const Plan &plan)
+{
+    runtime.setPlan(plan);
+    const RuntimeSettings settings = runtimeSettings(config);
+    runtime.setStops(settings.stops);
+    runtime.setStations(settings.stations);
+    runtime.setStopBroadcast(settings.stopBroadcast);
+    runtime.setStopBudget(settings.stopBudget);
+    setExtraGaps(runtime.guard(), config);
+}
+
 void setExtraGaps(GuardedExchange &guard, const Config &config)
 {
     for (const StationConfig &station : config.stations)

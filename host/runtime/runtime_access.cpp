@@ -29,6 +29,13 @@ AccessResult::Kind kindOf(const WriteOutcome &outcome)
 
 } // namespace
 
+AccessResult accessResult(const WriteOutcome &outcome)
+{
+    if (kindOf(outcome) == AccessResult::Kind::Done)
+        return {};
+    return { kindOf(outcome), outcome.text, {} };
+}
+
 RuntimeAccess::RuntimeAccess(Runtime &runtime, WriteDesk::OutcomeHandler others)
     : CycleAccess(
         runtime.link(), runtime.cycle(), [&runtime] { return runtime.step(); },
@@ -58,10 +65,7 @@ AccessResult RuntimeAccess::write(int station, const QString &regType, int addre
     // Also where a handler throws: the outcome is the others' from then on.
     const auto forget = qScopeGuard([this] { m_expected = 0; });
     m_runtime.run([this] { return m_ended.has_value(); });
-    const WriteOutcome outcome = *m_ended;
-    if (kindOf(outcome) == AccessResult::Kind::Done)
-        return {};
-    return { kindOf(outcome), outcome.text, {} };
+    return accessResult(*m_ended);
 }
 
 bool RuntimeAccess::isLeftAlone(int station) const

@@ -35,4 +35,7 @@ private:
     std::optional<WriteOutcome> m_ended;
 };
 
+/// The outcome of a write as that of an access.
+AccessResult accessResult(const WriteOutcome &outcome);
+
 } // namespace dx4::host
