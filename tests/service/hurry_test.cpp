@@ -73,6 +73,12 @@ void prepare(Hurried &hurried, Wait wait)
 
 class Hurry : public ::testing::TestWithParam<Wait> { };
 
+std::string nameOf(const ::testing::TestParamInfo<Wait> &row)
+{
+    const QVector<const char *> names { "LateReplies", "ExtraGap", "Probe", "AdapterEcho" };
+    return names.at(static_cast<int>(row.param));
+}
+
 } // namespace
 
 TEST_P(Hurry, SendsNothingMoreAndWaitsForNoMoreThanTheReplyOnTheLine)
@@ -93,13 +99,10 @@ TEST_P(Hurry, SendsNothingMoreAndWaitsForNoMoreThanTheReplyOnTheLine)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    OfAllWaits, Hurry,
-    ::testing::Values(Wait::LateReplies, Wait::ExtraGap, Wait::Probe, Wait::AdapterEcho),
-    [](const auto &row) {
-        const char *const names[] = { "LateReplies", "ExtraGap", "Probe", "AdapterEcho" };
-        return names[static_cast<int>(row.param)];
-    });
+INSTANTIATE_TEST_SUITE_P(OfAllWaits, Hurry,
+                         ::testing::Values(Wait::LateReplies, Wait::ExtraGap, Wait::Probe,
+                                           Wait::AdapterEcho),
+                         nameOf);
 
 TEST(HurriedRuntime, LeavesTheStopItsTime)
 {
