@@ -42,9 +42,23 @@ void Plant::release()
     m_changed.notify_all();
 }
 
-void Plant::pass()
+void Plant::awaitSent(const QByteArray &request)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
+    for (;;) {
+        m_changed.wait(lock, [this] { return !m_sent.empty(); });
+        const QByteArray sent = m_sent.front();
+        m_sent.pop_front();
+        if (sent == request)
+            return;
+    }
+}
+
+void Plant::pass(const QByteArray &request)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_sent.push_back(request);
+    m_changed.notify_all();
     if (!m_isHolding)
         return;
     ++m_held;
@@ -91,7 +105,7 @@ Duration PlantLine::now() const
 
 bool PlantLine::send(const QByteArray &bytes)
 {
-    m_plant->pass();
+    m_plant->pass(bytes);
     m_plant->sendTimes.push_back(now());
     return line().send(bytes);
 }

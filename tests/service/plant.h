@@ -4,7 +4,9 @@
 
 #include "scripted_line.h"
 
+#include <atomic>
 #include <condition_variable>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -27,12 +29,15 @@ public:
     /// Holds nothing any more.
     void release();
 
+    /// Waits until such a request has been sent, after those of the earlier calls.
+    void awaitSent(const QByteArray &request);
+
     /// Called with each request that is about to be sent.
-    void pass();
+    void pass(const QByteArray &request);
 
     ScriptedLine stations;
     std::vector<dx4::host::Duration> sendTimes; ///< when each request began
-    bool isRefusedToOpen = false; ///< open() fails
+    std::atomic<bool> isRefusedToOpen { false }; ///< open() fails
 
 private:
     std::mutex m_mutex;
@@ -40,6 +45,7 @@ private:
     bool m_isHolding = false;
     int m_allowed = 0;
     int m_held = 0;
+    std::deque<QByteArray> m_sent; // not awaited yet
 };
 
 /// The line of a plant.

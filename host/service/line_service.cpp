@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+// One line on a thread of its own, for windows and services.
+#include "host/service/line_service.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QPointer>
+#include <QThread>
+
+#include <utility>
+
+namespace dx4::host {
+namespace {
+
+QEvent::Type deliveryType()
+{
+    static const int type = QEvent::registerEventType();
+    return static_cast<QEvent::Type>(type);
+}
+
+/// For connections to receivers on other threads.
+void registerTypes()
+{
+    qRegisterMetaType<QVector<RegisterValue>>("QVector<dx4::host::RegisterValue>");
+    qRegisterMetaType<WriteOutcome>("dx4::host::WriteOutcome");
+    qRegisterMetaType<StopReport>("dx4::host::StopReport");
+    qRegisterMetaType<AccessResult>("dx4::host::AccessResult");
+    qRegisterMetaType<ParameterSet>("dx4::host::ParameterSet");
+    qRegisterMetaType<RestoreReport>("dx4::host::RestoreReport");
+}
+
+} // namespace
+
+struct LineService::Engine {
+    Engine(LineFactory factory, const ServiceSettings &settings, LineService *service)
+        : outbox([service] { QCoreApplication::postEvent(service, new QEvent(deliveryType())); })
+        , worker(std::move(factory), settings, inbox, outbox)
+        , thread(QThread::create([this] { worker.run(); }))
+    {
+    }
+
+    Inbox inbox;
+    Outbox outbox;
+    LineWorker worker;
+    std::unique_ptr<QThread> thread; // ends before the others do
+};
+
+/// Tells each event by its signal.
+struct LineService::Teller {
+    LineService &from;
+
+    void operator()(const WriteOutcome &outcome) const { Q_EMIT from.writeEnded(outcome); }
+    void operator()(const AlarmRaised &alarm) const { Q_EMIT from.alarmRaised(alarm.text); }
+    void operator()(const NoticeGiven &notice) const { Q_EMIT from.noticeGiven(notice.text); }
+    void operator()(const LineOpened &) const { Q_EMIT from.lineOpened(); }
+    void operator()(const LineWentDown &line) const { Q_EMIT from.lineWentDown(line.reason); }
+    void operator()(const StationLost &lost) const { Q_EMIT from.stationLost(lost.station); }
+    void operator()(const StationBack &back) const { Q_EMIT from.stationBack(back.station); }
+    void operator()(const StopEnded &stop) const { Q_EMIT from.stopEnded(stop.id, stop.report); }
+    void operator()(const ReadEnded &read) const { Q_EMIT from.readEnded(read.id, read.result); }
+    void operator()(const JobProgressed &job) const
+    {
+        Q_EMIT from.jobProgressed(job.id, job.done, job.total);
+    }
+    void operator()(const BackupEnded &backup) const
+    {
+        Q_EMIT from.backedUp(backup.id, backup.set, backup.error);
+    }
+    void operator()(const RestoreEnded &restore) const
+    {
+        Q_EMIT from.restored(restore.id, restore.report);
+    }
+};
+
+LineService::LineService(LineFactory factory, const ServiceSettings &settings, QObject *parent)
+    : QObject(parent)
+    , m_engine(std::make_unique<Engine>(std::move(factory), settings, this))
+{
+    registerTypes();
+    m_engine->thread->start();
+}
+
+LineService::~LineService()
+{
+    m_engine->inbox.close();
+    m_engine->thread->wait();
+    while (const auto event = m_engine->outbox.takeEvent())
+        std::visit(Teller { *this }, *event);
+}
+
+std::shared_ptr<const LineSnapshot> LineService::snapshot() const
+{
+    return m_engine->outbox.snapshot();
+}
+
+int LineService::submit(const WriteWish &wish)
+{
+    const SubmitWrite write { m_engine->inbox.nextId(), wish };
+    const Inbox::Taken taken = m_engine->inbox.put(write);
+    if (taken == Inbox::Taken::Closed)
+        return 0;
+    if (taken == Inbox::Taken::Stopping)
+        m_engine->outbox.post(
+            { refusedWrite(write, Refusal::Stopping, refusalText(Refusal::Stopping)) });
+    return write.id;
+}
+
+int LineService::stop(Duration budget)
+{
+    const int id = m_engine->inbox.nextId();
+    return m_engine->inbox.put(StopDrives { id, budget }) == Inbox::Taken::Closed ? 0 : id;
+}
+
+void LineService::cancelStop()
+{
+    m_engine->inbox.put(CancelStop {});
+}
+
+void LineService::noteUser()
+{
+    m_engine->inbox.noteUser();
+}
+
+void LineService::setPlan(const Plan &plan)
+{
+    m_engine->inbox.put(TakePlan { plan });
+}
+
+void LineService::reload(const Config &config, const Plan &plan)
+{
+    m_engine->inbox.put(TakeConfig { config, plan });
+}
+
+int LineService::read(int station, const QString &regType, int address, int count)
+{
+    const int id = m_engine->inbox.nextId();
+    return putJob(id, ReadOnce { id, station, regType, address, count });
+}
+
+int LineService::backUp(const ParameterSet &begun)
+{
+    const int id = m_engine->inbox.nextId();
+    return putJob(id, BackUp { id, begun });
+}
+
+int LineService::restore(int station, const ParameterSet &set)
+{
+    const int id = m_engine->inbox.nextId();
+    return putJob(id, Restore { id, station, set });
+}
+
+int LineService::putJob(int id, Command command)
+{
+    return m_engine->inbox.put(std::move(command)) == Inbox::Taken::Closed ? 0 : id;
+}
+
+void LineService::cancelJob(int id)
+{
+    m_engine->inbox.cancelJob(id);
+}
+
+bool LineService::event(QEvent *event)
+{
+    if (event->type() != deliveryType())
+        return QObject::event(event);
+    deliver();
+    return true;
+}
+
+/// A slot may turn an event loop of its own, in which the next delivery comes: events are taken one
+/// at a time, so that their order stays. It may also destroy the service.
+void LineService::deliver()
+{
+    const QPointer<LineService> self(this);
+    const QVector<RegisterValue> changes = m_engine->outbox.takeChanges();
+    const std::size_t waiting = m_engine->outbox.waiting();
+    if (!changes.isEmpty())
+        Q_EMIT valuesChanged(changes);
+    for (std::size_t left = waiting; self && left > 0; --left) {
+        const auto event = m_engine->outbox.takeEvent();
+        if (!event)
+            break;
+        std::visit(Teller { *this }, *event);
+    }
+}
+
+} // namespace dx4::host

@@ -1,0 +1,346 @@
+// SPDX-License-Identifier: MIT
+// What runs on the line's thread.
+#include "host/service/line_worker.h"
+
+#include "host/base/length.h"
+#include "host/link/notation.h"
+#include "host/runtime/config_runtime.h"
+
+#include <algorithm>
+#include <exception>
+#include <iterator>
+#include <utility>
+
+namespace dx4::host {
+namespace {
+
+/// Values age while nothing happens to them: each is looked at that often.
+constexpr Duration lookInterval = std::chrono::milliseconds(100);
+
+/// For a thread without a line, which has only commands to wait for.
+constexpr Duration longWait = std::chrono::hours(1);
+
+QString stoppedText()
+{
+    return QStringLiteral("a stop goes first");
+}
+
+QString endedText()
+{
+    return QStringLiteral("the service ended");
+}
+
+} // namespace
+
+LineWorker::LineWorker(LineFactory factory, ServiceSettings settings, Inbox &inbox, Outbox &outbox)
+    : m_factory(std::move(factory))
+    , m_settings(std::move(settings))
+    , m_inbox(inbox)
+    , m_outbox(outbox)
+    , m_downReason(QStringLiteral("not opened yet"))
+{
+}
+
+void LineWorker::run()
+{
+    make();
+    while (m_runtime && !m_inbox.isClosed()) {
+        if (m_jobs->isEmpty())
+            turn();
+        else
+            m_jobs->runNext();
+    }
+    while (!m_runtime && !m_inbox.isClosed()) {
+        takeCommands();
+        publish();
+        m_inbox.wait(longWait);
+    }
+    end();
+}
+
+void LineWorker::make()
+{
+    LineParts parts;
+    try {
+        parts = m_factory();
+    } catch (const std::exception &error) {
+        parts.error = QString::fromUtf8(error.what());
+    }
+    m_line = std::move(parts.line);
+    if (!m_line || !parts.plugin) {
+        const QString unknown = QStringLiteral("line or driver could not be made");
+        m_downReason = parts.error.isEmpty() ? unknown : parts.error;
+        return tell(LineWentDown { m_downReason });
+    }
+    m_runtime = std::make_unique<Runtime>(std::move(parts.plugin), *m_line, ownSettings());
+    m_jobs = std::make_unique<JobRunner>(
+        *m_runtime, m_inbox, [this] { return turn(); },
+        [this](ServiceEvent event) { tell(std::move(event)); });
+    listen();
+    execute(TakePlan { m_settings.plan });
+    if (m_settings.config) {
+        m_table.setLabels(*m_settings.config, m_runtime->link());
+        setExtraGaps(m_runtime->guard(), *m_settings.config);
+    }
+}
+
+RuntimeSettings LineWorker::ownSettings()
+{
+    RuntimeSettings settings = m_settings.runtime;
+    settings.pause = [this](Duration span) { pause(span); };
+    settings.isHurried = [this] { return isHurried(); };
+    return settings;
+}
+
+void LineWorker::listen()
+{
+    m_runtime->onOutcome([this](const WriteOutcome &outcome) { noteOutcome(outcome); });
+    m_runtime->onAlarm([this](const QString &text) { tell(AlarmRaised { text }); });
+    m_runtime->onNotice([this](const QString &text) { tell(NoticeGiven { text }); });
+    m_runtime->onChange([this](const ValueChange &change) {
+        if (change.station > 0)
+            m_table.touch(change.station);
+    });
+}
+
+/// One step of the line with all that belongs to it.
+Runtime::Step LineWorker::turn()
+{
+    takeCommands();
+    const Runtime::Step done = m_runtime->step();
+    m_table.touch(m_runtime->cycle().request().var.station);
+    publish();
+    if (done == Runtime::Step::Idle || done == Runtime::Step::LineDown)
+        pause(m_runtime->idleTime());
+    return done;
+}
+
+/// Also of a stop under way, which is the only time when it may be given up.
+void LineWorker::pause(Duration span)
+{
+    if (m_isStopping)
+        publish();
+    if (m_settings.runtime.pause)
+        m_settings.runtime.pause(span);
+    else
+        m_inbox.wait(span);
+    if (!m_isStopping || !m_inbox.takeCancellation(&m_stops))
+        return;
+    m_isStopCancelled = true;
+    m_runtime->cancelStop();
+}
+
+/// Asked often, also while a stop is under way: a user who is there shall not go unnoticed then.
+bool LineWorker::isHurried()
+{
+    if (m_inbox.takeUser())
+        m_runtime->noteUser();
+    return m_inbox.isHurried();
+}
+
+/// What was asked for before the end is carried out, or refused: stops are sent.
+void LineWorker::end()
+{
+    takeCommands();
+    if (m_runtime) {
+        m_runtime->dropWrites(endedText());
+        m_jobs->endAll(endedText());
+    }
+    m_jobs.reset();
+    m_runtime.reset();
+    m_line.reset();
+    m_outbox.post(std::exchange(m_events, {}));
+}
+
+void LineWorker::takeCommands()
+{
+    if (m_runtime && m_inbox.takeUser())
+        m_runtime->noteUser();
+    while (const std::optional<Command> command = m_inbox.take()) {
+        std::visit([this](const auto &any) { m_runtime ? execute(any) : refuse(any); }, *command);
+    }
+}
+
+void LineWorker::execute(const SubmitWrite &command)
+{
+    const WriteWish &wish = command.wish;
+    m_writes[m_runtime->write(wish)] = { command.id, wish.station };
+    show(wish.station, wish.regType, wish.address, lengthOf(wish.values), WriteAccess);
+}
+
+void LineWorker::execute(const TakePlan &command)
+{
+    m_runtime->setPlan(command.plan);
+    m_table.setPlan(command.plan);
+}
+
+void LineWorker::execute(const TakeConfig &command)
+{
+    takeOver(*m_runtime, command.config, command.plan);
+    m_table.setPlan(command.plan);
+    m_table.setLabels(command.config, m_runtime->link());
+}
+
+/// Stops that are asked for meanwhile are the same stop, unless drives are left that another try
+/// may reach.
+void LineWorker::execute(const StopDrives &command)
+{
+    m_jobs->endAll(stoppedText());
+    m_stops = { command.id };
+    const Duration budget = std::max(command.budget, m_inbox.takeStops(&m_stops));
+    m_isStopCancelled = false;
+    m_isStopping = true;
+    m_outbox.post(std::exchange(m_events, {}));
+    const StopReport report = m_runtime->stop(budget);
+    m_isStopping = false;
+    if (!m_isStopCancelled && report.unconfirmed.isEmpty())
+        m_inbox.takeStops(&m_stops);
+    m_inbox.endStops(m_stops.size());
+    for (int id : std::as_const(m_stops))
+        tell(StopEnded { id, report });
+    m_table.touchAll();
+}
+
+void LineWorker::execute(const CancelStop &)
+{
+    m_runtime->cancelStop();
+}
+
+void LineWorker::execute(const ReadOnce &command)
+{
+    show(command.station, command.regType, command.address, command.count, ReadAccess);
+    m_jobs->add(command);
+}
+
+void LineWorker::refuse(const SubmitWrite &command)
+{
+    tell(refusedWrite(command, Refusal::NotConnected, m_downReason));
+}
+
+void LineWorker::refuse(const StopDrives &command)
+{
+    StopReport report;
+    for (const StopCommand &stop : std::as_const(m_settings.runtime.stops))
+        report.unconfirmed.append(stop.station);
+    report.text =
+        QStringLiteral("NOTHING WAS STOPPED, the drives may still run: %1").arg(m_downReason);
+    m_inbox.endStops(1);
+    tell(AlarmRaised { report.text });
+    tell(StopEnded { command.id, report });
+}
+
+void LineWorker::refuseJob(const Job &job)
+{
+    tell(notBegun(job, m_downReason));
+}
+
+/// Registers that are written or read are shown from then on, if there are such.
+void LineWorker::show(int station, const QString &regType, int address, int count, int access)
+{
+    const Link &link = m_runtime->link();
+    int found = -1;
+    const bool isThere = station > 0 && count > 0
+        && link.api().checkAddr(regType, addressText(regType, address), &found, 0, count, access)
+            == AddressAccepted
+        && found == address;
+    if (isThere)
+        m_table.add(station, regType, address, count);
+}
+
+void LineWorker::noteOutcome(WriteOutcome outcome)
+{
+    if (m_jobs->takeOutcome(outcome))
+        return;
+    const auto write = m_writes.find(outcome.id);
+    if (write == m_writes.end())
+        return; // of a job that was left
+    outcome.id = write->second.id;
+    m_table.touch(write->second.station);
+    m_writes.erase(write);
+    tell(outcome);
+}
+
+/// Events come out with the snapshot of their step, but for those of a stop: it may take as long as
+/// its budget.
+void LineWorker::tell(ServiceEvent event)
+{
+    m_events.push_back(std::move(event));
+    if (m_isStopping)
+        m_outbox.post(std::exchange(m_events, {}));
+}
+
+void LineWorker::publish()
+{
+    auto snapshot = std::make_shared<LineSnapshot>();
+    QVector<RegisterValue> changes;
+    if (m_runtime) {
+        noteLine();
+        noteStations();
+        const Duration now = m_line->now();
+        if (now - m_lastLook >= lookInterval) {
+            m_table.touchAll();
+            m_lastLook = now;
+        }
+        changes = m_table.refresh(*m_runtime, now);
+        snapshot->registers = m_table.all(now);
+    }
+    snapshot->isOpen = m_isOpen;
+    snapshot->downReason = m_downReason;
+    for (int station : std::as_const(m_lost))
+        snapshot->lostStations.append(station);
+    snapshot->takenAt = QDateTime::currentDateTimeUtc();
+    m_outbox.post(std::move(snapshot), changes, std::exchange(m_events, {}));
+}
+
+void LineWorker::noteLine()
+{
+    const bool wasOpen = std::exchange(m_isOpen, m_line->isOpen());
+    if (m_isOpen) {
+        m_downReason.clear();
+    } else if (!m_runtime->lineError().isEmpty() || wasOpen) {
+        const QString broke = QStringLiteral("the line broke");
+        const QString reason = m_runtime->lineError().isEmpty() ? broke : m_runtime->lineError();
+        if (std::exchange(m_downReason, reason) != reason)
+            tell(LineWentDown { reason });
+    }
+    if (wasOpen != m_isOpen)
+        m_table.touchAll();
+    if (m_isOpen && !wasOpen)
+        tell(LineOpened {});
+}
+
+void LineWorker::noteStations()
+{
+    const std::set<int> stations = m_table.stations();
+    for (auto lost = m_lost.begin(); lost != m_lost.end();)
+        lost = stations.count(*lost) > 0 ? std::next(lost) : m_lost.erase(lost);
+    for (int station : stations) {
+        const bool wasLost = m_lost.count(station) > 0;
+        const bool isLost = m_runtime->isLeftAlone(station);
+        if (isLost == wasLost)
+            continue;
+        m_table.touch(station);
+        if (isLost) {
+            m_lost.insert(station);
+            tell(StationLost { station });
+        } else {
+            m_lost.erase(station);
+            tell(StationBack { station });
+        }
+    }
+}
+
+WriteOutcome refusedWrite(const SubmitWrite &write, Refusal refusal, const QString &reason)
+{
+    const WriteWish &wish = write.wish;
+    return { write.id,
+             WriteEnd::Refused,
+             refusal,
+             0,
+             false,
+             QStringLiteral("station %1, %2: %3")
+                 .arg(wish.station)
+                 .arg(fullAddress(wish.regType, wish.address), reason) };
+}
+
+} // namespace dx4::host

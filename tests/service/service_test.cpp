@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+// What a service shows and tells of its line.
+#include "host/runtime/config_runtime.h"
+
+#include "service_fixture.h"
+
+#include <QThread>
+
+using namespace dx4::host;
+
+namespace {
+
+PlanEntry entry(int station, const char *text)
+{
+    return { station, QString::fromLatin1(text) };
+}
+
+/// One named register with a unit.
+Config namedConfig(const char *name)
+{
+    RegisterConfig frequency;
+    frequency.at = QStringLiteral("D 0");
+    frequency.name = QString::fromLatin1(name);
+    frequency.scaling.factor = 0.01;
+    frequency.scaling.decimals = 2;
+    frequency.scaling.unit = QStringLiteral("Hz");
+    StationConfig station;
+    station.registers = { frequency };
+    Config config;
+    config.stations = { station };
+    return config;
+}
+
+} // namespace
+
+TEST(LineServiceTest, ShowsWhatIsPolled)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0-1") }));
+    under.plant->stations.registers[{ 1, 0xD001 }] = 17;
+    under.start();
+
+    under.waitFor([&] { return !under.told.empty() && under.shown(1, "D", 1) == 17; });
+
+    const auto snapshot = under.service->snapshot();
+    const RegisterValue *value = snapshot->find(1, QStringLiteral("D"), 1);
+    EXPECT_TRUE(snapshot->isOpen);
+    EXPECT_EQ(snapshot->registers.size(), 2);
+    EXPECT_FALSE(value->state.stale);
+    EXPECT_FALSE(value->state.failed);
+    EXPECT_FALSE(value->state.writePending);
+    EXPECT_EQ(under.told, Texts { "open" });
+}
+
+TEST(LineServiceTest, ASnapshotStaysAsItWas)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0") }));
+    under.plant->hold();
+    under.start();
+    under.plant->awaitHeld();
+    const auto before = under.service->snapshot();
+
+    under.plant->release();
+    under.waitFor([&] { return under.shown(1, "D", 0) == 0; });
+
+    EXPECT_EQ(before->find(1, QStringLiteral("D"), 0), nullptr);
+}
+
+TEST(LineServiceTest, AWriteHasOneOutcomeAndItsValueShows)
+{
+    ServiceUnderTest under;
+    under.start();
+
+    const int id = under.submit(1, "FRE", 0, { 2500 });
+    under.waitFor([&] { return !under.outcomes.empty(); });
+
+    EXPECT_EQ(under.outcomeIds, std::vector<int> { id });
+    EXPECT_EQ(under.outcomes.front().text.toStdString(), "station 1, FRE 0 (0x1002): confirmed");
+    EXPECT_EQ(under.shown(1, "FRE", 0), 2500);
+}
+
+TEST(LineServiceTest, ARefusedWriteHasItsReason)
+{
+    ServiceUnderTest under;
+    under.start();
+
+    under.submit(1, "D", 0, { 1 });
+    under.waitFor([&] { return !under.outcomes.empty(); });
+
+    EXPECT_EQ(under.outcomes.front().refusal, Refusal::Access);
+    EXPECT_EQ(under.service->snapshot()->registers.size(), 0);
+}
+
+TEST(LineServiceTest, AWaitingWriteIsShownAsSuch)
+{
+    ServiceUnderTest under(polling({ entry(1, "F 0.0") }));
+    under.plant->hold();
+    under.start();
+    under.plant->awaitHeld();
+    under.submit(1, "F", 0, { 9 });
+
+    under.plant->letGo(2); // the read that was held, and the one that compares
+    under.plant->awaitHeld();
+
+    const auto snapshot = under.service->snapshot();
+    const Value &shown = snapshot->find(1, QStringLiteral("F"), 0)->state;
+    EXPECT_TRUE(shown.writePending);
+    EXPECT_EQ(shown.value, 9);
+}
+
+TEST(LineServiceTest, NamesAndUnitsAreThoseOfTheConfiguration)
+{
+    ServiceSettings settings = polling({ entry(1, "D 0") });
+    settings.config = namedConfig("frequency");
+    ServiceUnderTest under(settings);
+    under.plant->stations.registers[{ 1, 0xD000 }] = 4998;
+    under.start();
+
+    under.waitFor([&] { return !under.changes.empty() && under.shown(1, "D", 0) == 4998; });
+    const RegisterValue before = *under.service->snapshot()->find(1, QStringLiteral("D"), 0);
+    under.service->reload(namedConfig("speed"), settings.plan);
+    under.waitFor([&] { return under.changes.back().constFirst().name != before.name; });
+
+    EXPECT_EQ(before.name.toStdString(), "frequency");
+    EXPECT_EQ(before.text().toStdString(), "49.98 Hz");
+    EXPECT_EQ(under.changes.back().constFirst().name.toStdString(), "speed");
+}
+
+TEST(LineServiceTest, AnotherPlanTakesTheOldOnesPlace)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0") }));
+    under.plant->stations.registers[{ 1, 0xD005 }] = 55;
+    under.start();
+
+    under.service->setPlan(planOf({ entry(1, "D 5") }));
+    under.waitFor([&] { return under.shown(1, "D", 5) == 55; });
+
+    EXPECT_EQ(under.service->snapshot()->registers.size(), 1);
+}
+
+TEST(LineServiceTest, AClosedLineIsToldWithItsReasonAndItsReturn)
+{
+    ServiceUnderTest under;
+    under.playTime();
+    under.plant->stations.line.close();
+    under.plant->isRefusedToOpen = true;
+    under.start();
+
+    under.waitFor([&] { return !under.told.empty(); });
+    const bool wasOpen = under.service->snapshot()->isOpen;
+    under.plant->isRefusedToOpen = false;
+    under.waitFor([&] { return under.told.size() == 2; });
+
+    EXPECT_FALSE(wasOpen);
+    EXPECT_EQ(under.told, (Texts { "down: no such port", "open" }));
+}
+
+TEST(LineServiceTest, AStationIsToldAsLostAndAsBack)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0"), entry(2, "D 0") }));
+    under.plant->stations.dead = { 2 };
+    under.start();
+    under.waitFor([&] { return under.told.size() == 2; });
+    const QVector<int> lost = under.service->snapshot()->lostStations;
+
+    under.plant->hold();
+    under.plant->awaitHeld();
+    under.plant->stations.dead.clear();
+    under.plant->release();
+    under.waitFor([&] { return under.told.size() == 3; });
+
+    EXPECT_EQ(lost, QVector<int> { 2 });
+    EXPECT_EQ(under.told, (Texts { "open", "lost 2", "back 2" }));
+    EXPECT_TRUE(under.service->snapshot()->lostStations.isEmpty());
+}
+
+TEST(LineServiceTest, ASilentUserStopsTheDrives)
+{
+    ServiceSettings settings = polling({ entry(1, "D 0") });
+    settings.runtime.userPatience = std::chrono::seconds(1);
+    settings.runtime.stops = { { 1, 0 } };
+    ServiceUnderTest under(settings);
+    under.start();
+
+    under.waitFor([&] { return under.told.size() == 3; });
+
+    EXPECT_EQ(under.told,
+              (Texts { "open", "the user interface is silent: stopping", "all stops confirmed" }));
+}
+
+TEST(LineServiceTest, LineAndDriverAreMadeAndUsedOnAThreadOfTheirOwn)
+{
+    const QThread *maker = nullptr;
+    const QThread *destroyer = nullptr;
+    struct Watched : PlantLine {
+        Watched(std::shared_ptr<Plant> plant, const QThread *&thread)
+            : PlantLine(std::move(plant))
+            , destroyer(thread)
+        {
+        }
+        ~Watched() override { destroyer = QThread::currentThread(); }
+        const QThread *&destroyer;
+    };
+    auto plant = std::make_shared<Plant>(slowLine());
+    auto service = std::make_unique<LineService>([&] {
+        maker = QThread::currentThread();
+        return LineParts { std::make_unique<Watched>(plant, destroyer), privateCopy(), {} };
+    });
+
+    service.reset();
+
+    EXPECT_NE(maker, nullptr);
+    EXPECT_NE(maker, QThread::currentThread());
+    EXPECT_EQ(destroyer, maker);
+}
