@@ -2,9 +2,10 @@
 // One line on a thread of its own, for windows and services.
 #include "host/service/line_service.h"
 
+#include "host/service/line_worker.h"
+
 #include <QCoreApplication>
 #include <QEvent>
-#include <QPointer>
 #include <QThread>
 
 #include <utility>
@@ -37,6 +38,12 @@ struct LineService::Engine {
         , worker(std::move(factory), settings, inbox, outbox)
         , thread(QThread::create([this] { worker.run(); }))
     {
+    }
+
+    /// @return the id, or 0 where nothing is taken any more
+    int put(int id, Command command)
+    {
+        return inbox.put(std::move(command)) == Inbox::Taken::Closed ? 0 : id;
     }
 
     Inbox inbox;
@@ -108,7 +115,7 @@ int LineService::submit(const WriteWish &wish)
 int LineService::stop(Duration budget)
 {
     const int id = m_engine->inbox.nextId();
-    return m_engine->inbox.put(StopDrives { id, budget }) == Inbox::Taken::Closed ? 0 : id;
+    return m_engine->put(id, StopDrives { id, budget });
 }
 
 void LineService::cancelStop()
@@ -134,24 +141,19 @@ void LineService::reload(const Config &config, const Plan &plan)
 int LineService::read(int station, const QString &regType, int address, int count)
 {
     const int id = m_engine->inbox.nextId();
-    return putJob(id, ReadOnce { id, station, regType, address, count });
+    return m_engine->put(id, ReadOnce { id, station, regType, address, count });
 }
 
 int LineService::backUp(const ParameterSet &begun)
 {
     const int id = m_engine->inbox.nextId();
-    return putJob(id, BackUp { id, begun });
+    return m_engine->put(id, BackUp { id, begun });
 }
 
 int LineService::restore(int station, const ParameterSet &set)
 {
     const int id = m_engine->inbox.nextId();
-    return putJob(id, Restore { id, station, set });
-}
-
-int LineService::putJob(int id, Command command)
-{
-    return m_engine->inbox.put(std::move(command)) == Inbox::Taken::Closed ? 0 : id;
+    return m_engine->put(id, Restore { id, station, set });
 }
 
 void LineService::cancelJob(int id)
@@ -167,21 +169,15 @@ bool LineService::event(QEvent *event)
     return true;
 }
 
-/// A slot may turn an event loop of its own, in which the next delivery comes: events are taken one
-/// at a time, so that their order stays. It may also destroy the service.
+/// A slot may turn an event loop of its own, in which the next delivery comes, and may destroy the
+/// service: each delivery is one signal, and nothing is touched behind it.
 void LineService::deliver()
 {
-    const QPointer<LineService> self(this);
-    const QVector<RegisterValue> changes = m_engine->outbox.takeChanges();
-    const std::size_t waiting = m_engine->outbox.waiting();
-    if (!changes.isEmpty())
-        Q_EMIT valuesChanged(changes);
-    for (std::size_t left = waiting; self && left > 0; --left) {
-        const auto event = m_engine->outbox.takeEvent();
-        if (!event)
-            break;
-        std::visit(Teller { *this }, *event);
-    }
+    const Delivery delivery = m_engine->outbox.take();
+    if (delivery.event)
+        std::visit(Teller { *this }, *delivery.event);
+    else if (!delivery.changes.isEmpty())
+        Q_EMIT valuesChanged(delivery.changes);
 }
 
 } // namespace dx4::host

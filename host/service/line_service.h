@@ -4,8 +4,8 @@
 
 #include "host/service/line_factory.h"
 #include "host/service/line_snapshot.h"
-#include "host/service/line_worker.h"
 #include "host/service/service_events.h"
+#include "host/service/service_settings.h"
 
 #include <QObject>
 
@@ -131,7 +131,6 @@ private:
     struct Engine;
     struct Teller;
 
-    int putJob(int id, Command command);
     void deliver();
 
     const std::unique_ptr<Engine> m_engine;

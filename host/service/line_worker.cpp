@@ -110,7 +110,9 @@ Runtime::Step LineWorker::turn()
     const Runtime::Step done = m_runtime->step();
     m_table.touch(m_runtime->cycle().request().var.station);
     publish();
-    if (done == Runtime::Step::Idle || done == Runtime::Step::LineDown)
+    // The driver has nothing to ask once after a few writes in a row, though others wait.
+    const bool wasIdle = std::exchange(m_wasIdle, done == Runtime::Step::Idle);
+    if (done == Runtime::Step::LineDown || (done == Runtime::Step::Idle && wasIdle))
         pause(m_runtime->idleTime());
     return done;
 }

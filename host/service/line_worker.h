@@ -7,22 +7,14 @@
 #include "host/service/line_factory.h"
 #include "host/service/outbox.h"
 #include "host/service/register_table.h"
+#include "host/service/service_settings.h"
 
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
 #include <vector>
 
 namespace dx4::host {
-
-/// What a service is started with.
-struct ServiceSettings {
-    RuntimeSettings runtime; ///< without a pause of its own every command ends the pause;
-                             ///< `isHurried` is the service's
-    Plan plan; ///< what is polled at first; may be empty
-    std::optional<Config> config; ///< names, scaling and extra gaps
-};
 
 /// Makes line, driver and runtime, turns them, and ends with them: run() is the whole life of the
 /// thread. Takes from the inbox between two requests and tells the outbox after each.
@@ -85,6 +77,7 @@ private:
     std::map<int, OpenWrite> m_writes; // by the runtime's id
     std::vector<ServiceEvent> m_events; // not told yet
     std::vector<int> m_stops; // ids of the stop under way
+    bool m_wasIdle = false; // the last step
     bool m_isStopping = false;
     bool m_isStopCancelled = false;
     bool m_isOpen = false;

@@ -50,30 +50,39 @@ std::shared_ptr<const LineSnapshot> Outbox::snapshot() const
     return m_snapshot;
 }
 
-QVector<RegisterValue> Outbox::takeChanges()
+Delivery Outbox::take()
 {
-    std::map<Key, RegisterValue> changes;
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_isNotified = false;
-        changes.swap(m_changes);
-    }
-    QVector<RegisterValue> values;
-    values.reserve(static_cast<int>(changes.size()));
-    for (auto &[key, value] : changes)
-        values.append(std::move(value));
-    return values;
-}
-
-std::size_t Outbox::waiting() const
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_events.size();
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_isNotified = false;
+    m_tookChanges = !m_changes.empty() && (m_events.empty() || !m_tookChanges);
+    Delivery delivery;
+    if (m_tookChanges)
+        delivery.changes = takeChanges();
+    else
+        delivery.event = takeFirst();
+    if (!m_changes.empty() || !m_events.empty())
+        notifyOnce(lock);
+    return delivery;
 }
 
 std::optional<ServiceEvent> Outbox::takeEvent()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
+    return takeFirst();
+}
+
+QVector<RegisterValue> Outbox::takeChanges()
+{
+    QVector<RegisterValue> values;
+    values.reserve(static_cast<int>(m_changes.size()));
+    for (auto &[key, value] : m_changes)
+        values.append(std::move(value));
+    m_changes.clear();
+    return values;
+}
+
+std::optional<ServiceEvent> Outbox::takeFirst()
+{
     if (m_events.empty())
         return std::nullopt;
     ServiceEvent event = std::move(m_events.front());

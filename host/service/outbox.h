@@ -16,6 +16,12 @@
 
 namespace dx4::host {
 
+/// One of both, or nothing.
+struct Delivery {
+    QVector<RegisterValue> changes;
+    std::optional<ServiceEvent> event;
+};
+
 /// Holds what the receiver has not taken: the newest value of each register that changed, all
 /// events in their order, and the newest snapshot. Any thread may make any call; none waits for
 /// more than a few moves in memory.
@@ -33,20 +39,19 @@ public:
 
     std::shared_ptr<const LineSnapshot> snapshot() const;
 
-    /// Begins a delivery: what is put in from now on leads to another one.
-    ///
-    /// @return the changed registers, ascending by station, type and address
-    QVector<RegisterValue> takeChanges();
+    /// Takes what is to be delivered next: all changes, ascending by station, type and address, or
+    /// the earliest event. The receiver is told again before this returns where something is left,
+    /// so that whatever it does with this delivery keeps nothing else from it.
+    Delivery take();
 
-    /// Events that were not taken.
-    std::size_t waiting() const;
-
-    /// The earliest event that was not taken.
+    /// Takes the earliest event and tells nobody of the rest.
     std::optional<ServiceEvent> takeEvent();
 
 private:
     using Key = std::tuple<int, QString, int>;
 
+    QVector<RegisterValue> takeChanges();
+    std::optional<ServiceEvent> takeFirst();
     void notifyOnce(std::unique_lock<std::mutex> &lock);
 
     const std::function<void()> m_notify;
@@ -55,6 +60,7 @@ private:
     std::map<Key, RegisterValue> m_changes;
     std::deque<ServiceEvent> m_events;
     bool m_isNotified = false;
+    bool m_tookChanges = false; ///< the last time: an event is next
 };
 
 } // namespace dx4::host

@@ -22,6 +22,7 @@ ServiceUnderTest::ServiceUnderTest(const ServiceSettings &wanted)
 ServiceUnderTest::~ServiceUnderTest()
 {
     plant->release();
+    service.reset(); // it tells of what is open, and what listens has to be there
 }
 
 void ServiceUnderTest::start()

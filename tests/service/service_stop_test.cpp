@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+// The stop of a service: what it waits for, what it ends, and who shares it.
+#include "service_fixture.h"
+
+#include <thread>
+
+using namespace dx4::host;
+using std::chrono::hours;
+using std::chrono::seconds;
+
+namespace {
+
+/// Polls more blocks than one, and stops station 1.
+ServiceSettings stopping()
+{
+    ServiceSettings settings = polling({ { 1, QStringLiteral("D 0") },
+                                         { 1, QStringLiteral("D 5") },
+                                         { 1, QStringLiteral("SW") } });
+    settings.runtime.stops = { { 1, 0 } };
+    return settings;
+}
+
+QByteArray stopOfStation1()
+{
+    return framed("01 06 10 01 00 00");
+}
+
+class ServiceStop : public ::testing::Test {
+protected:
+    ServiceStop()
+    {
+        under.plant->hold();
+        under.start();
+        under.plant->awaitHeld();
+        under.plant->letGo(3);
+        under.plant->awaitHeld(); // the fourth request is on its way
+    }
+
+    /// The requests behind the first four.
+    QVector<QByteArray> sentSince()
+    {
+        under.service.reset();
+        return under.plant->stations.line.sent().mid(4);
+    }
+
+    ServiceUnderTest under { stopping() };
+};
+
+} // namespace
+
+TEST_F(ServiceStop, IsTheFirstRequestBehindTheOneOnTheLine)
+{
+    for (int i = 0; i < 20; ++i)
+        under.submit(1, "F", i, { 7 });
+
+    const int id = under.service->stop(seconds(1));
+    under.plant->release();
+    under.waitFor([&] { return !under.stops.empty(); });
+
+    EXPECT_EQ(under.told.back(), "stop " + std::to_string(id) + ": all stops confirmed");
+    EXPECT_TRUE(under.stops.front().unconfirmed.isEmpty());
+    EXPECT_EQ(sentSince().value(0), stopOfStation1());
+}
+
+TEST_F(ServiceStop, ComesThoughTheReceiverHangs)
+{
+    std::thread signalled([this] {
+        under.service->stop(seconds(1));
+        under.plant->release();
+    });
+
+    under.plant->awaitSent(stopOfStation1()); // this thread takes no signals meanwhile
+
+    signalled.join();
+    EXPECT_TRUE(under.told.empty());
+}
+
+TEST_F(ServiceStop, CutsTheReadsShortThatComeBeforeIt)
+{
+    const int backup = under.service->backUp({});
+    const int read = under.service->read(1, QStringLiteral("D"), 3);
+
+    under.service->stop(seconds(1));
+    under.plant->release();
+    under.waitFor([&] { return !under.stops.empty(); });
+
+    EXPECT_EQ(under.reads.front().kind, AccessResult::Kind::NotBegun);
+    EXPECT_EQ(under.reads.front().reason.toStdString(), "a stop goes first");
+    EXPECT_EQ(read, backup + 1);
+    EXPECT_EQ(sentSince().value(0), stopOfStation1());
+}
+
+TEST_F(ServiceStop, RefusesWritesFromItsCallToItsEnd)
+{
+    const int before = under.submit(1, "FRE", 0, { 1 });
+    under.service->stop(seconds(1));
+    const int during = under.submit(1, "FRE", 0, { 2 });
+
+    under.plant->release();
+    under.waitFor([&] { return !under.stops.empty(); });
+    const int after = under.submit(1, "FRE", 0, { 3 });
+    under.waitFor([&] { return under.outcomes.size() == 3; });
+
+    EXPECT_EQ(under.outcomeIds, (std::vector<int> { during, before, after }));
+    EXPECT_EQ(under.outcomes.at(0).refusal, Refusal::Stopping);
+    EXPECT_EQ(under.outcomes.at(1).refusal, Refusal::Stopping);
+    EXPECT_FALSE(under.outcomes.at(1).sent);
+    EXPECT_EQ(under.outcomes.at(2).end, WriteEnd::Confirmed);
+}
+
+TEST_F(ServiceStop, IsSharedByAllWhoAskBeforeItEnds)
+{
+    under.service->stop(seconds(1));
+    under.service->stop(seconds(2));
+
+    under.plant->release();
+    under.waitFor([&] { return under.stops.size() == 2; });
+
+    EXPECT_EQ(sentSince().count(stopOfStation1()), 1);
+}
+
+TEST_F(ServiceStop, IsGivenUpByTheUserInItsNextPause)
+{
+    under.plant->stations.dead = { 1 };
+    under.service->stop(hours(1));
+    under.service->stop(hours(1));
+
+    under.plant->release();
+    under.plant->awaitSent(stopOfStation1());
+    under.service->cancelStop();
+    under.waitFor([&] { return under.stops.size() == 2; });
+
+    EXPECT_EQ(under.stops.back().unconfirmed, QVector<int> { 1 });
+}
+
+TEST_F(ServiceStop, ThatIsAskedForAfterItWasGivenUpIsSentAgain)
+{
+    under.plant->stations.changes = { silence() }; // the first stop
+    under.service->stop(Duration { 0 });
+    under.service->cancelStop();
+    under.service->stop(seconds(1));
+
+    under.plant->release();
+    under.waitFor([&] { return under.stops.size() == 2; });
+
+    EXPECT_EQ(under.stops.front().unconfirmed, QVector<int> { 1 });
+    EXPECT_TRUE(under.stops.back().unconfirmed.isEmpty());
+}
+
+TEST_F(ServiceStop, IsSentBeforeTheServiceEnds)
+{
+    under.service->stop(seconds(1));
+    under.plant->release();
+
+    const QVector<QByteArray> sent = sentSince();
+
+    EXPECT_EQ(sent.value(0), stopOfStation1());
+    ASSERT_EQ(under.stops.size(), 1U);
+    EXPECT_TRUE(under.stops.front().unconfirmed.isEmpty());
+}
+
+TEST_F(ServiceStop, IsNotSentUnlessItWasAskedFor)
+{
+    under.plant->release();
+
+    EXPECT_EQ(sentSince().count(stopOfStation1()), 0);
+}
