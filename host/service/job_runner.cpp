@@ -13,11 +13,6 @@
 namespace dx4::host {
 namespace {
 
-int idOf(const Job &job)
-{
-    return std::visit([](const auto &any) { return any.id; }, job);
-}
-
 bool isRead(const Job &job)
 {
     return std::holds_alternative<ReadOnce>(job);
@@ -31,6 +26,11 @@ QString stationRefusal(int station)
 }
 
 } // namespace
+
+int idOf(const Job &job)
+{
+    return std::visit([](const auto &any) { return any.id; }, job);
+}
 
 /// Lets reads that wait go before each access of a longer job.
 class JobRunner::Polite : public RegisterAccess {
@@ -93,24 +93,25 @@ void JobRunner::carryOut(const Job &job)
     m_current = outer;
 }
 
-void JobRunner::runReads()
-{
-    for (;;) {
-        const auto read = std::find_if(m_waiting.begin(), m_waiting.end(), isRead);
-        if (read == m_waiting.end())
-            return;
-        const Job job = std::move(*read);
-        m_waiting.erase(read);
-        carryOut(job);
-    }
-}
-
 void JobRunner::endAll(const QString &reason)
 {
     m_endReason = reason;
     for (const Job &job : std::exchange(m_waiting, {})) {
         m_tell(notBegun(job, reason));
         m_inbox.forgetJob(idOf(job));
+    }
+}
+
+/// Those that are asked for once this job is to end are jobs of their own.
+void JobRunner::runReads()
+{
+    while (whyItEnds().isEmpty()) {
+        const auto read = std::find_if(m_waiting.begin(), m_waiting.end(), isRead);
+        if (read == m_waiting.end())
+            return;
+        const Job job = std::move(*read);
+        m_waiting.erase(read);
+        carryOut(job);
     }
 }
 

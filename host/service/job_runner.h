@@ -56,6 +56,8 @@ private:
     QString m_endReason; ///< of the jobs under way; empty: they go on
 };
 
+int idOf(const Job &job);
+
 /// How a job ended that was not begun.
 ServiceEvent notBegun(const Job &job, const QString &reason);
 

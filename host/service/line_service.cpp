@@ -84,6 +84,7 @@ LineService::LineService(LineFactory factory, const ServiceSettings &settings, Q
     , m_engine(std::make_unique<Engine>(std::move(factory), settings, this))
 {
     registerTypes();
+    m_engine->thread->setObjectName(QStringLiteral("line"));
     m_engine->thread->start();
 }
 

@@ -234,6 +234,7 @@ void LineWorker::refuse(const StopDrives &command)
 void LineWorker::refuseJob(const Job &job)
 {
     tell(notBegun(job, m_downReason));
+    m_inbox.forgetJob(idOf(job));
 }
 
 /// Registers that are written or read are shown from then on, if there are such.
@@ -313,7 +314,7 @@ void LineWorker::noteLine()
 
 void LineWorker::noteStations()
 {
-    const std::set<int> stations = m_table.stations();
+    const std::set<int> &stations = m_table.stations();
     for (auto lost = m_lost.begin(); lost != m_lost.end();)
         lost = stations.count(*lost) > 0 ? std::next(lost) : m_lost.erase(lost);
     for (int station : stations) {

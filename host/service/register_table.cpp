@@ -64,7 +64,9 @@ void RegisterTable::rebuild()
     std::set<Key> wanted = m_polled;
     wanted.insert(m_added.begin(), m_added.end());
     std::map<Key, Entry> former = std::exchange(m_entries, {});
+    m_stations.clear();
     for (const Key &key : wanted) {
+        m_stations.insert(std::get<0>(key));
         Entry &entry = m_entries[key];
         const auto known = former.find(key);
         if (known != former.end()) {
@@ -115,14 +117,6 @@ QVector<RegisterValue> RegisterTable::all(Duration now) const
             values.last().state.age = now - entry.readAt;
     }
     return values;
-}
-
-std::set<int> RegisterTable::stations() const
-{
-    std::set<int> stations;
-    for (const auto &[key, entry] : m_entries)
-        stations.insert(stations.end(), std::get<0>(key));
-    return stations;
 }
 
 } // namespace dx4::host

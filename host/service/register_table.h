@@ -38,7 +38,8 @@ public:
     /// All registers, with their ages at `now`.
     QVector<RegisterValue> all(Duration now) const;
 
-    std::set<int> stations() const;
+    /// Stations of the registers.
+    const std::set<int> &stations() const { return m_stations; }
 
 private:
     using Key = std::tuple<int, QString, int>; // station, type, address
@@ -59,6 +60,7 @@ private:
     std::set<Key> m_added;
     std::map<Key, Label> m_labels;
     std::map<Key, Entry> m_entries;
+    std::set<int> m_stations; // of them
     std::set<int> m_touched;
     bool m_isAllTouched = false;
 };
