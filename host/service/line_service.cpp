@@ -6,8 +6,9 @@
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QThread>
+#include <QEventLoop>
 
+#include <thread>
 #include <utility>
 
 namespace dx4::host {
@@ -36,8 +37,14 @@ struct LineService::Engine {
     Engine(LineFactory factory, const ServiceSettings &settings, LineService *service)
         : outbox([service] { QCoreApplication::postEvent(service, new QEvent(deliveryType())); })
         , worker(std::move(factory), settings, inbox, outbox)
-        , thread(QThread::create([this] { worker.run(); }))
     {
+    }
+
+    /// A serial port wants a dispatcher on its thread, though nobody turns it.
+    void run()
+    {
+        const QEventLoop dispatcher;
+        worker.run();
     }
 
     /// @return the id, or 0 where nothing is taken any more
@@ -49,7 +56,7 @@ struct LineService::Engine {
     Inbox inbox;
     Outbox outbox;
     LineWorker worker;
-    std::unique_ptr<QThread> thread; // ends before the others do
+    std::thread thread; // not Qt's: race checkers cannot see how that one is joined
 };
 
 /// Tells each event by its signal.
@@ -84,14 +91,13 @@ LineService::LineService(LineFactory factory, const ServiceSettings &settings, Q
     , m_engine(std::make_unique<Engine>(std::move(factory), settings, this))
 {
     registerTypes();
-    m_engine->thread->setObjectName(QStringLiteral("line"));
-    m_engine->thread->start();
+    m_engine->thread = std::thread([engine = m_engine.get()] { engine->run(); });
 }
 
 LineService::~LineService()
 {
     m_engine->inbox.close();
-    m_engine->thread->wait();
+    m_engine->thread.join();
     while (const auto event = m_engine->outbox.takeEvent())
         std::visit(Teller { *this }, *event);
 }

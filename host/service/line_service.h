@@ -27,7 +27,8 @@ class LineService : public QObject {
     Q_OBJECT
 
 public:
-    /// Starts the thread. The line is opened there, and again whenever it breaks.
+    /// Starts the thread. The line is opened there, and again whenever it breaks. The process needs
+    /// a QCoreApplication.
     ///
     /// @param factory  called once, on that thread; where it gives no line or no driver, the line
     ///                 is down for good
