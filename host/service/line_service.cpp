@@ -98,8 +98,13 @@ LineService::~LineService()
 {
     m_engine->inbox.close();
     m_engine->thread.join();
-    while (const auto event = m_engine->outbox.takeEvent())
-        std::visit(Teller { *this }, *event);
+    while (const auto event = m_engine->outbox.takeEvent()) {
+        try {
+            std::visit(Teller { *this }, *event);
+        } catch (...) {
+            continue; // of a slot; the others are told all the same
+        }
+    }
 }
 
 std::shared_ptr<const LineSnapshot> LineService::snapshot() const

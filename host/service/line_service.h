@@ -39,7 +39,7 @@ public:
     /// their budget; without them it takes as long as stop() does to begin. Drives are not stopped
     /// unless stop() was called. Each write and job that is open gets its outcome, and what was not
     /// delivered is, but for changed values; on the thread that destroys the service, before this
-    /// returns. Nothing is called afterwards.
+    /// returns. What a slot throws then is dropped. Nothing is called afterwards.
     ~LineService() override;
 
     /// What was known after the last request. Empty before the first.

@@ -96,6 +96,20 @@ TEST(ServiceEnd, WhatASlotAsksForMeanwhileIsNotTaken)
     EXPECT_EQ(under.outcomes.size(), 1U);
 }
 
+TEST(ServiceEnd, ASlotThatThrowsKeepsNothingFromTheOthers)
+{
+    ServiceUnderTest under(pollingAndStopping());
+    under.start();
+    QObject::connect(under.service.get(), &LineService::writeEnded,
+                     [](const WriteOutcome &) { throw std::runtime_error("of a slot"); });
+    under.submit(1, "FRE", 0, { 5 });
+    under.submit(2, "FRE", 0, { 5 });
+
+    under.service.reset();
+
+    EXPECT_EQ(under.outcomes.size(), 2U);
+}
+
 TEST(ServiceEnd, ASlotMayBringItAbout)
 {
     ServiceUnderTest under(pollingAndStopping());
