@@ -118,7 +118,7 @@ void JobRunner::runReads()
 /// What the driver would never ask for would wait in it for ever.
 QString JobRunner::refusalOf(const ReadOnce &job) const
 {
-    const QString noStation = stationRefusal(job.station);
+    QString noStation = stationRefusal(job.station);
     if (!noStation.isEmpty())
         return noStation;
     if (job.count < 1 || job.count > m_access.blockSize())
