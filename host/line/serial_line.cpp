@@ -115,7 +115,7 @@ QString SerialLine::tryOpen(const QString &device)
 {
     if (!m_claim.take(QFile::encodeName(device).toStdString()))
         return inUseText(device);
-    const QString others = m_settings.isShared ? QString() : sharedText(device);
+    QString others = m_settings.isShared ? QString() : sharedText(device);
     if (!others.isEmpty())
         return others;
     const bool opened = m_port->open(QIODevice::ReadWrite);

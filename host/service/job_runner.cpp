@@ -3,9 +3,9 @@
 #include "host/service/job_runner.h"
 
 #include "host/base/length.h"
-#include "host/frames/modbus_limits.h"
 #include "host/link/address_verdict.h"
 #include "host/link/notation.h"
+#include "wire/limits.h"
 
 #include <algorithm>
 #include <utility>

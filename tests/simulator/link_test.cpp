@@ -66,14 +66,14 @@ TEST(SimulatorLink, LeftOverOfAKilledRunIsReplaced)
         killed.process.wait();
     }
     EXPECT_TRUE(fs::is_symlink(path));
+    // The kernel gives the number of the dead to whoever asks next, such as a test beside this one.
+    fs::remove(path);
+    fs::create_symlink("/dev/pts/999999", path);
 
     ServedLine line({ "--link", path });
 
     EXPECT_EQ(targetOf(path), line.device);
     EXPECT_EQ(line.quit(), 0);
-    fs::create_symlink("/dev/pts/999999", path);
-    ServedLine another({ "--link", path });
-    EXPECT_EQ(targetOf(path), another.device);
 }
 
 TEST(SimulatorLink, NothingElseIsReplaced)
