@@ -14,6 +14,7 @@ Purposes (build when none is named):
   test    GoogleTest, GoogleMock, RapidCheck and the independent Modbus peers
   check   Clang, clang-tidy, clang-format, coverage, Valgrind
   bench   Google Benchmark
+  docs    Doxygen
   qt6     Qt 6 in place of Qt 5, for the qt6 preset
 
 Options:
@@ -38,11 +39,14 @@ packages_of() {
     bench)
       echo libbenchmark-dev libqt5serialbus5-dev
       ;;
+    docs)
+      echo doxygen
+      ;;
     qt6)
       echo qt6-base-dev qt6-serialport-dev
       ;;
     *)
-      echo "packages.sh: no purpose '$1'; one of build, test, check, bench, qt6" >&2
+      echo "packages.sh: no purpose '$1'; one of build, test, check, bench, docs, qt6" >&2
       return 2
       ;;
   esac
