@@ -31,6 +31,9 @@ void readLine(ConfigTable table, LineSettings &line)
         line.parity);
     table.integer("stop_bits", 1, 2, line.stopBits);
     table.milliseconds("timeout_ms", 1, longestTimeoutMs, line.responseTimeout);
+    table.choice<GapRule>(
+        "gap", { { "standard", GapRule::Standard }, { "3.5 characters", GapRule::Characters } },
+        line.gap);
     table.choice<EchoMode>(
         "echo", { { "auto", EchoMode::Auto }, { "yes", EchoMode::Yes }, { "no", EchoMode::No } },
         line.echo);

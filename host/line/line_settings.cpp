@@ -37,9 +37,9 @@ Duration LineSettings::wireTime(int bytes) const
 Duration LineSettings::silentGap() const
 {
     constexpr int halfCharacters = 7;
-    return speed > fastestSpeedWithRelativeGap
-        ? fixedGap
-        : timeOfHalfBits(qint64 { halfCharacters } * bitsPerCharacter(*this), speed);
+    const bool isFixed = gap == GapRule::Standard && speed > fastestSpeedWithRelativeGap;
+    return isFixed ? fixedGap
+                   : timeOfHalfBits(qint64 { halfCharacters } * bitsPerCharacter(*this), speed);
 }
 
 } // namespace dx4::host

@@ -20,6 +20,12 @@ enum class EchoMode {
     No, ///< never: the first copy of a write is its reply
 };
 
+/// How long the silence between two frames is.
+enum class GapRule {
+    Standard, ///< 3.5 characters, fixed at 1.75 ms above 19200 bit/s, as the serial guide advises
+    Characters, ///< 3.5 characters at any speed: for stations known to listen again so soon
+};
+
 /// Settings of one line; data bits are always 8, as Modbus RTU has them.
 struct LineSettings {
     QString port; ///< device path, lasting name ("usb-...") or a name as the system lists it
@@ -27,6 +33,7 @@ struct LineSettings {
     Parity parity = Parity::None;
     int stopBits = 1; ///< 1 or 2
     Duration responseTimeout = std::chrono::milliseconds(300); ///< end of request to first byte
+    GapRule gap = GapRule::Standard;
     EchoMode echo = EchoMode::Auto;
     bool kernelSwitchesDirection = false; ///< RS-485 driver switched by the kernel over RTS
     bool isShared = false; ///< opened also where another program has the port open without a lock
@@ -38,7 +45,7 @@ struct LineSettings {
     /// Time of `bytes` characters back to back; may be less than so many characterTime().
     Duration wireTime(int bytes) const;
 
-    /// Silence that separates two frames: 3.5 characters, fixed at 1.75 ms above 19200 bit/s.
+    /// Silence that separates two frames, by the rule of `gap`.
     Duration silentGap() const;
 };
 

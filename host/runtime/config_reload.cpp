@@ -24,6 +24,7 @@ QStringList differences(const Config &running, const Config &wanted)
     compare(a.parity == b.parity, QStringLiteral("line.parity"));
     compare(a.stopBits == b.stopBits, QStringLiteral("line.stop_bits"));
     compare(a.responseTimeout == b.responseTimeout, QStringLiteral("line.timeout_ms"));
+    compare(a.gap == b.gap, QStringLiteral("line.gap"));
     compare(a.echo == b.echo, QStringLiteral("line.echo"));
     compare(a.kernelSwitchesDirection == b.kernelSwitchesDirection, QStringLiteral("line.rs485"));
     compare(a.isShared == b.isShared, QStringLiteral("line.shared"));

@@ -93,6 +93,7 @@ TEST(Config, WhatIsNotSaidStaysAtItsDefault)
     EXPECT_EQ(config->line.parity, Parity::None);
     EXPECT_EQ(config->line.responseTimeout, milliseconds(300));
     EXPECT_EQ(config->line.stopBits, 1);
+    EXPECT_EQ(config->line.gap, GapRule::Standard);
     EXPECT_EQ(config->line.echo, EchoMode::Auto);
     EXPECT_FALSE(config->line.kernelSwitchesDirection);
     EXPECT_FALSE(config->line.isShared);
@@ -107,19 +108,20 @@ TEST(Config, WhatIsNotSaidStaysAtItsDefault)
 
 TEST(Config, EveryKeyIsRead)
 {
-    const auto config = parseConfig("[line]\nport = \"p\"\nspeed = 300\nparity = \"odd\"\n"
-                                    "stop_bits = 2\ntimeout_ms = 7\necho = \"yes\"\n"
-                                    "rs485 = true\nshared = true\n"
-                                    "[link]\ntries = 9\nblock_size = 99\n"
-                                    "[stop]\ncontrol_word = 6\nconfirm_ms = 11\nbroadcast = true\n"
-                                    "[[station]]\naddress = 247\nname = \"s\"\n"
-                                    "extra_gap_ms = 13\n"
-                                    "[[station.register]]\nat = \"D 5\"\nname = \"r\"\n"
-                                    "unit = \"V\"\ndecimals = 3\nscale = 0.5\noffset = -4\n"
-                                    "signed = true\n"
-                                    "[states]\n15 = \"remote\"\n"
-                                    "[faults]\n0x11 = \"door open\"\n",
-                                    nullptr);
+    const auto config =
+        parseConfig("[line]\nport = \"p\"\nspeed = 300\nparity = \"odd\"\n"
+                    "stop_bits = 2\ntimeout_ms = 7\ngap = \"3.5 characters\"\necho = \"yes\"\n"
+                    "rs485 = true\nshared = true\n"
+                    "[link]\ntries = 9\nblock_size = 99\n"
+                    "[stop]\ncontrol_word = 6\nconfirm_ms = 11\nbroadcast = true\n"
+                    "[[station]]\naddress = 247\nname = \"s\"\n"
+                    "extra_gap_ms = 13\n"
+                    "[[station.register]]\nat = \"D 5\"\nname = \"r\"\n"
+                    "unit = \"V\"\ndecimals = 3\nscale = 0.5\noffset = -4\n"
+                    "signed = true\n"
+                    "[states]\n15 = \"remote\"\n"
+                    "[faults]\n0x11 = \"door open\"\n",
+                    nullptr);
 
     ASSERT_TRUE(config.has_value());
     EXPECT_EQ(config->line.port, QStringLiteral("p"));
@@ -127,6 +129,7 @@ TEST(Config, EveryKeyIsRead)
     EXPECT_EQ(config->line.parity, Parity::Odd);
     EXPECT_EQ(config->line.stopBits, 2);
     EXPECT_EQ(config->line.responseTimeout, milliseconds(7));
+    EXPECT_EQ(config->line.gap, GapRule::Characters);
     EXPECT_EQ(config->line.echo, EchoMode::Yes);
     EXPECT_TRUE(config->line.kernelSwitchesDirection);
     EXPECT_TRUE(config->line.isShared);
@@ -261,6 +264,9 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "ParityIsAWord",
                     "[line]\nport = \"a\"\nparity = \"E\"\n[[station]]\naddress = 1\n",
                     { "a.toml:3: parity: expected \"none\", \"even\", \"odd\"" } },
+        ConfigRow { "TheGapIsAText",
+                    "[line]\nport = \"a\"\ngap = 3.5\n[[station]]\naddress = 1\n",
+                    { "a.toml:3: gap: expected \"standard\", \"3.5 characters\"" } },
         ConfigRow { "TheEchoIsAWord",
                     "[line]\nport = \"a\"\necho = true\n[[station]]\naddress = 1\n",
                     { "a.toml:3: echo: expected \"auto\", \"yes\", \"no\"" } },
@@ -324,7 +330,7 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "AKeyWithALineBreak",
                     "[line]\n\"a\\nb\" = 1\n[[station]]\naddress = 1\n",
                     { "a.toml:2: a b: no such key; expected one of port, speed, parity, "
-                      "stop_bits, timeout_ms, echo, rs485, shared" } },
+                      "stop_bits, timeout_ms, gap, echo, rs485, shared" } },
         ConfigRow { "ANameWithALineBreak",
                     "[[station]]\naddress = 1\nname = \"x\\n\"\n"
                     "[[station]]\naddress = 2\nname = \"x\\n\"\n",

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+using dx4::host::GapRule;
 using dx4::host::LineSettings;
 using dx4::host::Parity;
 
@@ -69,4 +70,16 @@ TEST(LineSettings, TheGapIsFixedAbove19200)
 
     EXPECT_EQ(settings.silentGap().count(), 1750);
     EXPECT_EQ(faster.silentGap().count(), 1750);
+}
+
+TEST(LineSettings, TheGapIsThreeAndAHalfCharactersAtAnySpeedWhereThatWasAskedFor)
+{
+    LineSettings settings;
+    settings.speed = 115200;
+    settings.gap = GapRule::Characters;
+    LineSettings slow = settings;
+    slow.speed = 10000;
+
+    EXPECT_EQ(settings.silentGap().count(), 304); // 303.8
+    EXPECT_EQ(slow.silentGap().count(), 3500);
 }
