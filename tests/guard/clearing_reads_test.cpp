@@ -128,6 +128,21 @@ TEST_F(ClearingReads, BeginWithAnotherOneAfterARefusalThatMayHaveBeenMeant)
     EXPECT_EQ(sent(), (QVector<QByteArray> { framed("01 03 D0 00 00 03"), readOfB }));
 }
 
+TEST_F(ClearingReads, BeginWithAnotherOneAfterSuchARefusalAlsoWhereTheFirstIsOwedNoMore)
+{
+    askInVain(readA);
+    askInVain(readA);
+    inverter.replies = { replacedBy(framed("01 83 02")) };
+    guard.run(readB);
+    inverter.replies = { replacedBy(framed("01 03 02 00 01")) }; // the status word, late
+    guard.run(readA);
+    sent();
+
+    guard.run(readB);
+
+    EXPECT_EQ(sent(), (QVector<QByteArray> { framed("01 03 D0 08 00 01"), readOfB }));
+}
+
 TEST_F(ClearingReads, ThatAreTheLastRequestAreNotRepeatedWhereTheyCouldBeMistaken)
 {
     askInVain(asked("01 03 F0 00 00 01"));

@@ -37,6 +37,7 @@ TEST(DroppedWrites, EndAsRefusedOrAsTimedOutWhereTheyWereSent)
     EXPECT_EQ(under.outcomeRecords.at(1).text.toStdString(),
               "station 1, F 1.5 (0xF105): not sent: the program ends");
     EXPECT_EQ(under.host.pendingWrites(), 0);
+    EXPECT_EQ(under.host.link().waitingWrites(), 0);
 }
 
 TEST(ServiceEnd, EveryOpenWriteAndJobHasItsEnd)
