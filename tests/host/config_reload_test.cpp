@@ -125,14 +125,15 @@ TEST_F(ConfigReloadTest, ABadFileLeavesTheWaitingPlanWaiting)
 TEST_F(ConfigReloadTest, EverySettingOfTheLineThatDiffersIsNamed)
 {
     prepare("[line]\nport = \"b\"\nspeed = 19200\nparity = \"odd\"\nstop_bits = 2\n"
-            "timeout_ms = 50\ngap = \"3.5 characters\"\necho = \"no\"\nrs485 = true\nshared = true\n[link]\ntries = "
+            "timeout_ms = 50\ngap = \"3.5 characters\"\necho = \"no\"\nrs485 = true\nshared = "
+            "true\n[link]\ntries = "
             "2\nblock_size = 8\n"
             "[[station]]\naddress = 1\n");
 
-    EXPECT_EQ(
-        reload.needRestart().join(QLatin1Char(' ')).toStdString(),
-        "line.port line.speed line.parity line.stop_bits line.timeout_ms line.gap line.echo line.rs485 "
-        "line.shared link.tries link.block_size");
+    EXPECT_EQ(reload.needRestart().join(QLatin1Char(' ')).toStdString(),
+              "line.port line.speed line.parity line.stop_bits line.timeout_ms line.gap line.echo "
+              "line.rs485 "
+              "line.shared link.tries link.block_size");
 }
 
 TEST_F(ConfigReloadTest, FileWithoutAPortAsksForNoOther)
