@@ -153,6 +153,10 @@ TEST(ServiceWithoutLine, SaysWhyAndRefusesEverything)
               (Texts { "no driver", "station 1, FRE 0 (0x1002): no driver", "no driver",
                        "NOTHING WAS STOPPED, the drives may still run: no driver" }));
     EXPECT_FALSE(service.snapshot()->isOpen);
+
+    service.submit({ 1, QStringLiteral("FRE"), 0, { 6 } });
+    under.waitFor([&] { return told.size() == 5; });
+    EXPECT_EQ(told.back(), "station 1, FRE 0 (0x1002): no driver") << "the stop has ended";
 }
 
 TEST(ServiceWithoutLine, AFactoryMayThrow)
