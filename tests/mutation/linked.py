@@ -4,8 +4,9 @@
 
 Works beside a finished build: a changed file is compiled as that build compiles it, and the test
 programs are linked anew with the changed object before the library. Neither the tree nor the build is
-touched. The programs that see a file are those whose link takes it out of the library. Tests that
-noticed a change of the same file come first, those that take long come last. Ends with 1 when a
+touched. The programs that see a file are those whose link takes it out of the library; of their tests
+those are played that enter the changed function. Tests that noticed a change of the same file come
+first, those that take long come last. Ends with 1 when a
 change survives that explained_TREE.txt does not explain, or when a line there is no longer in its file.
 """
 
@@ -20,6 +21,7 @@ import random
 import re
 import resource
 import shlex
+import shutil
 import signal
 import subprocess
 import sys
@@ -29,6 +31,7 @@ import time
 
 import explained
 import mutate
+import visits
 
 ROOT = mutate.ROOT
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -58,10 +61,10 @@ def limit():
     resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
 
 
-def play(command, folder, seconds):
+def play(command, folder, seconds, **environment):
     """Whether the command ends well in time, and what it said."""
     with subprocess.Popen(command, cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                          stdin=subprocess.DEVNULL, env=dict(os.environ, TMPDIR=folder, **SHORT_RUNS),
+                          stdin=subprocess.DEVNULL, env=dict(os.environ, TMPDIR=folder, **SHORT_RUNS, **environment),
                           preexec_fn=limit) as run:
         try:
             output, _ = run.communicate(timeout=seconds)
@@ -87,6 +90,7 @@ class Program:
         parts = [part for line in commands for part in line.split(" && ")]
         self.words = shlex.split(next(part for part in parts if " -o %s " % self.target in part))
         self.quick, self.slow, self.seconds = [], [], {}
+        self.visits = visits.Visits()
         self.sees = self.files_seen()
 
     def files_seen(self):
@@ -105,21 +109,24 @@ class Program:
         words[place:place] = objects
         return words
 
-    def link(self, output, changed):
-        words = self.link_words(output, [changed]) + ["-Wl,--strip-debug", "-fuse-ld=mold"]
+    def link(self, output, objects):
+        words = self.link_words(output, objects) + ["-fuse-ld=mold"]
         done = subprocess.run(words, cwd=self.build, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, text=True, check=False)
         if done.returncode != 0:
             sys.exit(done.stdout[-2000:] + "\nlinked.py: cannot link " + self.target)
 
-    def learn_tests(self):
-        """Plays all tests once, without a change, and sorts them by how long they take."""
-        passed, output = play([os.path.join(self.build, self.target)], self.build, 900)
+    def learn_tests(self, objects, folder):
+        """Plays all tests once with recording objects, and sorts them by how long they take."""
+        recording = os.path.join(folder, self.name)
+        self.link(recording, objects)
+        passed, output = play([recording], folder, 1800, KORVANE_VISITS=recording + ".visits")
         if not passed:
             sys.exit(output[-3000:] + "\nlinked.py: fails without a change: " + self.target)
         for name, time_taken in re.findall(r"\[       OK \] ([\w./]+).*\((\d+) ms\)", output):
             self.seconds[name] = int(time_taken) / 1000
             (self.slow if self.seconds[name] > SLOW else self.quick).append(name)
+        self.visits.read(recording, recording + ".visits")
 
     def time_of(self, tests):
         return sum(self.seconds[name] for name in tests)
@@ -145,6 +152,7 @@ class Judge:
         self.quick = quick
         self.unchanged = {}
         self.headers = {}
+        self.blocks = {}
         self.lock = threading.Lock()
         self.shelf = tempfile.TemporaryDirectory()
         self.killers = collections.defaultdict(collections.Counter)
@@ -184,6 +192,37 @@ class Judge:
         with open(os.path.join(folder, "changed.o"), "rb") as stream:
             return hashlib.sha256(stream.read()).digest()
 
+    def learn_tests(self, paths, folder):
+        """Has each program play its tests once, with the files that are to be changed recording."""
+        shutil.rmtree(folder, ignore_errors=True)
+        os.makedirs(folder)
+        recorder = os.path.join(folder, "recorder.o")
+        first = next(iter(paths))
+        if not self.run_compiler(first, ["-c", os.path.join(HERE, "visit_recorder.cpp"), "-o", recorder]):
+            sys.exit("linked.py: cannot compile visit_recorder.cpp")
+
+        def recording(path):
+            output = os.path.join(folder, os.path.basename(path) + ".o")
+            if not self.run_compiler(path, ["-g1", "-finstrument-functions",
+                                            "-finstrument-functions-exclude-file-list=/usr/",
+                                            "-c", os.path.join(ROOT, path), "-o", output]):
+                sys.exit("linked.py: cannot compile " + path)
+            return os.path.basename(path), output
+
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            objects = dict(pool.map(recording, paths))
+        for program in self.programs:
+            program.learn_tests([recorder] + [objects[name] for name in objects if name in program.sees],
+                                folder)
+
+    def entered_by(self, program, mutant):
+        """The tests of a program that enter the changed function; None where any may notice."""
+        if mutant.file not in self.blocks:
+            with open(os.path.join(ROOT, mutant.file), encoding="utf-8") as stream:
+                self.blocks[mutant.file] = visits.Blocks(stream.read())
+        span = self.blocks[mutant.file].of(mutant.line)
+        return program.visits.of(mutant.file, span) if span else None
+
     def outcome(self, mutant, folder):
         """What became of a change and, if 'killed', the test that noticed."""
         with open(os.path.join(ROOT, mutant.file), encoding="utf-8") as stream:
@@ -199,11 +238,11 @@ class Judge:
 
     def outcome_of_tests(self, mutant, folder):
         linked = {}
-        for program, tests in self.rounds(mutant.file):
+        for program, tests in self.rounds(mutant):
             changed = linked.get(program)
             if not changed:
                 changed = linked[program] = os.path.join(folder, program.name)
-                program.link(changed, os.path.join(folder, "changed.o"))
+                program.link(changed, [os.path.join(folder, "changed.o"), "-Wl,--strip-debug"])
             passed, output = play([changed, "--gtest_brief=1", "--gtest_fail_fast",
                                    "--gtest_filter=" + ":".join(tests)], folder,
                                   6 + 6 * program.time_of(tests))
@@ -224,24 +263,32 @@ class Judge:
         """Whether a test that failed passes when it is played once more: the machine is busy."""
         return play([program, "--gtest_filter=" + test], folder, 60)[0]
 
-    def rounds(self, path):
+    def rounds(self, mutant):
         """Programs and tests in the order in which they are played."""
-        seeing = [program for program in self.programs if os.path.basename(path) in program.sees
-                  and not (self.quick and program.time_of(program.quick) > LONG)]
+        path = mutant.file
+        seeing = [program for program in self.programs if os.path.basename(path) in program.sees]
+        entered = {program: self.entered_by(program, mutant) for program in seeing}
+        if any(entered.values()):
+            seeing = [program for program in seeing if entered[program]]
+        quick = {program: visits.chosen(program.quick, entered[program]) for program in seeing}
+        seeing = [program for program in seeing
+                  if not (self.quick and program.time_of(quick[program]) > LONG)]
         best = collections.defaultdict(list)
         for (program, test), _ in self.killers[path].most_common(12):
-            best[program].append(test)
+            if program in seeing and visits.chosen([test], entered[program]):
+                best[program].append(test)
         yield from best.items()
         kills = {program: sum(count for (killer, _), count in self.killers[path].items()
                               if killer is program) for program in seeing}
-        seeing.sort(key=lambda program: (-kills[program], program.time_of(program.quick)))
+        seeing.sort(key=lambda program: (-kills[program], program.time_of(quick[program])))
         for program in seeing:
-            yield from ((program, portion) for portion in program.portions(program.quick))
+            yield from ((program, portion) for portion in program.portions(quick[program]))
         if self.quick:
             return
-        seeing.sort(key=lambda program: program.time_of(program.slow))
+        slow = {program: visits.chosen(program.slow, entered[program]) for program in seeing}
+        seeing.sort(key=lambda program: program.time_of(slow[program]))
         for program in seeing:
-            yield from ((program, portion) for portion in program.portions(program.slow))
+            yield from ((program, portion) for portion in program.portions(slow[program]))
 
 
 def sources(tree, patterns, seen):
@@ -382,11 +429,11 @@ def main():
         stream.writelines(json.dumps(result) + "\n" for result in done)
     known = {mutate.key_of(mutate.mutant_of(result)) for result in done}
     left = [mutant for mutant in mutants if mutate.key_of(mutant) not in known]
-    needed = {os.path.basename(mutant.file) for mutant in left}
-    programs = [program for program in programs if program.sees & needed]
-    for program in programs:
-        program.learn_tests()
+    needed = sorted({mutant.file for mutant in left})
+    programs = [program for program in programs if program.sees & set(map(os.path.basename, needed))]
     judge = Judge(programs, options.build, options.quick)
+    if needed:
+        judge.learn_tests(needed, os.path.join(options.work, "visits"))
     done += play_all(left, judge, options, results_path) if left else []
     return 0 if print_summary(done, names, options) else 1
 
