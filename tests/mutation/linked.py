@@ -401,6 +401,7 @@ def chosen(mutants, options):
 
 def main():
     options = parse_arguments()
+    options.build, options.work = os.path.abspath(options.build), os.path.abspath(options.work)
     tree = TREES[options.tree]
     os.makedirs(options.work, exist_ok=True)
     subprocess.run(["ninja", "-C", options.build] + ["tests/" + name for name in tree.programs],
