@@ -17,8 +17,8 @@ namespace {
 struct Ends {
     QString firstGroup;
     QString lastGroup;
-    int first = 0;
-    int last = 0;
+    int first;
+    int last;
 };
 
 std::optional<Ends> parseEnds(const QString &regType, const QString &text)
@@ -31,12 +31,11 @@ std::optional<Ends> parseEnds(const QString &regType, const QString &text)
     const auto match = (regType == REG_LIST[TypeF] ? parameters : numbers).match(text);
     if (!match.hasMatch())
         return std::nullopt;
-    Ends ends;
-    ends.firstGroup = match.captured(1).toLower();
-    ends.lastGroup = match.captured(3).isEmpty() ? ends.firstGroup : match.captured(3).toLower();
-    ends.first = parseWholeNumber(match.captured(2)).value_or(0);
-    ends.last = parseWholeNumber(match.captured(4)).value_or(ends.first);
-    return ends;
+    const QString group = match.captured(1).toLower();
+    const QString lastGroup = match.captured(3).toLower();
+    const int first = match.captured(2).toInt();
+    return Ends { group, lastGroup.isEmpty() ? group : lastGroup, first,
+                  parseWholeNumber(match.captured(4)).value_or(first) };
 }
 
 bool isKnown(const QString &regType)

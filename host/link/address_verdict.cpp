@@ -9,6 +9,11 @@
 namespace dx4::host {
 namespace {
 
+QString noSuchGroup()
+{
+    return QStringLiteral("no such group; groups are 0 to 9 and c");
+}
+
 QString outOfRange(const QString &regType, int address)
 {
     const QString where = fullAddress(regType, address);
@@ -19,12 +24,14 @@ QString outOfRange(const QString &regType, int address)
             .arg(last)
             .arg(QString::number(modbusRegister(regType, last), 16).toUpper());
     }
-    const int group = address / indexesPerGroup;
-    if (regType != REG_LIST[TypeF] || address < 0 || group >= parameterGroupCount)
+    if (regType != REG_LIST[TypeF])
         return QStringLiteral("%1 is out of range; %2 has address 0 alone").arg(where, regType);
+    const int group = address / indexesPerGroup;
+    if (address < 0 || group >= parameterGroupCount)
+        return noSuchGroup();
     const int first = group * indexesPerGroup;
     return QStringLiteral("%1 is out of range; the group reaches from %2 to %3")
-        .arg(where, fullAddress(regType, first + REG_F_ADDRESS[group][0]),
+        .arg(where, fullAddress(regType, first),
              fullAddress(regType, first + REG_F_ADDRESS[group][1]));
 }
 
@@ -61,7 +68,7 @@ QString addressVerdictText(int code, const QString &regType, int address)
         return outOfRange(regType, address);
     case AddressTypeUnknown:
         return registerTypeNames().contains(regType)
-            ? QStringLiteral("no such group; groups are 0 to 9 and c")
+            ? noSuchGroup()
             : QStringLiteral("no register type \"%1\"; types are %2")
                   .arg(regType, registerTypeNames().join(QStringLiteral(", ")));
     case AddressReadOnly:
