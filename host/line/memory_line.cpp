@@ -86,7 +86,7 @@ bool MemoryLine::awaitSilence(Duration gap, Duration deadline)
     }
     const Duration silentAt = m_lastActivity + gap;
     m_now = std::max(m_now, std::min(silentAt, deadline));
-    return silentAt <= deadline || silentAt <= m_now;
+    return silentAt <= m_now;
 }
 
 void MemoryLine::inject(const QByteArray &bytes, Duration delay)

@@ -161,7 +161,6 @@ void Link::write(int station, const QString &regType, int address, const QVector
                  int tag)
 {
     std::vector<unsigned char> bytes;
-    bytes.reserve(static_cast<size_t>(values.size()) * 2);
     for (quint16 value : values) {
         bytes.push_back(static_cast<unsigned char>(value & 0xFF));
         bytes.push_back(static_cast<unsigned char>(value >> 8));

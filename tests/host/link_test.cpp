@@ -39,6 +39,7 @@ TEST(LinkSettings, MakeThePropertyText)
     settings.blockSize = 20;
 
     EXPECT_EQ(settings.propertyText(), QByteArray("4#1#0#2#20"));
+    EXPECT_EQ(LinkSettings().propertyText(), QByteArray("1#0#0#3#16"));
 }
 
 TEST(Link, TellsTheDriverItsSettings)
@@ -64,7 +65,9 @@ TEST(Link, LendsABlockWithBothRequestBytesAtRest)
     ASSERT_NE(state.hostBlock, nullptr);
     EXPECT_EQ(state.hostBlock[60115], 0);
     EXPECT_EQ(state.hostBlock[60116], 0);
-    EXPECT_NE(state.recipeBuffer, nullptr);
+    ASSERT_NE(state.recipeBuffer, nullptr);
+    EXPECT_EQ(state.recipeBuffer[0], 0);
+    EXPECT_EQ(state.recipeBuffer[65535], 0);
     EXPECT_NE(state.hostMutex, nullptr);
 }
 
@@ -91,6 +94,87 @@ TEST(Link, ShowsAWrittenValueWhileItsWriteWaits)
     EXPECT_EQ(link.values(1, QStringLiteral("F"), 3, 2), (QVector<quint16> { 0x1234, 0xFFFE }));
     EXPECT_TRUE(link.registerState(1, QStringLiteral("F"), 4).writePending);
     EXPECT_EQ(link.waitingWrites(), 1);
+}
+
+TEST(Link, TellsRegistersApartByStationTypeAndAddress)
+{
+    Link link(privateCopy(), LinkSettings());
+    link.write(1, QStringLiteral("F"), 0, { 0x0103, 0x0507 });
+    link.write(2, QStringLiteral("F"), 0, { 0xFF01 });
+    link.write(1, QStringLiteral("FRE"), 0, { 0x80FF });
+
+    for (int i = 0; i < 2; ++i) { // looked for, then remembered
+        EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 0).value, 0x0103);
+        EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 1).value, 0x0507);
+        EXPECT_EQ(link.registerState(2, QStringLiteral("F"), 0).value, 0xFF01);
+        EXPECT_EQ(link.registerState(1, QStringLiteral("FRE"), 0).value, 0x80FF);
+    }
+    EXPECT_EQ(link.values(1, QStringLiteral("F"), 0, 2), (QVector<quint16> { 0x0103, 0x0507 }));
+    EXPECT_EQ(link.values(2, QStringLiteral("F"), 0), QVector<quint16> { 0xFF01 });
+}
+
+TEST(Link, OfNoRegisterThereAreNoValues)
+{
+    Link link(privateCopy(), LinkSettings());
+
+    EXPECT_TRUE(link.values(1, typeD, 0, 0).isEmpty());
+    EXPECT_TRUE(link.values(1, typeD, 0, -1).isEmpty());
+    EXPECT_EQ(link.values(1, typeD, 0, 2), (QVector<quint16> { 0, 0 }));
+}
+
+TEST(Link, PassesTheDriversLineAboutARequestOn)
+{
+    Link link(privateCopy(), LinkSettings());
+    link.poll({ wanted(2, typeD, 3, 2) });
+    FRAME_PRO frame;
+    link.nextFrame(frame);
+    QString text;
+
+    const auto result = link.handReply(QByteArray(3, 'x'), &text);
+
+    EXPECT_EQ(result, dx4::ReplyBad);
+    EXPECT_EQ(text.toStdString(), "2#D3(2)(3)");
+}
+
+TEST(Link, FailsWritesAndNothingElse)
+{
+    Link link(privateCopy(), LinkSettings());
+    link.poll({ wanted(1, typeD, 0) });
+
+    link.failWrites();
+    EXPECT_TRUE(link.api().state->sendFrames.isEmpty()) << "no write waits";
+
+    for (int i = 0; i < 20; ++i)
+        link.write(1, QStringLiteral("F"), 2 * i, { 1 });
+    EXPECT_EQ(link.waitingWrites(), 20);
+    link.failWrites();
+    EXPECT_EQ(link.waitingWrites(), 0);
+    EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 38).value, 0);
+}
+
+TEST(Link, FailsWhatIsAheadOfAWriteThatWaits)
+{
+    Link link(privateCopy(), LinkSettings());
+    link.poll({ wanted(1, typeD, 0) });
+    for (int i = 0; i < 12; ++i)
+        link.write(1, QStringLiteral("F"), 2 * i, { 1 }, 100 + i);
+
+    link.failAhead(111);
+
+    FRAME_PRO frame;
+    EXPECT_TRUE(link.nextFrame(frame));
+    EXPECT_EQ(frame.var.varKind, 111);
+    EXPECT_EQ(link.waitingWrites(), 1);
+}
+
+TEST(Link, FailsNothingAheadOfAWriteThatDoesNotWait)
+{
+    Link link(privateCopy(), LinkSettings());
+    link.poll({ wanted(1, typeD, 0) });
+
+    link.failAhead(1);
+
+    EXPECT_TRUE(link.api().state->sendFrames.isEmpty());
 }
 
 TEST(Link, KnowsWhetherAWriteHandedOverNowWouldBeSentNext)
@@ -128,7 +212,7 @@ TEST(Link, FindsARegisterWhereverTheDriverHasMovedIt)
 
     EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 4).value, 40);
     EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 5).value, 50);
-    link.api().state->dataAreas.clear();
+    link.api().state->dataAreas.removeLast(); // the one of F 4
     EXPECT_EQ(link.registerState(1, QStringLiteral("F"), 4).value, 0);
 }
 

@@ -124,6 +124,88 @@ TEST(MemoryLine, BytesThatArriveInTheGapStartItAfreshAndAreDropped)
     EXPECT_EQ(line.discardInput(), 0);
 }
 
+TEST(MemoryLine, SilenceCountsFromTheEndOfWhatWasSent)
+{
+    MemoryLine line(silence, slow());
+    line.send("1234");
+
+    const bool silent = line.awaitSilence(Duration(3500), milliseconds(1000));
+
+    EXPECT_TRUE(silent);
+    EXPECT_EQ(line.now(), Duration(4000 + 3500));
+}
+
+TEST(MemoryLine, SilenceCountsFromBytesThatCameBeforeAnybodyLooked)
+{
+    MemoryLine line(silence, slow());
+    line.inject("ab", milliseconds(40)); // at 41 and 42 ms
+    line.advance(milliseconds(43));
+
+    const bool silent = line.awaitSilence(Duration(3500), milliseconds(1000));
+
+    EXPECT_TRUE(silent);
+    EXPECT_EQ(line.now(), Duration(42000 + 3500));
+    EXPECT_EQ(line.discardInput(), 0);
+}
+
+TEST(MemoryLine, AByteAtTheEndOfTheGapComesAfterIt)
+{
+    MemoryLine line(silence, slow());
+    line.send("?");
+    line.inject("a", Duration(2500)); // at 4.5 ms
+
+    const bool silent = line.awaitSilence(Duration(3500), milliseconds(1000));
+
+    EXPECT_TRUE(silent);
+    EXPECT_EQ(line.now(), Duration(4500));
+}
+
+TEST(MemoryLine, AByteAtTheDeadlineStillCounts)
+{
+    MemoryLine line(silence, slow());
+    line.send("?");
+    line.inject("a", milliseconds(1)); // at 3 ms
+
+    const bool silent = line.awaitSilence(Duration(3500), milliseconds(3));
+
+    EXPECT_FALSE(silent);
+    EXPECT_EQ(line.now(), milliseconds(3));
+    EXPECT_EQ(line.discardInput(), 0);
+}
+
+TEST(MemoryLine, TheDeadlineItselfIsInTimeForSilence)
+{
+    MemoryLine line(silence, slow());
+    line.send("?");
+
+    EXPECT_TRUE(line.awaitSilence(Duration(3500), Duration(4500)));
+    EXPECT_FALSE(line.awaitSilence(Duration(3501), Duration(4500)));
+}
+
+TEST(MemoryLine, BytesThatArriveAtOneTimeKeepTheirOrder)
+{
+    MemoryLine line(silence, slow());
+    line.inject("ab");
+    line.inject("cd");
+
+    EXPECT_EQ(line.receive(4, milliseconds(100)), QByteArray("acbd"));
+}
+
+TEST(MemoryLine, AClosedLineHasNothingAndTakesNoTime)
+{
+    MemoryLine line(silence, slow());
+    line.inject("ab");
+    line.close();
+
+    const QByteArray whileClosed = line.receive(2, milliseconds(100));
+    const Duration waited = line.now();
+    line.open(nullptr);
+
+    EXPECT_EQ(whileClosed, QByteArray());
+    EXPECT_EQ(waited, milliseconds(0));
+    EXPECT_EQ(line.receive(2, milliseconds(100)), QByteArray()) << "they went with the line";
+}
+
 TEST(MemoryLine, AChatteringLineIsNotSilentByTheDeadline)
 {
     MemoryLine line(silence, slow());
@@ -154,6 +236,19 @@ TEST(MemoryLine, AnUnpluggedLineRefusesUntilItIsPluggedInAndOpened)
     EXPECT_TRUE(line.send("?"));
 }
 
+TEST(MemoryLine, NobodyNeedsToAskWhyItIsClosed)
+{
+    MemoryLine line(silence, slow());
+    QString error;
+
+    const bool openedFirst = line.open(&error);
+    line.unplug();
+
+    EXPECT_TRUE(openedFirst);
+    EXPECT_EQ(error, QString());
+    EXPECT_FALSE(line.open(nullptr));
+}
+
 TEST(MemoryLine, RefusesToBeWithoutAResponder)
 {
     EXPECT_THROW(MemoryLine(nullptr), std::invalid_argument);
@@ -172,11 +267,34 @@ TEST(MemoryLine, AFrameThatMeetsArrivingBytesIsLostWithThem)
     line.inject("abcdefghij", milliseconds(0)); // at 1 to 10 ms
     line.receive(4, milliseconds(4));
 
-    line.send("1234");
+    const bool sent = line.send("1234");
 
+    EXPECT_TRUE(sent) << "its sender does not notice";
     EXPECT_EQ(heard, 0);
     EXPECT_EQ(line.now(), milliseconds(8));
     EXPECT_EQ(line.receive(10, milliseconds(50)), QByteArray("ij"));
+}
+
+TEST(MemoryLine, AByteThatCameAsAFrameBeginsIsNotHit)
+{
+    MemoryLine line(hello, slow());
+    line.letFramesCollide();
+    line.inject("a");
+    line.advance(milliseconds(1));
+
+    line.send("?");
+
+    EXPECT_EQ(line.receive(6, milliseconds(100)), QByteArray("ahello"));
+}
+
+TEST(MemoryLine, FramesDoNotCollideUntilTheyMay)
+{
+    MemoryLine line(hello, slow());
+    line.inject("ab");
+
+    line.send("??");
+
+    EXPECT_EQ(line.receive(7, milliseconds(100)), QByteArray("abhello"));
 }
 
 TEST(MemoryLine, AFrameBetweenTwoOthersIsHeard)

@@ -28,10 +28,10 @@ LinkSettings blocksOf(int registers)
 }
 
 /// Blocks as "station type address count".
-Texts blockTexts(const Plan &plan)
+Texts textsOf(const QList<KEY_ADDRESS> &blocks)
 {
     Texts texts;
-    for (const KEY_ADDRESS &block : plan.blocks)
+    for (const KEY_ADDRESS &block : blocks)
         texts.push_back(std::to_string(block.station) + ' ' + block.regType.toStdString() + ' '
                         + std::to_string(block.address) + ' ' + std::to_string(block.count));
     return texts;
@@ -42,7 +42,7 @@ Texts planned(const QVector<PlanEntry> &entries, int blockSize = 16)
     Planner planner(privateCopy(), blocksOf(blockSize));
     QString error;
     const auto plan = planner.make(entries, &error);
-    return plan ? blockTexts(*plan) : Texts { error.toStdString() };
+    return plan ? textsOf(plan->blocks) : Texts { error.toStdString() };
 }
 
 } // namespace
@@ -78,6 +78,31 @@ TEST(Plan, GroupsStayApartAndBlocksKeepTheirSize)
                         { 1, QStringLiteral("F c.13") } },
                       4),
               (Texts { "1 F 16 3", "1 F 256 4", "1 F 260 1", "1 F 2573 1" }));
+}
+
+TEST(Plan, HandsOverRunsThatNeitherOverlapNorTouch)
+{
+    Planner planner(privateCopy(), blocksOf(4));
+
+    const auto plan = planner.make({ { 1, QStringLiteral("F 0.1-0.9") },
+                                     { 1, QStringLiteral("F 0.3") },
+                                     { 1, QStringLiteral("F 0.11") },
+                                     { 1, QStringLiteral("SW") },
+                                     { 1, QStringLiteral("FU") },
+                                     { 2, QStringLiteral("F 1.2-1.3") } },
+                                   nullptr);
+
+    ASSERT_TRUE(plan);
+    EXPECT_EQ(textsOf(plan->addresses),
+              (Texts { "1 F 1 4", "1 F 5 4", "1 F 9 1", "1 F 11 1", "1 FU 0 1", "1 SW 0 1",
+                       "2 F 258 2" }));
+}
+
+TEST(Plan, TheSameWishManyTimesIsReadOnce)
+{
+    const QVector<PlanEntry> entries(500, { 1, QStringLiteral("D 4-5") });
+
+    EXPECT_EQ(planned(entries), Texts { "1 D 4 2" });
 }
 
 TEST(Plan, BlocksAreOf1To123RegistersAtMost)
