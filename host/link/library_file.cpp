@@ -66,9 +66,10 @@ bool writeAll(int descriptor, const QByteArray &bytes)
     for (qsizetype done = 0; done < bytes.size();) {
         const ssize_t count = ::write(descriptor, bytes.constData() + done,
                                       static_cast<std::size_t>(bytes.size() - done));
-        if (count < 0 && errno != EINTR)
+        if (count >= 0)
+            done += count;
+        else if (errno != EINTR)
             return false;
-        done += count > 0 ? count : 0;
     }
     return true;
 }
@@ -151,9 +152,13 @@ private:
 
 QStringList foldersForCopies()
 {
-    QStringList folders { QDir::tempPath() };
+    // Of a folder that is missing it gives no path, and a file in that would lie in the root
+    // folder.
+    const QString existing = QDir::tempPath();
+    const QString temporary = existing.isEmpty() ? qEnvironmentVariable("TMPDIR") : existing;
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (QDir::isAbsolutePath(runtime) && runtime != folders.constFirst())
+    QStringList folders { temporary };
+    if (QDir::isAbsolutePath(runtime) && runtime != temporary)
         folders.append(runtime);
     return folders;
 }

@@ -10,11 +10,17 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <dlfcn.h>
+#include <elf.h>
+#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <cstring>
+#include <regex>
 
 using dx4::host::DriverFile;
 using dx4::host::locateDriver;
@@ -83,6 +89,64 @@ public:
     const QString path;
 };
 
+/// The file that a loaded driver came from, as the loader knows it.
+std::string loadedFrom(const Plugin &plugin)
+{
+    Dl_info info = {};
+    EXPECT_NE(dladdr(plugin.api().state, &info), 0);
+    return info.dli_fname;
+}
+
+int openDescriptors()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files).size();
+}
+
+/// Standard input, closed for one test: the next file that is opened has its number.
+class NoStandardInput {
+public:
+    NoStandardInput()
+        : m_kept(fcntl(0, F_DUPFD_CLOEXEC, 3))
+    {
+        close(0);
+    }
+    ~NoStandardInput()
+    {
+        if (m_kept >= 0) {
+            dup2(m_kept, 0);
+            close(m_kept);
+        }
+    }
+    NoStandardInput(const NoStandardInput &) = delete;
+    NoStandardInput &operator=(const NoStandardInput &) = delete;
+
+private:
+    int m_kept;
+};
+
+/// The beginning of a library of another machine, which is all that it has.
+class ForeignLibrary {
+public:
+    ForeignLibrary()
+        : path(m_folder.filePath(QStringLiteral("foreign.so")))
+    {
+        Elf64_Ehdr head = {};
+        std::memcpy(head.e_ident, ELFMAG, SELFMAG);
+        head.e_ident[EI_CLASS] = sizeof(void *) == 8 ? ELFCLASS32 : ELFCLASS64;
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        EXPECT_EQ(file.write(QByteArray(reinterpret_cast<const char *>(&head), sizeof head)
+                             + QByteArray(1000, '\0')),
+                  qint64 { sizeof head } + 1000);
+    }
+
+private:
+    QTemporaryDir m_folder;
+
+public:
+    const QString path;
+};
+
 constexpr int noNamespaces = 77;
 
 /// Loads two copies with a small file system of its own as the folder for temporary files, and
@@ -126,7 +190,25 @@ TEST(Plugin, ResolvesEveryName)
     QString page;
     plugin->api().getDriverPropertyPage(page);
     EXPECT_EQ(page, QStringLiteral("0_0"));
-    EXPECT_NE(plugin->api().state, nullptr);
+    const dx4::host::DriverApi &api = plugin->api();
+    EXPECT_NE(api.getProtocolType, nullptr);
+    EXPECT_NE(api.getDriverParameter, nullptr);
+    EXPECT_NE(api.setDriverPropertyPage, nullptr);
+    EXPECT_NE(api.setAddrValueChangeCallBack, nullptr);
+    EXPECT_NE(api.initProperty, nullptr);
+    EXPECT_NE(api.getRegListByType, nullptr);
+    EXPECT_NE(api.getRegDiscription, nullptr);
+    EXPECT_NE(api.checkAddrValidity, nullptr);
+    EXPECT_NE(api.checkAddr, nullptr);
+    EXPECT_NE(api.multiCopy, nullptr);
+    EXPECT_NE(api.setRcpAddress, nullptr);
+    EXPECT_NE(api.addrMerge, nullptr);
+    EXPECT_NE(api.getSendFrame, nullptr);
+    EXPECT_NE(api.addConditionRead, nullptr);
+    EXPECT_NE(api.dealRcvFrame, nullptr);
+    EXPECT_NE(api.getData, nullptr);
+    EXPECT_NE(api.setData, nullptr);
+    EXPECT_NE(api.state, nullptr);
 }
 
 TEST(Plugin, ListsAllMissingNamesAtOnce)
@@ -150,8 +232,8 @@ TEST(Plugin, SaysWhichFileCannotBeLoaded)
         Plugin::load(QStringLiteral("/no/such/driver.so"), Plugin::Instance::Shared, &error);
 
     EXPECT_FALSE(plugin);
-    EXPECT_TRUE(error.startsWith(QStringLiteral("cannot load the driver: /no/such/driver.so:")))
-        << error.toStdString();
+    EXPECT_EQ(error.toStdString(),
+              "cannot load the driver: /no/such/driver.so: No such file or directory");
 }
 
 TEST(Plugin, SaysWhichFileCannotBeCopied)
@@ -162,8 +244,33 @@ TEST(Plugin, SaysWhichFileCannotBeCopied)
         Plugin::load(QStringLiteral("/no/such/driver.so"), Plugin::Instance::PrivateCopy, &error);
 
     EXPECT_FALSE(plugin);
-    EXPECT_TRUE(error.startsWith(QStringLiteral("cannot copy the driver /no/such/driver.so:")))
-        << error.toStdString();
+    EXPECT_EQ(error.toStdString(),
+              "cannot copy the driver /no/such/driver.so: No such file or directory");
+}
+
+TEST(Plugin, WhyItIsNotLoadedNeedNotBeAskedFor)
+{
+    EXPECT_FALSE(Plugin::load(QStringLiteral("/no/such/driver.so")));
+    EXPECT_FALSE(Plugin::load(QStringLiteral("/no/such/driver.so"), Plugin::Instance::PrivateCopy));
+    EXPECT_FALSE(Plugin::load(QStringLiteral(KORVANE_INCOMPLETE_PLUGIN_FILE)));
+}
+
+TEST(Plugin, WhatTheLoaderSaysIsPassedOn)
+{
+    const ForeignLibrary foreign;
+    QString shared;
+    QString copied;
+
+    EXPECT_FALSE(Plugin::load(foreign.path, Plugin::Instance::Shared, &shared));
+    EXPECT_FALSE(Plugin::load(foreign.path, Plugin::Instance::PrivateCopy, &copied));
+
+    const std::string path = foreign.path.toStdString();
+    EXPECT_EQ(shared.toStdString(),
+              "cannot load the driver: " + path + ": wrong ELF class: ELFCLASS32");
+    EXPECT_TRUE(copied.startsWith(QStringLiteral("cannot load the driver %1: ").arg(foreign.path)))
+        << copied.toStdString();
+    EXPECT_TRUE(copied.endsWith(QStringLiteral(": wrong ELF class: ELFCLASS32")))
+        << copied.toStdString();
 }
 
 TEST(Plugin, LoadedTwiceSharesOneState)
@@ -198,6 +305,68 @@ TEST(Plugin, APrivateCopyLeavesNoFileBehind)
     EXPECT_TRUE(QDir(folder.path()).isEmpty());
 }
 
+TEST(Plugin, APrivateCopyIsLoadedFromTheFolderForTemporaryFilesUnderANewName)
+{
+    const QTemporaryDir folder;
+    const Variable temporary("TMPDIR", QFile::encodeName(folder.path()));
+
+    const auto first = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+    const auto second = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+
+    ASSERT_TRUE(first && second);
+    const std::regex name(folder.path().toStdString() + "/korvane_dx4-" + std::to_string(getpid())
+                          + "-([0-9]+)-[A-Za-z0-9]{6}\\.so");
+    std::smatch found;
+    const std::string firstFile = loadedFrom(*first);
+    ASSERT_TRUE(std::regex_match(firstFile, found, name)) << firstFile;
+    const int number = std::stoi(found[1]);
+    const std::string secondFile = loadedFrom(*second);
+    ASSERT_TRUE(std::regex_match(secondFile, found, name)) << secondFile;
+    EXPECT_EQ(std::stoi(found[1]), number + 1);
+}
+
+TEST(Plugin, APrivateCopyKeepsADescriptorOnlyWhereItIsInMemory)
+{
+    const QTemporaryDir folder;
+    const Variable runtime("XDG_RUNTIME_DIR", "");
+    const int before = openDescriptors();
+    for (const QByteArray &place : { QFile::encodeName(folder.path()), QByteArray("/no/such") }) {
+        const Variable temporary("TMPDIR", place);
+        const bool isInMemory = place == "/no/such";
+
+        auto copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+
+        ASSERT_TRUE(copy);
+        EXPECT_EQ(openDescriptors(), before + (isInMemory ? 1 : 0)) << place.constData();
+        copy.reset();
+        EXPECT_EQ(openDescriptors(), before) << place.constData();
+    }
+}
+
+TEST(Plugin, APrivateCopyIsLoadedWithoutStandardInputToo)
+{
+    const QTemporaryDir folder;
+    const Variable runtime("XDG_RUNTIME_DIR", "");
+    std::string fromFolder;
+    std::string fromMemory;
+    int afterwards = 0;
+    {
+        const NoStandardInput closed;
+        const Variable temporary("TMPDIR", QFile::encodeName(folder.path()));
+        if (const auto copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy))
+            fromFolder = loadedFrom(*copy);
+        qputenv("TMPDIR", "/no/such");
+        if (const auto copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy))
+            fromMemory = loadedFrom(*copy);
+        afterwards = fcntl(0, F_GETFD);
+    }
+
+    EXPECT_EQ(fromFolder.find(folder.path().toStdString()), 0U) << fromFolder;
+    EXPECT_EQ(fromMemory, "/proc/self/fd/0");
+    EXPECT_EQ(afterwards, -1) << "the one of the copy in memory stayed open";
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
+
 TEST(Plugin, ACopyThatNoFolderTakesIsLoadedFromMemory)
 {
     const Variable temporary("TMPDIR", "/no/such/folder");
@@ -227,8 +396,27 @@ TEST(Plugin, ACopyGoesToTheNextFolderWhereOneIsMissing)
 
     const auto copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy, &error);
 
-    EXPECT_TRUE(copy) << error.toStdString();
+    ASSERT_TRUE(copy) << error.toStdString();
+    EXPECT_EQ(loadedFrom(*copy).find(folder.path().toStdString()), 0U) << loadedFrom(*copy);
     EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
+
+TEST(Plugin, ASecondFolderIsTriedOnlyWhereItIsAnotherOneWithAFullPath)
+{
+    const Variable temporary("TMPDIR", "/no/such");
+    const auto placesTried = [](const char *runtimeFolder) {
+        const Variable runtime("XDG_RUNTIME_DIR", runtimeFolder);
+        const FullDisk disk(100'000); // no room in memory either
+        QString error;
+        EXPECT_FALSE(Plugin::load(driverPath, Plugin::Instance::PrivateCopy, &error));
+        return error.section(QStringLiteral("; "), 0, 0).section(driverPath, 1).toStdString();
+    };
+    const std::string memory = ", memory: File too large";
+
+    EXPECT_EQ(placesTried("/no/such"), ": /no/such: No such file or directory" + memory);
+    EXPECT_EQ(placesTried("no/such"), ": /no/such: No such file or directory" + memory);
+    EXPECT_EQ(placesTried("/none"),
+              ": /no/such: No such file or directory, /none: No such file or directory" + memory);
 }
 
 TEST(Plugin, ACopyThatFitsNowhereIsNotLoaded)
@@ -308,6 +496,10 @@ TEST(Plugin, WhatIsNoLibraryIsRefusedUnopened)
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     QString error;
 
+    EXPECT_FALSE(Plugin::load(folder.path(), Plugin::Instance::Shared, &error));
+    EXPECT_EQ(error.toStdString(),
+              "cannot load the driver: " + folder.path().toStdString()
+                  + ": it is a folder, a device or a pipe");
     EXPECT_FALSE(Plugin::load(pipe, Plugin::Instance::PrivateCopy, &error));
     EXPECT_EQ(error.toStdString(),
               "cannot copy the driver " + pipe.toStdString()
@@ -354,4 +546,26 @@ TEST(LocateDriver, LooksNowhereElseWhenAPathIsNamed)
 
     EXPECT_EQ(found.path, QString());
     EXPECT_EQ(found.tried, QStringList { QStringLiteral("/no/such/driver.so") });
+}
+
+TEST(LocateDriver, LooksBesideTheProgramThenInTheLibraryFolders)
+{
+    qunsetenv("KORVANE_DRIVER");
+    const QDir program =
+        QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).absoluteDir();
+    const QString beside = program.filePath(QStringLiteral("libkorvane_dx4.so"));
+
+    const DriverFile none = locateDriver();
+    ASSERT_TRUE(QFile::link(driverPath, beside));
+    const DriverFile found = locateDriver();
+    QFile::remove(beside);
+
+    EXPECT_EQ(none.path, QString());
+    ASSERT_EQ(none.tried.size(), 3);
+    EXPECT_EQ(none.tried.at(0), beside);
+    EXPECT_EQ(none.tried.at(1),
+              QDir::cleanPath(program.filePath(QStringLiteral("../lib/libkorvane_dx4.so"))));
+    EXPECT_TRUE(none.tried.at(2).endsWith(QStringLiteral("/korvane_dx4/libkorvane_dx4.so")));
+    EXPECT_EQ(found.path, beside);
+    EXPECT_EQ(found.tried, QStringList { beside });
 }
