@@ -11,10 +11,9 @@ namespace dx4::host {
 bool tellEmptyFromGone(int descriptor)
 {
     termios settings {};
-    if (tcgetattr(descriptor, &settings) != 0)
-        return false;
+    const bool isTerminal = tcgetattr(descriptor, &settings) == 0;
     settings.c_cc[VMIN] = 1;
-    return tcsetattr(descriptor, TCSANOW, &settings) == 0;
+    return isTerminal && tcsetattr(descriptor, TCSANOW, &settings) == 0;
 }
 
 bool switchDirectionByKernel(int descriptor)

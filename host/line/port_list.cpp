@@ -25,16 +25,6 @@ QVector<PortHolder> listed(const std::vector<common::PortHolder> &holders)
     return list;
 }
 
-QString lastingNameOf(const QString &device, const QString &nameFolder)
-{
-    const QFileInfoList links = QDir(nameFolder).entryInfoList(QDir::Files | QDir::System);
-    for (const QFileInfo &link : links) {
-        if (link.canonicalFilePath() == device)
-            return link.filePath();
-    }
-    return {};
-}
-
 } // namespace
 
 QVector<PortInfo> listPorts(const QString &nameFolder)
@@ -44,11 +34,21 @@ QVector<PortInfo> listPorts(const QString &nameFolder)
     for (const QSerialPortInfo &port : found) {
         const QString device = port.systemLocation();
         ports.append(
-            { device, lastingNameOf(device, nameFolder), port.description(), holdersOf(device) });
+            { device, lastingName(device, nameFolder), port.description(), holdersOf(device) });
     }
     std::sort(ports.begin(), ports.end(),
               [](const PortInfo &a, const PortInfo &b) { return a.device < b.device; });
     return ports;
+}
+
+QString lastingName(const QString &device, const QString &nameFolder)
+{
+    const QFileInfoList links = QDir(nameFolder).entryInfoList(QDir::Files | QDir::System);
+    for (const QFileInfo &link : links) {
+        if (link.canonicalFilePath() == device)
+            return link.filePath();
+    }
+    return {};
 }
 
 QString portDevice(const QString &name, const QString &nameFolder)

@@ -29,6 +29,13 @@ struct PortInfo {
 /// @param nameFolder  looked through for lasting names
 QVector<PortInfo> listPorts(const QString &nameFolder = QString::fromLatin1(portNameFolder));
 
+/// Lasting name of a device.
+///
+/// @param device  with its links resolved
+/// @return path in `nameFolder`; empty when the system gives none
+QString lastingName(const QString &device,
+                    const QString &nameFolder = QString::fromLatin1(portNameFolder));
+
 /// Device behind a name: a path or link as it is meant at this moment, a lasting name without its
 /// folder ("usb-FTDI_..."), or a device without "/dev" ("ttyUSB0"). A name with a slash in it is a
 /// path, a relative one from the working folder on ("./drive").

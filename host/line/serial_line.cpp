@@ -17,6 +17,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <ctime>
+#include <iterator>
 #include <utility>
 
 namespace dx4::host {
@@ -140,11 +141,11 @@ QString SerialLine::tryOpen(const QString &device)
 
 bool SerialLine::configure()
 {
-    return m_port->setBaudRate(m_settings.speed) && m_port->setDataBits(QSerialPort::Data8)
-        && m_port->setParity(portParity(m_settings.parity))
+    return m_port->setDataBits(QSerialPort::Data8)
+        && m_port->setFlowControl(QSerialPort::NoFlowControl)
+        && m_port->setBaudRate(m_settings.speed) && m_port->setParity(portParity(m_settings.parity))
         && m_port->setStopBits(m_settings.stopBits == 2 ? QSerialPort::TwoStop
-                                                        : QSerialPort::OneStop)
-        && m_port->setFlowControl(QSerialPort::NoFlowControl);
+                                                        : QSerialPort::OneStop);
 }
 
 void SerialLine::close()
@@ -175,7 +176,6 @@ bool SerialLine::send(const QByteArray &bytes)
         close();
     // The kernel holds the bytes now; the line is busy until the last one has left.
     m_lastActivity = now() + onTheWire;
-    m_foundEmpty = {};
     return sent;
 }
 
@@ -231,9 +231,9 @@ bool SerialLine::writeAll(const QByteArray &bytes, Duration deadline)
                                       static_cast<std::size_t>(bytes.size() - written));
         if (count > 0)
             written += count;
-        else if (count < 0 && errno == EINTR)
+        else if (count == -1 && errno == EINTR)
             continue;
-        else if (count < 0 && errno != EAGAIN)
+        else if (count == -1 && errno != EAGAIN)
             return false;
         else if (now() >= deadline || waitFor(POLLOUT, deadline) != POLLOUT)
             return false;
@@ -261,13 +261,11 @@ int SerialLine::awaitInput(char *to, int most, Duration deadline)
 /// @return number of bytes taken
 int SerialLine::readInto(char *to, int most)
 {
-    if (!isOpen())
-        return 0;
     ssize_t count = -1;
     do {
         count = ::read(m_descriptor, to, static_cast<std::size_t>(most));
-    } while (count < 0 && errno == EINTR);
-    const bool isEmpty = count < 0 && errno == EAGAIN;
+    } while (count == -1 && errno == EINTR);
+    const bool isEmpty = count == -1 && errno == EAGAIN;
     if (count > 0)
         noteActivity();
     else if (isEmpty)
@@ -284,15 +282,13 @@ int SerialLine::readInto(char *to, int most)
 /// @return the events that came, 0 at the deadline
 int SerialLine::waitFor(short event, Duration deadline)
 {
-    pollfd watched {};
-    watched.fd = m_descriptor;
-    watched.events = event;
+    pollfd watched[] = { { m_descriptor, event, {} } };
     int ready = -1;
     do {
         const timespec span = toTimespec(std::max(deadline - now(), Duration { 0 }));
-        ready = ppoll(&watched, 1, &span, nullptr);
-    } while (ready < 0 && errno == EINTR); // a signal is no reason to give up on a reply
-    return ready > 0 ? watched.revents : 0;
+        ready = ppoll(watched, std::size(watched), &span, nullptr);
+    } while (ready == -1 && errno == EINTR); // a signal is no reason to give up on a reply
+    return watched->revents;
 }
 
 void SerialLine::noteActivity()

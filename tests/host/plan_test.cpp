@@ -136,6 +136,18 @@ TEST(Plan, TellsWhatIsWantedAndWhatKeepsStationsApart)
     EXPECT_EQ(plan->separators, 4);
 }
 
+TEST(Plan, CountsARegisterOnceHoweverManyWishesNameIt)
+{
+    Planner planner(privateCopy(), blocksOf(16));
+
+    const auto plan =
+        planner.make({ { 1, QStringLiteral("D 0-3") }, { 1, QStringLiteral("D 2-5") } }, nullptr);
+
+    ASSERT_TRUE(plan);
+    EXPECT_EQ(plan->wantedRegisters, 6);
+    EXPECT_EQ(plan->separators, 0);
+}
+
 TEST(Plan, CountsTheTimeOfARotation)
 {
     Planner planner(privateCopy(), blocksOf(16));

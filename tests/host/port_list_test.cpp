@@ -26,6 +26,20 @@ TEST(PortList, ANameOfTheFolderLeadsToItsDevice)
     EXPECT_EQ(device, adapter.path());
 }
 
+TEST(PortList, ADeviceHasTheNameThatLeadsToIt)
+{
+    const QTemporaryDir folder;
+    const PseudoTerminal adapter;
+    const PseudoTerminal other;
+    const QString name = folder.filePath(QStringLiteral("usb-b"));
+    QFile::link(other.path(), folder.filePath(QStringLiteral("usb-a")));
+    QFile::link(adapter.path(), name);
+
+    EXPECT_EQ(lastingName(adapter.path(), folder.path()), name);
+    EXPECT_EQ(lastingName(QStringLiteral("/dev/null"), folder.path()), QString());
+    EXPECT_EQ(lastingName(adapter.path(), QStringLiteral("/no/such/folder")), QString());
+}
+
 TEST(PortList, ANameThatLeadsNowhereIsADevice)
 {
     const QTemporaryDir folder;
@@ -96,13 +110,40 @@ TEST(PortList, TheGroupThatHasThePermissionIsNamed)
     ASSERT_EQ(fchown(device.handle(), getuid(), getgid()), 0);
 
     const QString group = permissionText(device.fileName());
-    ASSERT_EQ(fchmod(device.handle(), 0640), 0);
-    const QString owner = permissionText(device.fileName());
 
     EXPECT_EQ(group.toStdString(),
               "no permission; group " + name + " has it: \"sudo usermod -aG " + name
                   + " $USER\" joins it, from the next login on");
-    EXPECT_EQ(owner.toStdString(), "no permission; its owner alone may open it");
+}
+
+TEST(PortList, WhatItsGroupMayNotReadAndWriteIsItsOwnersAlone)
+{
+    QTemporaryFile device;
+    ASSERT_TRUE(device.open());
+    for (mode_t mode : { 0600U, 0640U, 0620U, 0606U }) {
+        ASSERT_EQ(fchmod(device.handle(), mode), 0);
+
+        EXPECT_EQ(permissionText(device.fileName()),
+                  QStringLiteral("no permission; its owner alone may open it"))
+            << std::oct << mode;
+    }
+}
+
+TEST(PortList, AGroupWithoutANameIsNotOneToJoin)
+{
+    QTemporaryFile device;
+    ASSERT_TRUE(device.open());
+    ASSERT_EQ(fchmod(device.handle(), 0660), 0);
+    if (fchown(device.handle(), getuid(), 54321) != 0)
+        GTEST_SKIP() << "only root gives files to other groups";
+
+    EXPECT_EQ(permissionText(device.fileName()),
+              QStringLiteral("no permission; its owner alone may open it"));
+}
+
+TEST(PortList, OfADeviceThatIsGoneNobodyKnowsWhoMayOpenIt)
+{
+    EXPECT_EQ(permissionText(QStringLiteral("/dev/ttyNone9")), QStringLiteral("no permission"));
 }
 
 TEST(PortList, WhatIsNoDeviceHasNoHolder)
