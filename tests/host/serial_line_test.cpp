@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The serial line: exclusive use, lasting names, and an adapter that goes away.
 #include "host/line/port_list.h"
-#include "host/line/serial_line.h"
+#include "serial_fixture.h"
 
-#include "pseudo_terminal.h"
-
-#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -23,26 +20,6 @@
 
 using namespace dx4::host;
 using std::chrono::seconds;
-
-namespace {
-
-LineSettings on(const QString &port)
-{
-    LineSettings settings;
-    settings.port = port;
-    return settings;
-}
-
-/// Qt's serial port complains on a thread that has no application or event loop.
-class SerialLineTest : public ::testing::Test {
-protected:
-    int count = 1;
-    char program[5] = "test";
-    char *arguments[2] = { program, nullptr };
-    QCoreApplication application { count, arguments };
-};
-
-} // namespace
 
 TEST_F(SerialLineTest, APortInUseIsRefusedWithItsHolder)
 {
