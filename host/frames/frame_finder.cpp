@@ -74,9 +74,9 @@ bool FrameFinder::liesInAnother(const Place &place) const
 bool FrameFinder::announcesLength(const Place &place) const
 {
     const int length = place.end - place.start;
-    const auto holds = [&](int position, int number) {
-        return place.start + position < m_bytes.size()
-            && byteAt(m_bytes, place.start + position) == number;
+    const QByteArray begun = m_bytes.mid(place.start, length);
+    const auto holds = [&begun](int position, int number) {
+        return position < begun.size() && byteAt(begun, position) == number;
     };
     return (holds(functionByte, ReadHoldingRegisters)
             && holds(byteCountByte, length - aroundReadData))

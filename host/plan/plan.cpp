@@ -168,11 +168,12 @@ QStringList describe(const Plan &plan, const LineSettings &line)
     QStringList lines;
     for (const KEY_ADDRESS &block : plan.blocks) {
         const Duration wire = line.wireTime(requestBytes + replyFrameBytes + 2 * block.count);
+        const double milliseconds = static_cast<double>(wire.count()) / 1000.0;
         lines.append(QStringLiteral("station %1  %2  %3 registers  %4 ms")
                          .arg(block.station)
                          .arg(fullAddress(block.regType, block.address))
                          .arg(block.count)
-                         .arg(static_cast<double>(wire.count()) / 1000.0, 0, 'f', 1));
+                         .arg(QString::number(milliseconds, 'f', 1)));
     }
     return lines;
 }

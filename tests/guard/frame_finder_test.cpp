@@ -170,6 +170,25 @@ TEST_F(FrameFinderTest, WhatTheEchoOfAWriteHoldsIsNotTakenOutOfIt)
     EXPECT_EQ(next(), "-");
 }
 
+TEST_F(FrameFinderTest, WhatAFrameBehindJunkHoldsIsNotTakenOutOfItEither)
+{
+    more = { 13 };
+    const QByteArray holder = framed("01 03 08 01 83 02 C0 F1 00 00 00");
+    finder.add(bytesOf("00 FF 00 FF") + holder.left(12));
+    ASSERT_EQ(next(), "-");
+
+    finder.add(holder.mid(12));
+
+    EXPECT_EQ(next(), "00 ff 00 ff|" + holder.toHex(' ').toStdString());
+}
+
+TEST_F(FrameFinderTest, AReplyIsNotPutOffForAnEchoThatWouldBeginWithItsVeryBytes)
+{
+    finder.add(bytesOf("01 10 18 B8 00 03 06 8D"));
+
+    EXPECT_EQ(next(), "|01 10 18 b8 00 03 06 8d") << "its CRC begins like a count of six bytes";
+}
+
 TEST_F(FrameFinderTest, NothingOfWhatAReadReplyHoldsIsTakenOutOfIt)
 {
     more = { 15 };

@@ -162,6 +162,20 @@ TEST(Plan, CountsTheTimeOfARotation)
               QStringList { QStringLiteral("station 1  D 0 (0xD000)  4 registers  21.0 ms") });
 }
 
+TEST(Plan, BlocksOfNoRegisterAndOfMoreThan123AreUnreadable)
+{
+    QList<KEY_ADDRESS> blocks;
+    for (int count : { 0, 1, 123, 124 })
+        blocks.append(wanted(7, QStringLiteral("F"), 0x0105, count));
+
+    EXPECT_EQ(unreadable(blocks),
+              (QStringList {
+                  QStringLiteral("station 7, F 1.5 (0xF105): not polled, as the driver joined it "
+                                 "with what follows to a block of 0 registers"),
+                  QStringLiteral("station 7, F 1.5 (0xF105): not polled, as the driver joined it "
+                                 "with what follows to a block of 124 registers") }));
+}
+
 struct RefusalRow {
     const char *name;
     int station;

@@ -110,6 +110,13 @@ TEST(ReplyCheck, TheEchoOfAnotherWriteIsNamed)
     EXPECT_EQ(otherValue, ReplyCause::WrongEcho);
 }
 
+TEST(ReplyCheck, AnEchoOfAnotherLengthIsOfAnotherWrite)
+{
+    EXPECT_EQ(checkReply(writeOfOne(), withGoodCrc("01 06 10 02 0B B8 00")).cause,
+              ReplyCause::WrongEcho);
+    EXPECT_EQ(checkReply(writeOfOne(), withGoodCrc("01 06 10 02 0B")).cause, ReplyCause::WrongEcho);
+}
+
 TEST(ReplyCheck, AnExceptionCarriesItsCode)
 {
     const ReplyVerdict read = checkReply(readOfTwo(), withGoodCrc("01 83 02"));
