@@ -52,7 +52,6 @@ void AnswerTimes::raise(int number, Station &station)
 {
     const Duration wanted = std::min(withMargin(station.latest), mostTimeouts * m_responseTimeout);
     station.lateInARow = 0;
-    station.latest = Duration { 0 };
     if (wanted <= timeoutOf(number))
         return;
     station.timeout = wanted;

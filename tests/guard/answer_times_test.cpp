@@ -117,6 +117,16 @@ TEST_F(AnswerTimesTest, OneThatIsLateForWhatWasLearntRaisesItAgain)
               "ms from now on, and timeout_ms had better be that");
 }
 
+TEST_F(AnswerTimesTest, ItTakesThreeLateOnesToRaiseItEachTime)
+{
+    answer(3, 160);
+    answer(2, 250);
+    EXPECT_EQ(answers.timeoutOf(1), milliseconds(200));
+
+    answer(1, 250);
+    EXPECT_EQ(answers.timeoutOf(1), Duration(312500));
+}
+
 TEST_F(AnswerTimesTest, StationsAreLearntApart)
 {
     answer(2, 160);

@@ -55,6 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row { "AnEchoBetweenCleanRepliesBeginsAnew", "eccccccccecccccccc", "unknown" },
         Row { "TwoEchoesAreTooFew", "ee", "unknown" },
         Row { "ThreeEchoesAreEnough", "eee", "present" },
+        Row { "ACleanReplyBetweenEchoesBeginsAnew", "eecee", "unknown" },
         Row { "ALoneCopyShakesAnEcho", "eeel", "unknown" },
         Row { "ACleanReplyShakesAnEcho", "eeec", "unknown" }),
     [](const auto &row) { return std::string(row.param.name); });
