@@ -47,14 +47,14 @@ QString folderOf(const QString &path)
 int createBeside(const QString &target, QString *newPath)
 {
     static std::atomic<int> files { 0 };
-    int descriptor = -1;
-    do {
+    for (;;) {
         *newPath =
             QStringLiteral("%1/.dx4-%2-%3.new").arg(folderOf(target)).arg(getpid()).arg(++files);
-        descriptor = ::open(QFile::encodeName(*newPath).constData(),
-                            O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
-    } while (descriptor < 0 && errno == EEXIST);
-    return descriptor;
+        const int descriptor = ::open(QFile::encodeName(*newPath).constData(),
+                                      O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
+        if (descriptor >= 0 || errno != EEXIST)
+            return descriptor;
+    }
 }
 
 /// Gives the new file what the old one has. Another owner is root's to give.
@@ -93,15 +93,16 @@ FileReplacement::~FileReplacement()
 
 bool FileReplacement::mayReplace()
 {
-    const QByteArray target = QFile::encodeName(m_target);
+    // By the name as it was given: the system refuses more links than withoutLinks() follows.
+    const QByteArray path = QFile::encodeName(m_path);
     struct stat old { };
-    if (stat(target.constData(), &old) != 0)
+    if (stat(path.constData(), &old) != 0)
         return errno == ENOENT || failBySystem();
     if (S_ISDIR(old.st_mode))
         return fail(QStringLiteral("is a folder; name a file"));
     if (!S_ISREG(old.st_mode))
         return fail(QStringLiteral("is a device or a pipe; name a file"));
-    return faccessat(AT_FDCWD, target.constData(), W_OK, AT_EACCESS) == 0 || failBySystem();
+    return faccessat(AT_FDCWD, path.constData(), W_OK, AT_EACCESS) == 0 || failBySystem();
 }
 
 bool FileReplacement::open()

@@ -82,8 +82,8 @@ private:
         if (!match.hasMatch())
             return QStringLiteral("expected a line such as \"F 8.2 = 5\"");
         const QString group = match.captured(1).toLower();
-        const int address = parseWholeNumber(group).value_or(groupC) * indexesPerGroup
-            + parseWholeNumber(match.captured(2)).value_or(0);
+        const int address =
+            parseWholeNumber(group).value_or(groupC) * indexesPerGroup + match.captured(2).toInt();
         if (!allParameters().contains(address))
             return QStringLiteral("the drive has no %1").arg(nameOf(address));
         if (m_set.values.contains(address) || m_set.refused.contains(address))

@@ -101,6 +101,46 @@ TEST(ParameterSet, DifferencesNameBothValues)
     EXPECT_EQ(differences.at(2).text().toStdString(), "F c.13 (0xFC0D): 3 | -");
 }
 
+TEST(ParameterSet, NothingMayFollowItsEnd)
+{
+    QString error;
+
+    const auto set = parseParameterSet(toText(complete()) + QStringLiteral("F 0.0 = 1\n"), &error);
+
+    EXPECT_FALSE(set.has_value());
+    EXPECT_EQ(error.toStdString(), "line 207: nothing may follow \"complete\"");
+}
+
+TEST(ParameterSet, StationsAre1To247)
+{
+    const auto first = parseParameterSet(QStringLiteral("station 1"), nullptr);
+    const auto last = parseParameterSet(QStringLiteral("station 247"), nullptr);
+
+    ASSERT_TRUE(first.has_value() && last.has_value());
+    EXPECT_EQ(first->station, 1);
+    EXPECT_EQ(last->station, 247);
+    EXPECT_FALSE(parseParameterSet(QStringLiteral("station 0"), nullptr).has_value());
+    EXPECT_FALSE(parseParameterSet(QStringLiteral("station 248"), nullptr).has_value());
+}
+
+TEST(ParameterSet, TwoAreEqualInStationValuesAndRefusals)
+{
+    ParameterSet set;
+    set.values = { { 0x0000, 1 } };
+    set.refused = { 0x0001 };
+    ParameterSet otherStation = set;
+    otherStation.station = 2;
+    ParameterSet otherValue = set;
+    otherValue.values = { { 0x0000, 2 } };
+    ParameterSet otherRefusal = set;
+    otherRefusal.refused = { 0x0002 };
+
+    EXPECT_TRUE(set == ParameterSet(set));
+    EXPECT_FALSE(set == otherStation);
+    EXPECT_FALSE(set == otherValue);
+    EXPECT_FALSE(set == otherRefusal);
+}
+
 TEST(ParameterSet, AFileIsSavedAndLoaded)
 {
     const QTemporaryDir folder;
@@ -174,5 +214,10 @@ INSTANTIATE_TEST_SUITE_P(
         TextRow { "ARegisterTwice", "station 1\nF 0.0 = 1\nF 0.0 = 1\n",
                   "line 3: F 0.0 stands here twice" },
         TextRow { "CompleteThoughCutOff", "station 1\nF 0.0 = 1\ncomplete\n",
-                  "line 3: the set is said to be complete, but 202 of 203 registers are missing" }),
+                  "line 3: the set is said to be complete, but 202 of 203 registers are missing" },
+        TextRow { "CompleteThoughARefusalIsAllElse",
+                  "station 1\nF 0.0 = 1\nF 0.1 refused\ncomplete\n",
+                  "line 4: the set is said to be complete, but 201 of 203 registers are missing" },
+        TextRow { "ARefusedRegisterTwice", "station 1\nF 0.0 refused\nF 0.0 = 1\n",
+                  "line 3: F 0.0 stands here twice" }),
     [](const ::testing::TestParamInfo<TextRow> &row) { return std::string(row.param.name); });

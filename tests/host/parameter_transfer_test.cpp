@@ -118,6 +118,44 @@ private:
     int m_left;
 };
 
+/// Parameters without a line between, each of them 0; takes so many registers in one read.
+class TableAccess : public RegisterAccess {
+public:
+    explicit TableAccess(int mostRegisters)
+        : m_mostRegisters(mostRegisters)
+    {
+    }
+
+    int blockSize() const override { return m_mostRegisters; }
+    AccessResult read(int station, const QString &, int address, int count) override
+    {
+        stations.insert(station);
+        counts.append(count);
+        for (int i = 0; i < count; ++i) {
+            if (missing.contains(address + i))
+                return { AccessResult::Kind::Refused, QStringLiteral("not there"), {} };
+        }
+        QVector<quint16> found;
+        for (int i = 0; i < count; ++i)
+            found.append(values.value(address + i));
+        return { AccessResult::Kind::Done, {}, found };
+    }
+    AccessResult write(int station, const QString &, int address, quint16 value) override
+    {
+        stations.insert(station);
+        values.insert(address, value);
+        return {};
+    }
+
+    QMap<int, quint16> values;
+    QSet<int> missing;
+    QSet<int> stations; ///< that were asked or written to
+    QVector<int> counts; ///< registers of each read, in their order
+
+private:
+    int m_mostRegisters;
+};
+
 constexpr int readsOfAll = 19; // requests of up to 16 registers for all groups
 
 /// The numbers of a report in one line.
@@ -220,6 +258,67 @@ TEST_F(ParameterTransfer, ProgressCountsRegisters)
     EXPECT_EQ(done.constLast(), 203);
 }
 
+TEST_F(ParameterTransfer, ProgressCountsRefusedRegistersAsWell)
+{
+    drive.missing = { 0xF802, 0xFC0D };
+    QVector<int> done;
+    QSet<int> totals;
+
+    readParameters(access, set, &error, [&](int settled, int total) {
+        done.append(settled);
+        totals.insert(total);
+    });
+
+    EXPECT_EQ(done.constLast(), 203);
+    EXPECT_EQ(totals, QSet<int> { 203 });
+}
+
+TEST_F(ParameterTransfer, NoReadIsLongerThanTheAccessTakes)
+{
+    for (const auto &[most, reads] : { std::pair(0, 203), std::pair(1, 203), std::pair(2, 105) }) {
+        TableAccess table(most);
+        ParameterSet whole;
+
+        EXPECT_TRUE(readParameters(table, whole, &error));
+
+        EXPECT_EQ(table.counts.size(), reads) << most;
+        EXPECT_EQ(whole.values.size(), 203);
+    }
+}
+
+TEST_F(ParameterTransfer, ARefusedPairIsReadOneByOne)
+{
+    TableAccess table(2);
+    table.missing = { 0x0001 };
+
+    const bool read = readParameters(table, set, &error);
+
+    EXPECT_TRUE(read);
+    EXPECT_EQ(set.refused, QVector<int> { 0x0001 });
+    EXPECT_EQ(set.values.size(), 202);
+}
+
+TEST_F(ParameterTransfer, AReadThatBreaksOffNeedNotSayWhy)
+{
+    EndedAccess ended(access, 1);
+
+    EXPECT_FALSE(readParameters(ended, set, nullptr));
+    EXPECT_EQ(set.values.size(), 16);
+}
+
+TEST_F(ParameterTransfer, ARestoreGoesToTheStationThatIsNamed)
+{
+    TableAccess table(16);
+    set.station = 3;
+    set.values = { { 0x0802, 5 } };
+
+    const RestoreReport report = restoreParameters(table, 7, set);
+
+    EXPECT_TRUE(report.isRestored());
+    EXPECT_EQ(table.values, (QMap<int, quint16> { { 0x0802, 5 } }));
+    EXPECT_EQ(table.stations, QSet<int> { 7 });
+}
+
 TEST_F(ParameterTransfer, OnlyWhatDiffersIsWritten)
 {
     readParameters(access, set, &error);
@@ -238,11 +337,13 @@ TEST_F(ParameterTransfer, OnlyWhatDiffersIsWritten)
 TEST_F(ParameterTransfer, AnEqualStationIsNotWrittenAtAll)
 {
     readParameters(access, set, &error);
+    const auto sentBefore = line.sent().size();
 
     const RestoreReport report = restoreParameters(access, 1, set);
 
     EXPECT_TRUE(report.isRestored());
     EXPECT_TRUE(drive.written.isEmpty());
+    EXPECT_EQ(line.sent().size() - sentBefore, readsOfAll);
 }
 
 TEST_F(ParameterTransfer, ARefusedWriteIsToldWithItsExceptionAlone)
@@ -269,7 +370,8 @@ TEST_F(ParameterTransfer, ARegisterThatTheStationLacksIsToldAsRefused)
     const RestoreReport report = restoreParameters(access, 1, set);
 
     EXPECT_FALSE(report.isRestored());
-    EXPECT_EQ(report.compared, 202);
+    EXPECT_EQ(numbers(report),
+              "202 compared, 0 written, 202 verified, 1 refused, 0 differ, 0 unseen");
     ASSERT_EQ(report.refused.size(), 1);
     EXPECT_EQ(report.refused.at(0).toStdString(),
               "station 1, F 1.5 (0xF105): refused with exception 2, register not there");
