@@ -49,11 +49,10 @@ void ConfigTable::integer(const char *key, int lowest, int highest, int &target)
 
 void ConfigTable::milliseconds(const char *key, int lowest, int highest, Duration &target)
 {
+    // Every such setting is whole milliseconds from the start.
     int value = static_cast<int>(target / std::chrono::milliseconds(1));
-    const int before = value;
     integer(key, lowest, highest, value);
-    if (value != before)
-        target = std::chrono::milliseconds(value);
+    target = std::chrono::milliseconds(value);
 }
 
 void ConfigTable::number(const char *key, double &target)

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -152,6 +153,43 @@ TEST(Config, EveryKeyIsRead)
     EXPECT_EQ(config->faults, (QMap<int, QString> { { 17, QStringLiteral("door open") } }));
 }
 
+TEST(Config, NamesMayBeLeftOut)
+{
+    const auto config = parseConfig("[[station]]\naddress = 1\n"
+                                    "register = [ { at = \"D 0\" }, { at = \"D 1-3\" } ]\n"
+                                    "[[station]]\naddress = 2\n",
+                                    nullptr);
+
+    ASSERT_TRUE(config.has_value());
+    EXPECT_EQ(config->stations.size(), 2);
+    EXPECT_EQ(config->stations.at(0).registers.size(), 2);
+}
+
+TEST(Config, ARegistersScaleIsOneUnlessItIsSaid)
+{
+    const auto config =
+        parseConfig("[[station]]\naddress = 1\n[[station.register]]\nat = \"D 0\"\n", nullptr);
+
+    ASSERT_TRUE(config.has_value());
+    EXPECT_EQ(config->stations.at(0).registers.at(0).scaling.text(65535), QStringLiteral("65535"));
+    EXPECT_EQ(config->stations.at(0).registers.at(0).line, 3);
+}
+
+TEST(Config, AFileThatIsNotReadNeedNotSayWhy)
+{
+    EXPECT_FALSE(loadConfig(QStringLiteral(KORVANE_EXAMPLES "/none.toml"), nullptr).has_value());
+}
+
+TEST(Config, APlanThatCannotBeMadeNeedNotSayWhy)
+{
+    const auto config =
+        parseConfig("[[station]]\naddress = 1\nregister = [ { at = \"D 40\" } ]\n", nullptr);
+    Planner planner(privateCopy(), LinkSettings());
+
+    ASSERT_TRUE(config.has_value());
+    EXPECT_FALSE(planOf(*config, planner, nullptr).has_value());
+}
+
 namespace {
 
 /// A key with a whole number, in a file where `%` stands for the number.
@@ -201,6 +239,8 @@ INSTANTIATE_TEST_SUITE_P(
         NumberRow { "address", "line.port=\"p\"\n[[station]]\naddress=%", 1, 247 },
         NumberRow { "extra_gap_ms", "line.port=\"p\"\n[[station]]\naddress=1\nextra_gap_ms=%", 0,
                     1000 },
+        NumberRow { "states", "[states]\n% = \"remote\"\n[[station]]\naddress=1", 0, 15 },
+        NumberRow { "faults", "[faults]\n% = \"overheat\"\n[[station]]\naddress=1", 0, 65535 },
         NumberRow { "decimals",
                     "line.port=\"p\"\n[[station]]\naddress=1\nregister=[{at=\"D 0\",decimals=%}]",
                     0, 6 }),
@@ -261,6 +301,44 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "FaultsHaveTexts",
                     "[faults]\n1 = 2\n[[station]]\naddress = 1\n",
                     { "a.toml:2: 1: expected a text such as \"overheat\"" } },
+        ConfigRow { "FaultsAreSixteenBits",
+                    "[faults]\n65536 = \"a\"\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: 65536: expected a number from 0 to 65535" } },
+        ConfigRow { "AFaultsTextIsNotEmpty",
+                    "[faults]\n1 = \"\"\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: 1: expected a text such as \"overheat\"" } },
+        ConfigRow { "AFaultStandsOnceInBothNotations",
+                    "[faults]\n0x11 = \"a\"\n17 = \"b\"\n[[station]]\naddress = 1\n",
+                    { "a.toml:3: 17: number 17 stands here twice" } },
+        ConfigRow { "ALineIsATable",
+                    "line = 1\n[[station]]\naddress = 1\n",
+                    { "a.toml:1: line: expected a table, begun by [line]" } },
+        ConfigRow { "ARegisterThatIsNoTable",
+                    "[[station]]\naddress = 1\nregister = [ \"D 0\" ]\n",
+                    { "a.toml:3: register: expected tables, each begun by [[station.register]]" } },
+        ConfigRow { "ARegisterNeedsItsAddress",
+                    "[[station]]\naddress = 1\n[[station.register]]\nunit = \"V\"\n",
+                    { "a.toml:3: at: is missing; expected a text such as \"D 0-9\"" } },
+        ConfigRow { "AnAddressThatIsNoTextIsToldOnce",
+                    "[[station]]\naddress = 1\n[[station.register]]\nat = 5\n",
+                    { "a.toml:4: at: expected a text such as \"D 0-9\"" } },
+        ConfigRow { "ARangeOfTwoHasNoName",
+                    "[[station]]\naddress = 1\n[[station.register]]\n"
+                    "at = \"D 0-1\"\nname = \"x\"\n",
+                    { "a.toml:5: name: stands for one register; give each its own entry" } },
+        ConfigRow { "AStationsNameIsTakenOnce",
+                    "[[station]]\naddress = 1\nname = \"x\"\n"
+                    "[[station]]\naddress = 2\nname = \"x\"\n",
+                    { "a.toml:6: name: \"x\" is taken" } },
+        ConfigRow { "AStationWithoutAddressIsNoneTwice",
+                    "[[station]]\n[[station]]\n",
+                    { "a.toml:1: address: is missing; expected a whole number from 1 to 247",
+                      "a.toml:2: address: is missing; expected a whole number from 1 to 247" } },
+        ConfigRow {
+            "ANumberIsNoText",
+            "[[station]]\naddress = 1\n[[station.register]]\nat = \"D 0\"\n"
+            "scale = \"1\"\noffset = true\n",
+            { "a.toml:5: scale: expected a number", "a.toml:6: offset: expected a number" } },
         ConfigRow { "ParityIsAWord",
                     "[line]\nport = \"a\"\nparity = \"E\"\n[[station]]\naddress = 1\n",
                     { "a.toml:3: parity: expected \"none\", \"even\", \"odd\"" } },
@@ -393,8 +471,27 @@ TEST(Scaling, AQuantityOutOfReachHasNoRegisterValue)
     Scaling withSign;
     withSign.isSigned = true;
 
-    EXPECT_EQ(scaling.registerValue(-0.6), std::nullopt);
-    EXPECT_EQ(scaling.registerValue(65535.6), std::nullopt);
+    EXPECT_EQ(scaling.registerValue(-1.0), std::nullopt);
+    EXPECT_EQ(scaling.registerValue(0.0), 0);
+    EXPECT_EQ(scaling.registerValue(65535.0), 0xFFFF);
+    EXPECT_EQ(scaling.registerValue(65536.0), std::nullopt);
+    EXPECT_EQ(withSign.registerValue(-32769.0), std::nullopt);
     EXPECT_EQ(withSign.registerValue(-32768.0), 0x8000);
+    EXPECT_EQ(withSign.registerValue(-1.0), 0xFFFF);
+    EXPECT_EQ(withSign.registerValue(32767.0), 0x7FFF);
     EXPECT_EQ(withSign.registerValue(32768.0), std::nullopt);
+    EXPECT_EQ(scaling.registerValue(std::nan("")), std::nullopt);
+}
+
+TEST(Scaling, AQuantityIsShownWithItsDecimalsAndUnit)
+{
+    Scaling scaling;
+    EXPECT_EQ(scaling.text(65535).toStdString(), "65535");
+
+    scaling.isSigned = true;
+    scaling.factor = 0.5;
+    scaling.offset = 10.0;
+    scaling.decimals = 2;
+    scaling.unit = QStringLiteral("V");
+    EXPECT_EQ(scaling.text(0xFFFD).toStdString(), "8.50 V");
 }

@@ -319,3 +319,53 @@ TEST_F(ReplayTest, ARequestOfAnotherKindStopsTheReplayAndIsNamed)
     EXPECT_EQ(result.played, 1);
     EXPECT_EQ(result.stoppedAt.toStdString(), "01 2B 0E 01 00 70 77");
 }
+
+TEST_F(ReplayTest, WhatIsNoRequestOfTheDriversKindIsNotTried)
+{
+    const std::pair<const char *, QByteArray> rows[] = {
+        { "a read without its last byte", frameOf("01 03 D0 00 00 02").left(7) },
+        { "a register of no type", frameOf("01 03 00 00 00 01") },
+        { "a write that tells more registers than it has", frameOf("01 10 FC 02 00 02 02 00 05") },
+        { "a write that tells fewer registers than it has",
+          frameOf("01 10 FC 02 00 01 04 00 05 00 06") },
+        { "another function", frameOf("01 04 D0 00 00 02") },
+    };
+    for (const auto &[name, request] : rows) {
+        SCOPED_TRACE(name);
+        ring = FrameRing();
+        ring.addRequest(Duration(0), request);
+
+        const ReplayResult result = play();
+
+        EXPECT_FALSE(result.complete);
+        EXPECT_EQ(result.stoppedAt, QString::fromLatin1(request.toHex(' ').toUpper()));
+        EXPECT_EQ(result.unrecorded, 0);
+    }
+}
+
+TEST_F(ReplayTest, ARequestThatTheDriverWouldSendOtherwiseIsWaitedForThroughAllTriesOfAllBlocks)
+{
+    ring.addRequest(Duration(0), frameOf("01 10 FC 02 00 01 02 00 05")); // one register goes as 06
+
+    const ReplayResult result = play();
+
+    EXPECT_FALSE(result.complete);
+    EXPECT_EQ(result.stoppedAt.toStdString(), "01 10 FC 02 00 01 02 00 05 5B BE");
+    EXPECT_EQ(result.unrecorded, 7) << "two tries of two blocks and of the write, and one more";
+}
+
+TEST_F(ReplayTest, ALinkThatHasNothingToSendEndsTheReplay)
+{
+    LinkSettings local;
+    local.writesStayLocal = true;
+    Link link(Plugin::load(QStringLiteral(KORVANE_PLUGIN_FILE), Plugin::Instance::PrivateCopy),
+              local);
+    ring.addRequest(Duration(0), frameOf("01 06 10 01 00 05"));
+    ReplayLine replayed(ring.frames(), LineSettings());
+    LineExchange exchange(replayed);
+
+    const ReplayResult result = replay(link, replayed, exchange);
+
+    EXPECT_FALSE(result.complete);
+    EXPECT_EQ(result.unrecorded, 0);
+}
