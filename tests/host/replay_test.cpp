@@ -369,3 +369,39 @@ TEST_F(ReplayTest, ALinkThatHasNothingToSendEndsTheReplay)
     EXPECT_FALSE(result.complete);
     EXPECT_EQ(result.unrecorded, 0);
 }
+
+TEST_F(ReplayTest, ALinkThatPollsNothingReadsWhatWasReadOnce)
+{
+    Link link(Plugin::load(QStringLiteral(KORVANE_PLUGIN_FILE), Plugin::Instance::PrivateCopy),
+              twoTries());
+    step(monitors);
+    ReplayLine replayed(ring.frames(), LineSettings());
+    LineExchange exchange(replayed);
+
+    const ReplayResult result = replay(link, replayed, exchange);
+
+    EXPECT_TRUE(result.complete) << result.stoppedAt.toStdString();
+    EXPECT_EQ(result.played, 1);
+    EXPECT_EQ(result.unrecorded, 0);
+}
+
+TEST_F(ReplayTest, AWriteAndAReadThatWereRepeatedAreQueuedOnce)
+{
+    step(monitors);
+    first.link.write(1, QStringLiteral("CW"), 0, { 5 });
+    step({});
+    step(frameOf("01 06 10 01 00 05"));
+    first.link.addConditionRead(1, QStringLiteral("F"), 0x0003, 1);
+    step({});
+    step(frameOf("01 03 02 00 09"));
+    step(status);
+
+    const ReplayResult result = play();
+
+    EXPECT_TRUE(result.complete);
+    EXPECT_EQ(result.played, 6);
+    EXPECT_EQ(result.unrecorded, 0);
+    EXPECT_EQ(second.link.waitingWrites(), 0);
+    EXPECT_EQ(second.link.waitingConditionReads(), 0);
+    EXPECT_EQ(second.changes, first.changes);
+}
