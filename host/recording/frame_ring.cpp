@@ -37,7 +37,6 @@ void FrameRing::addReplyBytes(Duration time, const QByteArray &bytes, Duration l
 QVector<RecordedFrame> FrameRing::frames() const
 {
     QVector<RecordedFrame> result;
-    result.reserve(static_cast<int>(m_frames.size()));
     for (const RecordedFrame &frame : m_frames)
         result.append(frame);
     return result;

@@ -27,13 +27,13 @@ void tell(QString *error, const QString &path, const QString &why)
         *error = QStringLiteral("%1: %2").arg(path, why);
 }
 
-/// What capture programs write unless they are told otherwise. Leaves the stream at its begin.
+/// What capture programs write unless they are told otherwise. Leaves the stream at its begin, or
+/// failed where the file is shorter than any capture.
 bool isPcapng(std::istream &in)
 {
     constexpr std::array<char, 4> sectionHead { '\n', '\r', '\r', '\n' };
     std::array<char, 4> head {};
     in.read(head.data(), head.size());
-    in.clear();
     in.seekg(0);
     return head == sectionHead;
 }

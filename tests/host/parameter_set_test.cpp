@@ -53,6 +53,7 @@ TEST(ParameterSet, ASetComesBackFromItsText)
     ASSERT_TRUE(parsed.has_value()) << error.toStdString();
     EXPECT_EQ(*parsed, set);
     EXPECT_TRUE(isComplete(*parsed));
+    EXPECT_EQ(error.toStdString(), "");
 }
 
 TEST(ParameterSet, TheTextNamesRegistersAsTheDriveDoes)
@@ -153,6 +154,7 @@ TEST(ParameterSet, AFileIsSavedAndLoaded)
     EXPECT_TRUE(saved);
     ASSERT_TRUE(loaded.has_value()) << error.toStdString();
     EXPECT_EQ(*loaded, complete());
+    EXPECT_EQ(error.toStdString(), "");
 }
 
 TEST(ParameterSet, AMissingFileIsNamed)

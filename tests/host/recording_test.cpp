@@ -88,6 +88,26 @@ TEST(FrameRing, ForgetsTheOldestBeyondItsCapacity)
     EXPECT_EQ(ring.forgotten(), 1U);
 }
 
+TEST(FrameRing, KeepsOneFrameAtLeast)
+{
+    FrameRing ring(0);
+
+    ring.addRequest(milliseconds(1), "a");
+    ring.addRequest(milliseconds(2), "b");
+
+    EXPECT_EQ(ring.frames(), (QVector<RecordedFrame> { { milliseconds(2), true, "b" } }));
+}
+
+TEST(RecordedFrame, IsTheSameInTimeKindAndBytes)
+{
+    const RecordedFrame frame { milliseconds(1), true, "a" };
+
+    EXPECT_TRUE(frame == (RecordedFrame { milliseconds(1), true, "a" }));
+    EXPECT_FALSE(frame == (RecordedFrame { milliseconds(2), true, "a" }));
+    EXPECT_FALSE(frame == (RecordedFrame { milliseconds(1), false, "a" }));
+    EXPECT_FALSE(frame == (RecordedFrame { milliseconds(1), true, "b" }));
+}
+
 TEST(FrameRing, BytesAfterALongerPauseAreAnotherReply)
 {
     FrameRing ring;
@@ -209,6 +229,19 @@ TEST_F(PcapFile, AFileThatIsNoCaptureIsRefused)
 
     EXPECT_FALSE(frames.has_value());
     EXPECT_EQ(textOf(error), textOf(path) + ": no pcap file with times in microseconds");
+}
+
+TEST_F(PcapFile, AFileShorterThanAnyCaptureIsRefused)
+{
+    for (const char *const content : { "", "abc" }) {
+        EXPECT_FALSE(readPcap(fill(content), &error).has_value());
+        EXPECT_EQ(textOf(error), textOf(path) + ": no pcap file with times in microseconds");
+    }
+}
+
+TEST(WallClockOffset, IsLessTheFurtherTheLinesClockWent)
+{
+    EXPECT_LT(wallClockOffset(std::chrono::hours(1)), wallClockOffset(Duration(0)));
 }
 
 TEST_F(PcapFile, ACaptureOfTheNewerKindIsRefusedWithItsConversion)

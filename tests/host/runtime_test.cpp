@@ -61,6 +61,17 @@ TEST_F(RuntimeTest, AValueIsAsOldAsTheLatestExchangeThatBroughtIt)
     EXPECT_LT(value.age, milliseconds(500));
 }
 
+TEST_F(RuntimeTest, AValueIsAsOldAsTheLatestExchangeAlsoWhereThatBroughtFewer)
+{
+    host.write(1, "F", 2, { 6, 7 });
+    host.runFor(seconds(1));
+    host.write(1, "F", 2, { 8 });
+    host.runFor(milliseconds(500));
+
+    EXPECT_LT(host.host.value(1, QStringLiteral("F"), 2).age, milliseconds(500));
+    EXPECT_GT(host.host.value(1, QStringLiteral("F"), 3).age, seconds(1));
+}
+
 TEST_F(RuntimeTest, AValueIsStaleBehindItsTimeNotAtIt)
 {
     host.steps(1);

@@ -60,6 +60,29 @@ TEST_F(WriteDeskTest, AParameterThatIsHeldAlreadyIsNotWritten)
     EXPECT_EQ(host.sent(1, 16), 0);
 }
 
+TEST_F(WriteDeskTest, BothBytesOfEachRegisterAreCompared)
+{
+    host.stations.registers[{ 1, 0xF000 }] = 0x1234;
+    host.stations.registers[{ 1, 0xF001 }] = 0xABCD;
+    host.write(1, "F", 0, { 0x1234, 0xABCD });
+    host.steps(2);
+    host.write(1, "F", 0, { 0x1234, 0xABCC });
+
+    host.steps(3);
+
+    EXPECT_EQ(host.outcomes, (Texts { "1000 confirmed (held)", "1001 confirmed" }));
+    EXPECT_EQ(reg(0xF001), 0xABCC);
+}
+
+TEST_F(WriteDeskTest, TheLastStationIsWrittenTo)
+{
+    host.write(247, "FRE", 0, { 5 });
+
+    host.steps(2);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 confirmed" });
+}
+
 TEST_F(WriteDeskTest, AParameterIsWrittenAllTheSameWhenAskedTo)
 {
     host.host.write({ 1, QStringLiteral("F"), 0, { 0 }, true, false });
@@ -412,4 +435,21 @@ TEST_F(WriteDeskTest, AQueueFullOfOneStationsWritesTakesSixteenOfEachOther)
     ASSERT_GE(host.outcomes.size(), 1);
     EXPECT_EQ(host.outcomes.front(), "1528 refused");
     EXPECT_EQ(host.outcomeRecords.front().refusal, Refusal::QueueFull);
+}
+
+TEST_F(WriteDeskTest, AFullQueueTakesWhatReplacesItsLastWrite)
+{
+    for (int i = 0; i < 512; ++i)
+        host.host.write({ 1, QStringLiteral("F"), i % 2, { 1 }, true, false });
+    host.host.write({ 1, QStringLiteral("F"), 1, { 2 }, true, false });
+    for (int i = 0; i < 16; ++i)
+        host.host.write({ 2, QStringLiteral("F"), i % 2, { 1 }, true, false });
+    host.host.write({ 2, QStringLiteral("F"), 1, { 2 }, true, false });
+
+    host.host.step();
+
+    ASSERT_EQ(host.outcomes.size(), 3U);
+    EXPECT_EQ(host.outcomes.at(0), "1511 replaced");
+    EXPECT_EQ(host.outcomes.at(1), "1528 replaced");
+    EXPECT_EQ(host.outcomes.at(2), "1000 confirmed");
 }
