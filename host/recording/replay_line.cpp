@@ -11,10 +11,9 @@ namespace {
 
 QVector<RecordedFrame> fromFirstRequest(const QVector<RecordedFrame> &frames)
 {
-    int first = 0;
-    while (first < frames.size() && !frames.at(first).isRequest)
-        ++first;
-    return frames.mid(first);
+    const auto first = std::find_if(frames.begin(), frames.end(),
+                                    [](const RecordedFrame &frame) { return frame.isRequest; });
+    return frames.mid(static_cast<int>(first - frames.begin()));
 }
 
 } // namespace

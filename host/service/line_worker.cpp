@@ -5,6 +5,7 @@
 #include "host/base/length.h"
 #include "host/link/notation.h"
 #include "host/runtime/config_runtime.h"
+#include "wire/limits.h"
 
 #include <algorithm>
 #include <exception>
@@ -242,7 +243,7 @@ void LineWorker::show(int station, const QString &regType, int address, int coun
 {
     const Link &link = m_runtime->link();
     int found = -1;
-    const bool isThere = station > 0 && count > 0
+    const bool isThere = station > 0 && station <= lastStation && count > 0
         && link.api().checkAddr(regType, addressText(regType, address), &found, 0, count, access)
             == AddressAccepted
         && found == address;

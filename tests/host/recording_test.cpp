@@ -171,6 +171,23 @@ TEST(RecordingLine, KeepsRequestAndReplyWithTheLinesTimes)
                                         { milliseconds(8 + 10 + 5), false, "hello" } }));
 }
 
+TEST(RecordingLine, TakesBytesUpToTwentyMillisecondsApartForOneReply)
+{
+    for (const auto &[pause, replies] :
+         { std::pair(Duration(20'000), 1), std::pair(Duration(20'001), 2) }) {
+        MemoryLine line(silence, slow());
+        FrameRing ring;
+        RecordingLine recording(line, ring);
+        line.inject("a", Duration(0));
+        recording.receive(1, milliseconds(100));
+
+        line.inject("b", pause);
+        recording.receive(1, milliseconds(100));
+
+        EXPECT_EQ(ring.frames().size(), replies) << pause.count();
+    }
+}
+
 TEST(RecordingLine, KeepsNothingThatDidNotLeave)
 {
     MemoryLine line(silence, slow());
@@ -264,6 +281,11 @@ TEST_F(PcapFile, AFileThatEndsInsideAPacketIsRefused)
 
     EXPECT_FALSE(frames.has_value());
     EXPECT_EQ(textOf(error), textOf(path) + ": the file ends inside a packet");
+}
+
+TEST_F(PcapFile, ARefusalNeedsNoPlaceForItsReason)
+{
+    EXPECT_FALSE(readPcap(path, nullptr).has_value());
 }
 
 TEST_F(PcapFile, AMissingFileIsNamed)

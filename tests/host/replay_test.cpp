@@ -345,6 +345,7 @@ TEST_F(ReplayTest, WhatIsNoRequestOfTheDriversKindIsNotTried)
 
 TEST_F(ReplayTest, ARequestThatTheDriverWouldSendOtherwiseIsWaitedForThroughAllTriesOfAllBlocks)
 {
+    step(monitors);
     ring.addRequest(Duration(0), frameOf("01 10 FC 02 00 01 02 00 05")); // one register goes as 06
 
     const ReplayResult result = play();
@@ -404,4 +405,53 @@ TEST_F(ReplayTest, AWriteAndAReadThatWereRepeatedAreQueuedOnce)
     EXPECT_EQ(second.link.waitingWrites(), 0);
     EXPECT_EQ(second.link.waitingConditionReads(), 0);
     EXPECT_EQ(second.changes, first.changes);
+}
+
+TEST(ReplayLineTest, ARequestThatIsNotTheNextOneIsCountedAndNotAnswered)
+{
+    FrameRing ring;
+    ring.addRequest(Duration(0), frameOf("01 03 D0 00 00 02"));
+    ring.addReplyBytes(Duration(1), frameOf("01 03 04 12 34 00 07"), Duration(0));
+    ReplayLine line(ring.frames(), LineSettings());
+
+    line.send(frameOf("01 03 D0 01 00 01"));
+    line.send({});
+
+    EXPECT_EQ(line.unrecorded(), 2);
+    EXPECT_EQ(line.played(), 0);
+    EXPECT_EQ(line.receive(1, line.now() + milliseconds(100)), QByteArray());
+    line.send(frameOf("01 03 D0 00 00 02"));
+    EXPECT_EQ(line.unrecorded(), 2);
+    EXPECT_EQ(line.played(), 1);
+    EXPECT_EQ(line.receive(9, line.now() + milliseconds(100)), frameOf("01 03 04 12 34 00 07"));
+}
+
+TEST(ReplayLineTest, ARecordingWithoutARequestIsEmpty)
+{
+    FrameRing ring;
+    ring.addReplyBytes(Duration(1), "a", Duration(0));
+    const ReplayLine line(ring.frames(), LineSettings());
+
+    EXPECT_EQ(line.nextRequest(), QByteArray());
+    EXPECT_EQ(line.requestAfterNext(), QByteArray());
+    EXPECT_FALSE(line.isAhead("a"));
+}
+
+TEST(ReplayLineTest, TellsWhichRequestsStandAhead)
+{
+    FrameRing ring;
+    ring.addRequest(Duration(0), "a");
+    ring.addRequest(Duration(1), "b");
+    ring.addReplyBytes(Duration(2), "reply", Duration(0));
+    ring.addRequest(Duration(3), "c");
+    ReplayLine line(ring.frames(), LineSettings());
+
+    EXPECT_EQ(line.requestAfterNext(), "b");
+    EXPECT_TRUE(line.isAhead("a"));
+    EXPECT_TRUE(line.isAhead("c"));
+    EXPECT_FALSE(line.isAhead("reply"));
+    EXPECT_FALSE(line.isAhead("d"));
+    line.send("a");
+    EXPECT_FALSE(line.isAhead("a"));
+    EXPECT_EQ(line.requestAfterNext(), "c");
 }

@@ -380,6 +380,8 @@ INSTANTIATE_TEST_SUITE_P(
         RefusalCase { "C14", { 1, QStringLiteral("F"), 2574, zeros(1) }, Refusal::Range },
         RefusalCase {
             "GroupThatIsNone", { 1, QStringLiteral("F"), 2816, zeros(1) }, Refusal::Range },
+        RefusalCase {
+            "GroupThatIsShownAsC", { 1, QStringLiteral("F"), 3072, zeros(1) }, Refusal::Range },
         RefusalCase { "NegativeAddress", { 1, QStringLiteral("F"), -1, zeros(1) }, Refusal::Range },
         RefusalCase {
             "SecondCommandWord", { 1, QStringLiteral("CW"), 1, zeros(1) }, Refusal::Range },

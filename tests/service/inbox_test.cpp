@@ -222,7 +222,9 @@ TEST(InboxTest, AWriteIsNoJob)
     inbox.cancelJob(7);
     inbox.cancelJob(8);
     inbox.cancelJob(0);
+    inbox.cancelJob(1);
 
+    EXPECT_FALSE(inbox.isCancelled(1));
     EXPECT_FALSE(inbox.isCancelled(7));
     EXPECT_FALSE(inbox.isCancelled(8));
     EXPECT_FALSE(inbox.isCancelled(0));

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+// How far one-off reads reach, what is shown of them, and what becomes of jobs without a line.
+#include "service_fixture.h"
+
+using namespace dx4::host;
+using Kind = AccessResult::Kind;
+
+namespace {
+
+struct ReadRow {
+    int station;
+    const char *regType;
+    int address;
+    int count;
+    Kind kind;
+    const char *reason;
+};
+
+LineParts noLine()
+{
+    return { nullptr, nullptr, QStringLiteral("no driver") };
+}
+
+} // namespace
+
+TEST(ServiceReads, ReachFromTheFirstToTheLast)
+{
+    const ReadRow rows[] = {
+        { 0, "D", 0, 1, Kind::Refused, "no station 0; stations are 1 to 247" },
+        { 1, "D", 0, 1, Kind::Done, "" },
+        { 247, "D", 0, 1, Kind::Done, "" },
+        { 248, "D", 0, 1, Kind::Refused, "no station 248; stations are 1 to 247" },
+        { 1, "D", 0, 16, Kind::Done, "" },
+        { 1, "D", 0, 17, Kind::Refused, "17 registers; one read takes 1 to 16" },
+        { 1, "D", 30, 2, Kind::Done, "" },
+        { 1, "D", 30, 3, Kind::Refused,
+          "D 32 (0xD020) is out of range; D reaches from 0 to 31 (0xD01F)" },
+        { 1, "F", 0x0A0D, 1, Kind::Done, "" },
+        { 1, "F", 0x0C0D, 1, Kind::Refused, "no such address" },
+    };
+    ServiceUnderTest under;
+    under.start();
+
+    for (const ReadRow &row : rows)
+        under.service->read(row.station, QString::fromLatin1(row.regType), row.address, row.count);
+    under.waitFor([&] { return under.reads.size() == std::size(rows); });
+
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        EXPECT_EQ(under.reads.at(i).kind, rows[i].kind) << i;
+        EXPECT_EQ(under.reads.at(i).reason.toStdString(), rows[i].reason);
+    }
+}
+
+TEST(ServiceReads, OfWhatThereIsNotShowNothing)
+{
+    ServiceUnderTest under;
+    under.start();
+
+    under.service->read(0, QStringLiteral("D"), 0);
+    under.service->read(248, QStringLiteral("D"), 0);
+    under.service->read(1, QStringLiteral("D"), 0, 0);
+    under.service->read(1, QStringLiteral("D"), 31, 2);
+    under.service->read(1, QStringLiteral("F"), 0x0C0D);
+    under.submit(248, "FRE", 0, { 1 });
+    under.submit(1, "SW", 0, { 1 });
+    under.service->read(247, QStringLiteral("D"), 31);
+    under.waitFor([&] { return under.reads.size() == 6; });
+
+    const auto snapshot = under.service->snapshot();
+    ASSERT_EQ(snapshot->registers.size(), 1);
+    EXPECT_TRUE(snapshot->find(247, QStringLiteral("D"), 31) != nullptr);
+}
+
+TEST(ServiceWithoutLine, TellsEachJobAsNotBegun)
+{
+    ServiceUnderTest under;
+    ServiceSettings settings;
+    settings.runtime.stops = { { 3, 0 }, { 1, 0 } };
+    LineService service(noLine, settings);
+    std::vector<std::string> told;
+    QObject::connect(&service, &LineService::readEnded, [&](int id, const AccessResult &result) {
+        told.push_back(std::to_string(id) + (result.kind == Kind::NotBegun ? " not begun: " : "?")
+                       + result.reason.toStdString());
+    });
+    QObject::connect(&service, &LineService::backedUp,
+                     [&](int id, const ParameterSet &set, const QString &why) {
+                         told.push_back(std::to_string(id) + " of station "
+                                        + std::to_string(set.station) + ": " + why.toStdString());
+                     });
+    QObject::connect(&service, &LineService::restored, [&](int id, const RestoreReport &report) {
+        told.push_back(std::to_string(id) + " unseen " + std::to_string(report.unseen) + ": "
+                       + report.interrupted.toStdString());
+    });
+    QVector<int> unconfirmed;
+    QObject::connect(&service, &LineService::stopEnded,
+                     [&](int, const StopReport &report) { unconfirmed = report.unconfirmed; });
+    ParameterSet set;
+    set.station = 5;
+    set.values = { { 0, 1 }, { 1, 2 } };
+
+    service.read(1, QStringLiteral("D"), 0);
+    service.backUp(set);
+    service.restore(1, set);
+    service.stop(Duration(0));
+    under.waitFor([&] { return !unconfirmed.isEmpty(); });
+
+    EXPECT_EQ(
+        told,
+        (Texts { "1 not begun: no driver", "2 of station 5: no driver", "3 unseen 2: no driver" }));
+    EXPECT_EQ(unconfirmed, (QVector<int> { 3, 1 }));
+}
