@@ -156,8 +156,7 @@ ReplayResult replay(Link &link, ReplayLine &line, Exchange &exchange)
     result.played = line.played();
     result.unrecorded = line.unrecorded();
     result.complete = line.nextRequest().isEmpty();
-    if (!result.complete)
-        result.stoppedAt = QString::fromLatin1(line.nextRequest().toHex(' ').toUpper());
+    result.stoppedAt = QString::fromLatin1(line.nextRequest().toHex(' ').toUpper());
     return result;
 }
 

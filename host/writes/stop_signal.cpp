@@ -19,7 +19,7 @@
 namespace dx4::host {
 namespace {
 
-constexpr std::array<int, 3> stopSignals = { SIGINT, SIGTERM, SIGHUP };
+constexpr std::array stopSignals { SIGINT, SIGTERM, SIGHUP };
 
 // What the handler touches, on whichever thread it runs. The descriptor is kept for the life of the
 // process: a late handler that wrote to a closed one could write to a port that got its number.

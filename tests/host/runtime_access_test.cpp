@@ -109,6 +109,23 @@ TEST_F(RuntimeAccessTest, AWriteThatIsRefusedAtOnceIsOnlyReportedHere)
     EXPECT_TRUE(otherOutcomes.empty());
 }
 
+TEST_F(RuntimeAccessTest, EachWriteIsSentAndHasItsOwnResult)
+{
+    under.steps(2);
+    reg(0xF105) = 5;
+    under.stations.refused = { { 1, 0xF106 } };
+
+    const AccessResult held = access.write(1, QStringLiteral("F"), 0x0105, 5);
+    const AccessResult rejected = access.write(1, QStringLiteral("F"), 0x0106, 6);
+
+    EXPECT_EQ(held.kind, AccessResult::Kind::Done);
+    EXPECT_EQ(under.sent(1, 6), 2) << "also what the station holds already";
+    EXPECT_EQ(rejected.kind, AccessResult::Kind::Refused);
+    EXPECT_EQ(rejected.reason.toStdString(),
+              "station 1, F 1.6 (0xF106): rejected with refused with exception 2, register not "
+              "there");
+}
+
 TEST_F(RuntimeAccessTest, WritesOfOthersAreReportedToThem)
 {
     under.steps(1);

@@ -356,6 +356,32 @@ TEST(RuntimeReopening, PausesDoubleFrom50MillisecondsTo2Seconds)
               (std::vector<qint64> { 0, 50, 150, 350, 750, 1550, 3150, 5150, 7150 }));
 }
 
+TEST(RuntimeReopening, ALineThatOpensIsUsedInTheSameStep)
+{
+    RuntimeUnderTest under;
+    under.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+    under.stations.line.close();
+
+    const Runtime::Step step = under.host.step();
+
+    EXPECT_EQ(step, Runtime::Step::Served);
+    EXPECT_EQ(under.stations.line.sent().size(), 1);
+}
+
+TEST(RuntimeReopening, ALineThatBreaksInTheStepAfterItTakesTheWritesWithIt)
+{
+    RuntimeUnderTest under;
+    under.stations.line.close();
+    EXPECT_EQ(under.host.step(), Runtime::Step::Idle);
+    under.write(1, "FRE", 0, { 5 });
+    under.stations.line.unplug();
+
+    EXPECT_EQ(under.host.step(), Runtime::Step::LineDown);
+
+    EXPECT_EQ(under.outcomes, Texts { "1000 timed out" });
+    EXPECT_EQ(under.host.pendingWrites(), 0);
+}
+
 namespace {
 
 /// A line that opens and breaks at the first frame.

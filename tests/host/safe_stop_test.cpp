@@ -48,6 +48,19 @@ TEST_F(SafeStopTest, EveryStationIsStoppedAndHeard)
     EXPECT_EQ(host.alarms, Texts { "all stops confirmed" });
 }
 
+TEST(SafeStop, AControlWordOfTwoBytesIsConfirmed)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0x0206 } };
+    RuntimeUnderTest host(settings);
+
+    const StopReport report = host.host.stop(seconds(1));
+
+    EXPECT_TRUE(report.unconfirmed.isEmpty());
+    EXPECT_EQ((host.stations.registers[{ 1, controlWord }]), 0x0206);
+    EXPECT_EQ(host.alarms, Texts { "all stops confirmed" });
+}
+
 TEST_F(SafeStopTest, WaitingWritesAreDroppedNotSent)
 {
     host.write(1, "FRE", 0, { 3000 });

@@ -99,6 +99,20 @@ TEST_F(StopAllowances, InThePassAreTheWholeShareWhereThatIsLessStill)
     EXPECT_EQ(given.until, milliseconds(50));
 }
 
+TEST_F(StopAllowances, OfALineThatIsBackAreOfWhatIsLeftAndOfAnotherBudgetOnceThatIsOver)
+{
+    stop.begin(Duration { 0 }, seconds(10));
+    stop.resume(milliseconds(9999), seconds(3));
+    EXPECT_EQ(next(milliseconds(9999)), 1);
+    EXPECT_EQ(given.timeout, Duration { 0 }) << "less is left than two requests take";
+
+    stop.resume(seconds(10), seconds(3));
+
+    EXPECT_EQ(next(seconds(10)), 1);
+    EXPECT_EQ(given.timeout, microseconds(372500)); // (3 s - 20 ms) / 2 / 4
+    EXPECT_EQ(given.until, milliseconds(11500));
+}
+
 TEST_F(StopAllowances, AreNeverLongerThanTheResponseTimeout)
 {
     outlook.timeout = milliseconds(45);

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstdint>
 
 #include <poll.h>
 #include <unistd.h>
@@ -166,6 +168,34 @@ TEST(StopSignalTest, CountsWhatComesBehindTheFirst)
 
     EXPECT_EQ(signal.number(), SIGTERM);
     EXPECT_EQ(signal.count(), 2);
+}
+
+TEST(StopSignalTest, TheInterruptedCallKeepsItsError)
+{
+    const StopSignal signal;
+    const std::uint64_t almostFull = 0xFFFFFFFFFFFFFFFE; // the handler's own write fails then
+    ASSERT_EQ(write(signal.descriptor(), &almostFull, sizeof almostFull), 8);
+    errno = ENOENT;
+
+    std::raise(SIGTERM);
+
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(signal.number(), SIGTERM);
+}
+
+TEST(StopSignalTest, WhatCameForAnEarlierUserIsForgotten)
+{
+    {
+        const StopSignal earlier;
+        std::raise(SIGTERM);
+    }
+
+    const StopSignal signal;
+
+    EXPECT_FALSE(signal.hasCome());
+    EXPECT_EQ(signal.number(), 0);
+    EXPECT_EQ(signal.count(), 0);
+    EXPECT_FALSE(isReadable(signal.descriptor()));
 }
 
 TEST(StopSignalTest, AnIgnoredSignalStaysIgnored)

@@ -71,6 +71,27 @@ TEST(ServiceReads, OfWhatThereIsNotShowNothing)
     EXPECT_TRUE(snapshot->find(247, QStringLiteral("D"), 31) != nullptr);
 }
 
+TEST(ServiceRestores, ReadWriteAndReadAgainAndNothingElse)
+{
+    ServiceUnderTest under;
+    under.start();
+    ParameterSet set;
+    set.values = { { 0x0105, 5 }, { 0x0106, 0 } };
+    int restored = 0;
+    QObject::connect(under.service.get(), &LineService::restored,
+                     [&](int id, const RestoreReport &) { restored = id; });
+
+    const int id = under.service->restore(1, set);
+    under.waitFor([&] { return restored == id; });
+    under.service.reset();
+
+    const QByteArray read = framed("01 03 F1 05 00 02");
+    EXPECT_EQ(under.plant->stations.line.sent().count(read), 2);
+    EXPECT_EQ(under.plant->stations.line.sent().count(framed("01 06 F1 05 00 05")), 1);
+    EXPECT_EQ(under.plant->stations.line.sent().count(framed("01 03 F1 05 00 01")), 0)
+        << "a comparison of that register alone";
+}
+
 TEST(ServiceWithoutLine, TellsEachJobAsNotBegun)
 {
     ServiceUnderTest under;
