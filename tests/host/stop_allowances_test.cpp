@@ -274,3 +274,30 @@ TEST_F(StopAllowances, LeaveProbesOfAStationThatIsLeftAloneToTheBreaker)
     EXPECT_EQ(stop.due(seconds(1)), std::nullopt);
     EXPECT_EQ(stop.nextTry(seconds(1)), std::nullopt);
 }
+
+TEST_F(StopAllowances, AreGivenToThoseThatAnswerFirstThenToThoseThatTurn)
+{
+    std::map<int, StopOutlook> outlooks;
+    for (int station = 1; station <= 5; ++station)
+        outlooks[station] = outlook;
+    outlooks[1].lastAnswer = seconds(5);
+    outlooks[1].isLeftAlone = true;
+    outlooks[2].lastAnswer = seconds(3);
+    outlooks[4].lastAnswer = seconds(4);
+    outlooks[5].isLeftAlone = true;
+    SafeStop plant(link, { { 1, 6 }, { 2, 6 }, { 3, 6 }, { 4, 6 }, { 5, 6 } },
+                   [&outlooks](int station) { return outlooks.at(station); });
+    plant.noteCommand(3, 1);
+    plant.noteCommand(2, 6);
+    plant.begin(seconds(6), seconds(10));
+
+    QVector<int> order;
+    while (plant.isPassing() && plant.prepareNext(seconds(6))) {
+        FRAME_PRO request;
+        ASSERT_TRUE(link.nextFrame(request));
+        order.append(request.var.station);
+        link.handReply(QByteArray());
+    }
+
+    EXPECT_EQ(order, (QVector<int> { 4, 2, 3, 1, 5 }));
+}
