@@ -47,6 +47,10 @@ AccessResult JobAccess::write(int station, const QString &regType, int address, 
     wish.values = { value };
     wish.always = true;
 
+    const Value held = m_runtime.value(station, regType, address);
+    m_held.clear();
+    if (held.known && !held.writePending)
+        m_held = { held.value };
     m_ended.reset();
     m_expected = m_runtime.write(wish);
     while (!m_ended && !m_isClosing())
@@ -56,11 +60,12 @@ AccessResult JobAccess::write(int station, const QString &regType, int address, 
     return accessResult(*m_ended);
 }
 
-bool JobAccess::takeOutcome(const WriteOutcome &outcome)
+bool JobAccess::takeOutcome(WriteOutcome &outcome)
 {
     if (outcome.id != m_expected)
         return false;
     m_expected = 0;
+    outcome.before = m_held;
     m_ended = outcome;
     return true;
 }

@@ -28,8 +28,9 @@ public:
     AccessResult read(int station, const QString &regType, int address, int count) override;
     AccessResult write(int station, const QString &regType, int address, quint16 value) override;
 
+    /// @param outcome  gets what the station held before, as far as it was read
     /// @return whether the write was of this access
-    bool takeOutcome(const WriteOutcome &outcome);
+    bool takeOutcome(WriteOutcome &outcome);
 
 protected:
     bool isLeftAlone(int station) const override { return m_runtime.isLeftAlone(station); }
@@ -41,6 +42,7 @@ private:
     IsClosing m_isClosing;
     int m_expected = 0; ///< id of the write that is waited for; 0: none
     std::optional<WriteOutcome> m_ended;
+    QVector<quint16> m_held; ///< by the register that is being written, before that
 };
 
 } // namespace dx4::host

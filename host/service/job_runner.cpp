@@ -93,6 +93,14 @@ void JobRunner::carryOut(const Job &job)
     m_current = outer;
 }
 
+bool JobRunner::takeOutcome(WriteOutcome &outcome)
+{
+    if (!m_access.takeOutcome(outcome))
+        return false;
+    outcome.id = m_current;
+    return true;
+}
+
 void JobRunner::endAll(const QString &reason)
 {
     m_endReason = reason;

@@ -33,8 +33,9 @@ public:
     /// Has the job under way end soon, and ends those that wait.
     void endAll(const QString &reason);
 
+    /// @param outcome  gets the id of the job, and what the station held before
     /// @return whether the write was of a job
-    bool takeOutcome(const WriteOutcome &outcome) { return m_access.takeOutcome(outcome); }
+    bool takeOutcome(WriteOutcome &outcome);
 
 private:
     class Polite;

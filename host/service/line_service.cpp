@@ -76,6 +76,7 @@ struct LineService::Teller {
     {
         Q_EMIT from.jobProgressed(job.id, job.done, job.total);
     }
+    void operator()(const JobWrote &job) const { Q_EMIT from.jobWrote(job.outcome); }
     void operator()(const BackupEnded &backup) const
     {
         Q_EMIT from.backedUp(backup.id, backup.set, backup.error);

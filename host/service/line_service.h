@@ -124,6 +124,10 @@ Q_SIGNALS:
     /// So many of the registers of a backup or restore are settled; a restore counts anew for its
     /// second reading.
     void jobProgressed(int id, int done, int total);
+    /// A write of a restore has ended. The report counts it as well; this tells what was written.
+    ///
+    /// @param outcome  with the id of the job
+    void jobWrote(const dx4::host::WriteOutcome &outcome);
     /// @param error  why the set is not complete; empty when it is
     void backedUp(int id, const dx4::host::ParameterSet &set, const QString &error);
     void restored(int id, const dx4::host::RestoreReport &report);

@@ -254,7 +254,7 @@ void LineWorker::show(int station, const QString &regType, int address, int coun
 void LineWorker::noteOutcome(WriteOutcome outcome)
 {
     if (m_jobs->takeOutcome(outcome))
-        return;
+        return tell(JobWrote { outcome });
     const auto write = m_writes.find(outcome.id);
     if (write == m_writes.end())
         return; // of a job that was left
@@ -344,7 +344,9 @@ WriteOutcome refusedWrite(const SubmitWrite &write, Refusal refusal, const QStri
              false,
              QStringLiteral("station %1, %2: %3")
                  .arg(wish.station)
-                 .arg(fullAddress(wish.regType, wish.address), reason) };
+                 .arg(fullAddress(wish.regType, wish.address), reason),
+             wish,
+             {} };
 }
 
 } // namespace dx4::host

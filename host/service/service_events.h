@@ -33,6 +33,9 @@ struct ReadEnded {
     int id = 0;
     AccessResult result;
 };
+struct JobWrote {
+    WriteOutcome outcome; ///< with the id of the job
+};
 struct JobProgressed {
     int id = 0;
     int done = 0; ///< registers, of `total`
@@ -48,8 +51,8 @@ struct RestoreEnded {
     RestoreReport report;
 };
 
-using ServiceEvent =
-    std::variant<WriteOutcome, AlarmRaised, NoticeGiven, LineOpened, LineWentDown, StationLost,
-                 StationBack, StopEnded, ReadEnded, JobProgressed, BackupEnded, RestoreEnded>;
+using ServiceEvent = std::variant<WriteOutcome, AlarmRaised, NoticeGiven, LineOpened, LineWentDown,
+                                  StationLost, StationBack, StopEnded, ReadEnded, JobProgressed,
+                                  JobWrote, BackupEnded, RestoreEnded>;
 
 } // namespace dx4::host

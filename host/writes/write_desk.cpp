@@ -93,7 +93,10 @@ int WriteDesk::submit(const WriteWish &wish)
             finish(*m_queue.find(id), { WriteEnd::Replaced, replacedText(isStop) });
     }
     const bool isCompared = isParameter(wish) && !wish.always;
-    const QueuedWrite write { m_nextId++, wish, isCompared ? Request::Compare : Request::Send };
+    QueuedWrite write;
+    write.id = m_nextId++;
+    write.wish = wish;
+    write.next = isCompared ? Request::Compare : Request::Send;
     if (refusal == Refusal::None)
         m_queue.add(write);
     else
@@ -204,8 +207,11 @@ void WriteDesk::served(QueuedWrite &write, const QByteArray &reply)
         write.next = Request::ReadBack;
         return;
     }
-    const bool isEqual =
-        write.next == Request::Send || valuesIn(reply, lengthOf(wish.values)) == wish.values;
+    const bool isRead = write.next != Request::Send;
+    const QVector<quint16> held = isRead ? valuesIn(reply, lengthOf(wish.values)) : wish.values;
+    const bool isEqual = held == wish.values;
+    if (write.next == Request::Compare)
+        write.before = held;
     if (write.next == Request::Compare && !isEqual)
         write.next = Request::Send;
     else if (write.next == Request::Compare)
@@ -251,7 +257,8 @@ void WriteDesk::finish(const QueuedWrite &write, const End &end)
     m_ended.push_back({ write.id, end.kind, end.refusal, end.exceptionCode, write.sent,
                         QStringLiteral("station %1, %2: %3")
                             .arg(wish.station)
-                            .arg(fullAddress(wish.regType, wish.address), end.text) });
+                            .arg(fullAddress(wish.regType, wish.address), end.text),
+                        wish, write.before });
     m_queue.remove(write.id);
 }
 

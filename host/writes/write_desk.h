@@ -43,6 +43,9 @@ struct WriteOutcome {
     bool sent = false; ///< false: the station got nothing of it, as with values held already;
                        ///< true also where the line broke in the middle
     QString text; ///< one line for the user: which register, what happened
+    WriteWish wish; ///< what was to be written
+    QVector<quint16> before; ///< what the station held when that was compared, one per register;
+                             ///< empty where it was not
 };
 
 /// Brings writes to the stations, each station's in the order of submission, and follows each to

@@ -30,6 +30,7 @@ struct QueuedWrite {
     Request next = Request::Send;
     bool handedOver = false; ///< to the driver; it is too late to take it back
     bool sent = false; ///< at least once
+    QVector<quint16> before; ///< what the station held when it was compared
 };
 
 /// Keeps a queue per station.

@@ -48,6 +48,32 @@ TEST_F(WriteDeskTest, AParameterThatDiffersIsReadThenWritten)
     EXPECT_EQ(host.sent(1, 6), 1);
 }
 
+TEST_F(WriteDeskTest, AnOutcomeTellsWhatWasWantedAndWhatWasHeldBefore)
+{
+    host.stations.registers[{ 1, 0xF000 }] = 7;
+    host.stations.registers[{ 1, 0xF001 }] = 8;
+    host.write(1, "F", 0, { 7, 9 });
+
+    host.steps(5);
+
+    EXPECT_EQ(last().wish.station, 1);
+    EXPECT_EQ(last().wish.regType, QStringLiteral("F"));
+    EXPECT_EQ(last().wish.address, 0);
+    EXPECT_EQ(last().wish.values, (QVector<quint16> { 7, 9 }));
+    EXPECT_EQ(last().before, (QVector<quint16> { 7, 8 }));
+    EXPECT_TRUE(last().sent);
+}
+
+TEST_F(WriteDeskTest, WhatIsReadBackIsNotWhatWasHeldBefore)
+{
+    host.host.write({ 1, QStringLiteral("F"), 0, { 9 }, true, true });
+
+    host.steps(5);
+
+    EXPECT_EQ(host.outcomes, Texts { "1000 confirmed" });
+    EXPECT_TRUE(last().before.isEmpty());
+}
+
 TEST_F(WriteDeskTest, AParameterThatIsHeldAlreadyIsNotWritten)
 {
     host.stations.registers[{ 1, 0xF000 }] = 7;

@@ -94,6 +94,28 @@ TEST_F(ServiceJobs, BackupAndRestoreBringTheParametersBack)
     EXPECT_EQ(progress.back(), 203);
 }
 
+TEST_F(ServiceJobs, EachWriteOfARestoreIsToldWithWhatWasHeldBefore)
+{
+    reg(0xF105) = 99;
+    ParameterSet wanted;
+    wanted.values.insert(0x105, 5);
+    start();
+    std::vector<WriteOutcome> writes;
+    QObject::connect(under.service.get(), &LineService::jobWrote,
+                     [&](const WriteOutcome &outcome) { writes.push_back(outcome); });
+
+    const int restore = under.service->restore(1, wanted);
+    under.waitFor([&] { return ended == restore; });
+
+    ASSERT_EQ(writes.size(), 1U);
+    EXPECT_EQ(writes.front().id, restore);
+    EXPECT_EQ(writes.front().end, WriteEnd::Confirmed);
+    EXPECT_EQ(writes.front().wish.address, 0x105);
+    EXPECT_EQ(writes.front().wish.values, QVector<quint16> { 5 });
+    EXPECT_EQ(writes.front().before, QVector<quint16> { 99 });
+    EXPECT_TRUE(under.outcomes.empty());
+}
+
 TEST_F(ServiceJobs, ReadGoesBetweenTheRequestsOfABackup)
 {
     under.plant->hold();
