@@ -2,10 +2,14 @@
 // One connection to an SQLite file, and what went wrong on it in words.
 #include "journal/database.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSqlError>
 
 #include <atomic>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace dx4::journal {
 namespace {
@@ -34,6 +38,11 @@ QString options(Database::Access access, int patience)
 
 } // namespace
 
+bool namesFile(const QString &path)
+{
+    return !path.isEmpty() && !path.startsWith(QLatin1Char(':'));
+}
+
 Database::Database(const QString &path, Access access, int patience)
     : m_path(path)
     , m_name(nextName())
@@ -44,6 +53,10 @@ Database::Database(const QString &path, Access access, int patience)
         fail(Trouble::Kind::Refused,
              QStringLiteral("Qt has no driver for SQLite; Debian has it as libqt5sql5-sqlite or "
                             "libqt6sql6-sqlite"));
+        return;
+    }
+    if (!namesFile(path)) {
+        fail(Trouble::Kind::Refused, QStringLiteral("names no file"));
         return;
     }
     m_database.setDatabaseName(path);
@@ -165,8 +178,11 @@ QString Database::openText() const
     const QFileInfo folder(QFileInfo(m_path).absolutePath());
     if (!folder.isDir())
         return QStringLiteral("there is no folder %1").arg(folder.filePath());
-    if (!folder.isWritable())
+    const QByteArray name = QFile::encodeName(folder.filePath());
+    if (faccessat(AT_FDCWD, name.constData(), W_OK, AT_EACCESS) != 0)
         return QStringLiteral("its folder %1 takes no new file").arg(folder.filePath());
+    if (!QFileInfo::exists(m_path))
+        return QStringLiteral("is not there");
     return QStringLiteral("cannot be opened");
 }
 

@@ -30,6 +30,10 @@ struct Trouble {
     QString text; ///< one line for people, with the file
 };
 
+/// Whether a path is that of a file. SQLite takes "" and ":memory:" for databases that end with the
+/// connection.
+bool namesFile(const QString &path);
+
 /// A connection, used on the thread that opened it. Calls give false and set trouble() where they
 /// fail.
 class Database {

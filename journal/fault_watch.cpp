@@ -68,9 +68,10 @@ QString FaultWatch::stateText(int station) const
         if (isSet)
             words.append(m_words.states.value(bit, QStringLiteral("bit %1").arg(bit)));
     }
+    const QString word = QStringLiteral("%1").arg(found->second, 4, 16, QLatin1Char('0')).toUpper();
     return QStringLiteral("; status word 0x%1: %2")
-        .arg(found->second, 4, 16, QLatin1Char('0'))
-        .arg(words.isEmpty() ? QStringLiteral("no bit set") : words.join(QStringLiteral(", ")));
+        .arg(word,
+             words.isEmpty() ? QStringLiteral("no bit set") : words.join(QStringLiteral(", ")));
 }
 
 } // namespace dx4::journal

@@ -34,8 +34,12 @@ quint64 fileAt(const QString &path)
 
 /// What has to be as before when a transaction fails is in Known.
 struct Journal::Writer {
+    struct Start {
+        qint64 id = 0;
+        Time last = 0; ///< as the row has it
+    };
     struct Known {
-        std::map<qint64, qint64> starts; ///< rows of the runs of the clock
+        std::map<qint64, Start> starts; ///< rows of the runs of the clock
         std::map<Series, qint64> series; ///< their rows
     };
 
@@ -101,7 +105,7 @@ bool Journal::write(const Batch &batch, Trouble *trouble)
 void Journal::end()
 {
     for (const auto &[run, start] : m_writer->known.starts)
-        m_database->run(QStringLiteral("UPDATE starts SET ended = 1 WHERE id = ?"), { start });
+        m_database->run(QStringLiteral("UPDATE starts SET ended = 1 WHERE id = ?"), { start.id });
 }
 
 bool Journal::isInPlace() const
@@ -162,21 +166,20 @@ bool Journal::Writer::write(const Sample &sample)
 /// The row of a run of the clock, which gets the time as its newest.
 std::optional<qint64> Journal::Writer::startOf(qint64 run, Time time)
 {
-    const auto found = known.starts.find(run);
-    if (found == known.starts.end()) {
-        if (!database.run(QStringLiteral("INSERT INTO starts (began, last, ended, program)"
-                                         " VALUES (?, ?, 0, ?)"),
-                          { time, time, column(settings.program) }))
+    Start &start = known.starts[run];
+    if (start.id == 0) {
+        start.last = time;
+        if (database.run(QStringLiteral("INSERT INTO starts (began, last, ended, program)"
+                                        " VALUES (?, ?, 0, ?)"),
+                         { time, time, column(settings.program) }))
+            start.id = database.number(QStringLiteral("SELECT max(id) FROM starts")).value_or(0);
+    } else if (start.last < time) {
+        start.last = time;
+        if (!database.run(QStringLiteral("UPDATE starts SET last = ? WHERE id = ?"),
+                          { time, start.id }))
             return std::nullopt;
-        const auto id = database.number(QStringLiteral("SELECT max(id) FROM starts"));
-        if (id)
-            known.starts[run] = *id;
-        return id;
     }
-    const bool isNoted =
-        database.run(QStringLiteral("UPDATE starts SET last = ? WHERE id = ? AND last < ?"),
-                     { time, found->second, time });
-    return isNoted ? std::optional<qint64>(found->second) : std::nullopt;
+    return start.id != 0 ? std::optional<qint64>(start.id) : std::nullopt;
 }
 
 std::optional<qint64> Journal::Writer::seriesOf(const Series &series)

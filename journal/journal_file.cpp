@@ -86,6 +86,8 @@ OpenedFile tryToOpen(const QString &path, int patience)
 
 OpenedFile openToWrite(const QString &path, int patience)
 {
+    if (!namesFile(path))
+        return tryToOpen(path, patience);
     // Of two programs that find the file damaged one sets it aside, the other finds a new one.
     QLockFile lock(path + QStringLiteral(".lock"));
     lock.setStaleLockTime(0); // whoever holds it may take long; who died is noticed all the same
