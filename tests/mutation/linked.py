@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Changes one thing in host/, simulator/ or capture/ at a time and asks whether the tests notice.
+"""Changes one thing in host/, journal/, simulator/ or capture/ at a time and asks whether the tests notice.
 
 Works beside a finished build: a changed file is compiled as that build compiles it, and the test
 programs are linked anew with the changed object before the library. Neither the tree nor the build is
@@ -49,6 +49,7 @@ TREES = {
                             ("slave", "drive", "cable", "fault", "fault_file", "register_map",
                              "framer", "text", "commands", "start_values", "station_list", "port"))
                       + ("faults/korvane_fault_test",)),
+    "journal": Tree("journal/libkorvane_journal.a", ("journal/korvane_journal_test",)),
     "capture": Tree("capture/libkorvane_capture.a", ("host/korvane_host_test",)),
 }
 # Random runs play enough to notice what a quick test does not, not the usual number.
