@@ -7,7 +7,7 @@ usage() {
 Usage: scripts/check.sh [format] [tidy]
 
   format  clang-format has nothing to change in any tracked C++ file
-  tidy    clang-tidy finds nothing in src/, wire/, common/, host/, simulator/, cli/ and the headers they include
+  tidy    clang-tidy finds nothing in src/, wire/, common/, host/, journal/, simulator/, cli/ and the headers they include
 
 Both when none is named. Installs the packages it needs.
 TEXT
@@ -28,7 +28,7 @@ check_tidy() {
     tail -n 60 build/tidy/configure.log >&2
     return 1
   fi
-  if ! run-clang-tidy -quiet -j "$(nproc)" -p build/tidy "^$root/(src|wire|common|host|simulator|cli)/" \
+  if ! run-clang-tidy -quiet -j "$(nproc)" -p build/tidy "^$root/(src|wire|common|host|journal|simulator|cli)/" \
     >"$log" 2>&1; then
     sed 's/\x1b\[[0-9;]*m//g' "$log" | grep -vE '^clang-tidy|warnings? generated|^$' >&2
     echo "check.sh: clang-tidy found something" >&2

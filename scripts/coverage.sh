@@ -8,7 +8,7 @@ Usage: scripts/coverage.sh [--no-gate] [FOLDER...]
 
 Builds the preset coverage into build/coverage, runs the tests (black-box through the plug-in and
 white-box through the linked objects are counted together) and reports the lines and branches of src,
-wire, host, simulator and capture that were reached, those of src that were missed one by one. HTML reports go
+wire, host, journal, simulator and capture that were reached, those of src that were missed one by one. HTML reports go
 to build/coverage/report/FOLDER.html.
 
 The least that each folder must reach is in scripts/coverage_figures.txt. Where folders are named, those
@@ -33,10 +33,10 @@ if [ "${1:-}" = --no-gate ]; then
   shift
 fi
 folders=("$@")
-[ $# -gt 0 ] || folders=(src wire host simulator capture)
+[ $# -gt 0 ] || folders=(src wire host journal simulator capture)
 build=build/coverage
 areas=(api unit export model property soak)
-[ "${folders[*]}" = "src wire" ] || areas+=(host guard faults simulator integration)
+[ "${folders[*]}" = "src wire" ] || areas+=(host service journal guard faults simulator integration)
 BUILD_TARGETS=$(printf 'tests/%s/all ' "${areas[@]}") scripts/build.sh coverage -DKORVANE_BUILD_TOOLS=ON
 find "$build" -name '*.gcda' -delete
 

@@ -4,7 +4,7 @@ set -euo pipefail
 
 if [ "${1:-}" = --help ] || [ "${1:-}" = -h ]; then
   cat <<'TEXT'
-Usage: scripts/mutation.sh [--tree src|host|simulator|capture] [OPTION...]
+Usage: scripts/mutation.sh [--tree src|host|journal|simulator|capture] [OPTION...]
 
 Installs what the tests need, builds what the tree's tests need in the preset dev and changes one
 operator, constant, condition or statement of the tree at a time (default: host). The sources stay as
@@ -30,7 +30,7 @@ fi
 cd "$(dirname "$0")/.."
 tree=host
 if [ "${1:-}" = --tree ]; then
-  tree=${2:?scripts/mutation.sh: --tree needs src, host, simulator or capture}
+  tree=${2:?scripts/mutation.sh: --tree needs src, host, journal, simulator or capture}
   shift 2
 fi
 scripts/packages.sh build test check

@@ -27,7 +27,7 @@ packages_of() {
   case $1 in
     build)
       echo cmake ninja-build g++ pkg-config
-      echo qtbase5-dev libqt5serialport5-dev libmodbus-dev libcli11-dev libtomlplusplus-dev
+      echo qtbase5-dev libqt5serialport5-dev libqt5sql5-sqlite libmodbus-dev libcli11-dev libtomlplusplus-dev
       ;;
     test)
       echo libgtest-dev libgmock-dev librapidcheck-dev
@@ -43,7 +43,7 @@ packages_of() {
       echo doxygen
       ;;
     qt6)
-      echo qt6-base-dev qt6-serialport-dev
+      echo qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite
       ;;
     *)
       echo "packages.sh: no purpose '$1'; one of build, test, check, bench, docs, qt6" >&2
