@@ -33,6 +33,7 @@ public:
     {
         return m_line.awaitSilence(gap, deadline);
     }
+    void setWaits(host::Waits &waits) override { m_line.setWaits(waits); }
 
 private:
     host::Line &m_line;

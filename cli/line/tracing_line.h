@@ -37,6 +37,7 @@ public:
     QByteArray receive(int count, host::Duration deadline) override;
     int discardInput() override;
     bool awaitSilence(host::Duration gap, host::Duration deadline) override;
+    void setWaits(host::Waits &waits) override { m_line.setWaits(waits); }
 
 private:
     void heard(const QByteArray &bytes);

@@ -2,7 +2,7 @@
 // The only seam between the host and the outside: bytes out, bytes in, and a clock.
 #pragma once
 
-#include "host/line/line_settings.h"
+#include "host/line/waits.h"
 
 #include <QByteArray>
 #include <QString>
@@ -13,6 +13,9 @@ namespace dx4::host {
 ///
 /// All calls come from one thread. A line that breaks closes itself: the call that noticed reports
 /// failure, and isOpen() is false from then on until open() succeeds.
+///
+/// A line that waits for anything but its own clock does so through the Waits that it is given, so
+/// that it can be run where nothing may block.
 class Line {
 public:
     Line() = default;
@@ -53,6 +56,12 @@ public:
     ///
     /// @return false when the line was not silent for that long before `deadline`
     virtual bool awaitSilence(Duration gap, Duration deadline) = 0;
+
+    /// How the line is to wait from now on; blockingWaits() before. A line that passes its calls on
+    /// passes this on as well, and one in memory has no use for it.
+    ///
+    /// @param waits  outlives the line
+    virtual void setWaits(Waits &waits) { static_cast<void>(waits); }
 };
 
 } // namespace dx4::host

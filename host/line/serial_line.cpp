@@ -4,7 +4,6 @@
 
 #include "host/base/length.h"
 #include "host/line/port_list.h"
-#include "host/line/timespec.h"
 
 #include <QFile>
 #include <QSerialPort>
@@ -16,8 +15,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <ctime>
-#include <iterator>
 #include <utility>
 
 namespace dx4::host {
@@ -56,14 +53,6 @@ constexpr int wasteBytes = 256; // dropped at once
 
 // Less than one character at 115,200 bit/s: looking again would find what may as well come later.
 constexpr Duration momentAgo = std::chrono::microseconds(50);
-
-// Of the steady clock, which now() reads.
-void sleepUntil(Duration moment)
-{
-    const timespec until = toTimespec(moment);
-    while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR)
-        ;
-}
 
 // An event loop in this thread would move what arrives into the port's own buffer.
 void keepFromEventLoop(const QSerialPort &port)
@@ -162,8 +151,7 @@ bool SerialLine::isOpen() const
 
 Duration SerialLine::now() const
 {
-    return std::chrono::duration_cast<Duration>(
-        std::chrono::steady_clock::now().time_since_epoch());
+    return steadyNow();
 }
 
 bool SerialLine::send(const QByteArray &bytes)
@@ -217,7 +205,7 @@ bool SerialLine::awaitSilence(Duration gap, Duration deadline)
             return isOpen();
         if (time >= deadline)
             return false;
-        sleepUntil(std::min(m_lastActivity + gap, deadline));
+        m_waits->until(std::min(m_lastActivity + gap, deadline));
     }
     return false;
 }
@@ -235,19 +223,21 @@ bool SerialLine::writeAll(const QByteArray &bytes, Duration deadline)
             continue;
         else if (count == -1 && errno != EAGAIN)
             return false;
-        else if (now() >= deadline || waitFor(POLLOUT, deadline) != POLLOUT)
+        else if (now() >= deadline
+                 || m_waits->forEvents(m_descriptor, POLLOUT, deadline) != POLLOUT)
             return false;
     }
     return true;
 }
 
-/// Waits until bytes come and takes them; closes the port when it broke.
+/// Waits until bytes come and takes them; closes the port when it broke. The port's own waits count
+/// in milliseconds, too coarse for a gap of 1.75 ms, and note each arrival in a buffer of theirs,
+/// which costs more than the driver does: the descriptor is used directly.
 ///
 /// @return number of bytes taken, 0 at the deadline and when the port broke
 int SerialLine::awaitInput(char *to, int most, Duration deadline)
 {
-    const int events = waitFor(POLLIN, deadline);
-    if (events == 0)
+    if (m_waits->forEvents(m_descriptor, POLLIN, deadline) == 0)
         return 0;
     // An unplugged adapter reports input as well; it still hands over what it had before.
     const int count = readInto(to, most);
@@ -273,22 +263,6 @@ int SerialLine::readInto(char *to, int most)
     else
         close();
     return static_cast<int>(std::max<ssize_t>(count, 0));
-}
-
-/// Waits for one of poll's events on the port. The port's own waits count in milliseconds, too
-/// coarse for a gap of 1.75 ms, and note each arrival in a buffer of theirs, which costs more than
-/// the driver does: the descriptor is used directly.
-///
-/// @return the events that came, 0 at the deadline
-int SerialLine::waitFor(short event, Duration deadline)
-{
-    pollfd watched[] = { { m_descriptor, event, {} } };
-    int ready = -1;
-    do {
-        const timespec span = toTimespec(std::max(deadline - now(), Duration { 0 }));
-        ready = ppoll(watched, std::size(watched), &span, nullptr);
-    } while (ready == -1 && errno == EINTR); // a signal is no reason to give up on a reply
-    return watched->revents;
 }
 
 void SerialLine::noteActivity()

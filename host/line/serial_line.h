@@ -11,7 +11,8 @@ class QSerialPort;
 
 namespace dx4::host {
 
-/// A serial port driven without an event loop: every call blocks its thread until its deadline.
+/// A serial port driven without an event loop: every call lasts until its deadline, and waits as
+/// setWaits() says. What blocks its thread in any case is the system's: open().
 ///
 /// An open port is held exclusively; open() names the program that has it already. A port that goes
 /// away is closed by the call that notices, and open() finds it again under its lasting name.
@@ -30,6 +31,7 @@ public:
     QByteArray receive(int count, Duration deadline) override;
     int discardInput() override;
     bool awaitSilence(Duration gap, Duration deadline) override;
+    void setWaits(Waits &waits) override { m_waits = &waits; }
 
 private:
     QString tryOpen(const QString &device);
@@ -37,10 +39,10 @@ private:
     bool writeAll(const QByteArray &bytes, Duration deadline);
     int awaitInput(char *to, int most, Duration deadline);
     int readInto(char *to, int most);
-    int waitFor(short event, Duration deadline);
     void noteActivity();
 
     LineSettings m_settings;
+    Waits *m_waits = &blockingWaits();
     PortClaim m_claim; // outlives the port's own descriptor
     std::unique_ptr<QSerialPort> m_port;
     int m_descriptor = -1; // of the open port

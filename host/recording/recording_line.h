@@ -26,6 +26,7 @@ public:
     {
         return m_line.awaitSilence(gap, deadline);
     }
+    void setWaits(Waits &waits) override { m_line.setWaits(waits); }
 
 private:
     Line &m_line;

@@ -2,24 +2,41 @@
 // A pause that another thread can end.
 #include "host/service/doorbell.h"
 
-#include <utility>
+#include <cerrno>
+#include <cstdint>
+#include <system_error>
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 namespace dx4::host {
 
+Doorbell::Doorbell(Waits &waits)
+    : m_waits(waits)
+    , m_descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{
+    if (m_descriptor < 0)
+        throw std::system_error(errno, std::generic_category(), "eventfd");
+}
+
+Doorbell::~Doorbell()
+{
+    close(m_descriptor);
+}
+
 void Doorbell::ring()
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_hasRung = true;
-    }
-    m_rung.notify_one();
+    const std::uint64_t one = 1;
+    // It fails where the counter is full, and who waits is awake then.
+    [[maybe_unused]] const auto written = write(m_descriptor, &one, sizeof one);
 }
 
 bool Doorbell::wait(Duration span)
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    m_rung.wait_for(lock, span, [this] { return m_hasRung; });
-    return std::exchange(m_hasRung, false);
+    m_waits.forEvents(m_descriptor, POLLIN, steadyNow() + span);
+    std::uint64_t rings = 0;
+    return read(m_descriptor, &rings, sizeof rings) == sizeof rings;
 }
 
 } // namespace dx4::host

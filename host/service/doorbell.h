@@ -2,10 +2,7 @@
 // A pause that another thread can end.
 #pragma once
 
-#include "host/line/line_settings.h"
-
-#include <condition_variable>
-#include <mutex>
+#include "host/line/waits.h"
 
 namespace dx4::host {
 
@@ -13,15 +10,22 @@ namespace dx4::host {
 /// next wait; several count as one.
 class Doorbell {
 public:
+    /// Throws std::system_error where the process may open no more descriptors.
+    ///
+    /// @param waits  of the thread that waits; outlives this
+    explicit Doorbell(Waits &waits = blockingWaits());
+    ~Doorbell();
+    Doorbell(const Doorbell &) = delete;
+    Doorbell &operator=(const Doorbell &) = delete;
+
     void ring();
 
     /// @return whether it rang before the time was over
     bool wait(Duration span);
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_rung;
-    bool m_hasRung = false;
+    Waits &m_waits;
+    const int m_descriptor;
 };
 
 } // namespace dx4::host

@@ -61,6 +61,12 @@ public:
     /// What became of a command.
     enum class Taken { Yes, Stopping, Closed };
 
+    /// @param waits  of the line's thread; outlives this
+    explicit Inbox(Waits &waits)
+        : m_bell(waits)
+    {
+    }
+
     /// Gives the next id: 1 or more, never used twice.
     int nextId() { return ++m_lastId; }
 

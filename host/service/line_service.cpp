@@ -3,12 +3,11 @@
 #include "host/service/line_service.h"
 
 #include "host/service/line_worker.h"
+#include "host/service/place.h"
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QEventLoop>
 
-#include <thread>
 #include <utility>
 
 namespace dx4::host {
@@ -34,17 +33,13 @@ void registerTypes()
 } // namespace
 
 struct LineService::Engine {
-    Engine(LineFactory factory, const ServiceSettings &settings, LineService *service)
-        : outbox([service] { QCoreApplication::postEvent(service, new QEvent(deliveryType())); })
-        , worker(std::move(factory), settings, inbox, outbox)
+    Engine(LineFactory factory, const ServiceSettings &settings, std::unique_ptr<Place> where,
+           LineService *service)
+        : place(std::move(where))
+        , inbox(place->waits())
+        , outbox([service] { QCoreApplication::postEvent(service, new QEvent(deliveryType())); })
+        , worker(std::move(factory), settings, place->waits(), inbox, outbox)
     {
-    }
-
-    /// A serial port wants a dispatcher on its thread, though nobody turns it.
-    void run()
-    {
-        const QEventLoop dispatcher;
-        worker.run();
     }
 
     /// @return the id, or 0 where nothing is taken any more
@@ -53,10 +48,10 @@ struct LineService::Engine {
         return inbox.put(std::move(command)) == Inbox::Taken::Closed ? 0 : id;
     }
 
+    const std::unique_ptr<Place> place;
     Inbox inbox;
     Outbox outbox;
     LineWorker worker;
-    std::thread thread; // not Qt's: race checkers cannot see how that one is joined
 };
 
 /// Tells each event by its signal.
@@ -88,17 +83,23 @@ struct LineService::Teller {
 };
 
 LineService::LineService(LineFactory factory, const ServiceSettings &settings, QObject *parent)
+    : LineService(std::move(factory), settings, std::make_unique<OwnThread>(), parent)
+{
+}
+
+LineService::LineService(LineFactory factory, const ServiceSettings &settings,
+                         std::unique_ptr<Place> place, QObject *parent)
     : QObject(parent)
-    , m_engine(std::make_unique<Engine>(std::move(factory), settings, this))
+    , m_engine(std::make_unique<Engine>(std::move(factory), settings, std::move(place), this))
 {
     registerTypes();
-    m_engine->thread = std::thread([engine = m_engine.get()] { engine->run(); });
+    m_engine->place->start([engine = m_engine.get()] { engine->worker.run(); });
 }
 
 LineService::~LineService()
 {
     m_engine->inbox.close();
-    m_engine->thread.join();
+    m_engine->place->join();
     while (const auto event = m_engine->outbox.takeEvent()) {
         try {
             std::visit(Teller { *this }, *event);
@@ -106,6 +107,11 @@ LineService::~LineService()
             continue; // of a slot; the others are told all the same
         }
     }
+}
+
+const Place &LineService::place() const
+{
+    return *m_engine->place;
 }
 
 std::shared_ptr<const LineSnapshot> LineService::snapshot() const

@@ -13,6 +13,8 @@
 
 namespace dx4::host {
 
+class Place;
+
 /// Runs one line on a thread of its own: the factory, the driver, the line and the runtime are
 /// called on it alone.
 ///
@@ -28,7 +30,8 @@ class LineService : public QObject {
 
 public:
     /// Starts the thread. The line is opened there, and again whenever it breaks. The process needs
-    /// a QCoreApplication.
+    /// a QCoreApplication. Throws std::system_error where the system has no thread or no descriptor
+    /// left.
     ///
     /// @param factory  called once, on that thread; where it gives no line or no driver, the line
     ///                 is down for good
@@ -131,6 +134,13 @@ Q_SIGNALS:
     /// @param error  why the set is not complete; empty when it is
     void backedUp(int id, const dx4::host::ParameterSet &set, const QString &error);
     void restored(int id, const dx4::host::RestoreReport &report);
+
+protected:
+    /// Runs the line elsewhere than on a thread of its own.
+    LineService(LineFactory factory, const ServiceSettings &settings, std::unique_ptr<Place> place,
+                QObject *parent);
+
+    const Place &place() const;
 
 private:
     struct Engine;

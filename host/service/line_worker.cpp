@@ -33,9 +33,11 @@ QString endedText()
 
 } // namespace
 
-LineWorker::LineWorker(LineFactory factory, ServiceSettings settings, Inbox &inbox, Outbox &outbox)
+LineWorker::LineWorker(LineFactory factory, ServiceSettings settings, Waits &waits, Inbox &inbox,
+                       Outbox &outbox)
     : m_factory(std::move(factory))
     , m_settings(std::move(settings))
+    , m_waits(waits)
     , m_inbox(inbox)
     , m_outbox(outbox)
     , m_downReason(QStringLiteral("not opened yet"))
@@ -45,6 +47,13 @@ LineWorker::LineWorker(LineFactory factory, ServiceSettings settings, Inbox &inb
 void LineWorker::run()
 {
     make();
+    serve();
+    end();
+}
+
+/// Until the service ends.
+void LineWorker::serve()
+{
     while (m_runtime && !m_inbox.isClosed()) {
         if (m_jobs->isEmpty())
             turn();
@@ -56,7 +65,6 @@ void LineWorker::run()
         publish();
         m_inbox.wait(longWait);
     }
-    end();
 }
 
 void LineWorker::make()
@@ -73,6 +81,7 @@ void LineWorker::make()
         m_downReason = parts.error.isEmpty() ? unknown : parts.error;
         return tell(LineWentDown { m_downReason });
     }
+    m_line->setWaits(m_waits);
     m_runtime = std::make_unique<Runtime>(std::move(parts.plugin), *m_line, ownSettings());
     m_jobs = std::make_unique<JobRunner>(
         *m_runtime, m_inbox, [this] { return turn(); },
@@ -115,6 +124,7 @@ Runtime::Step LineWorker::turn()
     const bool wasIdle = std::exchange(m_wasIdle, done == Runtime::Step::Idle);
     if (done == Runtime::Step::LineDown || (done == Runtime::Step::Idle && wasIdle))
         pause(m_runtime->idleTime());
+    m_waits.giveWay();
     return done;
 }
 

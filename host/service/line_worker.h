@@ -17,11 +17,13 @@
 namespace dx4::host {
 
 /// Makes line, driver and runtime, turns them, and ends with them: run() is the whole life of the
-/// thread. Takes from the inbox between two requests and tells the outbox after each.
+/// line. Takes from the inbox between two requests and tells the outbox after each.
 class LineWorker {
 public:
-    /// @param inbox, outbox  outlive this
-    LineWorker(LineFactory factory, ServiceSettings settings, Inbox &inbox, Outbox &outbox);
+    /// @param waits          of the place where it runs
+    /// @param inbox, outbox  outlive this, as waits do
+    LineWorker(LineFactory factory, ServiceSettings settings, Waits &waits, Inbox &inbox,
+               Outbox &outbox);
 
     void run();
 
@@ -31,6 +33,7 @@ private:
         int station = 0;
     };
 
+    void serve();
     void make();
     RuntimeSettings ownSettings();
     void listen();
@@ -68,6 +71,7 @@ private:
 
     LineFactory m_factory;
     ServiceSettings m_settings;
+    Waits &m_waits;
     Inbox &m_inbox;
     Outbox &m_outbox;
     std::unique_ptr<Line> m_line;
