@@ -4,12 +4,31 @@
 
 #include <utility>
 
+using dx4::host::Doorbell;
 using dx4::host::Duration;
 using dx4::host::LineSettings;
 
 Plant::Plant(const LineSettings &settings)
     : stations(settings)
+    , m_gate(std::make_unique<Doorbell>())
 {
+}
+
+void Plant::setWaits(dx4::host::Waits &waits)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_gate = std::make_unique<Doorbell>(waits);
+}
+
+void Plant::await(std::unique_lock<std::mutex> &lock, const std::function<bool()> &isSo)
+{
+    if (!turn)
+        return m_changed.wait(lock, isSo);
+    while (!isSo()) {
+        lock.unlock();
+        turn();
+        lock.lock();
+    }
 }
 
 void Plant::hold()
@@ -21,32 +40,28 @@ void Plant::hold()
 void Plant::awaitHeld()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_held > 0 && m_allowed == 0; });
+    await(lock, [this] { return m_held > 0 && m_allowed == 0; });
 }
 
 void Plant::letGo(int count)
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_allowed += count;
-    }
-    m_changed.notify_all();
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_allowed += count;
+    m_gate->ring();
 }
 
 void Plant::release()
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_isHolding = false;
-    }
-    m_changed.notify_all();
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_isHolding = false;
+    m_gate->ring();
 }
 
 void Plant::awaitSent(const QByteArray &request)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     for (;;) {
-        m_changed.wait(lock, [this] { return !m_sent.empty(); });
+        await(lock, [this] { return !m_sent.empty(); });
         const QByteArray sent = m_sent.front();
         m_sent.pop_front();
         if (sent == request)
@@ -63,7 +78,11 @@ void Plant::pass(const QByteArray &request)
         return;
     ++m_held;
     m_changed.notify_all();
-    m_changed.wait(lock, [this] { return !m_isHolding || m_allowed > 0; });
+    while (m_isHolding && m_allowed == 0) {
+        lock.unlock();
+        m_gate->wait(std::chrono::hours(1));
+        lock.lock();
+    }
     if (m_isHolding)
         --m_allowed;
     --m_held;
@@ -106,6 +125,8 @@ Duration PlantLine::now() const
 bool PlantLine::send(const QByteArray &bytes)
 {
     m_plant->pass(bytes);
+    if (m_plant->failure)
+        m_plant->failure();
     m_plant->sendTimes.push_back(now());
     return line().send(bytes);
 }

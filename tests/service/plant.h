@@ -2,11 +2,13 @@
 // Stations on a line in memory, whose requests a test can hold up.
 #pragma once
 
+#include "host/service/doorbell.h"
 #include "scripted_line.h"
 
 #include <atomic>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -35,12 +37,20 @@ public:
     /// Called with each request that is about to be sent.
     void pass(const QByteArray &request);
 
+    /// How a request waits.
+    void setWaits(dx4::host::Waits &waits);
+
     ScriptedLine stations;
     std::vector<dx4::host::Duration> sendTimes; ///< when each request began
     std::atomic<bool> isRefusedToOpen { false }; ///< open() fails
+    std::function<void()> failure; ///< called with each request that goes; may throw
+    std::function<void()> turn; ///< lets the line go on where the test has its thread; else null
 
 private:
+    void await(std::unique_lock<std::mutex> &lock, const std::function<bool()> &isSo);
+
     std::mutex m_mutex;
+    std::unique_ptr<dx4::host::Doorbell> m_gate; // rung when requests may go
     std::condition_variable m_changed;
     bool m_isHolding = false;
     int m_allowed = 0;
@@ -62,6 +72,7 @@ public:
     QByteArray receive(int count, dx4::host::Duration deadline) override;
     int discardInput() override;
     bool awaitSilence(dx4::host::Duration gap, dx4::host::Duration deadline) override;
+    void setWaits(dx4::host::Waits &waits) override { m_plant->setWaits(waits); }
 
 private:
     dx4::host::MemoryLine &line() const { return m_plant->stations.line; }

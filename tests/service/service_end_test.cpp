@@ -130,11 +130,12 @@ TEST(ServiceEnd, ASlotMayBringItAbout)
 TEST(ServiceWithoutLine, SaysWhyAndRefusesEverything)
 {
     ServiceUnderTest under;
-    LineService service(
+    const auto owner = makeService(
         [] {
             return LineParts { nullptr, nullptr, QStringLiteral("no driver") };
         },
         pollingAndStopping());
+    LineService &service = *owner;
     Texts told;
     const auto tell = [&](const QString &text) { told.push_back(text.toStdString()); };
     QObject::connect(&service, &LineService::lineWentDown, tell);
@@ -162,9 +163,10 @@ TEST(ServiceWithoutLine, SaysWhyAndRefusesEverything)
 TEST(ServiceWithoutLine, AFactoryMayThrow)
 {
     ServiceUnderTest under;
-    LineService service([]() -> LineParts { throw std::runtime_error("no such adapter"); });
+    const auto service =
+        makeService([]() -> LineParts { throw std::runtime_error("no such adapter"); }, {});
     QString reason;
-    QObject::connect(&service, &LineService::lineWentDown,
+    QObject::connect(service.get(), &LineService::lineWentDown,
                      [&](const QString &text) { reason = text; });
 
     under.waitFor([&] { return !reason.isEmpty(); });

@@ -17,6 +17,7 @@ ServiceUnderTest::ServiceUnderTest(const ServiceSettings &wanted)
     : plant(std::make_shared<Plant>(slowLine()))
     , settings(wanted)
 {
+    letTheLineGoOn(*plant);
 }
 
 ServiceUnderTest::~ServiceUnderTest()
@@ -27,7 +28,7 @@ ServiceUnderTest::~ServiceUnderTest()
 
 void ServiceUnderTest::start()
 {
-    service = std::make_unique<LineService>(
+    service = makeService(
         [shared = plant] {
             return LineParts { std::make_unique<PlantLine>(shared), privateCopy(), {} };
         },

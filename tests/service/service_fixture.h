@@ -10,6 +10,14 @@
 #include <functional>
 #include <memory>
 
+/// The service that is tested: on a thread of its own or on the test's event loop, as the program
+/// is linked.
+std::unique_ptr<dx4::host::LineService> makeService(dx4::host::LineFactory factory,
+                                                    const dx4::host::ServiceSettings &settings);
+
+/// Has a test turn its event loop while it waits for the line, where that needs it.
+void letTheLineGoOn(Plant &plant);
+
 /// Polls these and nothing else.
 dx4::host::ServiceSettings polling(const QVector<dx4::host::PlanEntry> &entries);
 

@@ -2,8 +2,6 @@
 // The stop of a service: what it waits for, what it ends, and who shares it.
 #include "service_fixture.h"
 
-#include <thread>
-
 using namespace dx4::host;
 using std::chrono::hours;
 using std::chrono::seconds;
@@ -60,19 +58,6 @@ TEST_F(ServiceStop, IsTheFirstRequestBehindTheOneOnTheLine)
     EXPECT_EQ(under.told.back(), "stop " + std::to_string(id) + ": all stops confirmed");
     EXPECT_TRUE(under.stops.front().unconfirmed.isEmpty());
     EXPECT_EQ(sentSince().value(0), stopOfStation1());
-}
-
-TEST_F(ServiceStop, ComesThoughTheReceiverHangs)
-{
-    std::thread signalled([this] {
-        under.service->stop(seconds(1));
-        under.plant->release();
-    });
-
-    under.plant->awaitSent(stopOfStation1()); // this thread takes no signals meanwhile
-
-    signalled.join();
-    EXPECT_TRUE(under.told.empty());
 }
 
 TEST_F(ServiceStop, CutsTheReadsShortThatComeBeforeIt)

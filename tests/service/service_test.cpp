@@ -4,8 +4,6 @@
 
 #include "service_fixture.h"
 
-#include <QThread>
-
 using namespace dx4::host;
 
 namespace {
@@ -185,30 +183,4 @@ TEST(LineServiceTest, ASilentUserStopsTheDrives)
 
     EXPECT_EQ(under.told,
               (Texts { "open", "the user interface is silent: stopping", "all stops confirmed" }));
-}
-
-TEST(LineServiceTest, LineAndDriverAreMadeAndUsedOnAThreadOfTheirOwn)
-{
-    const QThread *maker = nullptr;
-    const QThread *destroyer = nullptr;
-    struct Watched : PlantLine {
-        Watched(std::shared_ptr<Plant> plant, const QThread *&thread)
-            : PlantLine(std::move(plant))
-            , destroyer(thread)
-        {
-        }
-        ~Watched() override { destroyer = QThread::currentThread(); }
-        const QThread *&destroyer;
-    };
-    auto plant = std::make_shared<Plant>(slowLine());
-    auto service = std::make_unique<LineService>([&] {
-        maker = QThread::currentThread();
-        return LineParts { std::make_unique<Watched>(plant, destroyer), privateCopy(), {} };
-    });
-
-    service.reset();
-
-    EXPECT_NE(maker, nullptr);
-    EXPECT_NE(maker, QThread::currentThread());
-    EXPECT_EQ(destroyer, maker);
 }

@@ -2,8 +2,8 @@
 // Neither the user's thread nor the line's waits for the other.
 #include "service_fixture.h"
 
-#include <algorithm>
-#include <set>
+#include <QThread>
+
 #include <thread>
 
 using namespace dx4::host;
@@ -77,7 +77,7 @@ TEST(ServiceThreads, AReceiverThatHungGetsEveryOutcomeInOrder)
     EXPECT_EQ(under.outcomeIds, ids);
 }
 
-TEST(ServiceThreads, ALineThatHangsKeepsNobodyWaiting)
+TEST(ServiceThreads, AStopComesThoughTheReceiverHangs)
 {
     ServiceSettings settings = pollingOne();
     settings.runtime.stops = { { 1, 0 } };
@@ -86,68 +86,38 @@ TEST(ServiceThreads, ALineThatHangsKeepsNobodyWaiting)
     under.start();
     under.plant->awaitHeld();
 
-    // The line hangs in the middle of a request: a call that waited for it would never return.
-    const auto snapshot = under.service->snapshot();
-    const int write = under.submit(1, "FRE", 0, { 5 });
-    const int read = under.service->read(1, QStringLiteral("D"), 3);
-    const int backup = under.service->backUp({});
-    const int restore = under.service->restore(1, {});
-    under.service->setPlan(settings.plan);
-    under.service->reload({}, settings.plan);
-    under.service->noteUser();
-    under.service->cancelJob(read);
-    const int stop = under.service->stop(seconds(1));
-    under.service->cancelStop();
-    under.takeSignals();
+    std::thread signalled([&under] {
+        under.service->stop(seconds(1));
+        under.plant->release();
+    });
+    under.plant->awaitSent(framed("01 06 10 01 00 00")); // this thread takes no signals meanwhile
 
-    EXPECT_NE(snapshot, nullptr);
-    EXPECT_EQ((std::set<int> { write, read, backup, restore, stop }).size(), 5U);
+    signalled.join();
+    EXPECT_TRUE(under.told.empty());
 }
 
-TEST(ServiceThreads, ManyThreadsGetOneOutcomeForEachOfTheirWrites)
+TEST(ServiceThreads, LineAndDriverAreMadeAndUsedOnAThreadOfTheirOwn)
 {
-    ServiceUnderTest under(pollingOne());
-    under.start();
-    std::vector<std::vector<int>> ids(4);
-    std::vector<std::thread> users;
-    for (int user = 0; user < 4; ++user) {
-        users.emplace_back([&under, &mine = ids[static_cast<std::size_t>(user)], user] {
-            for (int i = 0; i < 50; ++i) {
-                mine.push_back(under.submit(user + 1, "F", i % 8, { static_cast<quint16>(i) }));
-                under.shown(1, "D", 0);
-                under.service->noteUser();
-            }
-        });
-    }
+    const QThread *maker = nullptr;
+    const QThread *destroyer = nullptr;
+    struct Watched : PlantLine {
+        Watched(std::shared_ptr<Plant> plant, const QThread *&thread)
+            : PlantLine(std::move(plant))
+            , destroyer(thread)
+        {
+        }
+        ~Watched() override { destroyer = QThread::currentThread(); }
+        const QThread *&destroyer;
+    };
+    auto plant = std::make_shared<Plant>(slowLine());
+    auto service = std::make_unique<LineService>([&] {
+        maker = QThread::currentThread();
+        return LineParts { std::make_unique<Watched>(plant, destroyer), privateCopy(), {} };
+    });
 
-    under.waitFor([&] { return under.outcomes.size() == 200; });
-    for (std::thread &user : users)
-        user.join();
+    service.reset();
 
-    std::vector<int> submitted;
-    for (const std::vector<int> &mine : ids)
-        submitted.insert(submitted.end(), mine.begin(), mine.end());
-    std::sort(submitted.begin(), submitted.end());
-    std::sort(under.outcomeIds.begin(), under.outcomeIds.end());
-    EXPECT_EQ(under.outcomeIds, submitted);
-}
-
-TEST(ServiceThreads, ASlotMayTurnALoopOfItsOwn)
-{
-    ServiceUnderTest under;
-    under.start();
-    std::vector<int> order;
-    QObject::connect(under.service.get(), &LineService::writeEnded,
-                     [&](const WriteOutcome &outcome) {
-                         order.push_back(outcome.id);
-                         if (order.size() == 1)
-                             under.waitFor([&] { return order.size() == 3; });
-                     });
-
-    const int first = under.submit(1, "FRE", 0, { 1 });
-    const int second = under.submit(2, "FRE", 0, { 2 });
-    const int third = under.submit(3, "FRE", 0, { 3 });
-    under.waitFor([&] { return order.size() == 3; });
-
-    EXPECT_EQ(order, (std::vector<int> { first, second, third }));
+    EXPECT_NE(maker, nullptr);
+    EXPECT_NE(maker, QThread::currentThread());
+    EXPECT_EQ(destroyer, maker);
 }
