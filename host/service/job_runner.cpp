@@ -88,7 +88,13 @@ void JobRunner::runNext()
 void JobRunner::carryOut(const Job &job)
 {
     const int outer = std::exchange(m_current, idOf(job));
-    std::visit([this](const auto &any) { run(any); }, job);
+    try {
+        std::visit([this](const auto &any) { run(any); }, job);
+    } catch (...) {
+        m_tell(notBegun(job, QStringLiteral("the line failed")));
+        m_inbox.forgetJob(m_current);
+        throw;
+    }
     m_inbox.forgetJob(m_current);
     m_current = outer;
 }

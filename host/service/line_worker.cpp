@@ -31,6 +31,17 @@ QString endedText()
     return QStringLiteral("the service ended");
 }
 
+QString textOf(const std::exception_ptr &thrown)
+{
+    try {
+        std::rethrow_exception(thrown);
+    } catch (const std::exception &error) {
+        return QString::fromUtf8(error.what());
+    } catch (...) {
+        return QStringLiteral("unknown exception");
+    }
+}
+
 } // namespace
 
 LineWorker::LineWorker(LineFactory factory, ServiceSettings settings, Waits &waits, Inbox &inbox,
@@ -46,7 +57,15 @@ LineWorker::LineWorker(LineFactory factory, ServiceSettings settings, Waits &wai
 
 void LineWorker::run()
 {
-    make();
+    std::exception_ptr failure; // dealt with behind the handler, in which nothing may wait
+    try {
+        make();
+        serve();
+        return end();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    giveUp(textOf(failure));
     serve();
     end();
 }
@@ -151,6 +170,29 @@ bool LineWorker::isHurried()
     return m_inbox.isHurried();
 }
 
+/// Nobody knows in which state line and driver are. What is open ends as the worst it may be.
+void LineWorker::giveUp(const QString &reason)
+{
+    m_downReason = QStringLiteral("the line failed and is not tried again: %1").arg(reason);
+    m_isOpen = false;
+    m_lost.clear();
+    for (const auto &[key, write] : std::exchange(m_writes, {}))
+        tell(WriteOutcome {
+            write.id, WriteEnd::TimedOut, Refusal::None, 0, true,
+            QStringLiteral("station %1: not confirmed: %2").arg(write.station).arg(m_downReason) });
+    if (m_jobs)
+        m_jobs->endAll(m_downReason);
+    m_jobs.reset();
+    m_runtime.reset();
+    m_line.reset();
+    tell(AlarmRaised { m_downReason });
+    tell(LineWentDown { m_downReason });
+    if (std::exchange(m_isStopping, false)) {
+        for (int id : std::exchange(m_stops, {}))
+            refuse(StopDrives { id, Duration { 0 } });
+    }
+}
+
 /// What was asked for before the end is carried out, or refused: stops are sent.
 void LineWorker::end()
 {
@@ -190,6 +232,7 @@ void LineWorker::execute(const TakePlan &command)
 void LineWorker::execute(const TakeConfig &command)
 {
     takeOver(*m_runtime, command.config, command.plan);
+    m_settings.runtime.stops = runtimeSettings(command.config).stops; // to name the stations
     m_table.setPlan(command.plan);
     m_table.setLabels(command.config, m_runtime->link());
 }

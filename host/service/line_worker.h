@@ -18,6 +18,9 @@ namespace dx4::host {
 
 /// Makes line, driver and runtime, turns them, and ends with them: run() is the whole life of the
 /// line. Takes from the inbox between two requests and tells the outbox after each.
+///
+/// Where the line, the driver or a pause throws, the line is down for good: all that is open ends,
+/// and what is asked for later is refused.
 class LineWorker {
 public:
     /// @param waits          of the place where it runs
@@ -40,6 +43,7 @@ private:
     Runtime::Step turn();
     void pause(Duration span);
     bool isHurried();
+    void giveUp(const QString &reason);
     void end();
 
     void takeCommands();
