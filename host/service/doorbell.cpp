@@ -2,9 +2,7 @@
 // A pause that another thread can end.
 #include "host/service/doorbell.h"
 
-#include <cerrno>
 #include <cstdint>
-#include <system_error>
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -14,29 +12,22 @@ namespace dx4::host {
 
 Doorbell::Doorbell(Waits &waits)
     : m_waits(waits)
-    , m_descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , m_descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "eventfd")
 {
-    if (m_descriptor < 0)
-        throw std::system_error(errno, std::generic_category(), "eventfd");
-}
-
-Doorbell::~Doorbell()
-{
-    close(m_descriptor);
 }
 
 void Doorbell::ring()
 {
     const std::uint64_t one = 1;
     // It fails where the counter is full, and who waits is awake then.
-    [[maybe_unused]] const auto written = write(m_descriptor, &one, sizeof one);
+    [[maybe_unused]] const auto written = write(m_descriptor.number(), &one, sizeof one);
 }
 
 bool Doorbell::wait(Duration span)
 {
-    m_waits.forEvents(m_descriptor, POLLIN, steadyNow() + span);
+    m_waits.forEvents(m_descriptor.number(), POLLIN, steadyNow() + span);
     std::uint64_t rings = 0;
-    return read(m_descriptor, &rings, sizeof rings) == sizeof rings;
+    return read(m_descriptor.number(), &rings, sizeof rings) == sizeof rings;
 }
 
 } // namespace dx4::host

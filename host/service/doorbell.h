@@ -2,6 +2,7 @@
 // A pause that another thread can end.
 #pragma once
 
+#include "host/base/own_descriptor.h"
 #include "host/line/waits.h"
 
 namespace dx4::host {
@@ -14,9 +15,6 @@ public:
     ///
     /// @param waits  of the thread that waits; outlives this
     explicit Doorbell(Waits &waits = blockingWaits());
-    ~Doorbell();
-    Doorbell(const Doorbell &) = delete;
-    Doorbell &operator=(const Doorbell &) = delete;
 
     void ring();
 
@@ -25,7 +23,7 @@ public:
 
 private:
     Waits &m_waits;
-    const int m_descriptor;
+    const OwnDescriptor m_descriptor;
 };
 
 } // namespace dx4::host

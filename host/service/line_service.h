@@ -25,6 +25,8 @@ class Place;
 /// is at least as new as the signal, but for what happens in the course of a stop.
 ///
 /// A receiver that hangs delays nothing here, and a line that hangs nothing there.
+///
+/// EventLoopService is the same without a thread, for small programs.
 class LineService : public QObject {
     Q_OBJECT
 

@@ -328,3 +328,22 @@ TEST_F(PcapFile, TsharkDecodesItAsModbusRtu)
               "1700000000.030000000,1,6,,\n"
               "1700000000.050000000,1,6,2,\n");
 }
+
+TEST(RecordingLineTest, WaitsAsItsLineIsToldTo)
+{
+    struct Told : MemoryLine {
+        Told()
+            : MemoryLine(silence)
+        {
+        }
+        void setWaits(Waits &waits) override { told = &waits; }
+        Waits *told = nullptr;
+    };
+    Told line;
+    FrameRing ring(4);
+    RecordingLine recording(line, ring);
+
+    recording.setWaits(blockingWaits());
+
+    EXPECT_EQ(line.told, &blockingWaits());
+}

@@ -43,7 +43,8 @@ TREES = {
     "host": Tree("host/libkorvane_host.a",
                  ("host/korvane_runtime_test", "host/korvane_host_test", "host/korvane_config_test",
                   "guard/korvane_guard_test", "faults/korvane_fault_test",
-                  "host/korvane_stop_signal_test", "service/korvane_service_test")),
+                  "host/korvane_stop_signal_test", "service/korvane_service_test",
+                  "service/korvane_event_loop_test")),
     "simulator": Tree("simulator/libkorvane_simulator.a",
                       tuple("simulator/simulator_%s_test" % name for name in
                             ("slave", "drive", "cable", "fault", "fault_file", "register_map",

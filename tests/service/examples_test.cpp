@@ -52,3 +52,17 @@ TEST_F(ServiceExamples, SignalStopsTheDrive)
     EXPECT_NE(host.readLineWith("all stops confirmed"), "");
     EXPECT_EQ(host.wait(), 0);
 }
+
+#ifdef EVENT_LOOP_FILE
+TEST_F(ServiceExamples, EventLoopLoggerPrintsWhatIsPolledAndStopsTheDrive)
+{
+    ChildProcess host({ EVENT_LOOP_FILE, device, DRIVER_FILE });
+    EXPECT_NE(host.readLineWith("D 9: 0"), "");
+
+    host.signal(SIGTERM);
+
+    EXPECT_NE(inverter.readLineWith("01 06 10 01 00 00"), "");
+    EXPECT_NE(host.readLineWith("all stops confirmed"), "");
+    EXPECT_EQ(host.wait(), 0);
+}
+#endif
