@@ -174,6 +174,10 @@ QByteArray SerialLine::receive(int count, Duration deadline)
     QByteArray received(count, Qt::Uninitialized);
     int length = 0;
     while (length < count) {
+        // Where a part came, the rest takes its time on the wire: waking for each character would
+        // cost more than everything else that a request does.
+        if (length > 0)
+            sleepUntil(std::min(m_lastActivity + m_settings.wireTime(count - length), deadline));
         const int more = awaitInput(received.data() + length, count - length, deadline);
         if (more == 0)
             break;
