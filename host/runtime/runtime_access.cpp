@@ -36,6 +36,17 @@ AccessResult accessResult(const WriteOutcome &outcome)
     return { kindOf(outcome), outcome.text, {} };
 }
 
+WriteWish parameterWrite(int station, const QString &regType, int address, quint16 value)
+{
+    WriteWish wish;
+    wish.station = station;
+    wish.regType = regType;
+    wish.address = address;
+    wish.values = { value };
+    wish.always = true;
+    return wish;
+}
+
 RuntimeAccess::RuntimeAccess(Runtime &runtime, WriteDesk::OutcomeHandler others)
     : CycleAccess(
         runtime.link(), runtime.cycle(), [&runtime] { return runtime.step(); },
@@ -53,15 +64,8 @@ RuntimeAccess::~RuntimeAccess()
 
 AccessResult RuntimeAccess::write(int station, const QString &regType, int address, quint16 value)
 {
-    WriteWish wish;
-    wish.station = station;
-    wish.regType = regType;
-    wish.address = address;
-    wish.values = { value };
-    wish.always = true;
-
     m_ended.reset();
-    m_expected = m_runtime.write(wish);
+    m_expected = m_runtime.write(parameterWrite(station, regType, address, value));
     // Also where a handler throws: the outcome is the others' from then on.
     const auto forget = qScopeGuard([this] { m_expected = 0; });
     m_runtime.run([this] { return m_ended.has_value(); });

@@ -35,6 +35,9 @@ private:
     std::optional<WriteOutcome> m_ended;
 };
 
+/// A write that is sent also where the station holds the value already.
+WriteWish parameterWrite(int station, const QString &regType, int address, quint16 value);
+
 /// The outcome of a write as that of an access.
 AccessResult accessResult(const WriteOutcome &outcome);
 

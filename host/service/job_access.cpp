@@ -40,19 +40,12 @@ AccessResult JobAccess::write(int station, const QString &regType, int address, 
     const QString before = m_whyItEnds();
     if (!before.isEmpty())
         return { AccessResult::Kind::NotBegun, before, {} };
-    WriteWish wish;
-    wish.station = station;
-    wish.regType = regType;
-    wish.address = address;
-    wish.values = { value };
-    wish.always = true;
-
     const Value held = m_runtime.value(station, regType, address);
     m_held.clear();
     if (held.known && !held.writePending)
         m_held = { held.value };
     m_ended.reset();
-    m_expected = m_runtime.write(wish);
+    m_expected = m_runtime.write(parameterWrite(station, regType, address, value));
     while (!m_ended && !m_isClosing())
         m_turn();
     if (!m_ended)
