@@ -61,7 +61,6 @@ void printAsJson(const host::Plan &plan, const host::LineSettings &line, host::D
     }
     printJson({ { QStringLiteral("blocks"), host::lengthOf(plan.blocks) },
                 { QStringLiteral("registers"), plan.wantedRegisters },
-                { QStringLiteral("separators"), plan.separators },
                 { QStringLiteral("cycleMs"), inMilliseconds(cycle) } });
 }
 
@@ -78,9 +77,8 @@ void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::
     const auto registers = static_cast<quint64>(plan.wantedRegisters);
     const auto blocks = static_cast<quint64>(plan.blocks.size());
     printLine(
-        QStringLiteral("%1 in %2, %3 more to keep stations apart")
-            .arg(counted(registers, "register", "registers"), counted(blocks, "block", "blocks"))
-            .arg(plan.separators));
+        QStringLiteral("%1 in %2")
+            .arg(counted(registers, "register", "registers"), counted(blocks, "block", "blocks")));
     printLine(QStringLiteral("one round takes %1 ms").arg(millisecondsText(cycle)));
 }
 

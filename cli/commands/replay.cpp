@@ -75,13 +75,13 @@ int runReplay(const Options &options)
     if (!frames)
         return complain({ ExitFailed, error });
     Failure failure;
-    QList<KEY_ADDRESS> addresses = recordedReads(*frames);
+    QList<KEY_ADDRESS> blocks = recordedReads(*frames);
     const QStringList words = wordsOrConfigured(options.words.mid(1), options.line);
     if (!words.isEmpty()) {
         const auto plan = makePlan(words, options.line, &failure);
         if (!plan)
             return complain(failure);
-        addresses = plan->addresses;
+        blocks = plan->blocks;
     }
     auto plugin = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
     if (!plugin)
@@ -93,7 +93,8 @@ int runReplay(const Options &options)
     link.onChange([&](const host::ValueChange &change) {
         printChange(link, change, options.line.json, names);
     });
-    for (const QString &text : host::unreadable(link.poll(addresses)))
+    link.poll(blocks);
+    for (const QString &text : host::unreadable(blocks))
         note(text + QStringLiteral("; read as the recording has it"));
     return report(host::replay(link, line, exchange));
 }

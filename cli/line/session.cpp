@@ -42,7 +42,7 @@ QString triesText(int tries)
 host::Plan planOf(const Target &target)
 {
     host::Plan plan;
-    plan.addresses = { host::wanted(target.station, target.regType, target.address, target.count) };
+    plan.blocks = { host::wanted(target.station, target.regType, target.address, target.count) };
     return plan;
 }
 

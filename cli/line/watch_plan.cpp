@@ -45,20 +45,20 @@ std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &
         *failure = noRegisters();
         return std::nullopt;
     }
-    auto scratch = loadDriver(options.driver, host::Plugin::Instance::PrivateCopy, failure);
-    if (!scratch)
+    auto editor = loadDriver(options.driver, host::Plugin::Instance::Shared, failure);
+    if (!editor)
         return std::nullopt;
-    if (!checkConfigured(words, options, scratch->api(), failure))
+    if (!checkConfigured(words, options, editor->api(), failure))
         return std::nullopt;
     // Asked here first, because it names the nearest valid word.
-    if (!parseTargets(words, usualStation(options), ReadAccess, scratch->api(), failure))
+    if (!parseTargets(words, usualStation(options), ReadAccess, editor->api(), failure))
         return std::nullopt;
     const auto texts = splitTargets(words, usualStation(options), failure);
     QVector<host::PlanEntry> entries;
     for (const TargetText &text : *texts)
         entries.append({ text.station, text.text });
     QString error;
-    auto plan = host::Planner(std::move(scratch), options.plant.link).make(entries, &error);
+    auto plan = host::Planner(std::move(editor), options.plant.link).make(entries, &error);
     if (!plan)
         *failure = { ExitUsage, error };
     return plan;

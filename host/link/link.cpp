@@ -5,7 +5,6 @@
 #include "host/base/length.h"
 
 #include <algorithm>
-#include <stdexcept>
 #include <utility>
 
 namespace dx4::host {
@@ -22,14 +21,6 @@ bool holds(const QList<VARIABLE> &list, int tag)
 {
     return std::any_of(list.begin(), list.end(),
                        [tag](const VARIABLE &request) { return request.varKind == tag; });
-}
-
-std::unique_ptr<Plugin> notNull(std::unique_ptr<Plugin> plugin)
-{
-    if (!plugin)
-        throw std::invalid_argument("no driver: the plug-in is null; hand over one that "
-                                    "Plugin::load() gave, which says why where it gives none");
-    return plugin;
 }
 
 } // namespace
@@ -82,13 +73,25 @@ Link::~Link()
     api().setAddrValueChangeCallBack(nullptr);
 }
 
-QList<KEY_ADDRESS> Link::poll(QList<KEY_ADDRESS> addresses)
+void Link::poll(const QList<KEY_ADDRESS> &blocks)
 {
+    QList<VARIABLE> reads;
+    reads.reserve(blocks.size());
+    VARIABLE read;
+    read.varKind = cyclicReadKind;
+    for (const KEY_ADDRESS &block : blocks) {
+        read.station = block.station;
+        read.regType = block.regType;
+        read.address = block.address;
+        read.count = block.count;
+        reads.append(read);
+    }
     m_errors.during([&] {
         const Scope scope(this);
-        api().addrMerge(addresses);
+        QList<KEY_ADDRESS> merged = blocks;
+        api().addrMerge(merged);
+        api().state->readList.swap(reads);
     });
-    return addresses;
 }
 
 bool Link::nextFrame(FRAME_PRO &frame)

@@ -72,10 +72,12 @@ public:
     /// or write(), or from the call of a Cycle, WriteDesk or Runtime around them.
     void onChange(ChangeHandler handler) { m_handler = std::move(handler); }
 
-    /// Replaces the cyclic reads; not while a request is in flight.
+    /// Replaces the cyclic reads by these blocks, each as it stands and in this order; not while a
+    /// request is in flight.
     ///
-    /// @return the merged blocks in the order in which they are read
-    QList<KEY_ADDRESS> poll(QList<KEY_ADDRESS> addresses);
+    /// The driver's own merging joins what touches in its order, also registers of two stations. It
+    /// makes the records and marks of the registers; then its list of cyclic reads is set.
+    void poll(const QList<KEY_ADDRESS> &blocks);
 
     /// Gives the next frame to send.
     ///

@@ -8,6 +8,7 @@
 
 #include <dlfcn.h>
 
+#include <stdexcept>
 #include <utility>
 
 namespace dx4::host {
@@ -113,6 +114,14 @@ std::unique_ptr<Plugin> Plugin::load(const QString &file, Instance instance, QSt
                      .arg(path, missing.join(QStringLiteral(", ")));
     }
     return nullptr;
+}
+
+std::unique_ptr<Plugin> notNull(std::unique_ptr<Plugin> plugin)
+{
+    if (!plugin)
+        throw std::invalid_argument("no driver: the plug-in is null; hand over one that "
+                                    "Plugin::load() gave, which says why where it gives none");
+    return plugin;
 }
 
 } // namespace dx4::host

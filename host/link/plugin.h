@@ -86,4 +86,9 @@ private:
     DriverApi m_api;
 };
 
+/// Gives the plug-in back.
+///
+/// @throws std::invalid_argument  for one that could not be loaded
+std::unique_ptr<Plugin> notNull(std::unique_ptr<Plugin> plugin);
+
 } // namespace dx4::host

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// From the registers that a user wants to the addresses that may safely be handed to the driver.
+// From the registers that a user wants to the blocks that are read for them.
 #include "host/plan/plan.h"
 
 #include "host/link/address_range.h"
@@ -16,21 +16,15 @@
 
 namespace dx4::host {
 
-/// One register of one station, ordered as the driver will read it.
+/// One register of one station, ordered as it will be read.
 struct Planner::Register {
     int station;
-    QString regType;
+    int type; ///< its row in REG_LIST
     int address;
 
-    bool operator<(const Register &other) const
-    {
-        return std::tie(station, regType, address)
-            < std::tie(other.station, other.regType, other.address);
-    }
-    bool operator==(const Register &other) const
-    {
-        return station == other.station && regType == other.regType && address == other.address;
-    }
+    auto fields() const { return std::tie(station, type, address); }
+    bool operator<(const Register &other) const { return fields() < other.fields(); }
+    bool operator==(const Register &other) const { return fields() == other.fields(); }
 };
 
 namespace {
@@ -44,32 +38,27 @@ void tell(QString *error, const QString &what)
         *error = what;
 }
 
-template <typename Registers> void sortUnique(Registers &registers)
-{
-    std::sort(registers.begin(), registers.end());
-    registers.erase(std::unique(registers.begin(), registers.end()), registers.end());
-}
-
 /// Runs without gap of sorted registers, each within one station, type and group, cut to length.
 template <typename Registers> QList<KEY_ADDRESS> runsOf(const Registers &registers, int longest)
 {
     QList<KEY_ADDRESS> runs;
     for (const auto &next : registers) {
         const bool continues = !runs.isEmpty() && runs.constLast().station == next.station
-            && runs.constLast().regType == next.regType && runs.constLast().count < longest
+            && runs.constLast().regType == REG_LIST[next.type] && runs.constLast().count < longest
             && runs.constLast().address + runs.constLast().count == next.address;
         if (continues)
             ++runs.last().count;
         else
-            runs.append(wanted(next.station, next.regType, next.address));
+            runs.append(wanted(next.station, REG_LIST[next.type], next.address));
     }
     return runs;
 }
 
 } // namespace
 
-Planner::Planner(std::unique_ptr<Plugin> scratch, const LinkSettings &settings)
-    : m_scratch(std::move(scratch), settings)
+Planner::Planner(std::unique_ptr<Plugin> plugin, const LinkSettings &settings)
+    : m_plugin(notNull(std::move(plugin)))
+    , m_blockSize(settings.blockSize)
 {
 }
 
@@ -84,23 +73,24 @@ std::optional<QVector<Planner::Register>> Planner::registersOf(const PlanEntry &
     if (!range)
         return std::nullopt;
     int first = 0;
-    const int code = m_scratch.api().checkAddr(range->regType, range->firstText, &first, 0,
+    const int code = m_plugin->api().checkAddr(range->regType, range->firstText, &first, 0,
                                                range->count, ReadAccess);
     if (code != AddressAccepted) {
         tell(error, addressVerdictText(code, range->regType, first + range->count - 1));
         return std::nullopt;
     }
+    const auto *const name = std::find(std::begin(REG_LIST), std::end(REG_LIST), range->regType);
+    const auto type = static_cast<int>(name - std::begin(REG_LIST));
     QVector<Register> registers;
     for (int i = 0; i < range->count; ++i)
-        registers.append({ entry.station, range->regType, first + i });
+        registers.append({ entry.station, type, first + i });
     return registers;
 }
 
 std::optional<Plan> Planner::make(const QVector<PlanEntry> &entries, QString *error)
 {
-    const int blockSize = m_scratch.settings().blockSize;
-    if (blockSize < 1 || blockSize > largestBlock) {
-        tell(error, QStringLiteral("block size %1; it can be 1 to 123").arg(blockSize));
+    if (m_blockSize < 1 || m_blockSize > largestBlock) {
+        tell(error, QStringLiteral("block size %1; it can be 1 to 123").arg(m_blockSize));
         return std::nullopt;
     }
     QVector<Register> registers;
@@ -116,41 +106,9 @@ std::optional<Plan> Planner::make(const QVector<PlanEntry> &entries, QString *er
         }
         registers += *asked;
     }
-    sortUnique(registers);
-    auto plan = tryOut(registers, false, error);
-    return plan ? plan : tryOut(registers, true, error);
-}
-
-std::optional<Plan> Planner::tryOut(const QVector<Register> &wantedRegisters, bool withSeparators,
-                                    QString *error)
-{
-    QVector<Register> registers = wantedRegisters;
-    for (int i = 0; withSeparators && i < wantedRegisters.size(); ++i) {
-        registers.append({ wantedRegisters.at(i).station, REG_LIST[TypeSw], 0 });
-        registers.append({ wantedRegisters.at(i).station, REG_LIST[TypeFu], 0 });
-    }
-    sortUnique(registers);
-
-    Plan plan;
-    plan.addresses = runsOf(registers, m_scratch.settings().blockSize);
-    plan.blocks = m_scratch.poll(plan.addresses);
-    plan.wantedRegisters = static_cast<int>(wantedRegisters.size());
-    plan.separators = static_cast<int>(registers.size() - wantedRegisters.size());
-
-    QVector<Register> covered;
-    for (const KEY_ADDRESS &block : std::as_const(plan.blocks)) {
-        if (block.count < 1 || block.count > m_scratch.settings().blockSize) {
-            tell(error, QStringLiteral("the driver made a block of %1 registers").arg(block.count));
-            return std::nullopt;
-        }
-        for (int i = 0; i < block.count; ++i)
-            covered.append({ block.station, block.regType, block.address + i });
-    }
-    std::sort(covered.begin(), covered.end());
-    if (covered == registers)
-        return plan;
-    tell(error, QStringLiteral("the driver's blocks do not cover what is wanted"));
-    return std::nullopt;
+    std::sort(registers.begin(), registers.end());
+    registers.erase(std::unique(registers.begin(), registers.end()), registers.end());
+    return Plan { runsOf(registers, m_blockSize), static_cast<int>(registers.size()) };
 }
 
 Duration cycleTime(const Plan &plan, const LineSettings &line, Duration turnaround)
@@ -184,8 +142,8 @@ QStringList unreadable(const QList<KEY_ADDRESS> &blocks)
     for (const KEY_ADDRESS &block : blocks) {
         if (block.count < 1 || block.count > largestBlock)
             texts.append(
-                QStringLiteral("station %1, %2: not polled, as the driver joined it with what "
-                               "follows to a block of %3 registers")
+                QStringLiteral("station %1, %2: not polled, as it is a block of %3 registers; a "
+                               "request asks for 1 to 123")
                     .arg(block.station)
                     .arg(fullAddress(block.regType, block.address))
                     .arg(block.count));

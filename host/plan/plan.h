@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// From the registers that a user wants to the addresses that may safely be handed to the driver.
+// From the registers that a user wants to the blocks that are read for them.
 #pragma once
 
 #include "host/line/line_settings.h"
@@ -21,24 +21,21 @@ struct PlanEntry {
 
 /// What is polled, checked against what the driver makes of it.
 struct Plan {
-    QList<KEY_ADDRESS> addresses; ///< for Link::poll
-    QList<KEY_ADDRESS> blocks; ///< the reads that follow from them, in order
+    QList<KEY_ADDRESS> blocks; ///< for Link::poll(); by station, type and address
     int wantedRegisters = 0;
-    int separators = 0; ///< registers read only to keep stations apart
 };
 
-/// Makes plans that read every wanted register from its own station.
+/// Makes plans that read every wanted register from its own station, once, and no other.
 ///
-/// The driver joins addresses without looking at stations, and an address inside a longer one
-/// shortens its block. So the wishes are turned into runs that neither overlap nor touch, and
-/// "SW" and "FU" of every station are read too where the blocks of two stations would be joined.
-/// Each plan is tried out on a driver that polls nothing, before anybody relies on it.
+/// Registers without a gap between them share a block, up to its size, within one station, type and
+/// parameter group.
 class Planner {
 public:
-    /// @param scratch   a private copy of the driver; not null: std::invalid_argument is thrown for
-    ///                  one that could not be loaded
+    /// @param plugin    whose checks decide what is an address; nothing else of it is used, so it
+    ///                  may be one that a link uses on the same thread; not null:
+    ///                  std::invalid_argument is thrown for one that could not be loaded
     /// @param settings  of the link that will poll; its block size counts
-    Planner(std::unique_ptr<Plugin> scratch, const LinkSettings &settings);
+    Planner(std::unique_ptr<Plugin> plugin, const LinkSettings &settings);
 
     /// Makes a plan, or says which entry is wrong, why, and what would be right.
     ///
@@ -48,10 +45,9 @@ public:
 private:
     struct Register;
     std::optional<QVector<Register>> registersOf(const PlanEntry &entry, QString *error) const;
-    std::optional<Plan> tryOut(const QVector<Register> &wanted, bool withSeparators,
-                               QString *error);
 
-    Link m_scratch;
+    std::unique_ptr<Plugin> m_plugin;
+    int m_blockSize;
 };
 
 /// Time of one rotation through the plan's blocks when every station answers at once.
@@ -62,11 +58,8 @@ Duration cycleTime(const Plan &plan, const LineSettings &line, Duration turnarou
 /// One line per block with its station, both forms of the address, count and wire time.
 QStringList describe(const Plan &plan, const LineSettings &line);
 
-/// Says which blocks of the driver no station could answer; one text each.
-///
-/// Addresses that no Planner made may lead to such blocks: the driver joins what is next to each
-/// other in its order, also registers of two stations, and the sum may be no register at all. The
-/// guard keeps these blocks from the line.
+/// Says which blocks no station could answer; one text each. No Planner makes them, and the guard
+/// keeps them from the line.
 QStringList unreadable(const QList<KEY_ADDRESS> &blocks);
 
 } // namespace dx4::host

@@ -37,7 +37,7 @@ QStringList differences(const Config &running, const Config &wanted)
 
 ConfigReload::ConfigReload(Link &link, Planner &planner, Config current)
     : ConfigReload(link, planner, std::move(current),
-                   [&link](const Config &, const Plan &plan) { link.poll(plan.addresses); })
+                   [&link](const Config &, const Plan &plan) { link.poll(plan.blocks); })
 {
 }
 

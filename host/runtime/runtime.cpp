@@ -79,11 +79,12 @@ void Runtime::applyPlan()
 {
     if (!m_nextPlan || !m_link.api().state->sendFrames.isEmpty())
         return;
-    const QList<KEY_ADDRESS> blocks = m_link.poll(m_nextPlan->addresses);
+    const QList<KEY_ADDRESS> blocks = m_nextPlan->blocks;
+    m_link.poll(blocks);
     m_blocks = lengthOf(blocks);
     std::set<int> stations;
-    for (const KEY_ADDRESS &address : std::as_const(m_nextPlan->addresses))
-        stations.insert(address.station);
+    for (const KEY_ADDRESS &block : blocks)
+        stations.insert(block.station);
     m_breaker.setPolled(stations);
     m_nextPlan.reset();
     for (const QString &text : unreadable(blocks))

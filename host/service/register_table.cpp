@@ -21,7 +21,7 @@ bool isSame(const Value &a, const Value &b)
 void RegisterTable::setPlan(const Plan &plan)
 {
     m_polled.clear();
-    for (const KEY_ADDRESS &run : plan.addresses) {
+    for (const KEY_ADDRESS &run : plan.blocks) {
         for (int i = 0; i < run.count; ++i)
             m_polled.emplace(run.station, run.regType, run.address + i);
     }

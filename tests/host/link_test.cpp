@@ -28,6 +28,13 @@ void record(Link &link, Texts &changes)
     });
 }
 
+std::string readText(const VARIABLE &read)
+{
+    return std::to_string(read.station) + ' ' + read.regType.toStdString() + ' '
+        + std::to_string(read.address) + ' ' + std::to_string(read.count) + " as "
+        + std::to_string(read.varKind);
+}
+
 } // namespace
 
 TEST(LinkSettings, MakeThePropertyText)
@@ -71,18 +78,33 @@ TEST(Link, LendsABlockWithBothRequestBytesAtRest)
     EXPECT_NE(state.hostMutex, nullptr);
 }
 
-TEST(Link, MergesWhatIsPolledIntoBlocks)
+TEST(Link, PollsEachBlockAsItStandsAndInItsOrder)
 {
     Link link(privateCopy(), LinkSettings());
 
-    const QList<KEY_ADDRESS> blocks =
-        link.poll({ wanted(1, typeD, 1), wanted(1, typeD, 0), wanted(1, typeD, 5, 2) });
+    link.poll({ wanted(2, typeD, 1, 3), wanted(1, typeD, 4), wanted(1, typeD, 2, 2) });
 
-    ASSERT_EQ(blocks.size(), 2);
-    EXPECT_EQ(blocks.at(0).address, 0);
-    EXPECT_EQ(blocks.at(0).count, 2);
-    EXPECT_EQ(blocks.at(1).address, 5);
-    EXPECT_EQ(blocks.at(1).count, 2);
+    const QList<VARIABLE> &reads = link.api().state->readList;
+    ASSERT_EQ(reads.size(), 3);
+    EXPECT_EQ(readText(reads.at(0)), "2 D 1 3 as 4");
+    EXPECT_EQ(readText(reads.at(1)), "1 D 4 1 as 4");
+    EXPECT_EQ(readText(reads.at(2)), "1 D 2 2 as 4");
+}
+
+TEST(Link, PolledRegistersHaveRecordsThatAreMarkedAsPolled)
+{
+    Link link(privateCopy(), LinkSettings());
+
+    link.poll({ wanted(2, typeD, 1), wanted(1, typeD, 2) });
+
+    const auto &records = link.api().state->dataAreas;
+    ASSERT_EQ(records.size(), 2);
+    EXPECT_EQ(records.at(0).station, 2);
+    EXPECT_EQ(records.at(0).address, 1);
+    EXPECT_EQ(records.at(0).flags & 1, 1);
+    EXPECT_EQ(records.at(1).station, 1);
+    EXPECT_EQ(records.at(1).address, 2);
+    EXPECT_EQ(records.at(1).flags & 1, 1);
 }
 
 TEST(Link, ShowsAWrittenValueWhileItsWriteWaits)

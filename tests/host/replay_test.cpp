@@ -259,9 +259,8 @@ TEST_F(ReplayTest, AReplyWhoseRequestWasForgottenIsLeftOut)
 
 namespace {
 
-/// "D 20" of station 1 and "D 3" of station 2 by turns, which the driver joins to one block of -16
-/// registers; each round ends with a read that it does not.
-FrameRing joinedAcrossStations()
+/// "D 20" of station 1 and "D 3" of station 2 by turns.
+FrameRing twoStations()
 {
     FrameRing ring;
     for (int round = 0; round < 3; ++round) {
@@ -276,10 +275,24 @@ FrameRing joinedAcrossStations()
 
 } // namespace
 
-TEST_F(ReplayTest, ReadsThatTheDriverJoinsAcrossStationsArePlayedOneByOne)
+TEST_F(ReplayTest, ReadsOfTwoStationsArePlayedAsTheyWerePolled)
 {
     second.link.poll({ wanted(1, QStringLiteral("D"), 20), wanted(2, QStringLiteral("D"), 3) });
-    ReplayLine replayed(joinedAcrossStations().frames(), LineSettings());
+    ReplayLine replayed(twoStations().frames(), LineSettings());
+    GuardedExchange exchange(replayed);
+
+    const ReplayResult result = replay(second.link, replayed, exchange);
+
+    EXPECT_TRUE(result.complete) << result.stoppedAt.toStdString();
+    EXPECT_EQ(result.played, 6);
+    EXPECT_EQ(result.unrecorded, 0);
+    EXPECT_EQ(second.changes, (Texts { "1 D 20 = 77", "2 D 3 = 88" }));
+}
+
+TEST_F(ReplayTest, ReadsThatAreNotPolledArePlayedOneByOne)
+{
+    second.link.poll({ wanted(1, QStringLiteral("D"), 20, -16) });
+    ReplayLine replayed(twoStations().frames(), LineSettings());
     GuardedExchange exchange(replayed);
 
     const ReplayResult result = replay(second.link, replayed, exchange);
@@ -292,12 +305,12 @@ TEST_F(ReplayTest, ReadsThatTheDriverJoinsAcrossStationsArePlayedOneByOne)
         << "each is a condition read with its outcome";
 }
 
-TEST_F(ReplayTest, SeparatorsThatWereNeverPolledKeepNothingBack)
+TEST_F(ReplayTest, PolledBlocksThatTheRecordingLacksKeepNothingBack)
 {
     second.link.poll({ wanted(1, QStringLiteral("D"), 20), wanted(1, QStringLiteral("SW"), 0),
                        wanted(1, QStringLiteral("FU"), 0), wanted(2, QStringLiteral("D"), 3),
                        wanted(2, QStringLiteral("SW"), 0), wanted(2, QStringLiteral("FU"), 0) });
-    ReplayLine replayed(joinedAcrossStations().frames(), LineSettings());
+    ReplayLine replayed(twoStations().frames(), LineSettings());
     GuardedExchange exchange(replayed);
 
     const ReplayResult result = replay(second.link, replayed, exchange);

@@ -482,13 +482,11 @@ TEST(RuntimeNotice, TellsOnceThatAStationNeedsALongerTimeout)
 
 namespace {
 
-/// Addresses as no Planner makes them: the driver joins the first two to a block of -16 registers.
-Plan joinedAcrossStations(const QList<KEY_ADDRESS> &others)
+/// A block as no Planner makes it, before others.
+Plan impossible(const QList<KEY_ADDRESS> &others)
 {
     Plan plan;
-    plan.addresses =
-        QList<KEY_ADDRESS> { wanted(1, QStringLiteral("D"), 20), wanted(2, QStringLiteral("D"), 3) }
-        + others;
+    plan.blocks = QList<KEY_ADDRESS> { wanted(1, QStringLiteral("D"), 20, -16) } + others;
     return plan;
 }
 
@@ -501,22 +499,22 @@ TEST(Runtime, BlockThatNoStationCouldAnswerIsLeftOutAndTheRestIsPolled)
     under.host.onNotice([&](const QString &text) { notices.push_back(text.toStdString()); });
     under.stations.registers[{ 3, 0x2000 }] = 0x21;
 
-    under.host.setPlan(joinedAcrossStations({ wanted(3, QStringLiteral("SW"), 0) }));
+    under.host.setPlan(impossible({ wanted(3, QStringLiteral("SW"), 0) }));
     under.steps(4);
 
     EXPECT_EQ(notices,
-              Texts { "station 1, D 20 (0xD014): not polled, as the driver joined it with what "
-                      "follows to a block of -16 registers" });
+              Texts { "station 1, D 20 (0xD014): not polled, as it is a block of -16 registers; "
+                      "a request asks for 1 to 123" });
     EXPECT_EQ(under.sent(3, 3), 4);
     EXPECT_EQ(under.value(3, "SW", 0), 0x21);
-    EXPECT_EQ(under.sent(1, 3) + under.sent(2, 3), 0);
+    EXPECT_EQ(under.sent(1, 3), 0);
     EXPECT_FALSE(under.host.value(1, QStringLiteral("D"), 20).known);
 }
 
 TEST(Runtime, PlanOfNothingButSuchABlockLeavesTheLineToWrites)
 {
     RuntimeUnderTest under;
-    under.host.setPlan(joinedAcrossStations({}));
+    under.host.setPlan(impossible({}));
     under.stations.line.open(nullptr);
 
     const Runtime::Step idle = under.host.step();

@@ -95,7 +95,7 @@ public:
         Plan result;
         for (const auto &[station, drive] : drives) {
             if (drive.isPolled)
-                result.addresses.append(wanted(station, QStringLiteral("SW"), 0));
+                result.blocks.append(wanted(station, QStringLiteral("SW"), 0));
         }
         return result;
     }
