@@ -128,7 +128,8 @@ QVector<quint16> Link::values(int station, const QString &regType, int address, 
 /// The register's record in the driver's cache; null where it has none.
 ///
 /// The driver may move records, and a host may empty its list: a remembered place is a hint that
-/// the record itself has to bear out.
+/// the record itself has to bear out. Places of new records are noted all at once, so that looking
+/// up each of many costs the same.
 const _DATA_ *Link::findRecord(int station, const QString &regType, int address) const
 {
     const auto &records = std::as_const(api().state->dataAreas);
@@ -136,6 +137,7 @@ const _DATA_ *Link::findRecord(int station, const QString &regType, int address)
         return record.station == station && record.address == address && record.regType == regType;
     };
     const RegisterKey key { station, address, regType };
+    notePlaces();
     const auto place = m_places.find(key);
     const bool isHinted = place != m_places.end() && place->second < records.size();
     if (isHinted && isMeant(records.at(place->second)))
@@ -145,6 +147,19 @@ const _DATA_ *Link::findRecord(int station, const QString &regType, int address)
         return nullptr;
     m_places[key] = static_cast<int>(found - records.begin());
     return &*found;
+}
+
+void Link::notePlaces() const
+{
+    const auto &records = std::as_const(api().state->dataAreas);
+    if (records.size() < m_placed) {
+        m_places.clear();
+        m_placed = 0;
+    }
+    for (; m_placed < records.size(); ++m_placed) {
+        const _DATA_ &record = records.at(m_placed);
+        m_places.emplace(RegisterKey { record.station, record.address, record.regType }, m_placed);
+    }
 }
 
 RegisterState Link::registerState(int station, const QString &regType, int address) const

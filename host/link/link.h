@@ -133,6 +133,7 @@ private:
     class Scope;
     using RegisterKey = std::tuple<int, int, QString>; // station, address, type
     const _DATA_ *findRecord(int station, const QString &regType, int address) const;
+    void notePlaces() const;
     int triesToFailWrites() const;
     static void dispatch(int linkNumber, int station, QString &name, int address);
 
@@ -142,6 +143,7 @@ private:
     std::vector<unsigned short> m_recipeBuffer;
     QMutex m_mutex;
     mutable std::map<RegisterKey, int> m_places; // where a register's record was last seen
+    mutable int m_placed = 0; // records whose places are known
     ChangeHandler m_handler;
     HandlerErrors m_errors;
 };
