@@ -177,7 +177,8 @@ QByteArray SerialLine::receive(int count, Duration deadline)
         // Where a part came, the rest takes its time on the wire: waking for each character would
         // cost more than everything else that a request does.
         if (length > 0)
-            m_waits->until(std::min(m_lastActivity + m_settings.wireTime(count - length), deadline));
+            m_waits->until(
+                std::min(m_lastActivity + m_settings.wireTime(count - length), deadline));
         const int more = awaitInput(received.data() + length, count - length, deadline);
         if (more == 0)
             break;

@@ -177,9 +177,16 @@ void LineWorker::giveUp(const QString &reason)
     m_isOpen = false;
     m_lost.clear();
     for (const auto &[key, write] : std::exchange(m_writes, {}))
-        tell(WriteOutcome {
-            write.id, WriteEnd::TimedOut, Refusal::None, 0, true,
-            QStringLiteral("station %1: not confirmed: %2").arg(write.station).arg(m_downReason) });
+        tell(WriteOutcome { write.id,
+                            WriteEnd::TimedOut,
+                            Refusal::None,
+                            0,
+                            true,
+                            QStringLiteral("station %1: not confirmed: %2")
+                                .arg(write.wish.station)
+                                .arg(m_downReason),
+                            write.wish,
+                            {} });
     if (m_jobs)
         m_jobs->endAll(m_downReason);
     m_jobs.reset();
@@ -219,7 +226,7 @@ void LineWorker::takeCommands()
 void LineWorker::execute(const SubmitWrite &command)
 {
     const WriteWish &wish = command.wish;
-    m_writes[m_runtime->write(wish)] = { command.id, wish.station };
+    m_writes[m_runtime->write(wish)] = { command.id, wish };
     show(wish.station, wish.regType, wish.address, lengthOf(wish.values), WriteAccess);
 }
 
@@ -312,7 +319,7 @@ void LineWorker::noteOutcome(WriteOutcome outcome)
     if (write == m_writes.end())
         return; // of a job that was left
     outcome.id = write->second.id;
-    m_table.touch(write->second.station);
+    m_table.touch(write->second.wish.station);
     m_writes.erase(write);
     tell(outcome);
 }

@@ -33,7 +33,7 @@ public:
 private:
     struct OpenWrite {
         int id = 0; ///< as the user has it
-        int station = 0;
+        WriteWish wish;
     };
 
     void serve();
