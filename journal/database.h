@@ -41,8 +41,9 @@ public:
     enum class Access { Write, Read };
     using Row = std::function<void(const QSqlQuery &)>;
 
+    /// A connection that could not be opened has trouble().
+    ///
     /// @param patience  for another program's lock, in milliseconds
-    /// @return a connection; one that could not be opened has trouble()
     Database(const QString &path, Access access, int patience);
     ~Database();
     Database(const Database &) = delete;
