@@ -98,8 +98,8 @@ TEST(Plan, HandsOverRunsThatNeitherOverlapNorTouch)
                                    nullptr);
 
     ASSERT_TRUE(plan);
-    EXPECT_EQ(textsOf(plan->addresses),
-              (Texts { "1 F 1 4", "1 F 5 4", "1 F 9 1", "1 F 11 1", "1 FU 0 1", "1 SW 0 1",
+    EXPECT_EQ(textsOf(plan->blocks),
+              (Texts { "1 F 1 4", "1 F 5 4", "1 F 9 1", "1 F 11 1", "1 SW 0 1", "1 FU 0 1",
                        "2 F 258 2" }));
 }
 
@@ -151,7 +151,6 @@ TEST(Plan, CountsARegisterOnceHoweverManyWishesNameIt)
 
     ASSERT_TRUE(plan);
     EXPECT_EQ(plan->wantedRegisters, 6);
-    EXPECT_EQ(plan->separators, 0);
 }
 
 TEST(Plan, CountsTheTimeOfARotation)

@@ -52,7 +52,7 @@ std::string rest(Inbox &inbox)
 
 TEST(InboxTest, CommandsAreTakenInTheirOrder)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     EXPECT_TRUE(inbox.isEmpty());
     inbox.put(write(inbox.nextId()));
     inbox.put(read(inbox.nextId()));
@@ -66,7 +66,7 @@ TEST(InboxTest, CommandsAreTakenInTheirOrder)
 
 TEST(InboxTest, ACommandEndsTheWait)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     inbox.put(write(1));
 
     inbox.wait(std::chrono::hours(1));
@@ -76,7 +76,7 @@ TEST(InboxTest, ACommandEndsTheWait)
 
 TEST(InboxTest, AClosedOneTakesNothingMoreAndGivesWhatItHas)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     inbox.put(write(1));
     EXPECT_FALSE(inbox.isClosed());
     EXPECT_FALSE(inbox.isHurried());
@@ -93,7 +93,7 @@ TEST(InboxTest, AClosedOneTakesNothingMoreAndGivesWhatItHas)
 
 TEST(InboxTest, WritesAreNotTakenUntilTheLastStopHasEnded)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     EXPECT_EQ(inbox.put(write(1)), Taken::Yes);
     EXPECT_EQ(inbox.put(stop(2)), Taken::Yes);
     EXPECT_EQ(inbox.put(stop(3)), Taken::Yes);
@@ -111,7 +111,7 @@ TEST(InboxTest, WritesAreNotTakenUntilTheLastStopHasEnded)
 
 TEST(InboxTest, HurriesWhileAStopWaitsToBeTaken)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     Ids stops;
     EXPECT_FALSE(inbox.isHurried());
     inbox.put(stop(1));
@@ -132,7 +132,7 @@ TEST(InboxTest, HurriesWhileAStopWaitsToBeTaken)
 
 TEST(InboxTest, ACancellationIsForTheStopsInFrontOfTheLastOne)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     Ids stops = { 9 };
     inbox.put(stop(1));
     inbox.put(read(2));
@@ -152,7 +152,7 @@ TEST(InboxTest, ACancellationIsForTheStopsInFrontOfTheLastOne)
 
 TEST(InboxTest, WithoutACancellationEveryStopStays)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     Ids stops;
     inbox.put(read(1));
     inbox.put(stop(2));
@@ -166,7 +166,7 @@ TEST(InboxTest, WithoutACancellationEveryStopStays)
 
 TEST(InboxTest, StopsInFrontOfACancellationAreOneWithTheLongestBudget)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     Ids stops = { 9 };
     inbox.put(read(1));
     inbox.put(stop(2, 1));
@@ -186,7 +186,7 @@ TEST(InboxTest, StopsInFrontOfACancellationAreOneWithTheLongestBudget)
 
 TEST(InboxTest, WithoutAStopThereIsNoBudget)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     Ids stops;
 
     EXPECT_EQ(inbox.takeStops(&stops), Duration(0));
@@ -197,7 +197,7 @@ TEST(InboxTest, AJobIsCancelledFromWhenItIsPutInToItsEnd)
     const Command jobs[] = { read(7), BackUp { 7, {} }, Restore { 7, 1, {} } };
     for (const Command &job : jobs) {
         SCOPED_TRACE(job.index());
-        Inbox inbox;
+        Inbox inbox(blockingWaits());
         inbox.cancelJob(7);
         inbox.put(job);
         EXPECT_FALSE(inbox.isCancelled(7)) << "was asked for before there was such a job";
@@ -215,7 +215,7 @@ TEST(InboxTest, AJobIsCancelledFromWhenItIsPutInToItsEnd)
 
 TEST(InboxTest, AWriteIsNoJob)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     inbox.put(write(7));
     inbox.put(stop(8));
 
@@ -232,7 +232,7 @@ TEST(InboxTest, AWriteIsNoJob)
 
 TEST(InboxTest, AUserIsNoticedOnce)
 {
-    Inbox inbox;
+    Inbox inbox(blockingWaits());
     EXPECT_FALSE(inbox.takeUser());
     inbox.noteUser();
 
