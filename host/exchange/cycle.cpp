@@ -71,7 +71,7 @@ void Cycle::countSent(Step step, ExchangeReport report)
 {
     // Without a guard the driver decides, and it believes more than a close look does.
     if (step == Step::Served)
-        report.verdict = { ReplyCause::Good, 0 };
+        report.verdict.cause = ReplyCause::Good;
     m_counters.countExchange(m_request, report, m_reply.turnaround);
 }
 

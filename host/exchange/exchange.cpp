@@ -41,12 +41,10 @@ Reply LineExchange::run(const FRAME_PRO &request)
     const bool sent = m_line.send(frame);
     const Duration deadline = start + settings.wireTime(lengthOf(frame)) + settings.responseTimeout
         + settings.wireTime(expected);
-    if (sent)
-        reply.bytes = m_line.receive(expected, deadline);
+    reply.bytes = m_line.receive(expected, deadline); // none where the line is closed
     reply.kind = sent ? judge(m_line, lengthOf(reply.bytes), expected) : Reply::Kind::LineDown;
     reply.turnaround = m_line.now() - start;
     const Duration wire = settings.wireTime(lengthOf(frame) + lengthOf(reply.bytes));
-    m_report = {};
     m_report.verdict = checkReply(request, reply.bytes);
     m_report.bytesHeard = lengthOf(reply.bytes);
     m_report.answerDelay = std::max(reply.turnaround - wire, Duration { 0 });

@@ -30,8 +30,7 @@ bool looksAlike(const QByteArray &a, int lengthOfA, const QByteArray &b, int len
 
 void OwedReplies::noteSent(const FRAME_PRO &request, bool mayEcho, Duration end)
 {
-    const int station = request.frame[stationByte];
-    Entries &entries = m_stations[station];
+    Entries &entries = m_stations[request.frame[stationByte]];
     const QByteArray bytes = bytesOf(request);
     const bool isAgain =
         !entries.empty() && isSameRequest(entries.back(), bytes, request.var.varKind);
@@ -54,7 +53,7 @@ void OwedReplies::noteSent(const FRAME_PRO &request, bool mayEcho, Duration end)
     entry.echoes += mayEcho ? 1 : 0;
     if (entry.ends.size() < mostTimes)
         entry.ends.push_back(end);
-    m_current = { station, m_order };
+    m_current = m_order;
 }
 
 /// Tries of one write have its tag; another write of the same value is another one. Reads have no
@@ -95,15 +94,13 @@ OwedReplies::Claim OwedReplies::take(const QByteArray &frame, Duration now)
 {
     if (const std::optional<Claim> echo = takeEcho(frame))
         return *echo;
-    const int station = byteAt(frame, stationByte);
-    const auto found = m_stations.find(station);
+    const auto found = m_stations.find(byteAt(frame, stationByte));
     if (found == m_stations.end())
         return {};
     Entries &entries = found->second;
-    const bool isInHand = station == m_current.station && isCurrent(entries.back());
     std::optional<std::size_t> earliest;
     std::int64_t fitting = 0;
-    bool isOwn = isInHand && answers(entries.back(), frame);
+    bool isOwn = isCurrent(entries.back()) && answers(entries.back(), frame);
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (!answers(entries[i], frame))
             continue;

@@ -48,7 +48,7 @@ public:
     void noteSent(const FRAME_PRO &request, bool mayEcho, Duration end);
 
     /// From here on no request is in hand: what comes is late.
-    void noteGivenUp() { m_current = {}; }
+    void noteGivenUp() { m_current = 0; }
 
     /// Tells what a frame is that has come now, and settles what it settles.
     Claim take(const QByteArray &frame, Duration now);
@@ -99,14 +99,9 @@ private:
     using Entries = std::vector<Entry>;
     using Stations = std::map<int, Entries>;
 
-    struct Current {
-        int station = -1;
-        std::uint64_t order = 0;
-    };
-
     static bool answers(const Entry &entry, const QByteArray &frame);
     static bool isSameRequest(const Entry &entry, const QByteArray &request, int tag);
-    bool isCurrent(const Entry &entry) const { return entry.lastOrder == m_current.order; }
+    bool isCurrent(const Entry &entry) const { return entry.lastOrder == m_current; }
     bool meansTheSame(const Entries &entries, std::size_t position) const;
     std::optional<Claim> takeEcho(const QByteArray &frame);
     void settle(Stations::iterator station, std::size_t position, Duration now);
@@ -114,8 +109,8 @@ private:
 
     Stations m_stations; // without those that owe nothing
     std::map<int, Duration> m_busyUntil; // a station with what is settled, at the latest
-    Current m_current;
-    std::uint64_t m_order = 0;
+    std::uint64_t m_order = 0; // of the last request
+    std::uint64_t m_current = 0; // order of the request in hand; 0: none
 };
 
 } // namespace dx4::host

@@ -101,6 +101,7 @@ TEST(GuardRequests, NobodyAnswersTheBroadcastOfAControlWord)
     const FRAME_PRO stop = controlWordBroadcast(0x0102);
 
     EXPECT_EQ(hexOf(stop), "00 06 10 01 01 02 5d 4a");
+    EXPECT_EQ(hexOf(controlWordBroadcast(0xFF01)), "00 06 10 01 ff 01 5d 2b");
     EXPECT_EQ(stop.replyLength, 0);
     EXPECT_EQ(stop.var.station, 0);
 }

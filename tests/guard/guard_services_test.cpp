@@ -52,6 +52,7 @@ TEST_F(GuardServices, AProbeReadsTheStatusWordOnce)
 TEST_F(GuardServices, ABroadcastIsConfirmedByNobodyAndEndsAfterItsTurnaround)
 {
     inverter.isDead = true;
+    inverter.line.advance(milliseconds(1000));
 
     const Reply reply = guard.broadcast(5, { milliseconds(50), std::nullopt, true });
 
@@ -88,6 +89,7 @@ TEST_F(GuardServices, TheEchoOfABroadcastIsNoReply)
 
     EXPECT_EQ(guard.report().foreignFrames, 0);
     EXPECT_EQ(guard.report().junkBytes, 0);
+    EXPECT_FALSE(guard.report().echoStripped) << "from no reply";
 }
 
 TEST_F(GuardServices, AnExchangeEndsWithTheMomentThatItHas)

@@ -105,6 +105,19 @@ TEST_F(OwedRepliesTest, OnlyTheLastRequestWasLast)
     EXPECT_FALSE(owed.wasLast(asked("03 03 20 00 00 01"))) << "nothing is owed there";
 }
 
+TEST_F(OwedRepliesTest, SixtyFourRequestsAreTooMuchToOweWhereEachDiffersFromTheOneBefore)
+{
+    for (int i = 0; i < 63; ++i)
+        sendInVain(i % 2 == 0 ? readA : readB);
+    sendInVain(readA);
+    EXPECT_FALSE(owed.owesTooMuch(1)) << "the same once more";
+
+    sendInVain(readB);
+
+    EXPECT_TRUE(owed.owesTooMuch(1));
+    EXPECT_FALSE(owed.owesTooMuch(2));
+}
+
 TEST_F(OwedRepliesTest, OfAReadItsReplyAndItsEchoAreExpected)
 {
     sendInVain(asked("01 03 20 00 00 01"));
@@ -162,6 +175,7 @@ TEST_F(OwedRepliesTest, TimeLetsGoOfWhatWouldHaveBeenAnsweredAtTheLatest)
 
     owed.expire(1, Duration(110000), milliseconds(100));
     EXPECT_FALSE(owed.couldMislead(readB));
+    EXPECT_FALSE(owed.wasLast(readA));
     EXPECT_EQ(hear(replyOfTwo), "unowed");
 }
 

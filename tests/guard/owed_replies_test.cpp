@@ -35,6 +35,7 @@ TEST_F(OwedRepliesTest, WhatWasAnsweredIsOwedNoMore)
     hear(replyOfTwo);
 
     EXPECT_EQ(hear(replyOfTwo), "unowed");
+    EXPECT_FALSE(owed.wasLast(readA));
 }
 
 TEST_F(OwedRepliesTest, OfAnAbandonedRequestTheReplyIsLate)

@@ -143,6 +143,8 @@ TEST_F(Counters, ExceptionsAreCountedByTheirCodeAndHaveATurnaround)
     EXPECT_EQ(sum.exceptions, (std::map<int, quint64> { { 4, 2 } }));
     EXPECT_EQ(sum.turnaround.at(3), 5U);
     EXPECT_EQ(counters.endedReads(), 2U) << "a refused read may be repeated";
+    EXPECT_EQ(sum.toJson().value(QStringLiteral("exceptions")).toObject(),
+              (QJsonObject { { QStringLiteral("4"), 2 } }));
 }
 
 TEST_F(Counters, TellEveryFigureByItsName)
@@ -188,6 +190,34 @@ TEST_F(Counters, TellTheirTurnaroundsInElevenClasses)
     EXPECT_EQ(figure(classes.at(9).toObject(), "up_to_ms"), 1000);
     EXPECT_EQ(figure(classes.at(10).toObject(), "up_to_ms"), -1) << "all that is above";
     EXPECT_EQ(figure(classes.at(10).toObject(), "count"), 0);
+}
+
+TEST(CountersOfTurnarounds, PutABoundIntoTheClassThatItBounds)
+{
+    const std::pair<int, size_t> classes[] = { { 0, 0 },         { 1000, 0 },   { 1001, 1 },
+                                               { 10'000, 3 },    { 10'001, 4 }, { 1'000'000, 9 },
+                                               { 1'000'001, 10 } };
+    for (const auto &[microseconds, expected] : classes) {
+        CounterSet counters;
+        ExchangeReport report;
+        report.verdict.cause = ReplyCause::Good;
+        report.answerDelay = Duration(microseconds);
+
+        counters.countExchange(requestOf(1, 3, 0), report, milliseconds(20));
+
+        EXPECT_EQ(counters.total().turnaround.at(expected), 1U) << microseconds << " us";
+    }
+}
+
+TEST(CountersOfEchoes, CountThoseThatWereStripped)
+{
+    CounterSet counters;
+    ExchangeReport report = reportOf(ReplyCause::Good);
+    report.echoStripped = false;
+
+    counters.countExchange(requestOf(1, 3, 0), report, milliseconds(20));
+
+    EXPECT_EQ(counters.total().echoes, 0U);
 }
 
 TEST_F(Counters, TellTheShareOfTheTimeThatTheLineWasHeld)

@@ -144,6 +144,44 @@ TEST_F(CycleTest, StaleInputIsDroppedBeforeTheRequest)
     EXPECT_EQ(value(), 0x1234);
 }
 
+TEST_F(CycleTest, AByteThatComesAsTheGapEndsIsDroppedToo)
+{
+    cycle.step();
+    line.inject("x", Duration(2500)); // 3.5 ms behind the reply
+
+    const Cycle::Step step = cycle.step();
+
+    EXPECT_EQ(step, Cycle::Step::Served);
+}
+
+TEST_F(CycleTest, WhatAnExchangeTookAndBroughtIsReported)
+{
+    cycle.step();
+    EXPECT_EQ(exchange.report().answerDelay.count(), 0);
+    delay = milliseconds(30);
+
+    cycle.step();
+
+    EXPECT_EQ(exchange.report().answerDelay, milliseconds(30));
+    EXPECT_EQ(exchange.report().bytesHeard, 7);
+    EXPECT_EQ(cycle.reply().turnaround, milliseconds(8 + 30 + 7));
+    EXPECT_EQ(cycle.counters().total().bytesReceived, 14U);
+}
+
+TEST_F(CycleTest, ARequestThatExpectsNothingIsCompleteAsItIsSent)
+{
+    FRAME_PRO request;
+    request.sendLength = 8;
+    for (int expected : { 0, -1 }) {
+        request.replyLength = expected;
+
+        const Reply reply = exchange.run(request);
+
+        EXPECT_EQ(reply.kind, Reply::Kind::Complete) << expected;
+        EXPECT_EQ(reply.turnaround, milliseconds(8)) << expected;
+    }
+}
+
 TEST_F(CycleTest, CountsEveryAttemptAndEveryReadThatHasEnded)
 {
     cycle.step();

@@ -120,6 +120,16 @@ TEST(ElfCheck, ASegmentIsNeededThoughTheFileEndsWithTheirTable)
     EXPECT_EQ(library.wrongIn(end), cutShort(std::to_string(end) + " of 1700 bytes; copy it anew"));
 }
 
+TEST(ElfCheck, WhatLiesBehindTheTableIsNoSegment)
+{
+    Library library;
+    library.addSegment(PT_NOTE, 0, 0);
+    library.addSegment(PT_LOAD, 0, 5000);
+    library.head.e_phnum = 1;
+
+    EXPECT_EQ(library.wrongIn(headLength + 2 * segmentLength), "");
+}
+
 TEST(ElfCheck, OtherSegmentsAreNotLookedAt)
 {
     Library library;

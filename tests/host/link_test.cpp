@@ -76,6 +76,7 @@ TEST(Link, LendsABlockWithBothRequestBytesAtRest)
     EXPECT_EQ(state.recipeBuffer[0], 0);
     EXPECT_EQ(state.recipeBuffer[65535], 0);
     EXPECT_NE(state.hostMutex, nullptr);
+    EXPECT_EQ(state.hostParam, 0);
 }
 
 TEST(Link, PollsEachBlockAsItStandsAndInItsOrder)
