@@ -23,7 +23,6 @@ void Outbox::post(std::shared_ptr<const LineSnapshot> snapshot,
     std::move(events.begin(), events.end(), std::back_inserter(m_events));
     if (!changes.isEmpty() || !events.empty())
         notifyOnce(lock);
-    lock.unlock();
 }
 
 void Outbox::post(std::vector<ServiceEvent> events)

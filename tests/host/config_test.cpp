@@ -413,6 +413,12 @@ INSTANTIATE_TEST_SUITE_P(
                     "[[station]]\naddress = 1\nname = \"x\\n\"\n"
                     "[[station]]\naddress = 2\nname = \"x\\n\"\n",
                     { "a.toml:6: name: \"x\" is taken" } },
+        ConfigRow {
+            "ErrorsOfOneLineAreToldInTheOrderOfTheirKeys",
+            "[[station]]\naddress = 1\nregister = [ { at = 5, name = 6, scale = \"a\" } ]\n",
+            { "a.toml:3: at: expected a text such as \"D 0-9\"",
+              "a.toml:3: name: expected a text such as \"output frequency\"",
+              "a.toml:3: scale: expected a number" } },
         ConfigRow { "EveryErrorIsToldInTheOrderOfTheFile",
                     "[[station]]\naddress = 0\n[line]\nport = 5\nspeed = \"fast\"\n",
                     { "a.toml:2: address: expected a whole number from 1 to 247",

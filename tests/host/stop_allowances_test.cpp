@@ -219,6 +219,7 @@ TEST_F(StopAllowances, OfABroadcastAreATenthOfASecondWhereTheBudgetHasRoom)
     EXPECT_EQ(stop.takeBroadcast(), std::nullopt) << "once for each stop";
     EXPECT_EQ(stop.broadcastAllowance(Duration { 0 }).timeout, milliseconds(100));
     EXPECT_EQ(stop.broadcastAllowance(Duration { 0 }).until, microseconds(333333));
+    EXPECT_TRUE(stop.broadcastAllowance(Duration { 0 }).isUrgent);
 }
 
 TEST_F(StopAllowances, OfABroadcastAreTheShareOfOneStationMoreWhereItHasNone)
