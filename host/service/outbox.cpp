@@ -73,7 +73,6 @@ std::optional<ServiceEvent> Outbox::takeEvent()
 QVector<RegisterValue> Outbox::takeChanges()
 {
     QVector<RegisterValue> values;
-    values.reserve(static_cast<int>(m_changes.size()));
     for (auto &[key, value] : m_changes)
         values.append(std::move(value));
     m_changes.clear();

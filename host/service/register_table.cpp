@@ -110,7 +110,6 @@ bool RegisterTable::renew(Entry &entry, const Value &state, Duration now)
 QVector<RegisterValue> RegisterTable::all(Duration now) const
 {
     QVector<RegisterValue> values;
-    values.reserve(static_cast<int>(m_entries.size()));
     for (const auto &[key, entry] : m_entries) {
         values.append(entry.shown);
         if (entry.shown.state.known)

@@ -335,6 +335,23 @@ TEST(Stop, ThoseKnownToTurnAndThoseThatAnswerComeBeforeTheOthers)
     EXPECT_EQ(order, "2314");
 }
 
+TEST(Stop, AFrequencyMakesNoDriveTurn)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 }, { 2, 0 } };
+    RuntimeUnderTest under(settings, lineOf(milliseconds(100)));
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") } }));
+    under.runFor(seconds(1));
+    under.write(2, "FRE", 0, { 100 });
+    under.runFor(seconds(1));
+    const auto before = under.stations.line.sent().size();
+
+    under.host.stop(seconds(1));
+
+    EXPECT_EQ(under.outcomes, Texts { "1000 confirmed" });
+    EXPECT_EQ(under.stations.line.sent().at(before), framed("01 06 10 01 00 00"));
+}
+
 TEST(Stop, ADriveIsKnownToTurnUntilItsStopIsConfirmed)
 {
     RuntimeSettings settings;

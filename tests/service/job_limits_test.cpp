@@ -71,6 +71,22 @@ TEST(ServiceReads, OfWhatThereIsNotShowNothing)
     EXPECT_TRUE(snapshot->find(247, QStringLiteral("D"), 31) != nullptr);
 }
 
+TEST(ServiceReads, OverALineThatIsDownSaySo)
+{
+    ServiceUnderTest under;
+    under.playTime();
+    under.plant->stations.line.close();
+    under.plant->isRefusedToOpen = true;
+    under.start();
+
+    under.service->read(1, QStringLiteral("D"), 0);
+    under.waitFor([&] { return under.reads.size() == 1; });
+
+    EXPECT_EQ(under.reads.front().kind, Kind::LineDown);
+    EXPECT_EQ(under.reads.front().reason.toStdString(),
+              "station 1, D 0 (0xD000): the line is down");
+}
+
 TEST(ServiceRestores, ReadWriteAndReadAgainAndNothingElse)
 {
     ServiceUnderTest under;
