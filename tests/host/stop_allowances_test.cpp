@@ -302,3 +302,20 @@ TEST_F(StopAllowances, AreGivenToThoseThatAnswerFirstThenToThoseThatTurn)
 
     EXPECT_EQ(order, (QVector<int> { 4, 2, 3, 1, 5 }));
 }
+
+TEST_F(StopAllowances, OfThePatientLeaveEveryOtherItsQuickTry)
+{
+    SafeStop plant(link, { { 1, 6 }, { 2, 6 }, { 3, 6 } }, [this](int) { return outlook; });
+    plant.begin(Duration { 0 }, seconds(10));
+    for (int station = 1; station <= 3; ++station) {
+        FRAME_PRO request;
+        EXPECT_TRUE(plant.prepareNext(Duration { 0 }) && link.nextFrame(request));
+        link.handReply(QByteArray());
+        plant.noteWithheld(station, Duration { 0 });
+    }
+    plant.noteSignOfLife(2);
+
+    ASSERT_TRUE(plant.prepareNext(milliseconds(300)));
+
+    EXPECT_EQ(plant.takeAllowance(2).timeout, milliseconds(9570)); // 9.7 s less 10, 60 and 60 ms
+}

@@ -103,6 +103,21 @@ TEST(Stop, TheCallEndsWithItsBudgetHoweverLongTheTimeout)
     EXPECT_LE(plant.stations.line.now() - begun, milliseconds(2010));
 }
 
+TEST(Stop, NoTryBeginsThatDoesNotFitIntoTheBudget)
+{
+    for (int budget = 700; budget < 730; budget += 3) {
+        RuntimeSettings settings;
+        settings.stops = { { 1, 0 } };
+        RuntimeUnderTest under(settings); // a request takes 8 ms
+        under.stations.dead = { 1 };
+        const Duration begun = under.stations.line.now();
+
+        under.host.stop(milliseconds(budget));
+
+        EXPECT_LE(under.stations.line.now() - begun, milliseconds(budget)) << budget;
+    }
+}
+
 TEST(Stop, TheBudgetHoldsOnALineThatBabbles)
 {
     EightDrives plant(seconds(20));
@@ -350,6 +365,24 @@ TEST(Stop, AFrequencyMakesNoDriveTurn)
 
     EXPECT_EQ(under.outcomes, Texts { "1000 confirmed" });
     EXPECT_EQ(under.stations.line.sent().at(before), framed("01 06 10 01 00 00"));
+}
+
+TEST(Stop, ItsOwnStopMakesNoDriveTurn)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0x0206 }, { 2, 0x0206 } };
+    RuntimeUnderTest under(settings, lineOf(milliseconds(100)));
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") }, { 2, QStringLiteral("SW") } }));
+    under.runFor(seconds(1));
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") } }));
+    under.write(2, "CW", 0, { 0x0206 });
+    under.runFor(seconds(1));
+    const auto before = under.stations.line.sent().size();
+
+    under.host.stop(seconds(1));
+
+    EXPECT_EQ(under.outcomes, Texts { "1000 confirmed" });
+    EXPECT_EQ(under.stations.line.sent().at(before), framed("01 06 10 01 02 06"));
 }
 
 TEST(Stop, ADriveIsKnownToTurnUntilItsStopIsConfirmed)

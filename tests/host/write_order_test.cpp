@@ -296,4 +296,5 @@ TEST(WriteDeskWithoutARuntime, SendsWhatItIsGivenBeforeEachStep)
 
     EXPECT_EQ(outcomes, (Texts { "1000 refused", "1001 confirmed", "1002 confirmed" }));
     EXPECT_EQ(desk.pending(), 0);
+    EXPECT_EQ(desk.reported(), 3);
 }

@@ -104,6 +104,19 @@ TEST_F(ServiceStop, IsSharedByAllWhoAskBeforeItEnds)
     EXPECT_EQ(sentSince().count(stopOfStation1()), 1);
 }
 
+TEST_F(ServiceStop, IsSharedByWhoeverAsksWhileItIsSent)
+{
+    under.service->stop(seconds(1));
+    under.plant->letGo(1);
+    under.plant->awaitHeld(); // the stop
+
+    under.service->stop(seconds(1));
+    under.plant->release();
+    under.waitFor([&] { return under.stops.size() == 2; });
+
+    EXPECT_EQ(sentSince().count(stopOfStation1()), 1);
+}
+
 TEST_F(ServiceStop, IsGivenUpByTheUserInItsNextPause)
 {
     under.plant->stations.dead = { 1 };

@@ -120,6 +120,30 @@ TEST(ServiceTurns, AUserIsNoticedWhileTheLineIsDown)
     EXPECT_EQ(under.told, Texts { "down: no such port" });
 }
 
+TEST(ServiceTurns, AStopThatIsAskedForAndGivenUpInAPauseHasItsEnd)
+{
+    std::atomic<bool> asks { false };
+    std::atomic<LineService *> service { nullptr };
+    ServiceUnderTest under;
+    under.settings.runtime.stops = { { 1, 0 } };
+    under.settings.runtime.pause = [&, plant = under.plant](Duration span) {
+        plant->stations.line.advance(span);
+        if (!asks.exchange(false))
+            return;
+        service.load()->stop(seconds(1));
+        service.load()->cancelStop();
+    };
+    under.start();
+    service = under.service.get();
+    under.service->stop(seconds(1));
+    under.waitFor([&] { return under.stops.size() == 1; });
+
+    asks = true;
+    under.waitFor([&] { return under.stops.size() == 2; });
+
+    EXPECT_TRUE(under.stops.back().unconfirmed.isEmpty());
+}
+
 TEST(ServiceWithoutLine, IsOneWithoutADriverToo)
 {
     ServiceUnderTest under;
