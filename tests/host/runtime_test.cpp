@@ -172,6 +172,22 @@ TEST_F(RuntimeTest, ACommandThatWasSentAndNotConfirmedMakesTheOneBeforeDoubtful)
     EXPECT_TRUE(command.stale) << "the station may hold 0";
 }
 
+TEST_F(RuntimeTest, AConfirmedCommandEndsTheDoubtOfTheOneBefore)
+{
+    host.steps(3);
+    host.stations.changes = { silence(), silence(), silence() };
+    host.write(1, "FRE", 0, { 100 });
+    host.runFor(seconds(1));
+    const bool isDoubtful = host.host.value(1, QStringLiteral("FRE"), 0).stale;
+
+    host.write(1, "FRE", 0, { 200 });
+    host.runFor(seconds(1));
+
+    EXPECT_EQ(host.outcomes, (Texts { "1000 timed out", "1001 confirmed" }));
+    EXPECT_TRUE(isDoubtful);
+    EXPECT_FALSE(host.host.value(1, QStringLiteral("FRE"), 0).stale);
+}
+
 TEST_F(RuntimeTest, ARefusedCommandLeavesTheOneBeforeAsItWas)
 {
     host.steps(1);

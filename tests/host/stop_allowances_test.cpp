@@ -265,6 +265,18 @@ TEST_F(StopAllowances, OfAStopThatMayBeTheAdaptersCopyAreGivenAgainAtOnceButNotO
     EXPECT_EQ(one.nextTry(milliseconds(110)), milliseconds(510)) << "the pause of the second round";
 }
 
+TEST_F(StopAllowances, OfRepeatsAreForOneStationAtATime)
+{
+    stop.begin(Duration { 0 }, Duration { 0 });
+    withhold(1, Duration { 0 });
+    withhold(2, Duration { 0 });
+
+    stop.repeat(1);
+    stop.repeat(2);
+
+    EXPECT_EQ(link.waitingWrites(), 1);
+}
+
 TEST_F(StopAllowances, LeaveProbesOfAStationThatIsLeftAloneToTheBreaker)
 {
     stop.begin(Duration { 0 }, Duration { 0 });
@@ -317,5 +329,7 @@ TEST_F(StopAllowances, OfThePatientLeaveEveryOtherItsQuickTry)
 
     ASSERT_TRUE(plant.prepareNext(milliseconds(300)));
 
-    EXPECT_EQ(plant.takeAllowance(2).timeout, milliseconds(9570)); // 9.7 s less 10, 60 and 60 ms
+    const Allowance patient = plant.takeAllowance(2);
+    EXPECT_EQ(patient.timeout, milliseconds(9570)); // 9.7 s less 10, 60 and 60 ms
+    EXPECT_TRUE(patient.isUrgent);
 }

@@ -255,6 +255,21 @@ TEST_F(WriteOrder, AWriteThatSomebodyElseHadGivenUpHasTimedOut)
               "station 1, FRE 0 (0x1002): sent, but not confirmed: another request went first");
 }
 
+TEST(WriteOrderWithoutAPlan, AWriteThatSomebodyElseHadGivenUpHoldsNoOtherUp)
+{
+    RuntimeUnderTest host;
+    host.stations.changes = { silence() };
+    host.write(1, "FRE", 0, { 100 });
+    host.steps(1);
+    host.write(1, "FRE", 0, { 200 });
+    host.host.link().failWrites();
+
+    for (int i = 0; i < 10; ++i)
+        host.host.step();
+
+    EXPECT_EQ(host.outcomes, (Texts { "1000 timed out", "1001 confirmed" }));
+}
+
 TEST_F(WriteOrder, WritesToAStationThatIsLeftAloneCostOthersNoStep)
 {
     host.stations.dead = { 1 };

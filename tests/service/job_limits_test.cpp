@@ -108,6 +108,34 @@ TEST(ServiceRestores, ReadWriteAndReadAgainAndNothingElse)
         << "a comparison of that register alone";
 }
 
+TEST(ServiceRestores, GoToTheStationThatIsNamedWithAResultForEachWrite)
+{
+    ServiceUnderTest under;
+    const ScriptedLine::Change refusing = [](const QByteArray &reply) {
+        const bool isSecond = reply == framed("02 06 F1 06 00 06");
+        return MemoryLine::Answer { isSecond ? framed("02 86 02") : reply, Duration { 0 } };
+    };
+    under.plant->stations.changes.assign(20, refusing);
+    under.start();
+    ParameterSet set;
+    set.values = { { 0x0105, 5 }, { 0x0106, 6 }, { 0x0107, 7 } };
+    RestoreReport report;
+    int restored = 0;
+    QObject::connect(under.service.get(), &LineService::restored,
+                     [&](int id, const RestoreReport &done) {
+                         report = done;
+                         restored = id;
+                     });
+
+    const int id = under.service->restore(2, set);
+    under.waitFor([&] { return restored == id; });
+
+    under.service.reset();
+    EXPECT_EQ(report.written, 2) << "and the second was refused, though it was carried out";
+    EXPECT_EQ(report.verified, 3);
+    EXPECT_EQ((under.plant->stations.registers[{ 2, 0xF107 }]), 7);
+}
+
 TEST(ServiceWithoutLine, TellsEachJobAsNotBegun)
 {
     ServiceUnderTest under;

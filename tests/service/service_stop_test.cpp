@@ -117,6 +117,21 @@ TEST_F(ServiceStop, IsSharedByWhoeverAsksWhileItIsSent)
     EXPECT_EQ(sentSince().count(stopOfStation1()), 1);
 }
 
+TEST_F(ServiceStop, ThatIsAskedForWhileOneFailsIsSentAgain)
+{
+    under.service->stop(Duration { 0 });
+    under.plant->letGo(1);
+    under.plant->awaitHeld(); // the first stop
+    under.plant->stations.changes = { silence() };
+
+    under.service->stop(seconds(1));
+    under.plant->release();
+    under.waitFor([&] { return under.stops.size() == 2; });
+
+    EXPECT_EQ(under.stops.front().unconfirmed, QVector<int> { 1 });
+    EXPECT_TRUE(under.stops.back().unconfirmed.isEmpty());
+}
+
 TEST_F(ServiceStop, IsGivenUpByTheUserInItsNextPause)
 {
     under.plant->stations.dead = { 1 };

@@ -144,6 +144,21 @@ TEST(ServiceTurns, AStopThatIsAskedForAndGivenUpInAPauseHasItsEnd)
     EXPECT_TRUE(under.stops.back().unconfirmed.isEmpty());
 }
 
+TEST(ServiceTurns, AStationThatIsNotShownAnyMoreIsNotLost)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0"), entry(2, "D 0") }));
+    under.plant->stations.dead = { 2 };
+    under.start();
+    under.waitFor([&] { return under.told.size() == 2; });
+    const QVector<int> lost = under.service->snapshot()->lostStations;
+
+    under.service->setPlan(planOf({ entry(1, "D 5") }));
+    under.waitFor([&] { return under.shown(1, "D", 5) == 0; });
+
+    EXPECT_EQ(lost, QVector<int> { 2 });
+    EXPECT_EQ(under.service->snapshot()->lostStations, QVector<int> {});
+}
+
 TEST(ServiceWithoutLine, IsOneWithoutADriverToo)
 {
     ServiceUnderTest under;
