@@ -350,6 +350,23 @@ TEST(Stop, ThoseKnownToTurnAndThoseThatAnswerComeBeforeTheOthers)
     EXPECT_EQ(order, "2314");
 }
 
+TEST(Stop, TheEchoOfAFrequencyDoesNotConfirm)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 } };
+    RuntimeUnderTest under(settings, lineOf(milliseconds(100)));
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") } }));
+    under.runFor(seconds(1));
+    under.stations.refused = { { 1, controlWord } };
+    under.host.stop(milliseconds(500));
+
+    under.host.link().write(1, QStringLiteral("FRE"), 0, { 0 });
+    under.runFor(seconds(2));
+
+    EXPECT_EQ(under.stations.line.sent().count(framed("01 06 10 02 00 00")), 1);
+    EXPECT_EQ(under.alarms, Texts { "STOP NOT CONFIRMED by station 1: it may still run" });
+}
+
 TEST(Stop, AFrequencyMakesNoDriveTurn)
 {
     RuntimeSettings settings;
