@@ -175,10 +175,10 @@ TEST(Plan, BlocksOfNoRegisterAndOfMoreThan123AreUnreadable)
 
     EXPECT_EQ(unreadable(blocks),
               (QStringList {
-                  QStringLiteral("station 7, F 1.5 (0xF105): not polled, as the driver joined it "
-                                 "with what follows to a block of 0 registers"),
-                  QStringLiteral("station 7, F 1.5 (0xF105): not polled, as the driver joined it "
-                                 "with what follows to a block of 124 registers") }));
+                  QStringLiteral("station 7, F 1.5 (0xF105): not polled, as it is a block of 0 "
+                                 "registers; a request asks for 1 to 123"),
+                  QStringLiteral("station 7, F 1.5 (0xF105): not polled, as it is a block of 124 "
+                                 "registers; a request asks for 1 to 123") }));
 }
 
 struct RefusalRow {

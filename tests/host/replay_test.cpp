@@ -289,9 +289,10 @@ TEST_F(ReplayTest, ReadsOfTwoStationsArePlayedAsTheyWerePolled)
     EXPECT_EQ(second.changes, (Texts { "1 D 20 = 77", "2 D 3 = 88" }));
 }
 
-TEST_F(ReplayTest, ReadsThatAreNotPolledArePlayedOneByOne)
+TEST_F(ReplayTest, ReadsThatAreNoPolledBlocksArePlayedOneByOne)
 {
-    second.link.poll({ wanted(1, QStringLiteral("D"), 20, -16) });
+    second.link.poll(
+        { wanted(1, QStringLiteral("D"), 20, 2), wanted(2, QStringLiteral("D"), 3, 2) });
     ReplayLine replayed(twoStations().frames(), LineSettings());
     GuardedExchange exchange(replayed);
 

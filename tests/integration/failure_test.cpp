@@ -100,7 +100,7 @@ TEST_F(Integration, AWriteOfAMonitorValueIsRefusedByTheSlave)
 TEST_F(Integration, AnAbsentStationDoesNotStopTheOthers)
 {
     peer.setRegister(0xD000, 77);
-    host.link.poll({ dx4::host::wanted(2, QStringLiteral("SW"), 0), polled("D", 0) });
+    host.link.poll({ polled("D", 0), dx4::host::wanted(2, QStringLiteral("SW"), 0) });
 
     const Texts steps = host.steps(4);
 

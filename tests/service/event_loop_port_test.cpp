@@ -8,7 +8,9 @@
 #include "runtime_fixture.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QSocketNotifier>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <cstdlib>
@@ -57,7 +59,8 @@ public:
     {
         grantpt(m_end);
         unlockpt(m_end);
-        device = QString::fromLocal8Bit(ptsname(m_end));
+        device = m_folder.filePath(QStringLiteral("line"));
+        QFile::link(QString::fromLocal8Bit(ptsname(m_end)), device);
         termios raw {};
         tcgetattr(m_end, &raw);
         cfmakeraw(&raw);
@@ -68,9 +71,12 @@ public:
         });
     }
 
+    /// The name goes first: another program may get the number of the device at once, and the
+    /// service would find that one in its place.
     void hangUp()
     {
         m_notifier.setEnabled(false);
+        QFile::remove(device);
         close(m_end);
     }
 
@@ -78,6 +84,7 @@ public:
     int heard = 0; ///< bytes
 
 private:
+    const QTemporaryDir m_folder;
     const int m_end;
     QSocketNotifier m_notifier;
 };
