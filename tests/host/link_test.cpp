@@ -159,6 +159,20 @@ TEST(Link, PassesTheDriversLineAboutARequestOn)
     EXPECT_EQ(text.toStdString(), "2#D3(2)(3)");
 }
 
+TEST(Link, KnowsWhatWaitsByItsTag)
+{
+    Link link(privateCopy(), LinkSettings());
+    link.write(1, QStringLiteral("F"), 0, { 1 }, 7);
+    link.addConditionRead(1, typeD, 0, 1, 8);
+
+    EXPECT_TRUE(link.hasWrite(7));
+    EXPECT_FALSE(link.hasWrite(8));
+    EXPECT_TRUE(link.hasConditionRead(8));
+    EXPECT_FALSE(link.hasConditionRead(7));
+    EXPECT_EQ(link.waitingWrites(), 1);
+    EXPECT_EQ(link.waitingConditionReads(), 1);
+}
+
 TEST(Link, FailsWritesAndNothingElse)
 {
     Link link(privateCopy(), LinkSettings());

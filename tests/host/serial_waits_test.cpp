@@ -2,6 +2,8 @@
 // What a serial line waits for, until when, and what ends it.
 #include "serial_fixture.h"
 
+#include <sys/ioctl.h>
+
 #include <ctime>
 #include <thread>
 
@@ -41,6 +43,24 @@ TEST_F(SerialWaits, APartOfAReplyIsGivenAtTheDeadline)
     EXPECT_EQ(bytes, "a");
     EXPECT_GE(line.now(), deadline);
     EXPECT_TRUE(line.isOpen());
+}
+
+TEST_F(SerialWaits, AReplyThatComesInTwoPartsIsOne)
+{
+    const int near = ::open(adapter.path().toLatin1().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    adapter.write("ab");
+    std::thread farEnd([&] {
+        int waiting = 1;
+        while (waiting > 0 && ioctl(near, FIONREAD, &waiting) == 0)
+            std::this_thread::yield();
+        adapter.write("cde"); // once the first part was taken
+    });
+
+    const QByteArray bytes = line.receive(5, line.now() + seconds(3600));
+
+    farEnd.join();
+    close(near);
+    EXPECT_EQ(bytes, "abcde");
 }
 
 TEST_F(SerialWaits, NothingIsGivenWhereNothingCame)
@@ -135,11 +155,13 @@ TEST_F(SerialWaits, AFrameThatNobodyTakesIsGivenUp)
     line.close();
     SerialLine full(fast);
     ASSERT_TRUE(full.open(nullptr));
+    const Duration start = full.now();
 
-    const bool sent = full.send(more);
+    const bool sent = full.send(more); // 50 ms on the wire
 
     EXPECT_FALSE(sent);
     EXPECT_FALSE(full.isOpen());
+    EXPECT_GE(full.now() - start, milliseconds(1100)) << "a second and twice its time";
     EXPECT_LT(processorTime() - before, milliseconds(500)) << "of more than a second";
 }
 
