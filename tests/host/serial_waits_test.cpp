@@ -56,11 +56,12 @@ TEST_F(SerialWaits, AReplyThatComesInTwoPartsIsOne)
         adapter.write("cde"); // once the first part was taken
     });
 
-    const QByteArray bytes = line.receive(5, line.now() + seconds(3600));
+    const QByteArray bytes = line.receive(4, line.now() + seconds(3600));
 
     farEnd.join();
     close(near);
-    EXPECT_EQ(bytes, "abcde");
+    EXPECT_EQ(bytes, "abcd");
+    EXPECT_EQ(line.receive(1, line.now() + seconds(3600)), "e") << "it stays in the line";
 }
 
 TEST_F(SerialWaits, NothingIsGivenWhereNothingCame)
