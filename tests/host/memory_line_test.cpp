@@ -234,6 +234,7 @@ TEST(MemoryLine, AnUnpluggedLineRefusesUntilItIsPluggedInAndOpened)
     EXPECT_EQ(error, QStringLiteral("memory line: unplugged"));
     EXPECT_TRUE(openedAgain);
     EXPECT_TRUE(line.send("?"));
+    EXPECT_EQ(line.sent().size(), 1) << "the first was not sent";
 }
 
 TEST(MemoryLine, NobodyNeedsToAskWhyItIsClosed)
