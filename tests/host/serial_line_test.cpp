@@ -515,3 +515,68 @@ TEST_F(SerialLineTest, SignalsDoNotShortenTheWaitForSilence)
     EXPECT_TRUE(line.isOpen());
     EXPECT_GE(line.now() - before, gap);
 }
+
+namespace {
+
+/// Lets the rest of a reply arrive when the line sleeps for it.
+class RestMeanwhile : public Waits {
+public:
+    explicit RestMeanwhile(PseudoTerminal &adapter)
+        : m_adapter(adapter)
+    {
+    }
+
+    short forEvents(int descriptor, short events, Duration deadline) override
+    {
+        ++wakeUps;
+        return blockingWaits().forEvents(descriptor, events, deadline);
+    }
+    void until(Duration moment) override
+    {
+        slept.push_back(moment);
+        m_adapter.write("eply");
+    }
+    void giveWay() override { }
+
+    int wakeUps = 0;
+    std::vector<Duration> slept; ///< until when
+
+private:
+    PseudoTerminal &m_adapter;
+};
+
+} // namespace
+
+TEST_F(SerialLineTest, TheRestOfAReplyIsSleptForAndNotWokenForByteByByte)
+{
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    RestMeanwhile waits(adapter);
+    line.setWaits(waits);
+    adapter.write("r");
+    const Duration before = line.now();
+
+    const QByteArray reply = line.receive(5, before + seconds(3600));
+
+    EXPECT_EQ(reply, "reply");
+    EXPECT_EQ(waits.wakeUps, 2);
+    ASSERT_EQ(waits.slept.size(), 1U);
+    EXPECT_GE(waits.slept.front(), before + line.settings().wireTime(4));
+    EXPECT_LE(waits.slept.front(), line.now() + line.settings().wireTime(4));
+}
+
+TEST_F(SerialLineTest, TheRestOfAReplyIsSleptForToTheDeadlineAtMost)
+{
+    PseudoTerminal adapter;
+    SerialLine line(on(adapter.path()));
+    line.open(nullptr);
+    RestMeanwhile waits(adapter);
+    line.setWaits(waits);
+    adapter.write("r");
+    const Duration deadline = line.now();
+
+    line.receive(5, deadline);
+
+    EXPECT_EQ(waits.slept, std::vector<Duration> { deadline });
+}
