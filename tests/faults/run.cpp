@@ -75,7 +75,10 @@ public:
     {
         cable.observe(sim::ByteLog(log));
         cable.observe([this](const sim::LineEvent &event) { note(event); });
-        link.poll(pollList());
+        const QList<KEY_ADDRESS> blocks = pollList();
+        if (blocks.size() != scenarioBlocks)
+            throw std::logic_error("the scenario polls another number of blocks");
+        link.poll(blocks);
     }
 
     void step()
