@@ -110,4 +110,13 @@ private:
     quint64 m_attempts = 0;
 };
 
+/// What was counted in a span of time.
+struct LineCounters {
+    CounterSet counts;
+    Duration span { 0 };
+
+    double load() const { return counts.lineLoad({}, span); } ///< see CounterSet::lineLoad()
+    QJsonObject toJson() const { return counts.toJson({}, span); }
+};
+
 } // namespace dx4::host

@@ -10,6 +10,10 @@ namespace dx4::host {
 
 class Runtime;
 
+/// Settings that take effect with a new line and link alone and differ, by their keys, such as
+/// "line.speed". A configuration that names no port wants the one that is open.
+QStringList restartKeys(const Config &running, const Config &wanted);
+
 /// Takes a new configuration over between two requests.
 ///
 /// The driver's lists may not change while a request is in progress, so a configuration first
@@ -50,8 +54,7 @@ public:
     /// The plan last applied; empty before the first.
     const Plan &plan() const { return m_plan; }
 
-    /// Settings that differ in the configuration last prepared and need a restart of the link, by
-    /// their keys, such as "line.speed".
+    /// What of the configuration last prepared waits for a restart, see restartKeys().
     QStringList needRestart() const { return m_needRestart; }
 
 private:

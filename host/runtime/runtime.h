@@ -157,7 +157,9 @@ public:
     void noteUser();
 
     const CounterSet &counters() const { return m_cycle.counters(); }
-    QJsonObject countersJson() const { return counters().toJson(m_start, m_line.now()); }
+    /// A copy of them, with the time in which they were counted.
+    LineCounters lineCounters() const { return { counters(), m_line.now() - m_start }; }
+    QJsonObject countersJson() const { return lineCounters().toJson(); }
     bool isLeftAlone(int station) const { return m_breaker.isLeftAlone(station); }
 
     /// Of the last step that used the line, for traces and messages.

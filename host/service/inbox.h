@@ -50,8 +50,12 @@ struct Restore {
     ParameterSet set;
 };
 
+struct TakeCounters {
+    int id = 0;
+};
+
 using Command = std::variant<SubmitWrite, TakePlan, TakeConfig, StopDrives, CancelStop, ReadOnce,
-                             BackUp, Restore>;
+                             BackUp, Restore, TakeCounters>;
 
 /// Commands in their order. Calls may come from any thread, those that take from the line's alone.
 ///

@@ -28,6 +28,7 @@ void registerTypes()
     qRegisterMetaType<AccessResult>("dx4::host::AccessResult");
     qRegisterMetaType<ParameterSet>("dx4::host::ParameterSet");
     qRegisterMetaType<RestoreReport>("dx4::host::RestoreReport");
+    qRegisterMetaType<LineCounters>("dx4::host::LineCounters");
 }
 
 } // namespace
@@ -79,6 +80,11 @@ struct LineService::Teller {
     void operator()(const RestoreEnded &restore) const
     {
         Q_EMIT from.restored(restore.id, restore.report);
+    }
+    void operator()(const Reloaded &reload) const { Q_EMIT from.reloaded(reload.needRestart); }
+    void operator()(const CountersTaken &taken) const
+    {
+        Q_EMIT from.countersTaken(taken.id, taken.counters);
     }
 };
 
@@ -173,6 +179,12 @@ int LineService::restore(int station, const ParameterSet &set)
 {
     const int id = m_engine->inbox.nextId();
     return m_engine->put(id, Restore { id, station, set });
+}
+
+int LineService::takeCounters()
+{
+    const int id = m_engine->inbox.nextId();
+    return m_engine->put(id, TakeCounters { id });
 }
 
 void LineService::cancelJob(int id)

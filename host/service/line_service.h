@@ -80,8 +80,8 @@ public:
     /// Replaces what is polled. Values stay.
     void setPlan(const Plan &plan);
 
-    /// Takes over what a configuration says of stations, stops, names and scaling. Its line and
-    /// link take effect with a new service alone.
+    /// Takes over what a configuration says of stations, stops, names and scaling; reloaded() tells
+    /// when. Its line and link take effect with a new service alone.
     ///
     /// @param plan  of that configuration, as planOf() made it with a planner of the caller's
     void reload(const Config &config, const Plan &plan);
@@ -106,6 +106,12 @@ public:
     /// Has a read, a backup or a restore end before its next request; a write that was sent is
     /// followed to its outcome. It ends by its signal, as ever.
     void cancelJob(int id);
+
+    /// Asks for what was counted on the line; it comes by countersTaken(), in the middle of a long
+    /// job too.
+    ///
+    /// @return an id; 0 where the service is being destroyed
+    int takeCounters();
 
     bool event(QEvent *event) override;
 
@@ -136,6 +142,12 @@ Q_SIGNALS:
     /// @param error  why the set is not complete; empty when it is
     void backedUp(int id, const dx4::host::ParameterSet &set, const QString &error);
     void restored(int id, const dx4::host::RestoreReport &report);
+    /// A configuration was taken over, but for these settings of its line and link, which wait for
+    /// a new service; see restartKeys(). On a line that is down for good nothing is, nor is it
+    /// told.
+    void reloaded(const QStringList &needRestart);
+    /// @param counters  of the whole life of the line; none where it is down for good
+    void countersTaken(int id, const dx4::host::LineCounters &counters);
 
 protected:
     /// Runs the line elsewhere than on a thread of its own.
@@ -160,3 +172,4 @@ Q_DECLARE_METATYPE(dx4::host::StopReport)
 Q_DECLARE_METATYPE(dx4::host::AccessResult)
 Q_DECLARE_METATYPE(dx4::host::ParameterSet)
 Q_DECLARE_METATYPE(dx4::host::RestoreReport)
+Q_DECLARE_METATYPE(dx4::host::LineCounters)

@@ -4,6 +4,7 @@
 
 #include "host/base/length.h"
 #include "host/link/notation.h"
+#include "host/runtime/config_reload.h"
 #include "host/runtime/config_runtime.h"
 #include "wire/limits.h"
 
@@ -242,6 +243,10 @@ void LineWorker::execute(const TakeConfig &command)
     m_settings.runtime.stops = runtimeSettings(command.config).stops; // to name the stations
     m_table.setPlan(command.plan);
     m_table.setLabels(command.config, m_runtime->link());
+    Config running;
+    running.line = m_line->settings();
+    running.link = m_settings.runtime.link;
+    tell(Reloaded { restartKeys(running, command.config) });
 }
 
 /// Stops that are asked for meanwhile are the same stop, unless drives are left that another try
@@ -273,6 +278,11 @@ void LineWorker::execute(const ReadOnce &command)
 {
     show(command.station, command.regType, command.address, command.count, ReadAccess);
     m_jobs->add(command);
+}
+
+void LineWorker::execute(const TakeCounters &command)
+{
+    tell(CountersTaken { command.id, m_runtime->lineCounters() });
 }
 
 void LineWorker::refuse(const SubmitWrite &command)

@@ -55,6 +55,7 @@ private:
     void execute(const ReadOnce &command);
     void execute(const BackUp &command) { m_jobs->add(command); }
     void execute(const Restore &command) { m_jobs->add(command); }
+    void execute(const TakeCounters &command);
 
     void refuse(const SubmitWrite &command);
     void refuse(const TakePlan &) { }
@@ -64,6 +65,7 @@ private:
     void refuse(const ReadOnce &command) { refuseJob(command); }
     void refuse(const BackUp &command) { refuseJob(command); }
     void refuse(const Restore &command) { refuseJob(command); }
+    void refuse(const TakeCounters &command) { tell(CountersTaken { command.id, {} }); }
     void refuseJob(const Job &job);
 
     void show(int station, const QString &regType, int address, int count, int access);

@@ -51,8 +51,16 @@ struct RestoreEnded {
     RestoreReport report;
 };
 
+struct Reloaded {
+    QStringList needRestart; ///< see restartKeys()
+};
+struct CountersTaken {
+    int id = 0;
+    LineCounters counters;
+};
+
 using ServiceEvent = std::variant<WriteOutcome, AlarmRaised, NoticeGiven, LineOpened, LineWentDown,
                                   StationLost, StationBack, StopEnded, ReadEnded, JobProgressed,
-                                  JobWrote, BackupEnded, RestoreEnded>;
+                                  JobWrote, BackupEnded, RestoreEnded, Reloaded, CountersTaken>;
 
 } // namespace dx4::host

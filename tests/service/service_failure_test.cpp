@@ -2,6 +2,7 @@
 // A line that throws is down for good, and nobody is left without an answer.
 #include "service_fixture.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 using namespace dx4::host;
@@ -97,6 +98,19 @@ TEST_F(ServiceFailure, RefusesWhatIsAskedForLater)
     EXPECT_EQ(under.stops.back().unconfirmed, (QVector<int> { 1, 3 }));
     EXPECT_EQ(under.told.back(),
               std::string("stop 3: NOTHING WAS STOPPED, the drives may still run: ") + failed);
+}
+
+TEST_F(ServiceFailure, HasNoCountersAndTakesNoConfiguration)
+{
+    waitForTheEnd();
+
+    under.service->reload({}, {});
+    const int id = under.service->takeCounters();
+    under.waitFor([&] { return !under.counters.empty(); });
+
+    EXPECT_EQ(under.counters.back().counts.total().requests, 0U);
+    EXPECT_EQ(under.told.back(), "counters " + std::to_string(id));
+    EXPECT_EQ(std::count(under.told.begin(), under.told.end(), "reloaded: "), 0);
 }
 
 TEST_F(ServiceFailure, NamesTheStationsOfTheConfigurationThatWasTakenOver)

@@ -68,6 +68,13 @@ void ServiceUnderTest::listen()
         reads.push_back(result);
         tell(QStringLiteral("read %1: %2").arg(id).arg(result.reason));
     });
+    QObject::connect(from, &LineService::reloaded, [=](const QStringList &needRestart) {
+        tell(QStringLiteral("reloaded: ") + needRestart.join(QLatin1Char(' ')));
+    });
+    QObject::connect(from, &LineService::countersTaken, [=](int id, const LineCounters &taken) {
+        counters.push_back(taken);
+        tell(QStringLiteral("counters %1").arg(id));
+    });
     QObject::connect(from, &LineService::valuesChanged,
                      [=](const QVector<RegisterValue> &values) { changes.push_back(values); });
 }

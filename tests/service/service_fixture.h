@@ -54,6 +54,7 @@ public:
     std::vector<QVector<dx4::host::RegisterValue>> changes;
     std::vector<dx4::host::StopReport> stops;
     std::vector<dx4::host::AccessResult> reads;
+    std::vector<dx4::host::LineCounters> counters;
 
 private:
     void listen();

@@ -123,6 +123,42 @@ TEST(LineServiceTest, NamesAndUnitsAreThoseOfTheConfiguration)
     EXPECT_EQ(under.changes.back().constFirst().name.toStdString(), "speed");
 }
 
+TEST(LineServiceTest, AReloadTellsWhichSettingsWaitForANewService)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0") }));
+    under.settings.runtime.link.retryLimit = 2;
+    under.start();
+    Config config = namedConfig("speed");
+    config.line = under.plant->stations.line.settings();
+    config.line.speed = 19200;
+    config.link.retryLimit = 3;
+
+    under.service->reload(config, under.settings.plan);
+    under.waitFor([&] { return under.told.size() == 2; });
+
+    EXPECT_EQ(under.told, (Texts { "reloaded: line.speed link.tries", "open" }));
+}
+
+TEST(LineServiceTest, CountersAreThoseOfTheLineWithTheTimeTheyTook)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0") }));
+    under.plant->hold();
+    under.start();
+    under.plant->letGo(2);
+    under.plant->awaitHeld();
+
+    const int id = under.service->takeCounters();
+    under.plant->letGo(2); // the request that is held, and the step behind the counting
+    under.waitFor([&] { return !under.counters.empty(); });
+
+    const LineCounters &taken = under.counters.front();
+    EXPECT_EQ(under.told.back(), "counters " + std::to_string(id));
+    EXPECT_EQ(taken.counts.total().requests, 3U);
+    EXPECT_GT(taken.span.count(), 0);
+    EXPECT_EQ(taken.load(), taken.counts.lineLoad({}, taken.span));
+    EXPECT_EQ(taken.toJson(), taken.counts.toJson({}, taken.span));
+}
+
 TEST(LineServiceTest, AnotherPlanTakesTheOldOnesPlace)
 {
     ServiceUnderTest under(polling({ entry(1, "D 0") }));
