@@ -245,25 +245,19 @@ class Judge:
             if not changed:
                 changed = linked[program] = os.path.join(folder, program.name)
                 program.link(changed, [os.path.join(folder, "changed.o"), "-Wl,--strip-debug"])
-            passed, output = play([changed, "--gtest_brief=1", "--gtest_fail_fast",
-                                   "--gtest_filter=" + ":".join(tests)], folder,
-                                  6 + 6 * program.time_of(tests))
+            command = [changed, "--gtest_brief=1", "--gtest_fail_fast", "--gtest_filter=" + ":".join(tests)]
+            passed, output = play(command, folder, 6 + 6 * program.time_of(tests))
             if passed:
                 continue
             found = re.search(r"\[  FAILED  \] ([\w./]+)", output)
             test = found.group(1) if found else output.strip().split("\n")[-1][-60:]
-            if found and self.is_chance(changed, test, folder):
+            if found and play(command, folder, 60 + 6 * program.time_of(tests))[0]:  # the machine is busy
                 print("failed once only: " + test, flush=True)
                 continue
             if found:
                 self.killers[mutant.file][program, test] += 1
             return "killed", program.name + " " + test
         return "survived", ""
-
-    @staticmethod
-    def is_chance(program, test, folder):
-        """Whether a test that failed passes when it is played once more: the machine is busy."""
-        return play([program, "--gtest_filter=" + test], folder, 60)[0]
 
     def rounds(self, mutant):
         """Programs and tests in the order in which they are played."""
