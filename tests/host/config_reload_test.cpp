@@ -111,6 +111,25 @@ TEST_F(ConfigReloadTest, ABadFileLeavesTheOldPlanRunning)
     EXPECT_EQ(reload.current().stations.at(0).registers.at(0).at, QStringLiteral("D 0"));
 }
 
+TEST_F(ConfigReloadTest, AFileThatIsNoTomlIsRefused)
+{
+    EXPECT_FALSE(prepare("[[station"));
+
+    EXPECT_EQ(errors.size(), 1);
+    EXPECT_FALSE(reload.isWaiting());
+}
+
+TEST_F(ConfigReloadTest, ThePlanIsTheOneThatIsPolled)
+{
+    prepare(status);
+    const Plan before = reload.plan();
+
+    reload.apply();
+
+    EXPECT_EQ(before.blocks.constFirst().regType, QStringLiteral("D"));
+    EXPECT_EQ(reload.plan().blocks.constFirst().regType, QStringLiteral("SW"));
+}
+
 TEST_F(ConfigReloadTest, ABadFileLeavesTheWaitingPlanWaiting)
 {
     prepare(status);
@@ -159,4 +178,5 @@ TEST_F(ConfigReloadTest, SettingsOfTheLineWaitForARestart)
     EXPECT_EQ(reload.needRestart(),
               (QStringList { QStringLiteral("line.speed"), QStringLiteral("link.block_size") }));
     EXPECT_EQ(reload.current().line.speed, 9600);
+    EXPECT_EQ(reload.current().link.blockSize, 16);
 }

@@ -178,15 +178,19 @@ TEST_F(ReloadedRuntime, StopsForAUserWhoIsGoneWithinTheTimeOfTheFile)
     QFile file(folder.filePath(QStringLiteral("host.toml")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("line.port = \"a\"\n[stop]\ncontrol_word = 6\nconfirm_ms = 5000\n"
-               "[[station]]\naddress = 1\n[[station]]\naddress = 2\n");
+               "[[station]]\naddress = 1\nregister = [ { at = \"D 0\" } ]\n"
+               "[[station]]\naddress = 2\n");
     file.close();
     followed.prepare(file.fileName(), nullptr);
 
     const bool applied = followed.apply();
-    watched.runFor(seconds(6)); // the stop begins after two
+    watched.runFor(milliseconds(2500)); // the stop begins after two seconds
+    const int readsBefore = watched.sent(1, 3);
+    watched.runFor(seconds(4)); // and would have ended after two more, had the file no say in it
 
     EXPECT_TRUE(applied);
     EXPECT_EQ(watched.stations.registers.at({ 1, 0x1001 }), 6);
+    EXPECT_EQ(watched.sent(1, 3), readsBefore) << "nothing but stops until the time is over";
     watched.write(1, "FRE", 0, { 5 });
     watched.runFor(milliseconds(1));
     EXPECT_EQ(watched.outcomes, Texts { "1000 refused" }) << "the rounds go on";

@@ -55,6 +55,31 @@ TEST_F(RuntimeAccessTest, ARefusedReadIsRefused)
               "station 1, F 1.5 (0xF105): refused with exception 2, register not there");
 }
 
+TEST_F(RuntimeAccessTest, AWriteThatIsConfirmedHasNothingToExplain)
+{
+    const AccessResult result = access.write(1, QStringLiteral("F"), 0x0105, 7);
+
+    EXPECT_EQ(result.kind, AccessResult::Kind::Done);
+    EXPECT_EQ(result.reason, QString());
+    EXPECT_EQ(reg(0xF105), 7);
+}
+
+TEST(RuntimeAccessEnd, OutcomesGoToTheOthersFromThenOn)
+{
+    RuntimeUnderTest under;
+    Texts others;
+    {
+        const RuntimeAccess access(under.host, [&others](const WriteOutcome &outcome) {
+            others.push_back(writeEndName(outcome.end));
+        });
+    }
+
+    under.write(1, "FRE", 0, { 5 });
+    under.steps(1);
+
+    EXPECT_EQ(others, Texts { "confirmed" });
+}
+
 TEST_F(RuntimeAccessTest, ADeadStationDoesNotAnswer)
 {
     under.stations.dead = { 1 };

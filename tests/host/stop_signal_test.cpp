@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 
@@ -140,9 +141,12 @@ TEST(StopSignalTest, ASignalEndsOneWaitOfEachUser)
     std::raise(SIGTERM);
 
     first.wait(hours(1));
-    first.wait(milliseconds(1)); // passes in full: the loop that stops the drives pauses too
+    const auto before = std::chrono::steady_clock::now();
+    first.wait(milliseconds(1)); // the loop that stops the drives pauses too
+    const auto passed = std::chrono::steady_clock::now() - before;
     second.wait(hours(1));
 
+    EXPECT_GE(passed, milliseconds(1));
     EXPECT_TRUE(first.hasCome());
     EXPECT_TRUE(second.hasCome());
 }
@@ -209,6 +213,33 @@ TEST(StopSignalTest, AnIgnoredSignalStaysIgnored)
         EXPECT_FALSE(signal.hasCome());
     }
     std::signal(SIGHUP, SIG_DFL);
+}
+
+TEST(StopSignalTest, TheDescriptorIsOneForTheLifeOfTheProcess)
+{
+    int first = -1;
+    {
+        const StopSignal signal;
+        first = signal.descriptor();
+    }
+
+    const StopSignal signal;
+
+    EXPECT_GE(first, 0);
+    EXPECT_EQ(signal.descriptor(), first);
+}
+
+TEST(StopSignalTest, EachOfTheSignalsIsGivenBack)
+{
+    {
+        const StopSignal signal;
+    }
+
+    for (int number : { SIGINT, SIGTERM, SIGHUP }) {
+        struct sigaction action = {};
+        sigaction(number, nullptr, &action);
+        EXPECT_EQ(action.sa_handler, SIG_DFL) << number;
+    }
 }
 
 TEST(StopSignalTest, TheLastOneGivesTheSignalsBack)

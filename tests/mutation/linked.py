@@ -36,7 +36,7 @@ import visits
 ROOT = mutate.ROOT
 HERE = os.path.dirname(os.path.abspath(__file__))
 SLOW = 0.2  # seconds; a test that takes longer is played when the quick ones noticed nothing
-LONG = 8  # seconds; a program whose quick tests take longer is left out by --quick
+LONG = 8  # seconds; a program whose quick tests take longer is left out where tests are left out
 
 Tree = collections.namedtuple("Tree", "library programs")
 TREES = {
@@ -148,10 +148,10 @@ class Program:
 class Judge:
     """Compiles a change and plays the tests that see it."""
 
-    def __init__(self, programs, build, quick):
+    def __init__(self, programs, build, longest):
         self.programs = programs
         self.build = build
-        self.quick = quick
+        self.longest = longest
         self.unchanged = {}
         self.headers = {}
         self.blocks = {}
@@ -268,7 +268,7 @@ class Judge:
             seeing = [program for program in seeing if entered[program]]
         quick = {program: visits.chosen(program.quick, entered[program]) for program in seeing}
         seeing = [program for program in seeing
-                  if not (self.quick and program.time_of(quick[program]) > LONG)]
+                  if not (self.longest and program.time_of(quick[program]) > LONG)]
         best = collections.defaultdict(list)
         for (program, test), _ in self.killers[path].most_common(12):
             if program in seeing and visits.chosen([test], entered[program]):
@@ -279,9 +279,9 @@ class Judge:
         seeing.sort(key=lambda program: (-kills[program], program.time_of(quick[program])))
         for program in seeing:
             yield from ((program, portion) for portion in program.portions(quick[program]))
-        if self.quick:
-            return
-        slow = {program: visits.chosen(program.slow, entered[program]) for program in seeing}
+        slow = {program: [name for name in visits.chosen(program.slow, entered[program])
+                          if not self.longest or program.seconds[name] <= self.longest]
+                for program in seeing}
         seeing.sort(key=lambda program: program.time_of(slow[program]))
         for program in seeing:
             yield from ((program, portion) for portion in program.portions(slow[program]))
@@ -374,8 +374,10 @@ def parse_arguments():
     parser.add_argument("--jobs", type=int, default=1, metavar="N", help="changes judged at once")
     parser.add_argument("--resume", action="store_true", help="keep the results of lines that did not change")
     parser.add_argument("--again", action="store_true", help="judge again what survived the last time, and that alone")
-    parser.add_argument("--quick", action="store_true",
-                        help="without the tests that take long; judge what survives with --again")
+    parser.add_argument("--longest", type=float, metavar="SECONDS",
+                        help="without the tests that take longer; judge what survives with --again")
+    parser.add_argument("--quick", dest="longest", action="store_const", const=SLOW,
+                        help="the same as --longest %g" % SLOW)
     parser.add_argument("--list", action="store_true", help="print the changes and stop")
     parser.add_argument("--build", default=os.path.join(ROOT, "build", "dev"),
                         help="a finished build with Ninja (default build/dev)")
@@ -428,7 +430,7 @@ def main():
     left = [mutant for mutant in mutants if mutate.key_of(mutant) not in known]
     needed = sorted({mutant.file for mutant in left})
     programs = [program for program in programs if program.sees & set(map(os.path.basename, needed))]
-    judge = Judge(programs, options.build, options.quick)
+    judge = Judge(programs, options.build, options.longest)
     if needed:
         judge.learn_tests(needed, os.path.join(options.work, "visits"))
     done += play_all(left, judge, options, results_path) if left else []
