@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <thread>
+#include <utility>
 
 namespace dx4::host {
 namespace {
@@ -177,13 +178,17 @@ bool Runtime::isHurried() const
 /// Asks for the next request of a station that is not left alone.
 Runtime::Step Runtime::cycleStep()
 {
-    const int mostPassedOver =
-        m_blocks + m_link.waitingWrites() + m_link.waitingConditionReads() + m_desk.pending();
+    const int waiting = m_link.waitingWrites() + m_link.waitingConditionReads() + m_desk.pending();
+    const int mostPassedOver = m_blocks + waiting;
+    // Behind a few writes in a row the driver is for a read, and idle once where none is polled.
+    bool mayAskAgain = waiting > 0;
     for (int passed = 0; passed <= mostPassedOver; ++passed) {
         m_desk.prepare();
         const Step step = m_cycle.step();
-        if (step == Step::Idle)
+        if (step == Step::Idle && !std::exchange(mayAskAgain, false))
             break;
+        if (step == Step::Idle)
+            continue;
         settle(step);
         if (m_cycle.reply().kind != Reply::Kind::NotAsked)
             return step;

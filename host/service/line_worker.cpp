@@ -140,9 +140,7 @@ Runtime::Step LineWorker::turn()
     const Runtime::Step done = m_runtime->step();
     m_table.touch(m_runtime->cycle().request().var.station);
     publish();
-    // The driver has nothing to ask once after a few writes in a row, though others wait.
-    const bool wasIdle = std::exchange(m_wasIdle, done == Runtime::Step::Idle);
-    if (done == Runtime::Step::LineDown || (done == Runtime::Step::Idle && wasIdle))
+    if (done == Runtime::Step::LineDown || done == Runtime::Step::Idle)
         pause(m_runtime->idleTime());
     m_waits.giveWay();
     return done;

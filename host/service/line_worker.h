@@ -87,7 +87,6 @@ private:
     std::map<int, OpenWrite> m_writes; // by the runtime's id
     std::vector<ServiceEvent> m_events; // not told yet
     std::vector<int> m_stops; // ids of the stop under way
-    bool m_wasIdle = false; // the last step
     bool m_isStopping = false;
     bool m_isStopCancelled = false;
     bool m_isOpen = false;

@@ -359,6 +359,21 @@ TEST(RuntimeIdle, EndsWhenTheLineIsTriedNext)
     EXPECT_EQ(runtime.idleTime(), milliseconds(30));
 }
 
+TEST(RuntimeIdle, IsNotBetweenWritesThatWait)
+{
+    RuntimeUnderTest under;
+    for (int i = 0; i < 12; ++i)
+        under.write(1, "F", i, { 7 });
+
+    int steps = 0;
+    for (; under.outcomes.size() < 12; ++steps)
+        ASSERT_EQ(under.host.step(), Runtime::Step::Served);
+
+    // Each is compared and sent.
+    EXPECT_EQ(steps, 24);
+    EXPECT_EQ(under.host.step(), Runtime::Step::Idle);
+}
+
 TEST(RuntimeReopening, PausesDoubleFrom50MillisecondsTo2Seconds)
 {
     AbsentLine line;
