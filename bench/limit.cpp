@@ -164,30 +164,36 @@ void Limit::storeRegisters(const QByteArray &reply)
     const int type = typeCode(var.regType);
     const int address = var.address;
     const int count = m_frame.replyDataLength / 2;
-    lendName(type);
     RecordTable::Run run(m_records, var.station, type);
-    for (int i = 0; i < count; ++i, bytes += 2)
-        store(run[address + i], bytes[1], bytes[0]);
+    for (int i = 0; i < count; ++i, bytes += 2) {
+        if (store(run[address + i], type, bytes[1], bytes[0]))
+            run.forget();
+    }
 }
 
-inline void Limit::store(_DATA_ &record, unsigned char low, unsigned char high)
+/// Whether the callback was called.
+inline bool Limit::store(_DATA_ &record, int type, unsigned char low, unsigned char high)
 {
     if (record.value[0] == low && record.value[1] == high && record.flag0 == 0)
-        return;
+        return false;
     record.flag0 = 0;
     record.writePending = 0;
     record.value[0] = low;
     record.value[1] = high;
-    report(record);
+    return report(record, type);
 }
 
-inline void Limit::report(const _DATA_ &record)
+/// Nothing of the record is touched behind the call, and the callback may be another one then.
+inline bool Limit::report(const _DATA_ &record, int type)
 {
-    if ((record.flags & 1) != 0 && m_callback)
-        m_callback(1, record.station, m_lentName, record.address);
+    if ((record.flags & 1) == 0 || !m_callback)
+        return false;
+    lendName(type);
+    m_callback(1, record.station, m_lentName, record.address);
+    return true;
 }
 
-// One copy for a whole reply.
+// Copied where the one before it was of another type, or was spoiled by the callback.
 void Limit::lendName(int type)
 {
     if (m_lentName.constData() != typeName(type).constData())
@@ -226,9 +232,8 @@ void Limit::write(int station, QString regType, int address, const unsigned char
 
     _DATA_ &record = RecordTable::Run(m_records, station, type)[address];
     const unsigned char *shown = record.writePending ? record.writeValue : record.value;
-    lendName(type);
     if (shown[0] != data[0] || shown[1] != data[1])
-        report(record);
+        report(record, type);
     record.writeValue[0] = data[0];
     record.writeValue[1] = data[1];
     record.writePending = 1;

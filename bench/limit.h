@@ -41,8 +41,8 @@ private:
     void serve(const VARIABLE &var);
     void encode();
     void storeRegisters(const QByteArray &reply);
-    void store(_DATA_ &record, unsigned char low, unsigned char high);
-    void report(const _DATA_ &record);
+    bool store(_DATA_ &record, int type, unsigned char low, unsigned char high);
+    bool report(const _DATA_ &record, int type);
     void lendName(int type);
     void settle(const VARIABLE &var);
     void markMonitored(const QList<KEY_ADDRESS> &addresses);

@@ -48,8 +48,9 @@ void RegisterMap::store(int station, const QString &regType, int address, const 
         entry.value = values[i];
         if (!entry.isMonitored)
             continue;
-        QString name = regType;
-        m_callback(1, station, name, address + i);
+        if (m_name.constData() != regType.constData())
+            m_name = regType; // the callback may have spoiled it
+        m_callback(1, station, m_name, address + i);
     }
 }
 

@@ -67,6 +67,7 @@ private:
 
     std::unordered_map<Key, Entry, KeyHash> m_entries;
     ValueChangeCallback m_callback = nullptr;
+    QString m_name; ///< lent to the callback
 };
 
 } // namespace bench

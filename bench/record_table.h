@@ -72,6 +72,9 @@ public:
         return record ? *record : *m_table.create(*m_page, address);
     }
 
+    /// Whoever was called may have changed the table: what was found is found again.
+    void forget() { m_page = nullptr; }
+
 private:
     RecordTable &m_table;
     int m_station;
