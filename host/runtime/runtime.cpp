@@ -57,8 +57,7 @@ Runtime::Runtime(std::unique_ptr<Plugin> plugin, Line &line, const RuntimeSettin
 {
     if (!m_settings.pause)
         m_settings.pause = sleepFor;
-    if (m_settings.isHurried)
-        m_guard.setHurry([this] { return isHurried(); });
+    m_guard.setHurry([this] { return isHurried(); });
     m_stop.setBroadcast(settings.stopBroadcast);
     m_desk.setGate([this](const WriteWish &wish) { return gate(wish); });
     m_desk.setStopTest([this](const WriteWish &wish) { return isStop(wish); });

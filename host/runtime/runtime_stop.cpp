@@ -60,12 +60,11 @@ Purpose Runtime::purposeOf(const FRAME_PRO &request) const
 {
     if (m_link.api().state->phase == PhaseCyclicRead)
         return Purpose::Polled;
-    const std::optional<quint16> command = commandOf(request);
-    if (!command)
-        return Purpose::Asked;
     if (request.var.varKind == safeStopTag)
         return Purpose::Bounded;
-    return m_stop.isStop(request.var.station, { *command }) ? Purpose::Urgent : Purpose::Asked;
+    const std::optional<quint16> command = commandOf(request);
+    const bool isStop = command && m_stop.isStop(request.var.station, { *command });
+    return isStop ? Purpose::Urgent : Purpose::Asked;
 }
 
 StopOutlook Runtime::outlookOf(int station) const

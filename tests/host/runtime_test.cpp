@@ -4,6 +4,7 @@
 
 #include <QJsonArray>
 
+#include <chrono>
 #include <stdexcept>
 #include <thread>
 
@@ -170,6 +171,46 @@ TEST_F(RuntimeTest, ACommandThatWasSentAndNotConfirmedMakesTheOneBeforeDoubtful)
     EXPECT_EQ(host.outcomes, (Texts { "1000 confirmed", "1001 timed out" }));
     EXPECT_EQ(command.value, 3);
     EXPECT_TRUE(command.stale) << "the station may hold 0";
+}
+
+TEST_F(RuntimeTest, ACommandOnTheLineAsItBreaksMakesTheOneBeforeDoubtfulAndIsNotSentAgain)
+{
+    host.steps(1);
+    host.write(1, "CW", 0, { 3 });
+    host.steps(1);
+    host.stations.changes = { [this](const QByteArray &) {
+        host.stations.line.unplug();
+        return MemoryLine::Answer {};
+    } };
+    host.write(1, "CW", 0, { 1 });
+    const Runtime::Step step = host.host.step();
+    const auto before = host.stations.line.sent().size();
+    host.stations.line.plugIn();
+
+    host.runFor(milliseconds(500));
+
+    const Value command = host.host.value(1, QStringLiteral("CW"), 0);
+    EXPECT_EQ(step, Runtime::Step::LineDown);
+    EXPECT_EQ(host.outcomes, (Texts { "1000 confirmed", "1001 timed out" }));
+    EXPECT_GT(host.stations.line.sent().size(), before);
+    EXPECT_FALSE(host.stations.line.sent().mid(before).contains(framed("01 06 10 01 00 01")));
+    EXPECT_EQ(command.value, 3);
+    EXPECT_TRUE(command.stale) << "the station may hold 1";
+}
+
+TEST(RuntimeWrites, ToAStationThatIsLeftAloneDoNotEndByTheRefusalOfAnother)
+{
+    RuntimeUnderTest under;
+    under.stations.dead = { 1 };
+    under.stations.refused = { { 2, 0xF000 } };
+    under.write(1, "F", 0, { 5 });
+    under.write(2, "F", 0, { 5 });
+    under.write(1, "F", 1, { 5 });
+
+    under.runFor(seconds(2));
+
+    EXPECT_EQ(under.outcomes,
+              (Texts { "1000 timed out", "1001 rejected (exception 2)", "1002 timed out" }));
 }
 
 TEST_F(RuntimeTest, AConfirmedCommandEndsTheDoubtOfTheOneBefore)
@@ -359,6 +400,45 @@ TEST(RuntimeIdle, EndsWhenTheLineIsTriedNext)
     EXPECT_EQ(runtime.idleTime(), milliseconds(30));
 }
 
+TEST(RuntimeIdle, EndsWhenTheNextStopIsDue)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 } };
+    RuntimeUnderTest under(settings);
+    under.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+    under.steps(2);
+    under.stations.dead = { 1 };
+    under.host.stop(Duration { 0 });
+    EXPECT_FALSE(under.host.isLeftAlone(1));
+
+    under.stations.line.advance(milliseconds(170));
+
+    EXPECT_EQ(under.host.idleTime(), milliseconds(30));
+}
+
+TEST(RuntimeIdle, IsSleptWhereNobodyElsePauses)
+{
+    MemoryLine line([](const QByteArray &) { return MemoryLine::Answer {}; });
+    Runtime runtime(privateCopy(), line, RuntimeSettings());
+    const auto before = std::chrono::steady_clock::now();
+    int asked = 0;
+
+    runtime.run([&asked] { return ++asked > 1; });
+
+    EXPECT_GE(std::chrono::steady_clock::now() - before, milliseconds(100));
+}
+
+TEST(RuntimeIdle, IsWhereSomebodyIsInAHurryAndNothingIsAsked)
+{
+    RuntimeSettings settings;
+    settings.isHurried = [] { return true; };
+    RuntimeUnderTest under(settings);
+    under.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+
+    EXPECT_EQ(under.host.step(), Runtime::Step::Idle);
+    EXPECT_TRUE(under.stations.line.sent().isEmpty());
+}
+
 TEST(RuntimeIdle, IsNotBetweenWritesThatWait)
 {
     RuntimeUnderTest under;
@@ -385,6 +465,24 @@ TEST(RuntimeReopening, PausesDoubleFrom50MillisecondsTo2Seconds)
 
     EXPECT_EQ(line.attempts,
               (std::vector<qint64> { 0, 50, 150, 350, 750, 1550, 3150, 5150, 7150 }));
+}
+
+TEST(RuntimeReopening, PausesAreShortAgainForAStop)
+{
+    AbsentLine line;
+    RuntimeSettings settings;
+    settings.pause = [&line](Duration span) { line.advance(span); };
+    settings.stops = { { 1, 0 } };
+    Runtime runtime(privateCopy(), line, settings);
+    runtime.run([&line] { return line.now() >= seconds(4); });
+    line.attempts.clear();
+    const qint64 begin = line.now() / milliseconds(1);
+
+    runtime.stop(seconds(1));
+
+    for (qint64 &attempt : line.attempts)
+        attempt -= begin;
+    EXPECT_EQ(line.attempts, (std::vector<qint64> { 0, 50, 150, 350, 750 }));
 }
 
 TEST(RuntimeReopening, ALineThatOpensIsUsedInTheSameStep)

@@ -470,6 +470,59 @@ TEST(Stop, AUserWhoIsThereGivesItUp)
     EXPECT_EQ(plant.outcomes, Texts { "1000 confirmed" });
 }
 
+TEST(Stop, OfAUserWhoIsGoneIsGivenUpByOneWhoIsBack)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 } };
+    settings.userPatience = seconds(2);
+    RuntimeUnderTest under(settings);
+    under.stations.dead = { 1 };
+    const std::string silent = "the user interface is silent: stopping";
+    under.runFor(seconds(3));
+    const auto before = std::count(under.alarms.begin(), under.alarms.end(), silent);
+
+    under.host.cancelStop();
+    under.runFor(seconds(3));
+
+    EXPECT_EQ(before, 1);
+    EXPECT_EQ(std::count(under.alarms.begin(), under.alarms.end(), silent), 2);
+}
+
+TEST(Stop, AStationThatIsLeftAloneComesBehindThoseThatAnswer)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 }, { 2, 0 } };
+    RuntimeUnderTest under(settings);
+    under.write(2, "FRE", 0, { 5 });
+    under.steps(1);
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") } }));
+    under.steps(2);
+    under.stations.dead = { 1 };
+    while (!under.host.isLeftAlone(1))
+        under.host.step();
+    const auto before = under.stations.line.sent().size();
+
+    under.host.stop(seconds(1));
+
+    EXPECT_EQ(under.stations.line.sent().at(before), framed("02 06 10 01 00 00"));
+}
+
+TEST(Stop, TakesNoMoreThanItsFramesWhereEveryDriveAnswersAtOnce)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 }, { 2, 0 } };
+    RuntimeUnderTest under(settings);
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") }, { 2, QStringLiteral("SW") } }));
+    under.steps(6);
+    const LineSettings &line = under.stations.line.settings();
+    const Duration before = under.stations.line.now();
+
+    const StopReport report = under.host.stop(seconds(10));
+
+    EXPECT_TRUE(report.unconfirmed.isEmpty());
+    EXPECT_EQ(under.stations.line.now() - before, 2 * (line.silentGap() + line.wireTime(16)));
+}
+
 TEST(Stop, GivenUpDuringTheCallItsReportIsStillTrue)
 {
     EightDrives plant(seconds(1));
