@@ -102,7 +102,11 @@ int main(int count, char **words)
         ->capture_default_str();
     app.add_option("--speed", speeds, "of the line, bit/s; may be given several times")
         ->capture_default_str();
-    CLI11_PARSE(app, count, words);
+    try {
+        app.parse(count, words);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    }
     const auto span = std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds));
     std::puts("| bit/s | stations | registers of each | host | libmodbus | ratio | "
               "processor time of a read, host | libmodbus |\n|---|---|---|---|---|---|---|---|");

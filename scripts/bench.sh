@@ -37,15 +37,5 @@ done
 
 cd "$(dirname "$0")/.."
 scripts/packages.sh build bench
-build=build/bench
-mkdir -p "$build"
-if ! {
-  cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    -DKORVANE_BUILD_BENCH=ON -DKORVANE_BUILD_TESTS=OFF &&
-    cmake --build "$build" --target korvane_bench
-} >"$build/build.log" 2>&1; then
-  tail -n 60 "$build/build.log" >&2
-  echo "bench.sh: the build failed; all output is in $build/build.log" >&2
-  exit 1
-fi
-exec "$build/bench/korvane_bench" "${arguments[@]}"
+BUILD_TARGETS=korvane_bench scripts/build.sh bench
+exec build/bench/bench/korvane_bench "${arguments[@]}"

@@ -15,18 +15,8 @@ fi
 
 cd "$(dirname "$0")/.."
 scripts/packages.sh build bench check
-build=build/bench
-mkdir -p "$build"
-if ! {
-  cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    -DKORVANE_BUILD_BENCH=ON -DKORVANE_BUILD_TESTS=OFF &&
-    cmake --build "$build" --target korvane_count
-} >"$build/build.log" 2>&1; then
-  tail -n 60 "$build/build.log" >&2
-  echo "bench_instructions.sh: the build failed; all output is in $build/build.log" >&2
-  exit 1
-fi
-count=$build/bench/korvane_count
+BUILD_TARGETS=korvane_count scripts/build.sh bench
+count=build/bench/bench/korvane_count
 
 # Instructions of one run in which the measured way goes its way so many times.
 run() {

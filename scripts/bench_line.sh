@@ -20,15 +20,5 @@ fi
 
 cd "$(dirname "$0")/.."
 scripts/packages.sh build bench check
-build=build/bench
-mkdir -p "$build"
-if ! {
-  cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    -DKORVANE_BUILD_BENCH=ON -DKORVANE_BUILD_TESTS=OFF &&
-    cmake --build "$build" --target korvane_line_bench
-} >"$build/build.log" 2>&1; then
-  tail -n 60 "$build/build.log" >&2
-  echo "bench_line.sh: the build failed; all output is in $build/build.log" >&2
-  exit 1
-fi
-exec "$build/bench/korvane_line_bench" "$@"
+BUILD_TARGETS=korvane_line_bench scripts/build.sh bench
+exec build/bench/bench/korvane_line_bench "$@"
