@@ -39,28 +39,21 @@ using boost::context::stack_context;
 } // namespace
 
 /// Makes the stack and tells the fiber of it.
-class Fiber::Stack {
+class Fiber::Stack : public protected_fixedsize_stack {
 public:
     Stack(std::size_t size, stack_context &made)
-        : m_stacks(size)
+        : protected_fixedsize_stack(size)
         , m_made(made)
     {
     }
 
     stack_context allocate()
     {
-        m_made = m_stacks.allocate();
+        m_made = protected_fixedsize_stack::allocate();
         return m_made;
     }
 
-    void deallocate(stack_context &stack)
-    {
-        m_made = {};
-        m_stacks.deallocate(stack);
-    }
-
 private:
-    protected_fixedsize_stack m_stacks;
     stack_context &m_made;
 };
 

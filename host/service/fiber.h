@@ -61,8 +61,8 @@ private:
     void arrive(const Side &at);
 
     std::function<void()> m_run;
-    boost::context::stack_context m_stack; ///< with its guard page; empty when the function has
-                                           ///< ended
+    boost::context::stack_context
+        m_stack; ///< with its guard page; gone when the function has ended
     boost::context::fiber m_other; ///< the side that is not running
     Side m_ownerSide;
     Side m_ownSide;

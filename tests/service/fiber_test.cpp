@@ -4,16 +4,27 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 using namespace dx4::host;
 
 namespace {
 
 constexpr std::size_t stackSize = 256 * 1024;
+
+/// What the system has lent this process, whether it is used or not.
+long mappedPages()
+{
+    long pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages;
+}
 
 /// Uses so many kilobytes of stack, and of no other memory that a sanitizer might give instead.
 [[gnu::noinline, gnu::no_sanitize_address]] int useStack(int kilobytes)
@@ -122,6 +133,19 @@ TEST(FiberTest, ThatSwallowsItsUnwindingIsUnwoundAgain)
     }
 
     EXPECT_EQ(tries, 3);
+}
+
+TEST(FiberTest, GivesItsStackBackWithItsEnd)
+{
+    constexpr std::size_t large = 64 * 1024 * 1024;
+    const long before = mappedPages();
+
+    for (int i = 0; i < 8; ++i) {
+        Fiber fiber([] {}, large);
+        fiber.resume();
+    }
+
+    EXPECT_LT(mappedPages() - before, static_cast<long>(large) / getpagesize());
 }
 
 TEST(FiberTest, ThatWasNeverResumedRunsNothing)
