@@ -57,7 +57,6 @@ bool JobAccess::takeOutcome(WriteOutcome &outcome)
 {
     if (outcome.id != m_expected)
         return false;
-    m_expected = 0;
     outcome.before = m_held;
     m_ended = outcome;
     return true;

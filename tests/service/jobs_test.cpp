@@ -2,6 +2,8 @@
 // One-off reads, backups and restores of a service.
 #include "service_fixture.h"
 
+#include <utility>
+
 using namespace dx4::host;
 
 namespace {
@@ -78,6 +80,7 @@ TEST_F(ServiceJobs, BackupAndRestoreBringTheParametersBack)
     const int backup = under.service->backUp({});
     under.waitFor([&] { return ended == backup; });
     const ParameterSet before = set;
+    const std::vector<int> ofTheBackup = std::exchange(progress, {});
     under.plant->hold();
     under.plant->awaitHeld();
     reg(0xF105) = 99;
@@ -90,6 +93,8 @@ TEST_F(ServiceJobs, BackupAndRestoreBringTheParametersBack)
     EXPECT_TRUE(isComplete(before));
     EXPECT_TRUE(report.isRestored()) << report.interrupted.toStdString();
     EXPECT_EQ(report.written, 1);
+    EXPECT_EQ(ofTheBackup.front(), 16);
+    EXPECT_EQ(ofTheBackup.back(), 203);
     EXPECT_EQ(progress.front(), 16);
     EXPECT_EQ(progress.back(), 203);
 }
@@ -133,6 +138,62 @@ TEST_F(ServiceJobs, ReadGoesBetweenTheRequestsOfABackup)
     EXPECT_EQ(endedBefore, 0);
     EXPECT_NE(read, 0);
     EXPECT_TRUE(isComplete(set));
+}
+
+TEST_F(ServiceJobs, BackupIsCancelledBehindAReadInItsMidst)
+{
+    under.plant->hold();
+    start();
+    under.plant->awaitHeld();
+    const int backup = under.service->backUp({});
+    under.plant->letGo(3);
+    under.plant->awaitHeld();
+    under.service->read(1, QStringLiteral("D"), 3);
+    under.plant->letGo(6);
+    under.waitFor([&] { return !under.reads.empty(); });
+    under.plant->awaitHeld();
+
+    under.service->cancelJob(backup);
+    under.plant->release();
+    under.waitFor([&] { return ended == backup; });
+
+    EXPECT_EQ(error, "cancelled");
+}
+
+TEST_F(ServiceJobs, BackupThatIsCancelledBeforeItBeginsReadsNothing)
+{
+    under.plant->hold();
+    start();
+    under.plant->awaitHeld();
+    const int backup = under.service->backUp({});
+
+    under.service->cancelJob(backup);
+    under.plant->release();
+    under.waitFor([&] { return ended == backup; });
+
+    EXPECT_EQ(error, "cancelled");
+    EXPECT_TRUE(set.values.isEmpty());
+}
+
+TEST_F(ServiceJobs, StopEndsTheJobUnderWayAndNoneThatIsAskedForLater)
+{
+    under.plant->hold();
+    start();
+    under.plant->awaitHeld();
+    const int backup = under.service->backUp({});
+    under.plant->letGo(3);
+    under.plant->awaitHeld();
+
+    under.service->stop(std::chrono::seconds(1));
+    under.plant->release();
+    under.waitFor([&] { return ended == backup; });
+    under.waitFor([&] { return !under.stops.empty(); });
+    under.service->read(1, QStringLiteral("D"), 3);
+    under.waitFor([&] { return !under.reads.empty(); });
+
+    EXPECT_EQ(error, "a stop goes first");
+    EXPECT_FALSE(isComplete(set));
+    EXPECT_EQ(under.reads.front().kind, AccessResult::Kind::Done);
 }
 
 TEST_F(ServiceJobs, CancelledBackupKeepsWhatItReadAndGoesOnFromThere)

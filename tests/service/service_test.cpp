@@ -4,6 +4,8 @@
 
 #include "service_fixture.h"
 
+#include <QMetaMethod>
+
 using namespace dx4::host;
 
 namespace {
@@ -121,6 +123,39 @@ TEST(LineServiceTest, NamesAndUnitsAreThoseOfTheConfiguration)
     EXPECT_EQ(before.name.toStdString(), "frequency");
     EXPECT_EQ(before.text().toStdString(), "49.98 Hz");
     EXPECT_EQ(under.changes.back().constFirst().name.toStdString(), "speed");
+}
+
+TEST(LineServiceTest, NoticesOfTheRuntimeAreTold)
+{
+    ServiceSettings settings = polling({ entry(1, "D 0") });
+    KEY_ADDRESS tooLong = settings.plan.blocks.constFirst();
+    tooLong.count = 200;
+    settings.plan.blocks.append(tooLong);
+    ServiceUnderTest under(settings);
+    under.start();
+    Texts notices;
+    QObject::connect(under.service.get(), &LineService::noticeGiven,
+                     [&notices](const QString &text) { notices.push_back(text.toStdString()); });
+
+    under.waitFor([&] { return !notices.empty(); });
+
+    EXPECT_NE(notices.front().find("200 registers"), std::string::npos) << notices.front();
+}
+
+TEST(LineServiceTest, SignalsCanBeQueuedByTheirNames)
+{
+    ServiceUnderTest from;
+    ServiceUnderTest to;
+    from.start();
+    to.start();
+    const QMetaObject &type = LineService::staticMetaObject;
+
+    for (int i = type.methodOffset(); i < type.methodCount(); ++i) {
+        const QMetaMethod signal = type.method(i);
+        EXPECT_TRUE(QObject::connect(from.service.get(), signal, to.service.get(), signal,
+                                     Qt::QueuedConnection))
+            << signal.methodSignature().constData();
+    }
 }
 
 TEST(LineServiceTest, AReloadTellsWhichSettingsWaitForANewService)
