@@ -32,7 +32,7 @@ packages_of() {
       ;;
     test)
       echo libgtest-dev libgmock-dev librapidcheck-dev
-      echo mbpoll tshark libqt5serialbus5-dev binutils zsh
+      echo mbpoll tshark libqt5serialbus5-dev binutils zsh fish
       ;;
     check)
       echo git clang clang-tidy clang-format libclang-rt-14-dev gcovr valgrind mold

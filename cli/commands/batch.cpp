@@ -183,7 +183,8 @@ int runBatch(const Options &options)
 void describeBatch(Command &command)
 {
     Options &options = command.action(runBatch);
-    command.words("file", options.files, "one command a line; - for standard input", true, 1);
+    command.words("file", options.files, "one command a line; - for standard input", anyFile, true,
+                  1);
     command.flag("--keep-going", options.keepGoing, "go on behind a command that failed");
     command.flag("--always", options.manner.always,
                  "write parameters also where they are held already");

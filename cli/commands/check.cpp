@@ -102,7 +102,7 @@ int runCheck(const Options &options)
 void describeCheck(Command &command)
 {
     Options &options = command.action(runCheck);
-    command.words("address", options.words, "type and address, such as F c.13");
+    command.words("address", options.words, "type and address, such as F c.13", anyRegister);
     command.number("--count", options.count, "registers from the address on", 1, mostRegisters);
     command.flag("--read", options.read, "to be read; so it is when neither is given");
     command.flag("--write", options.write, "to be written");

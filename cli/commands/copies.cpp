@@ -81,7 +81,7 @@ int runCopies(const Options &options)
 void describeCopies(Command &command)
 {
     Options &options = command.action(runCopies);
-    command.words("address", options.words, "type and address of the first copy");
+    command.words("address", options.words, "type and address of the first copy", anyRegister);
     command.number("--count", options.count, "copies, the first one included", 1, mostCopies);
     command.number("--step", options.step, "registers from one copy to the next", 1, largestStep);
     command.flag("--json", options.json, "print one JSON object per copy");

@@ -115,10 +115,11 @@ int runWrite(const Options &options)
     return complain({ ExitUsage, QStringLiteral("the driver builds no frame for it") });
 }
 
-Options &addCommon(Command &command, int (*run)(const Options &), const char *help)
+Options &addCommon(Command &command, int (*run)(const Options &), const char *help,
+                   const char *offer)
 {
     Options &options = command.action(run);
-    command.words("address", options.words, help);
+    command.words("address", options.words, help, offer);
     command.number("--station", options.station, "station to ask", 1, lastStation);
     command.number("--block", options.block, "most registers of one request", 1, largestBlock);
     command.flag("--json", options.json, "print one JSON object per frame");
@@ -131,13 +132,13 @@ Options &addCommon(Command &command, int (*run)(const Options &), const char *he
 void describeFrames(Command &frames)
 {
     Command read = frames.sub("read", "show the requests that read these registers");
-    Options &reading = addCommon(read, runRead, "registers to read");
+    Options &reading = addCommon(read, runRead, "registers to read", readableRegister);
     read.number("--count", reading.count, "registers from the address on", 1, largestBlock);
     read.example("dx4 frames read D 0 --count 4 --station 3",
                  "the request for four monitor values");
 
     Command write = frames.sub("write", "show the requests that write these values");
-    addCommon(write, runWrite, "address and values, such as F 8.2 20 15");
+    addCommon(write, runWrite, "address and values, such as F 8.2 20 15", writableRegister);
     write.example("dx4 frames write F 8.2 20 15", "both ramps in one request");
     describeFramesDecode(frames);
 }

@@ -201,7 +201,7 @@ void describeFramesDecode(Command &frames)
 {
     Command command = frames.sub("decode", "explain a request or a reply");
     Options &options = command.action(runDecode);
-    command.words("bytes", options.words, "the frame, two hexadecimal digits per byte");
+    command.words("bytes", options.words, "the frame, two hexadecimal digits per byte", "");
     command.text("--request", options.request, "the request that it answers", "BYTES");
     command.flag("--json", options.json, "print one JSON object");
     addDriverOption(command, options.driver);

@@ -87,7 +87,8 @@ int runGet(const Options &options)
 void describeGet(Command &command)
 {
     Options &options = command.action(runGet);
-    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW", false);
+    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW",
+                  readableRegister, false);
     command.number("--count", options.count, "registers from one address on", 1, 123);
     command.flag("--names", options.names, "with names and units of the simulated inverter");
     addPairOptions(command, options.pair);

@@ -85,7 +85,8 @@ int runLine(const Options &options)
 void describeLine(Command &command)
 {
     Options &options = command.action(runLine);
-    command.words("device", options.devices, "ports to look at, all where none is named", false);
+    command.words("device", options.devices, "ports to look at, all where none is named", anyPort,
+                  false);
     command.flag("--json", options.json, "print one JSON object per port");
     command.example("dx4 line /dev/ttyUSB0", "its lasting name and its holders");
 }

@@ -297,21 +297,21 @@ void describeParams(Command &params)
 {
     Command dump = params.sub("dump", "read all parameters");
     Options &dumping = dump.action(runDump);
-    dump.words("file", dumping.files, "to write, and to go on from; else standard output", false,
-               1);
+    dump.words("file", dumping.files, "to write, and to go on from; else standard output", anyFile,
+               false, 1);
     addLineOptions(dump, dumping.line);
     dump.example("dx4 params dump --port /dev/ttyUSB0 drive.txt", "all parameters of station 1");
 
     Command diff = params.sub("diff", "compare a file with another, or with the station");
     Options &comparing = diff.action(runDiff);
-    diff.words("file", comparing.files, "one or two files", true, 2);
+    diff.words("file", comparing.files, "one or two files", anyFile, true, 2);
     addLineOptions(diff, comparing.line);
     diff.example("dx4 params diff --port /dev/ttyUSB0 drive.txt",
                  "exit code 8 when something differs");
 
     Command restore = params.sub("restore", "write what differs and read it back");
     Options &restoring = restore.action(runRestore);
-    restore.words("file", restoring.files, "parameters to restore", true, 1);
+    restore.words("file", restoring.files, "parameters to restore", anyFile, true, 1);
     addLineOptions(restore, restoring.line);
     restore.example("dx4 params restore --port /dev/ttyUSB0 drive.txt",
                     "station 1 holds what the file says");

@@ -109,7 +109,8 @@ int runPlan(const Options &options)
 void describePlan(Command &command)
 {
     Options &options = command.action(runPlan);
-    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW", false);
+    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW",
+                  readableRegister, false);
     command.number("--turnaround", options.turnaround, "ms from request to reply", 0, 10000);
     command.flag("--names", options.names, "with names of the simulated inverter");
     addLineOptions(command, options.line);

@@ -86,7 +86,7 @@ int runRecord(const Options &options)
 void describeRecord(Command &command)
 {
     Options &options = command.action(runRecord);
-    command.words("file", options.words, "a capture to write, then the registers to poll");
+    command.words("file", options.words, "a capture to write, then the registers to poll", anyFile);
     command.number("--rounds", options.rounds, "through all registers; 0 until Ctrl-C", 0, 1000000);
     command.flag("--force", options.force, "replace also a file that is no recording");
     addPollOptions(command, options.reconnect);

@@ -104,7 +104,7 @@ int runReplay(const Options &options)
 void describeReplay(Command &command)
 {
     Options &options = command.action(runReplay);
-    command.words("file", options.words, "a capture, then the registers that were polled");
+    command.words("file", options.words, "a capture, then the registers that were polled", anyFile);
     command.flag("--names", options.names, "with names and units of the simulated inverter");
     addLineOptions(command, options.line);
     command.example("dx4 replay line.pcap", "every change of a value, without a line");

@@ -51,7 +51,7 @@ void describeSet(Command &command)
 {
     Options &options = command.action(runSet);
     command.words("address", options.words,
-                  "address and values, such as F 8.2 20 15, or name=value");
+                  "address and values, such as F 8.2 20 15, or name=value", writableRegister);
     command.flag("--always", options.manner.always,
                  "write parameters also where they are held already");
     command.flag("--verify", options.manner.readBack, "read parameters back and compare");

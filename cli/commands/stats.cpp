@@ -126,7 +126,8 @@ int runStats(const Options &options)
 void describeStats(Command &command)
 {
     Options &options = command.action(runStats);
-    command.words("address", options.words, "registers to poll; else the file's, or SW", false);
+    command.words("address", options.words, "registers to poll; else the file's, or SW",
+                  readableRegister, false);
     command.number("--requests", options.requests, "to send, repeated ones included", 1, 1000000);
     command.flag("--names", options.names, "with names of the simulated inverter");
     addPollOptions(command, options.reconnect);

@@ -170,7 +170,8 @@ int runWatch(const Options &options)
 void describeWatch(Command &command)
 {
     Options &options = command.action(runWatch);
-    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW", false);
+    command.words("address", options.words, "registers, such as F c.13 D 0-9 2:SW",
+                  readableRegister, false);
     command.number("--rounds", options.rounds, "through all registers; 0 until Ctrl-C", 0, 1000000);
     command.number("--interval", options.interval,
                    "ms from one round of reads to the next; 0: no pause", 0, longestInterval);

@@ -38,7 +38,8 @@ Command::Command(CLI::App &app, QString words, int &exitCode)
 {
 }
 
-void Command::words(const char *name, QStringList &value, const char *help, bool required, int most)
+void Command::words(const char *name, QStringList &value, const char *help, const char *offer,
+                    bool required, int most)
 {
     CLI::Option *option = m_app.add_option_function<std::vector<std::string>>(
         name,
@@ -54,7 +55,7 @@ void Command::words(const char *name, QStringList &value, const char *help, bool
         const bool isEmpty = QString::fromStdString(word).trimmed().isEmpty();
         return isEmpty ? std::string("one word has nothing in it") : std::string();
     };
-    option->required(required)->check(CLI::Validator(check, ""))->type_name("");
+    option->required(required)->check(CLI::Validator(check, "", offer))->type_name("");
 }
 
 void Command::addOption(const char *option, const char *help, const QString &type,
@@ -132,6 +133,12 @@ void Command::without(const char *option)
     m_app.remove_option(m_app.get_option(option));
 }
 
+/// A validator's name is shown nowhere.
+void Command::offer(const char *option, const char *values)
+{
+    m_app.get_option(option)->get_validator(0)->name(values);
+}
+
 void Command::remark(const char *text)
 {
     m_app.footer(text);
@@ -174,7 +181,8 @@ CommandLine::CommandLine(const char *version)
     m_app->set_version_flag("--version", version);
     m_app->require_subcommand(1);
     Command help = add("help", "print the help of a command");
-    help.words("command", m_helpWords, "such as get, or frames read; none: all of them", false);
+    help.words("command", m_helpWords, "such as get, or frames read; none: all of them", anyCommand,
+               false);
     help.example("dx4 help frames read", "the same as dx4 frames read --help");
     help.action([] { return ExitDone; }); // found by its name before the parser is asked
 }
@@ -191,6 +199,10 @@ int CommandLine::run(int argc, char **argv)
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
+    if (arguments.value(0) == QLatin1String("--complete")) { // a shell asks
+        printLines(completionsOf(*m_app, arguments.mid(1)));
+        return finishOutput(ExitDone);
+    }
     const bool isHelp = !arguments.isEmpty() && arguments.constFirst() == QLatin1String("help")
         && !arguments.value(1).startsWith(QLatin1Char('-'));
     const int ended = isHelp ? help(arguments.mid(1)) : execute(arguments);

@@ -2,15 +2,10 @@
 // Commands, options and their help. Only this and usage_error know the argument parser.
 #pragma once
 
-#include <QString>
-#include <QStringList>
+#include "cli/console/completion.h"
 
 #include <functional>
 #include <memory>
-
-namespace CLI {
-class App;
-}
 
 namespace dx4::cli {
 
@@ -25,10 +20,11 @@ public:
 
     /// Bare words behind the options.
     ///
+    /// @param offer     what a shell offers for them, as completion.h has it
     /// @param required  at least one
     /// @param most      of them; 0: any number
-    void words(const char *name, QStringList &value, const char *help, bool required = true,
-               int most = 0);
+    void words(const char *name, QStringList &value, const char *help, const char *offer,
+               bool required = true, int most = 0);
 
     /// An option with a whole number within its limits.
     ///
@@ -48,6 +44,9 @@ public:
 
     /// Takes an option away again which this command has no use for.
     void without(const char *option);
+
+    /// What a shell offers for an option's value; else its choices, files for FILE, and so on.
+    void offer(const char *option, const char *values);
 
     /// A paragraph behind the options in the help; goes before the examples.
     void remark(const char *text);

@@ -134,7 +134,7 @@ QString withHelp(const QString &text, const QString &command)
 
 } // namespace
 
-Place findPlace(const CLI::App &app, const QStringList &arguments)
+Place findPlace(CLI::App &app, const QStringList &arguments)
 {
     Place place { &app, {}, arguments };
     while (!place.rest.isEmpty() && commandNames(*place.app).contains(place.rest.constFirst())) {

@@ -14,13 +14,13 @@ namespace dx4::cli {
 
 /// Words of a user, as far as they name commands, and what is behind them.
 struct Place {
-    const CLI::App *app; ///< the command
+    CLI::App *app; ///< the command
     QStringList path; ///< its words
     QStringList rest;
 };
 
 /// Follows the words down to the command that they name.
-Place findPlace(const CLI::App &app, const QStringList &arguments);
+Place findPlace(CLI::App &app, const QStringList &arguments);
 
 /// An option of the command with nothing behind its "=", as a script with an empty variable writes
 /// it: the parser would take the next word for the value. Empty where there is none.

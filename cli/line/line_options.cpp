@@ -210,6 +210,9 @@ void addLineOptions(Command &command, LineOptions &options)
     command.flag("--json", options.json, "print one JSON object per line");
     addTraceOption(command, options.trace);
     addDriverOption(command, options.driver);
+    command.offer("--config", tomlFile);
+    command.offer("--speed", "9600 19200 38400 57600 115200");
+    command.offer("--station", anyStation);
     command.prepare([&options] { return readConfiguration(options); });
 }
 

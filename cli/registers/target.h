@@ -13,6 +13,11 @@
 
 namespace dx4::cli {
 
+// What a shell offers for an address.
+inline constexpr char anyRegister[] = "F D CW FRE SW FU";
+inline constexpr char readableRegister[] = "F D SW FU";
+inline constexpr char writableRegister[] = "F CW FRE";
+
 /// A run of registers that the driver accepts.
 struct Target {
     int station = 1;

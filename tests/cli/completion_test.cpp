@@ -70,11 +70,54 @@ TEST(Completion, BashOffersAllOptionsOfACommand)
               "--count\n--read\n--write\n--json\n--driver\n--help\n");
 }
 
+TEST(Completion, BashOffersAValueOfEachKind)
+{
+    Bench bench;
+    EXPECT_EQ(bench.complete("dx4 get --as ''"), "u32\ni32\nf32\n");
+    EXPECT_EQ(bench.complete("dx4 get --speed = 3"), "38400\n");
+    EXPECT_EQ(bench.complete("dx4 set ''"), "F\nCW\nFRE\n");
+    EXPECT_EQ(bench.complete("dx4 get ''"), "F\nD\nSW\nFU\n");
+    EXPECT_EQ(bench.complete("dx4 help frames ''"), "read\nwrite\ndecode\n");
+    EXPECT_EQ(bench.complete("dx4 get --port /dev/nul"), "/dev/null\n");
+    EXPECT_EQ(bench.complete("dx4 frames decode ''"), "\n");
+}
+
+TEST(Completion, LeavesOutOptionsThatAreGiven)
+{
+    Bench bench;
+    EXPECT_EQ(bench.complete("dx4 check --read --write --"), "--count\n--json\n--driver\n--help\n");
+}
+
+TEST(Completion, FishFinishesWordsAndTellsTheirMeaning)
+{
+    if (std::system("command -v fish >/dev/null") != 0)
+        END_WITHOUT("fish");
+    Bench bench;
+    bench.run("mkdir plants; touch plant.toml");
+    const auto offered = [&bench](const std::string &typed) {
+        return bench
+            .run("fish --no-config -c 'source " COMPLETION_FOLDER "/dx4.fish; complete -C \""
+                 + typed + "\"'")
+            .out;
+    };
+
+    for (const auto &[typed, completed] : cases) {
+        const std::string line = completed;
+        const std::string found = offered(typed);
+        EXPECT_EQ(found.substr(0, found.find_first_of("\t\n")), line.substr(line.rfind(' ') + 1))
+            << typed;
+    }
+    EXPECT_EQ(offered("dx4 sca"), "scan\tfind the stations on a line\n");
+    EXPECT_EQ(offered("dx4 params dump pla"), "plant.toml\nplants/\n");
+    EXPECT_EQ(offered("dx4 run "), "");
+}
+
 TEST(Completion, ZshFinishesWords)
 {
     if (std::system("command -v zsh >/dev/null") != 0)
         END_WITHOUT("zsh");
     Bench bench;
+    bench.run("touch plant.toml plant.txt");
     TerminalProcess zsh(bench.shell("exec zsh -f -i", "TERM=dumb"));
     zsh.type("PS1='$ '; fpath=(" COMPLETION_FOLDER
              " $fpath); autoload -U compinit; compinit -u -D\n");
@@ -86,4 +129,6 @@ TEST(Completion, ZshFinishesWords)
         ASSERT_TRUE(zsh.waitForText(completed)) << typed << "\n" << zsh.screen().text();
         zsh.type("\x15"); // drops the line
     }
+    zsh.type("dx4 get --config pla\t");
+    EXPECT_TRUE(zsh.waitForText("dx4 get --config plant.toml")) << zsh.screen().text();
 }
