@@ -29,9 +29,8 @@ std::optional<quint16> parseFrequency(const QString &text, Failure *failure)
     const std::optional<double> hertz = host::parseDecimal(text);
     if (hertz && *hertz <= highestFrequency)
         return frequencyScaling().registerValue(*hertz);
-    return refuse(
-        failure,
-        QStringLiteral("\"%1\" is no frequency; write 0 to 655.35 Hz, such as 30.00").arg(text));
+    return refuse(failure,
+                  filled("\"%1\" is no frequency; write 0 to 655.35 Hz, such as 30.00", text));
 }
 
 bool writeOne(Session &session, const QString &regType, quint16 value, const RegisterNames &names,

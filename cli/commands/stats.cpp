@@ -21,7 +21,7 @@ struct Options {
 
 QString percentText(double share)
 {
-    return QStringLiteral("%1 %").arg(qRound(share * 100));
+    return filled("%1 %", qRound(share * 100));
 }
 
 /// A line per block, below it the names of its registers.
@@ -46,20 +46,15 @@ QStringList sumLines(const host::CounterSet &counters, double load)
         return QString::fromLatin1(name).leftJustified(10) + text;
     };
     QStringList lines { lineOf("requests",
-                               QStringLiteral("%1 sent, %2 answered, %3 passed over")
-                                   .arg(total.requests)
-                                   .arg(total.good)
-                                   .arg(total.notAsked)) };
+                               filled("%1 sent, %2 answered, %3 passed over", total.requests,
+                                      total.good, total.notAsked)) };
     lines += indented(QStringLiteral("failures"), failureTexts(total));
     lines << lineOf("driver", countersText(counters))
-          << lineOf("bytes",
-                    QStringLiteral("%1 sent, %2 received")
-                        .arg(total.bytesSent)
-                        .arg(total.bytesReceived));
+          << lineOf("bytes", filled("%1 sent, %2 received", total.bytesSent, total.bytesReceived));
     lines += indented(QStringLiteral("answers"), answerTexts(total));
     lines << lineOf("line",
-                    QStringLiteral("held %1 of the time, broke %2")
-                        .arg(percentText(load), counted(counters.lineDowns(), "time", "times")));
+                    filled("held %1 of the time, broke %2", percentText(load),
+                           counted(counters.lineDowns(), "time", "times")));
     return lines;
 }
 
@@ -98,7 +93,7 @@ QStringList wordsOf(const Options &options)
         return { QStringLiteral("SW") };
     QStringList statusWords;
     for (const host::StationConfig &station : options.line.plant.stations)
-        statusWords.append(QStringLiteral("%1:SW").arg(station.address));
+        statusWords.append(filled("%1:SW", station.address));
     return statusWords;
 }
 

@@ -74,9 +74,8 @@ int stopAll(Session &session, const QVector<int> &stations, quint16 word)
         return ExitDone;
     return complain(
         { ExitFailed,
-          QStringLiteral("STOP NOT CONFIRMED by %1 of %2")
-              .arg(stillTurning)
-              .arg(counted(static_cast<quint64>(stations.size()), "station", "stations")) });
+          filled("STOP NOT CONFIRMED by %1 of %2", stillTurning,
+                 counted(static_cast<quint64>(stations.size()), "station", "stations")) });
 }
 
 int runStop(const Options &options)

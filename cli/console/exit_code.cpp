@@ -22,9 +22,15 @@ std::nullopt_t refuse(Failure *failure, const QString &text, ExitCode code)
     return std::nullopt;
 }
 
+bool fail(Failure *failure, const QString &text, ExitCode code)
+{
+    refuse(failure, text, code);
+    return false;
+}
+
 void speakFor(const QString &command)
 {
-    speaker() = QStringLiteral("dx4 %1").arg(command).trimmed();
+    speaker() = filled("dx4 %1", command).trimmed();
 }
 
 int complain(const Failure &failure)

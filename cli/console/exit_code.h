@@ -2,7 +2,7 @@
 // How the program ends, for the script that called it.
 #pragma once
 
-#include <QString>
+#include "cli/console/filled.h"
 
 #include <optional>
 
@@ -33,6 +33,9 @@ struct Failure {
 ///
 /// @param failure  out: why; may be null
 std::nullopt_t refuse(Failure *failure, const QString &text, ExitCode code = ExitUsage);
+
+/// The same for a caller who returns whether something may be.
+bool fail(Failure *failure, const QString &text, ExitCode code = ExitUsage);
 
 /// From now on messages are those of the command that these words call, without the program's name.
 ///

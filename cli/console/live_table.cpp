@@ -39,7 +39,7 @@ void LiveTable::draw(const QStringList &body, const QStringList &foot)
     const QStringList lines = body + foot;
     QString text;
     if (m_height > 0)
-        text = QStringLiteral("\x1b[%1A").arg(m_height); // back up over the last drawing
+        text = filled("\x1b[%1A", m_height); // back up over the last drawing
     for (const QString &line : lines)
         text += line + QStringLiteral("\x1b[K\n");
     m_height = host::lengthOf(lines);

@@ -65,7 +65,7 @@ QString nearestWord(const QString &word, const QStringList &valid)
 QString suggestion(const QString &word, const QStringList &valid)
 {
     const QString nearest = nearestWord(word, valid);
-    return nearest.isEmpty() ? QString() : QStringLiteral("; did you mean \"%1\"?").arg(nearest);
+    return nearest.isEmpty() ? QString() : filled("; did you mean \"%1\"?", nearest);
 }
 
 } // namespace dx4::cli

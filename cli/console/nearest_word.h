@@ -2,7 +2,8 @@
 // The word that somebody probably meant.
 #pragma once
 
-#include <QString>
+#include "cli/console/filled.h"
+
 #include <QStringList>
 
 namespace dx4::cli {

@@ -143,7 +143,7 @@ void writeTrace(const QString &line)
     traces = true;
     const QString missed = untoldFrames == 0
         ? QString()
-        : QStringLiteral("... %1 lines of the trace not shown\n").arg(untoldFrames);
+        : filled("... %1 lines of the trace not shown\n", untoldFrames);
     const bool isPut = talk().put((missed + line + QLatin1Char('\n')).toStdString());
     untoldFrames = isPut ? 0 : untoldFrames + 1;
 }
@@ -158,8 +158,8 @@ int finishOutput(int exitCode)
 {
     const bool wasAsked = interrupted();
     if (!finish(output())) {
-        note(QStringLiteral("standard output: its reader did not take the last %1 bytes")
-                 .arg(output().waiting()));
+        note(filled("standard output: its reader did not take the last %1 bytes",
+                    output().waiting()));
         if (exitCode == ExitDone && !wasAsked)
             exitCode = ExitInterrupted;
     }

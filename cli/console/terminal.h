@@ -2,6 +2,8 @@
 // What standard output can show.
 #pragma once
 
+#include "cli/console/filled.h"
+
 #include <QStringList>
 
 namespace dx4::cli {

@@ -36,19 +36,18 @@ QStringList optionNames(const CLI::App &app)
 /// A letter is as near to one as to any other: only words are suggested.
 QString noOption(const QString &name, const QStringList &known)
 {
-    return QStringLiteral("no option \"%1\"%2")
-        .arg(name, suggestion(name, known.filter(QStringLiteral("--"))));
+    return filled("no option \"%1\"%2", name, suggestion(name, known.filter(QStringLiteral("--"))));
 }
 
 QString notExpected(const QString &words)
 {
-    return QStringLiteral("\"%1\" is not expected").arg(words);
+    return filled("\"%1\" is not expected", words);
 }
 
 QString described(const CLI::Option &option)
 {
-    return QStringLiteral("%1: %2").arg(QString::fromStdString(option.get_name()),
-                                        QString::fromStdString(option.get_description()));
+    return filled("%1: %2", QString::fromStdString(option.get_name()),
+                  QString::fromStdString(option.get_description()));
 }
 
 /// Options of a command and of all below it.
@@ -64,14 +63,14 @@ QStringList allOptionNames(const CLI::App &app)
 QString explainCommand(const Place &place, const QStringList &commands)
 {
     if (place.rest.isEmpty())
-        return QStringLiteral("a command is needed: %1").arg(commands.join(QStringLiteral(", ")));
+        return filled("a command is needed: %1", commands.join(QStringLiteral(", ")));
     const QString word = place.rest.constFirst();
     const QString name = word.section(QLatin1Char('='), 0, 0);
     if (!word.startsWith(QLatin1Char('-')))
-        return QStringLiteral("no command \"%1\"%2").arg(word, suggestion(word, commands));
+        return filled("no command \"%1\"%2", word, suggestion(word, commands));
     const QStringList known = allOptionNames(*place.app);
     if (known.contains(name))
-        return QStringLiteral("%1 goes behind the command, such as dx4 get %1").arg(name);
+        return filled("%1 goes behind the command, such as dx4 get %1", name);
     return noOption(name, known);
 }
 
@@ -100,13 +99,13 @@ QString explainMissing(const CLI::App &app, const CLI::ParseError &error)
     for (const CLI::Option *option : app.get_options()) {
         const bool isMissing = option->get_required() && option->count() == 0;
         if (isRequired && isMissing)
-            return QStringLiteral("nothing given for %1").arg(described(*option));
+            return filled("nothing given for %1", described(*option));
         const QString name = QString::fromStdString(option->get_name());
         if (isMismatch && text.startsWith(name + QLatin1Char(':')))
-            return QStringLiteral("%1 given for %2")
-                .arg(option->count() == 0 ? QStringLiteral("no value")
-                                          : QStringLiteral("too many values"),
-                     described(*option));
+            return filled("%1 given for %2",
+                          option->count() == 0 ? QStringLiteral("no value")
+                                               : QStringLiteral("too many values"),
+                          described(*option));
     }
     return text;
 }
@@ -117,9 +116,9 @@ QString explainContradiction(const CLI::App &app)
     for (const CLI::Option *option : app.get_options()) {
         for (const CLI::Option *other : option->get_excludes()) {
             if (option->count() > 0 && other->count() > 0)
-                return QStringLiteral("%1 and %2 contradict each other; give one of them")
-                    .arg(QString::fromStdString(option->get_name()),
-                         QString::fromStdString(other->get_name()));
+                return filled("%1 and %2 contradict each other; give one of them",
+                              QString::fromStdString(option->get_name()),
+                              QString::fromStdString(other->get_name()));
         }
     }
     return QString();
@@ -169,7 +168,7 @@ int refuse(const Place &place, const QString &why)
 {
     const QString command = place.path.join(QLatin1Char(' '));
     speakFor(command);
-    return complain({ ExitUsage, withHelp(why, QStringLiteral("dx4 %1").arg(command).trimmed()) });
+    return complain({ ExitUsage, withHelp(why, filled("dx4 %1", command).trimmed()) });
 }
 
 QString optionWithoutValue(const Place &place)

@@ -36,10 +36,9 @@ public:
             return stop(rest, failure);
         const QStringList known { QStringLiteral("set"), QStringLiteral("get"),
                                   QStringLiteral("wait"), QStringLiteral("stop") };
-        return refuse(
-            failure,
-            QStringLiteral("no command \"%1\"; a file has %2%3")
-                .arg(command, known.join(QStringLiteral(", ")), suggestion(command, known)));
+        return refuse(failure,
+                      filled("no command \"%1\"; a file has %2%3", command,
+                             known.join(QStringLiteral(", ")), suggestion(command, known)));
     }
 
 private:
@@ -73,10 +72,9 @@ private:
     {
         const auto span = host::parseWholeNumber(rest);
         if (!span || *span < 0 || *span > longestWait)
-            return refuse(failure,
-                          QStringLiteral("\"%1\" is no time; write 0 to %2 ms, such as wait 500")
-                              .arg(rest)
-                              .arg(longestWait));
+            return refuse(
+                failure,
+                filled("\"%1\" is no time; write 0 to %2 ms, such as wait 500", rest, longestWait));
         BatchStep step;
         step.wait = std::chrono::milliseconds(*span);
         return step;
@@ -90,9 +88,8 @@ private:
             rest.isEmpty() ? m_options.station : host::parseWholeNumber(rest).value_or(0);
         const bool isNone = step.station < 1 || step.station > lastStation;
         if (isNone && !rest.isEmpty())
-            return refuse(
-                failure,
-                QStringLiteral("no station \"%1\"; write 1 to 247, such as stop 2").arg(rest));
+            return refuse(failure,
+                          filled("no station \"%1\"; write 1 to 247, such as stop 2", rest));
         if (!mayDrive(m_options, step.station, failure))
             return std::nullopt;
         return step;

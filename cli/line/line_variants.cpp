@@ -22,9 +22,9 @@ std::optional<QVector<int>> speedsOf(int own, const LineVariants &wanted, Failur
         const auto speed = host::parseWholeNumber(word.trimmed());
         if (!speed || *speed < slowestSpeed || *speed > fastestSpeed)
             return refuse(failure,
-                          QStringLiteral("--speeds: \"%1\" is no speed; write 300 to 4000000 bit/s "
-                                         "between commas, such as 9600,19200")
-                              .arg(word));
+                          filled("--speeds: \"%1\" is no speed; write 300 to 4000000 bit/s between "
+                                 "commas, such as 9600,19200",
+                                 word));
         speeds.append(*speed);
     }
     return speeds;
@@ -42,9 +42,7 @@ std::optional<QVector<host::Parity>> paritiesOf(host::Parity own, const LineVari
         if (!parity)
             return refuse(
                 failure,
-                QStringLiteral("--parities: \"%1\" is no parity; write N, E and O between "
-                               "commas")
-                    .arg(letter));
+                filled("--parities: \"%1\" is no parity; write N, E and O between commas", letter));
         parities.append(*parity);
     }
     return parities;

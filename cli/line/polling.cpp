@@ -50,14 +50,12 @@ int codeOfEnd(Session &session, PollEnd end, bool hasEnd, const char *wish, bool
     if (end == PollEnd::LineGone) {
         session.noteUnstopped();
         session.warnOfMotors();
-        return complain(
-            { ExitLine, QStringLiteral("%1 broke").arg(session.options().plant.line.port) });
+        return complain({ ExitLine, filled("%1 broke", session.options().plant.line.port) });
     }
     const host::ReplyVerdict verdict = session.verdict();
     if (end == PollEnd::Enough && wish && session.runtime().counters().reads().good == 0)
-        return complain({ causeCode(verdict),
-                          QStringLiteral("nothing was %1: %2")
-                              .arg(QString::fromLatin1(wish), host::verdictText(verdict)) });
+        return complain(
+            { causeCode(verdict), filled("nothing was %1: %2", wish, host::verdictText(verdict)) });
     const bool isCut = end == PollEnd::Asked && hasEnd && interrupted();
     const int exitCode =
         isCut ? complain({ ExitInterrupted, QStringLiteral("interrupted") }) : ExitDone;
@@ -86,9 +84,9 @@ PollEnd poll(Session &session, const PollSettings &settings)
         const bool isGone =
             !isOpen && settings.patience && now - downSince.value_or(now) >= *settings.patience;
         if (!isOpen && !downSince && !isGone)
-            tell(QStringLiteral("%1 broke; waiting for it").arg(port));
+            tell(filled("%1 broke; waiting for it", port));
         if (isOpen && downSince)
-            tell(QStringLiteral("%1 is back").arg(port));
+            tell(filled("%1 is back", port));
         downSince = isOpen ? std::nullopt : std::optional(downSince.value_or(now));
         if (settings.afterStep)
             settings.afterStep();

@@ -56,7 +56,7 @@ bool Recording::begin(host::Duration lineNow)
     // Unbuffered: what the program holds back is lost with it.
     return m_file.open(file.takeDescriptor(), QIODevice::WriteOnly | QIODevice::Unbuffered,
                        QFileDevice::AutoCloseHandle)
-        || fail(QStringLiteral("%1: %2").arg(m_path, m_file.errorString()));
+        || fail(filled("%1: %2", m_path, m_file.errorString()));
 }
 
 bool Recording::add(const QVector<host::RecordedFrame> &frames)
@@ -77,11 +77,11 @@ bool Recording::end()
         return !failed();
     struct stat status { };
     if (fsync(m_file.handle()) != 0 || fstat(m_file.handle(), &status) != 0)
-        return fail(QStringLiteral("%1: %2").arg(m_path, qt_error_string(errno)));
+        return fail(filled("%1: %2", m_path, qt_error_string(errno)));
     return status.st_nlink > 0
         || fail(m_path
-                + QStringLiteral(": was removed or replaced as it was written; its frames are "
-                                 "lost"));
+                + QStringLiteral(
+                    ": was removed or replaced as it was written; its frames are lost"));
 }
 
 bool Recording::write()
@@ -92,7 +92,7 @@ bool Recording::write()
         // A file that is nearly full takes a part, and gives the reason with the rest.
         const qint64 count = m_file.write(bytes.constData() + done, bytes.size() - done);
         if (count <= 0) {
-            fail(QStringLiteral("%1: %2").arg(m_path, m_file.errorString()));
+            fail(filled("%1: %2", m_path, m_file.errorString()));
             m_file.resize(m_size); // a part of a frame would make the file unreadable
             return false;
         }

@@ -3,10 +3,10 @@
 #pragma once
 
 #include "capture/pcap.h"
+#include "cli/console/filled.h"
 #include "host/recording/frame_ring.h"
 
 #include <QFile>
-#include <QString>
 
 #include <memory>
 #include <sstream>

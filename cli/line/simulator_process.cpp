@@ -86,8 +86,8 @@ bool SimulatorProcess::start(const QString &program, const QString &stations, in
         return true;
     }
     if (error) {
-        *error = QStringLiteral("%1 did not name its device: %2")
-                     .arg(program, line.isEmpty() ? m_process.errorString() : line);
+        *error = filled("%1 did not name its device: %2", program,
+                        line.isEmpty() ? m_process.errorString() : line);
     }
     return false;
 }

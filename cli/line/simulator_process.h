@@ -2,8 +2,9 @@
 // The simulated inverter, run as a process of its own.
 #pragma once
 
+#include "cli/console/filled.h"
+
 #include <QProcess>
-#include <QString>
 #include <QStringList>
 
 namespace dx4::cli {

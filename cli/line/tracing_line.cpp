@@ -25,8 +25,7 @@ QString valuesText(const FrameText &text, int firstRegister)
     for (const quint16 value : text.values)
         values.append(QString::number(value));
     const QString numbers = values.join(QStringLiteral(", "));
-    return firstRegister < 0 ? numbers
-                             : QStringLiteral("%1 = %2").arg(registerText(firstRegister), numbers);
+    return firstRegister < 0 ? numbers : filled("%1 = %2", registerText(firstRegister), numbers);
 }
 
 /// Requests and echoes of one register have the same bytes; the direction tells them apart.
@@ -39,7 +38,7 @@ QString kindText(const FrameText &text, bool isRequest)
 
 QStringList meaningOf(const FrameText &text, bool isRequest, int firstRegister)
 {
-    QStringList words { QStringLiteral("station %1").arg(text.station), kindText(text, isRequest) };
+    QStringList words { filled("station %1", text.station), kindText(text, isRequest) };
     const int first = text.firstRegister < 0 ? firstRegister : text.firstRegister;
     if (!text.values.isEmpty())
         words.append(valuesText(text, first));
@@ -59,9 +58,7 @@ QStringList meaningOf(const FrameText &text, bool isRequest, int firstRegister)
 
 QString frameLine(const QByteArray &frame, bool isRequest, int firstRegister)
 {
-    const QString bytes = QStringLiteral("%1 %2")
-                              .arg(isRequest ? QLatin1Char('>') : QLatin1Char('<'))
-                              .arg(bytesText(frame));
+    const QString bytes = filled("%1 %2", isRequest ? ">" : "<", bytesText(frame));
     if (frame.size() < shortestFrame)
         return bytes + QStringLiteral("  no frame");
     const QStringList meaning =
@@ -113,7 +110,7 @@ int TracingLine::discardInput()
     if (dropped == 0)
         return dropped;
     tellHeard();
-    tell(QStringLiteral("< %1 bytes that belong to no reply").arg(dropped), m_line.now());
+    tell(filled("< %1 bytes that belong to no reply", dropped), m_line.now());
     return dropped;
 }
 

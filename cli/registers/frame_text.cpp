@@ -33,13 +33,13 @@ QString functionText(int function)
     case WriteMultipleRegisters:
         return QStringLiteral("16, write registers");
     default:
-        return QStringLiteral("%1, not used by this driver").arg(function);
+        return filled("%1, not used by this driver", function);
     }
 }
 
 QString valueText(int value)
 {
-    return QStringLiteral("%1 (%2)").arg(value).arg(hex(static_cast<unsigned>(value), 4));
+    return filled("%1 (%2)", value, hex(static_cast<unsigned>(value), 4));
 }
 
 /// Takes a frame apart from its first byte on.
@@ -58,7 +58,7 @@ public:
         take(1, "station", QString::number(m_text.station));
         const bool refused = host::byteAt(m_frame, 1) & exceptionBit;
         take(1, "function",
-             refused ? QStringLiteral("exception to %1").arg(functionText(m_text.function))
+             refused ? filled("exception to %1", functionText(m_text.function))
                      : functionText(m_text.function));
         if (refused)
             readException();
@@ -96,7 +96,7 @@ private:
     void takeCount()
     {
         m_text.count = wordAt(m_frame, m_position);
-        take(2, "count", QStringLiteral("%1 registers").arg(m_text.count));
+        take(2, "count", filled("%1 registers", m_text.count));
     }
 
     void takeValues(int firstRegister)
@@ -117,7 +117,7 @@ private:
         const int there = left() - 1;
         take(1, "bytes",
              announced == there ? QString::number(announced)
-                                : QStringLiteral("%1, but %2 follow").arg(announced).arg(there));
+                                : filled("%1, but %2 follow", announced, there));
     }
 
     void readReading()
@@ -168,7 +168,7 @@ private:
         right.append(static_cast<char>(crc & 0xFFU)).append(static_cast<char>(crc >> 8));
         take(2, "CRC",
              m_text.crcIsRight ? QStringLiteral("right")
-                               : QStringLiteral("wrong; %1 would be right").arg(bytesText(right)));
+                               : filled("wrong; %1 would be right", bytesText(right)));
     }
 
     const QByteArray &m_frame;
@@ -192,9 +192,9 @@ std::optional<QByteArray> parseBytes(const QStringList &words, QString *error)
         const QByteArray some = QByteArray::fromHex(digits.toLatin1());
         const bool isHex = !digits.isEmpty() && some.size() * 2 == digits.size();
         if (!isHex || QString::fromLatin1(some.toHex()) != digits.toLower()) {
-            *error = QStringLiteral("\"%1\" is no byte; write two hexadecimal digits per byte, "
-                                    "such as 01 03 D0 00")
-                         .arg(part);
+            *error = filled(
+                "\"%1\" is no byte; write two hexadecimal digits per byte, such as 01 03 D0 00",
+                part);
             return std::nullopt;
         }
         bytes.append(some);
@@ -232,7 +232,7 @@ bool findRegister(int modbusRegister, QString *regType, int *address)
 
 QString exceptionText(int code)
 {
-    return QStringLiteral("%1, %2").arg(code).arg(host::exceptionName(code));
+    return filled("%1, %2", code, host::exceptionName(code));
 }
 
 QString registerText(int modbusRegister)

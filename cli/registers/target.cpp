@@ -48,11 +48,10 @@ std::optional<int> stationOf(const QString &written, const QString &part, const 
     const QString given = written.isEmpty() ? QString::number(station) : written;
     return refuse(
         failure,
-        written.isEmpty() && station == 0
-            ? QStringLiteral("\"%1\" names no station, and %2; name one with --station, or "
-                             "in front as in 2:D 4")
-                  .arg(part, usual.whyNone)
-            : QStringLiteral("no station %1; stations are 1 to 247").arg(given));
+        written.isEmpty() && station == 0 ? filled(
+            "\"%1\" names no station, and %2; name one with --station, or in front as in 2:D 4",
+            part, usual.whyNone)
+                                          : filled("no station %1; stations are 1 to 247", given));
 }
 
 /// "@0xD000" or "2:@0xD000-0xD003", a Modbus register as the wire has it, as the type and address
@@ -66,10 +65,9 @@ std::optional<TargetText> parseRaw(const QString &part, const UsualStation &usua
     const auto last =
         match.captured(3).isEmpty() ? first : host::parseRegisterValue(match.captured(3));
     if (!first || !last || *last < *first)
-        return refuse(failure,
-                      QStringLiteral("\"%1\" is no register of the wire; write @0x2000 or "
-                                     "2:@0xD000-0xD003")
-                          .arg(part));
+        return refuse(
+            failure,
+            filled("\"%1\" is no register of the wire; write @0x2000 or 2:@0xD000-0xD003", part));
     QString types[2];
     int addresses[2] = {};
     const bool isKnown = findRegister(*first, &types[0], &addresses[0])
@@ -77,8 +75,7 @@ std::optional<TargetText> parseRaw(const QString &part, const UsualStation &usua
     if (!isKnown || types[0] != types[1])
         return refuse(
             failure,
-            QStringLiteral("\"%1\": no register type covers that; \"dx4 types\" lists them")
-                .arg(part));
+            filled("\"%1\": no register type covers that; \"dx4 types\" lists them", part));
     QString text = types[0] + QLatin1Char(' ') + host::addressText(types[0], addresses[0]);
     if (*last > *first)
         text += QLatin1Char('-') + host::addressText(types[0], addresses[1]);
@@ -91,9 +88,9 @@ bool checkType(const QString &regType, Failure *failure)
     if (host::registerTypeNames().contains(regType))
         return true;
     refuse(failure,
-           QStringLiteral("no register type \"%1\"; types are %2%3")
-               .arg(regType, host::registerTypeNames().join(QStringLiteral(", ")),
-                    suggestion(regType, host::registerTypeNames())));
+           filled("no register type \"%1\"; types are %2%3", regType,
+                  host::registerTypeNames().join(QStringLiteral(", ")),
+                  suggestion(regType, host::registerTypeNames())));
     return false;
 }
 
@@ -105,7 +102,7 @@ std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
     QString reason;
     const auto range = host::parseRange(text.text, &reason);
     if (!range)
-        return refuse(failure, QStringLiteral("\"%1\": %2").arg(text.text, reason));
+        return refuse(failure, filled("\"%1\": %2", text.text, reason));
     Target target { text.station, range->regType, 0, range->count };
     const int code =
         api.checkAddr(range->regType, range->firstText, &target.address, 0, range->count, mode);
@@ -115,8 +112,7 @@ std::optional<Target> parseTarget(const TargetText &text, AccessMode mode,
     const QString verdict = host::addressVerdictText(code, range->regType, last);
     const bool namesAddress =
         code == AddressOutOfRange || code == AddressReadOnly || code == AddressWriteOnly;
-    return refuse(failure,
-                  namesAddress ? verdict : QStringLiteral("\"%1\": %2").arg(text.text, verdict));
+    return refuse(failure, namesAddress ? verdict : filled("\"%1\": %2", text.text, verdict));
 }
 
 } // namespace
@@ -138,8 +134,7 @@ std::optional<QVector<TargetText>> splitTargets(const QStringList &words, const 
         if (word.letters.isEmpty() && (runs.isEmpty() || !word.station.isEmpty()))
             return refuse(
                 failure,
-                QStringLiteral("\"%1\" names no register type; write \"F c.13\" or \"2:D 4\"")
-                    .arg(part));
+                filled("\"%1\" names no register type; write \"F c.13\" or \"2:D 4\"", part));
         if (word.letters.isEmpty()) {
             runs.last().text += QLatin1Char(' ') + word.address;
             continue;

@@ -156,18 +156,16 @@ QString headLine(const Widths &widths)
 
 QString shownLine(const Scroll &scroll, int count, int columns)
 {
-    const QString text = QStringLiteral("rows %1-%2 of %3")
-                             .arg(scroll.first + 1)
-                             .arg(scroll.first + scroll.shown)
-                             .arg(count);
+    const QString text =
+        filled("rows %1-%2 of %3", scroll.first + 1, scroll.first + scroll.shown, count);
     const QString keys = text + QStringLiteral("; arrow and page keys move");
     return keys.size() <= columns ? keys : text;
 }
 
 QString moreLine(int hidden, int columns)
 {
-    const QString text = QStringLiteral("... and %1 more; a higher window shows them").arg(hidden);
-    return text.size() <= columns ? text : QStringLiteral("... and %1 more").arg(hidden);
+    const QString text = filled("... and %1 more; a higher window shows them", hidden);
+    return text.size() <= columns ? text : filled("... and %1 more", hidden);
 }
 
 } // namespace

@@ -67,12 +67,10 @@ QString unknownName(const QString &name, const host::Config &plant)
             names.append(entry.name);
     }
     names.removeAll(QString());
-    return names.isEmpty()
-        ? QStringLiteral("\"%1\": a name needs a configuration that has it; name a file with "
-                         "--config")
-              .arg(name)
-        : QStringLiteral("the configuration has no register called \"%1\"%2")
-              .arg(name, suggestion(name, names));
+    return names.isEmpty() ? filled(
+               "\"%1\": a name needs a configuration that has it; name a file with --config", name)
+                           : filled("the configuration has no register called \"%1\"%2", name,
+                                    suggestion(name, names));
 }
 
 std::optional<NamedRegister> findNamed(const QString &name, int station, const host::Config &plant,
@@ -81,12 +79,12 @@ std::optional<NamedRegister> findNamed(const QString &name, int station, const h
     const QVector<NamedRegister> found = registersCalled(name, station, plant);
     if (found.size() == 1)
         return found.constFirst();
-    return refuse(failure,
-                  found.isEmpty() ? unknownName(name, plant)
-                                  : QStringLiteral("\"%1\" is a register of several stations; "
-                                                   "write which, such as %2:%1=1")
-                                        .arg(name)
-                                        .arg(found.constFirst().station));
+    return refuse(
+        failure,
+        found.isEmpty()
+            ? unknownName(name, plant)
+            : filled("\"%1\" is a register of several stations; write which, such as %2:%1=1", name,
+                     found.constFirst().station));
 }
 
 /// The register's value for a quantity in its unit, "30.5" or "-4".
@@ -97,10 +95,12 @@ std::optional<quint16> valueFor(const QString &text, const host::Scaling &scalin
     const auto value =
         size ? scaling.registerValue(isNegative ? -*size : *size) : std::optional<quint16>();
     if (!value)
-        *failure = { ExitUsage,
-                     QStringLiteral("\"%1\" is no value of this register; write a number such as "
-                                    "%2 that it can hold")
-                         .arg(text, QString::number(scaling.quantity(1), 'f', scaling.decimals)) };
+        *failure = {
+            ExitUsage,
+            filled(
+                "\"%1\" is no value of this register; write a number such as %2 that it can hold",
+                text, QString::number(scaling.quantity(1), 'f', scaling.decimals))
+        };
     return value;
 }
 
@@ -155,21 +155,18 @@ std::optional<Setting> parseSetting(const QStringList &words, const UsualStation
     const int count = host::lengthOf(setting.values);
     if (count == 0)
         return refuse(failure,
-                      QStringLiteral("no value given for %1; write it behind the address, such as "
-                                     "F 8.2 20")
-                          .arg(host::fullAddress(setting.target.regType, setting.target.address)));
+                      filled("no value given for %1; write it behind the address, such as F 8.2 20",
+                             host::fullAddress(setting.target.regType, setting.target.address)));
     const bool everyRegister = setting.target.count > 1 && count == 1;
     if (everyRegister)
         setting.values.fill(setting.values.constFirst(), setting.target.count);
     const bool fits = count <= mostRegisters
         && (setting.target.count == 1 || setting.target.count == setting.values.size());
     if (!fits)
-        return refuse(
-            failure,
-            QStringLiteral("%1 values for %2 registers; write the address, then one value "
-                           "per register, such as F 8.2 20 15")
-                .arg(count)
-                .arg(setting.target.count));
+        return refuse(failure,
+                      filled("%1 values for %2 registers; write the address, then one value per "
+                             "register, such as F 8.2 20 15",
+                             count, setting.target.count));
     const auto whole =
         lengthened(setting.target, host::lengthOf(setting.values), WriteAccess, api, failure);
     if (!whole)

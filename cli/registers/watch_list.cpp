@@ -37,8 +37,8 @@ QString formatValue(const WatchedValue &what, quint32 value)
         return isPlain ? what.pair.text(value) : QString::number(quantity, 'f', scaling.decimals);
     }
     if (what.bits)
-        return QStringLiteral("0x%1").arg(
-            QString::number(value, 16).toUpper().rightJustified(4, QLatin1Char('0')));
+        return filled("0x%1",
+                      QString::number(value, 16).toUpper().rightJustified(4, QLatin1Char('0')));
     return QString::number(what.scaling.quantity(static_cast<quint16>(value)), 'f',
                            what.scaling.decimals);
 }
@@ -59,7 +59,7 @@ QString meaningText(const WatchedValue &what, quint32 value)
     QStringList said;
     for (int bit = 0; bit < 16; ++bit) {
         if ((value >> bit) & 1)
-            said.append(what.words.value(bit, QStringLiteral("bit %1").arg(bit)));
+            said.append(what.words.value(bit, filled("bit %1", bit)));
     }
     return said.join(QStringLiteral(", "));
 }
