@@ -12,22 +12,7 @@ namespace {
 
 constexpr int usualRows = 24;
 
-QString styleCode(Terminal::Style style)
-{
-    switch (style) {
-    case Terminal::Style::Bold:
-        return QStringLiteral("1");
-    case Terminal::Style::Dim:
-        return QStringLiteral("2");
-    case Terminal::Style::Changed:
-        return QStringLiteral("1;32");
-    case Terminal::Style::Warning:
-        return QStringLiteral("33");
-    case Terminal::Style::Failed:
-        return QStringLiteral("1;31");
-    }
-    return QString();
-}
+constexpr const char *styleCodes[] = { "1", "2", "1;32", "33", "1;31" }; // by Terminal::Style
 
 } // namespace
 
@@ -68,7 +53,7 @@ QString Terminal::styled(const QString &text, Style style) const
 {
     if (!colour)
         return text;
-    return QStringLiteral("\x1b[%1m%2\x1b[0m").arg(styleCode(style), text);
+    return filled("\x1b[%1m%2\x1b[0m", styleCodes[static_cast<int>(style)], text);
 }
 
 } // namespace dx4::cli
