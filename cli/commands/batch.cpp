@@ -38,8 +38,7 @@ std::optional<QString> contentOf(const QString &file, Failure *failure)
     QFile input;
     if (input.open(stdin, QIODevice::ReadOnly))
         return QString::fromUtf8(input.readAll());
-    return refuse(failure, QStringLiteral("standard input: %1").arg(input.errorString()),
-                  ExitFailed);
+    return refuse(failure, filled("standard input: %1", input.errorString()), ExitFailed);
 }
 
 /// The steps on an open line.
@@ -153,7 +152,7 @@ Failure playAll(Play &play, const QVector<BatchStep> &steps, const Options &opti
 int runBatch(const Options &options)
 {
     Failure failure;
-    const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    const auto editor = loadDriver(options.line.driver, &failure);
     const auto text = editor ? contentOf(options.files.constFirst(), &failure) : std::nullopt;
     if (!text)
         return complain(failure);

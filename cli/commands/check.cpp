@@ -30,18 +30,7 @@ AccessMode accessMode(const Options &options)
     return options.write ? WriteAccess : ReadAccess;
 }
 
-QString accessName(AccessMode mode)
-{
-    switch (mode) {
-    case ReadAccess:
-        return QStringLiteral("read");
-    case WriteAccess:
-        return QStringLiteral("write");
-    case ReadWriteAccess:
-        return QStringLiteral("read, write");
-    }
-    return QString();
-}
+constexpr const char *accessNames[] = { "read", "write", "read, write" }; // by AccessMode
 
 struct Verdict {
     QString regType;
@@ -69,31 +58,22 @@ Verdict judge(const host::DriverApi &api, const Options &options)
     return verdict;
 }
 
-int runCheck(const Options &options)
+int runCheck(const Options &options, std::unique_ptr<host::Plugin> plugin)
 {
-    Failure failure;
-    const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
-    if (!plugin)
-        return complain(failure);
     const Verdict verdict = judge(plugin->api(), options);
     const bool accepted = verdict.code == AddressAccepted;
-    const QString access = accessName(accessMode(options));
-    QJsonObject object {
-        { QStringLiteral("type"), verdict.regType }, { QStringLiteral("text"), verdict.addrText },
-        { QStringLiteral("count"), options.count },  { QStringLiteral("access"), access },
-        { QStringLiteral("code"), verdict.code },    { QStringLiteral("verdict"), verdict.words }
-    };
-    if (accepted) {
-        object.insert(QStringLiteral("address"), verdict.address);
-        object.insert(QStringLiteral("register"),
-                      host::modbusRegister(verdict.regType, verdict.address));
-    }
-    print(options.json, object,
-          QStringLiteral("%1: %2, count %3, %4: %5")
-              .arg(verdict.code)
-              .arg((verdict.regType + QLatin1Char(' ') + verdict.addrText).trimmed())
-              .arg(options.count)
-              .arg(access, verdict.words));
+    const QString blank = verdict.addrText.isEmpty() ? QString() : QStringLiteral(" ");
+    print(options.json,
+          { { "type", verdict.regType },
+            { "text", verdict.addrText, blank + verdict.addrText },
+            { "count", options.count },
+            { "access", QLatin1String(accessNames[accessMode(options)]) },
+            { "code", verdict.code },
+            { "verdict", verdict.words },
+            { "address", valueIf(accepted, verdict.address) },
+            { "register",
+              valueIf(accepted, host::modbusRegister(verdict.regType, verdict.address)) } },
+          "{code}: {type}{text}, count {count}, {access}: {verdict}");
     return accepted ? ExitDone : ExitUsage;
 }
 
@@ -101,7 +81,7 @@ int runCheck(const Options &options)
 
 void describeCheck(Command &command)
 {
-    Options &options = command.action(runCheck);
+    Options &options = driverAction(command, runCheck);
     command.words("address", options.words, "type and address, such as F c.13", anyRegister);
     command.number("--count", options.count, "registers from the address on", 1, mostRegisters);
     command.flag("--read", options.read, "to be read; so it is when neither is given");

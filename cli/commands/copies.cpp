@@ -5,6 +5,7 @@
 #include "cli/console/output.h"
 #include "cli/line/driver_file.h"
 #include "cli/registers/target.h"
+#include "cli/registers/value_output.h"
 #include "host/base/length.h"
 #include "host/link/notation.h"
 
@@ -47,21 +48,14 @@ std::optional<Target> firstCopy(const Options &options, const host::DriverApi &a
 
 void printCopy(const Options &options, const QString &regType, int number, int address)
 {
-    print(options.json,
-          { { QStringLiteral("copy"), number },
-            { QStringLiteral("type"), regType },
-            { QStringLiteral("text"), host::addressText(regType, address) },
-            { QStringLiteral("address"), address },
-            { QStringLiteral("register"), host::modbusRegister(regType, address) } },
-          host::fullAddress(regType, address));
+    const Facts facts = registerFacts(regType, address)
+        + Facts { { "copy", number }, { "address", address, host::fullAddress(regType, address) } };
+    print(options.json, facts, "{address}");
 }
 
-int runCopies(const Options &options)
+int runCopies(const Options &options, std::unique_ptr<host::Plugin> plugin)
 {
     Failure failure;
-    const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
-    if (!plugin)
-        return complain(failure);
     const auto first = firstCopy(options, plugin->api(), &failure);
     if (!first)
         return complain(failure);
@@ -80,7 +74,7 @@ int runCopies(const Options &options)
 
 void describeCopies(Command &command)
 {
-    Options &options = command.action(runCopies);
+    Options &options = driverAction(command, runCopies);
     command.words("address", options.words, "type and address of the first copy", anyRegister);
     command.number("--count", options.count, "copies, the first one included", 1, mostCopies);
     command.number("--step", options.step, "registers from one copy to the next", 1, largestStep);

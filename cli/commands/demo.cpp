@@ -10,7 +10,6 @@
 #include "cli/line/watch_plan.h"
 #include "cli/registers/register_names.h"
 #include "host/base/length.h"
-#include "host/link/notation.h"
 
 #include <QDir>
 #include <QHash>
@@ -28,34 +27,12 @@ struct Options {
     bool trace = false; ///< frames are shown on standard error
 };
 
+// What is polled; the plan brings it into the order of the line.
+const char polled[] = "1:D 0-4 1:D 6 1:SW 1:FU 1:F 0.5 1:F 8.2-8.3 1:F c.13 2:D 4 2:SW 2:FU";
+
 constexpr int parameter(int group, int index)
 {
     return group * 256 + index;
-}
-
-QVector<WatchedValue> demoValues()
-{
-    const QString f = QStringLiteral("F");
-    const QString d = QStringLiteral("D");
-    const QString sw = QStringLiteral("SW");
-    const QString fu = QStringLiteral("FU");
-    return {
-        namedValue(1, d, 0),
-        namedValue(1, d, 1),
-        namedValue(1, d, 2),
-        namedValue(1, d, 3),
-        namedValue(1, d, 4),
-        namedValue(1, d, 6),
-        namedValue(1, sw, 0),
-        namedValue(1, fu, 0),
-        namedValue(1, f, parameter(0, 5)),
-        namedValue(1, f, parameter(8, 2)),
-        namedValue(1, f, parameter(8, 3)),
-        namedValue(1, f, parameter(10, 13)),
-        namedValue(2, d, 4),
-        namedValue(2, sw, 0),
-        namedValue(2, fu, 0),
-    };
 }
 
 QVector<DemoWrite> demoWrites()
@@ -76,19 +53,18 @@ QVector<DemoWrite> demoWrites()
 
 QString notFound(const char *what, const QStringList &tried, const char *option)
 {
-    return QStringLiteral("%1 not found; looked for %2; name it with %3")
-        .arg(QString::fromLatin1(what), tried.join(QStringLiteral(", ")),
-             QString::fromLatin1(option));
+    return filled("%1 not found; looked for %2; name it with %3", what,
+                  tried.join(QStringLiteral(", ")), option);
 }
 
 /// The show on an open session.
 class Show {
 public:
-    Show(Session &session, DemoView &view, int seconds)
+    Show(Session &session, const QVector<WatchedValue> &values, DemoView &view, int seconds)
         : m_session(session)
         , m_runtime(session.runtime())
         , m_view(view)
-        , m_list(demoValues(), session.runtime())
+        , m_list(values, session.runtime())
         , m_writes(demoWrites())
         , m_length(std::chrono::seconds(seconds))
     {
@@ -169,16 +145,6 @@ private:
     host::Duration m_start { 0 };
 };
 
-std::optional<host::Plan> demoPlan(const LineOptions &options, Failure *failure)
-{
-    QStringList words;
-    for (const WatchedValue &value : demoValues())
-        words.append(QStringLiteral("%1:%2 %3")
-                         .arg(value.station)
-                         .arg(value.regType, host::addressText(value.regType, value.address)));
-    return makePlan(words, options, failure);
-}
-
 LineOptions demoLine(const Options &options, const QString &device)
 {
     LineOptions line;
@@ -207,7 +173,8 @@ Failure judge(const host::CounterSet &counters, PollEnd end)
 int showOn(const Options &options, const LineOptions &line, const QString &driver)
 {
     Failure failure;
-    const auto plan = demoPlan(line, &failure);
+    const QStringList words { QString::fromLatin1(polled) };
+    const auto plan = makePlan(words, line, &failure);
     if (!plan)
         return complain(failure);
     SessionWishes wishes;
@@ -216,6 +183,9 @@ int showOn(const Options &options, const LineOptions &line, const QString &drive
     if (!session)
         return complain(failure);
     session->runtime().setPlan(*plan);
+    const host::DriverApi &api = session->runtime().link().api();
+    const auto targets = parseTargets(words, 1, ReadAccess, api, &failure);
+    const QVector<WatchedValue> values = RegisterNames(line.plant, api, true).of(*targets);
     DemoSetting setting;
     setting.driver = QDir::current().relativeFilePath(driver);
     setting.device = line.plant.line.port;
@@ -225,8 +195,8 @@ int showOn(const Options &options, const LineOptions &line, const QString &drive
     setting.seconds = options.seconds;
     {
         DemoView view(setting, Terminal::detect(options.trace), options.json);
-        failure =
-            judge(session->runtime().counters(), Show(*session, view, options.seconds).play());
+        failure = judge(session->runtime().counters(),
+                        Show(*session, values, view, options.seconds).play());
     }
     return failure.code == ExitDone ? ExitDone : complain(failure);
 }

@@ -24,26 +24,13 @@ QString shortened(const QString &path)
     return path.size() <= room ? path : dots + path.right(room - host::lengthOf(dots));
 }
 
-QStringList headLines(const DemoSetting &setting)
-{
-    return { QStringLiteral("driver  %1").arg(shortened(setting.driver)),
-             QStringLiteral("line    %1, %2 bit/s, 8N1, simulated inverter, stations 1 and 2")
-                 .arg(setting.device)
-                 .arg(setting.speed),
-             QStringLiteral("polls   %1 registers, merged into %2 block reads")
-                 .arg(setting.registers)
-                 .arg(setting.blocks) };
-}
-
 QStringList summaryLines(const host::CounterSet &counters, host::Duration elapsed)
 {
     const host::RequestCounts total = counters.total();
     return { QStringLiteral("Done: %1 in %2 s;")
                  .arg(countersText(counters))
                  .arg(inSeconds(elapsed), 0, 'f', 1),
-             QStringLiteral("      %1 bytes sent, %2 received.")
-                 .arg(total.bytesSent)
-                 .arg(total.bytesReceived) };
+             filled("      %1 bytes sent, %2 received.", total.bytesSent, total.bytesReceived) };
 }
 
 /// One line per write and per second, and the table at the end.
@@ -68,8 +55,7 @@ public:
                 && !row.what.scaling.unit.isEmpty())
                 shown.append(quantityText(row.what, row.number()));
         }
-        printLine(QStringLiteral("%1  reads %2")
-                      .arg(secondsText(elapsed), shown.join(QStringLiteral(", "))));
+        printLine(filled("%1  reads %2", secondsText(elapsed), shown.join(QStringLiteral(", "))));
     }
 
     void end(WatchList &list, const host::CounterSet &, host::Duration now, host::Duration) override
@@ -108,25 +94,21 @@ public:
     void end(WatchList &, const host::CounterSet &counters, host::Duration,
              host::Duration elapsed) override
     {
-        QJsonObject object = countersJson(counters);
-        for (const char *left : { "requests", "silences", "badReplies" })
-            object.remove(QLatin1String(left));
-        printEvent("end", object, elapsed);
+        printEvent("end", sumFacts(counters), elapsed);
     }
 
 private:
     void value(const WatchRow &row, host::Duration elapsed)
     {
-        printEvent(
-            "value",
-            { { QStringLiteral("station"), row.what.station },
-              { QStringLiteral("address"), host::fullAddress(row.what.regType, row.what.address) },
-              { QStringLiteral("name"), row.what.name },
-              { QStringLiteral("raw"), row.state.value },
-              { QStringLiteral("value"), formatValue(row.what, row.number()) },
-              { QStringLiteral("meaning"), meaningText(row.what, row.number()) },
-              { QStringLiteral("unit"), row.what.scaling.unit } },
-            elapsed);
+        printEvent("value",
+                   { { "station", row.what.station },
+                     { "address", host::fullAddress(row.what.regType, row.what.address) },
+                     { "name", row.what.name },
+                     { "raw", row.state.value },
+                     { "value", formatValue(row.what, row.number()) },
+                     { "meaning", meaningText(row.what, row.number()) },
+                     { "unit", row.what.scaling.unit } },
+                   elapsed);
     }
 
     std::vector<std::optional<quint16>> m_said; // last printed value, by row
@@ -137,40 +119,39 @@ private:
 DemoView::DemoView(const DemoSetting &setting, const Terminal &terminal, bool json)
     : m_json(json)
 {
-    if (json) {
-        m_values = std::make_unique<JsonView>();
-        printJson({ { QStringLiteral("event"), QStringLiteral("start") },
-                    { QStringLiteral("driver"), setting.driver },
-                    { QStringLiteral("device"), setting.device },
-                    { QStringLiteral("speed"), setting.speed },
-                    { QStringLiteral("registers"), setting.registers },
-                    { QStringLiteral("blocks"), setting.blocks } });
-        return;
-    }
     WatchStyle style;
     style.seconds = setting.seconds;
-    if (terminal.live)
+    if (json)
+        m_values = std::make_unique<JsonView>();
+    else if (terminal.live)
         m_values = WatchView::create(style, terminal, {});
     else
         m_values = std::make_unique<PlainView>(terminal);
-    printLines(headLines(setting));
-    printLine(QString());
+    print(json,
+          { { "event", QStringLiteral("start") },
+            { "driver", setting.driver, shortened(setting.driver) },
+            { "device", setting.device },
+            { "speed", setting.speed },
+            { "registers", setting.registers },
+            { "blocks", setting.blocks } },
+          "driver  {driver}\n"
+          "line    {device}, {speed} bit/s, 8N1, simulated inverter, stations 1 and 2\n"
+          "polls   {registers} registers, merged into {blocks} block reads\n");
 }
 
 void DemoView::write(const DemoWrite &write, const QString &outcome, host::Duration elapsed)
 {
     const QString address = host::fullAddress(write.regType, write.address);
     if (!m_json)
-        return m_values->line(
-            QStringLiteral("%1  wrote %2  %3, %4")
-                .arg(secondsText(elapsed), address.leftJustified(16), write.meaning, outcome));
-    printJson({ { QStringLiteral("event"), QStringLiteral("write") },
-                { QStringLiteral("time"), inSeconds(elapsed) },
-                { QStringLiteral("station"), 1 },
-                { QStringLiteral("address"), address },
-                { QStringLiteral("count"), host::lengthOf(write.values) },
-                { QStringLiteral("meaning"), write.meaning },
-                { QStringLiteral("outcome"), outcome } });
+        return m_values->line(filled("%1  wrote %2  %3, %4", secondsText(elapsed),
+                                     address.leftJustified(16), write.meaning, outcome));
+    printJson({ { "event", QStringLiteral("write") },
+                { "time", inSeconds(elapsed) },
+                { "station", 1 },
+                { "address", address },
+                { "count", host::lengthOf(write.values) },
+                { "meaning", write.meaning },
+                { "outcome", outcome } });
 }
 
 void DemoView::values(WatchList &list, const host::CounterSet &counters, host::Duration now,

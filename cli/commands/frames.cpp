@@ -37,24 +37,22 @@ void printFrame(const FRAME_PRO &frame, bool json)
     const QByteArray bytes = host::bytesOf(frame);
     const FrameText text = explainFrame(bytes);
     if (json) {
-        printJson({ { QStringLiteral("frame"), bytesText(bytes) },
-                    { QStringLiteral("kind"), text.kind },
-                    { QStringLiteral("station"), text.station },
-                    { QStringLiteral("function"), text.function },
-                    { QStringLiteral("address"), registerText(text.firstRegister) },
-                    { QStringLiteral("count"), text.count },
-                    { QStringLiteral("replyLength"), frame.replyLength },
-                    { QStringLiteral("replyDataOffset"), frame.replyDataOffset } });
+        printJson({ { "frame", bytesText(bytes) },
+                    { "kind", text.kind },
+                    { "station", text.station },
+                    { "function", text.function },
+                    { "address", registerText(text.firstRegister) },
+                    { "count", text.count },
+                    { "replyLength", frame.replyLength },
+                    { "replyDataOffset", frame.replyDataOffset } });
         return;
     }
     printLine(bytesText(bytes));
     printLines(fieldLines(text));
-    printLine(
-        QStringLiteral(" expects %1 bytes%2")
-            .arg(frame.replyLength)
-            .arg(frame.replyDataLength > 0
-                     ? QStringLiteral(", registers from byte %1 on").arg(frame.replyDataOffset)
-                     : QStringLiteral(", an echo")));
+    printLine(filled(" expects %1 bytes%2", frame.replyLength,
+                     frame.replyDataLength > 0
+                         ? filled(", registers from byte %1 on", frame.replyDataOffset)
+                         : QStringLiteral(", an echo")));
 }
 
 /// Prints every frame that the driver builds until it has no request left.
@@ -76,12 +74,9 @@ int printFrames(host::Link &link, int expected, bool json)
     return printed;
 }
 
-int runRead(const Options &options)
+int runRead(const Options &options, std::unique_ptr<host::Plugin> plugin)
 {
     Failure failure;
-    auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
-    if (!plugin)
-        return complain(failure);
     QStringList words = options.words;
     const auto targets =
         parseCounted(words, options.count, options.station, ReadAccess, plugin->api(), &failure);
@@ -97,12 +92,9 @@ int runRead(const Options &options)
     return ExitDone;
 }
 
-int runWrite(const Options &options)
+int runWrite(const Options &options, std::unique_ptr<host::Plugin> plugin)
 {
     Failure failure;
-    auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
-    if (!plugin)
-        return complain(failure);
     const auto setting = parseSetting(options.words, options.station, plugin->api(), &failure);
     if (!setting)
         return complain(failure);
@@ -115,10 +107,10 @@ int runWrite(const Options &options)
     return complain({ ExitUsage, QStringLiteral("the driver builds no frame for it") });
 }
 
-Options &addCommon(Command &command, int (*run)(const Options &), const char *help,
-                   const char *offer)
+Options &addCommon(Command &command, int (*run)(const Options &, std::unique_ptr<host::Plugin>),
+                   const char *help, const char *offer)
 {
-    Options &options = command.action(run);
+    Options &options = driverAction(command, run);
     command.words("address", options.words, help, offer);
     command.number("--station", options.station, "station to ask", 1, lastStation);
     command.number("--block", options.block, "most registers of one request", 1, largestBlock);

@@ -106,16 +106,17 @@ Opinion aboutRequest(host::Link &link, const QByteArray &bytes, const FrameText 
         return { true, QStringLiteral("the driver builds no such request"), ExitDone };
     const QByteArray own = host::bytesOf(built);
     if (own != bytes)
-        return { true, QStringLiteral("the driver builds %1").arg(bytesText(own)), ExitDone };
+        return { true, filled("the driver builds %1", bytesText(own)), ExitDone };
     const Asked asked = *askedFor(text);
     if (isAcceptable(link.api(), asked, text))
         return { true, QStringLiteral("the driver builds the same bytes"), ExitDone };
-    return { true,
-             QStringLiteral("the driver builds the same bytes for %1 %2, count %3, which its "
-                            "address check refuses")
-                 .arg(asked.regType, host::addressText(asked.regType, asked.address))
-                 .arg(text.count),
-             ExitDone };
+    return {
+        true,
+        filled(
+            "the driver builds the same bytes for %1 %2, count %3, which its address check refuses",
+            asked.regType, host::addressText(asked.regType, asked.address), text.count),
+        ExitDone
+    };
 }
 
 Opinion aboutReply(host::Link &link, const QByteArray &request, const FrameText &asked,
@@ -126,41 +127,38 @@ Opinion aboutReply(host::Link &link, const QByteArray &request, const FrameText 
         return { true, QStringLiteral("the driver builds no such request"), ExitUsage };
     if (host::bytesOf(built) != request)
         return { true,
-                 QStringLiteral("the driver builds %1 in place of that request")
-                     .arg(bytesText(host::bytesOf(built))),
+                 filled("the driver builds %1 in place of that request",
+                        bytesText(host::bytesOf(built))),
                  ExitUsage };
     const host::ReplyVerdict verdict = host::checkReply(built, reply);
     QString errorText;
     const bool accepted = link.handReply(reply, &errorText) == ReplyAccepted;
     return { true,
-             QStringLiteral("the driver %1 it (%2); %3")
-                 .arg(accepted ? QStringLiteral("accepts") : QStringLiteral("refuses"), errorText,
-                      host::verdictText(verdict)),
+             filled("the driver %1 it (%2); %3",
+                    accepted ? QStringLiteral("accepts") : QStringLiteral("refuses"), errorText,
+                    host::verdictText(verdict)),
              causeCode(verdict) };
 }
 
 void print(const QByteArray &bytes, const FrameText &text, const Opinion &opinion, bool json)
 {
     if (!json) {
-        printLine(QStringLiteral("%1, %2 bytes").arg(text.kind).arg(bytes.size()));
+        printLine(filled("%1, %2 bytes", text.kind, bytes.size()));
         printLines(fieldLines(text));
         if (opinion.asked)
             printLine(QStringLiteral(" ") + opinion.text);
         return;
     }
     QJsonArray fields;
-    for (const FrameField &field : text.fields) {
-        fields.append(QJsonObject { { QStringLiteral("bytes"), bytesText(field.bytes) },
-                                    { QStringLiteral("name"), field.name },
-                                    { QStringLiteral("meaning"), field.meaning } });
-    }
-    QJsonObject object { { QStringLiteral("frame"), bytesText(bytes) },
-                         { QStringLiteral("kind"), text.kind },
-                         { QStringLiteral("crc"), text.crcIsRight },
-                         { QStringLiteral("fields"), fields } };
-    if (opinion.asked)
-        object.insert(QStringLiteral("driver"), opinion.text);
-    printJson(object);
+    for (const FrameField &field : text.fields)
+        fields.append(jsonOf({ { "bytes", bytesText(field.bytes) },
+                               { "name", field.name },
+                               { "meaning", field.meaning } }));
+    printJson({ { "frame", bytesText(bytes) },
+                { "kind", text.kind },
+                { "crc", text.crcIsRight },
+                { "fields", fields },
+                { "driver", valueIf(opinion.asked, opinion.text) } });
 }
 
 int runDecode(const Options &options)
@@ -173,7 +171,7 @@ int runDecode(const Options &options)
     if (!error.isEmpty())
         return complain({ ExitUsage, error });
     Failure failure;
-    auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
+    auto plugin = loadDriver(options.driver, &failure);
     if (!plugin)
         return complain(failure);
     host::LinkSettings settings;

@@ -27,11 +27,10 @@ void printFailure(const Session &session, const Target &target, const Failure &f
     complain(failure);
     if (!session.options().json)
         return;
-    QJsonObject object = registerJson(target.station, target.regType, target.address);
-    object.insert(QStringLiteral("error"),
-                  failure.code == ExitLine ? QStringLiteral("line")
-                                           : causeName(session.verdict().cause));
-    printJson(object);
+    const bool isLine = failure.code == ExitLine;
+    printJson(registerFacts(target.station, target.regType, target.address)
+              + Facts { { "error",
+                          isLine ? QStringLiteral("line") : causeName(session.verdict().cause) } });
 }
 
 int readAll(Session &session, const QVector<Target> &targets, const RegisterNames &names,
@@ -59,7 +58,7 @@ int readAll(Session &session, const QVector<Target> &targets, const RegisterName
 int runGet(const Options &options)
 {
     Failure failure;
-    const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    const auto editor = loadDriver(options.line.driver, &failure);
     if (!editor)
         return complain(failure);
     const QStringList words = wordsOrConfigured(options.words, options.line);

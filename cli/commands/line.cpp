@@ -39,25 +39,23 @@ void printPort(const host::PortInfo &port, bool json)
 {
     if (json) {
         QJsonArray holders;
-        for (const host::PortHolder &holder : port.holders) {
-            holders.append(QJsonObject { { QStringLiteral("process"), holder.process },
-                                         { QStringLiteral("program"), holder.program } });
-        }
-        printJson({ { QStringLiteral("device"), port.device },
-                    { QStringLiteral("lastingName"), port.lastingName },
-                    { QStringLiteral("description"), port.description },
-                    { QStringLiteral("holders"), holders } });
+        for (const host::PortHolder &holder : port.holders)
+            holders.append(
+                jsonOf({ { "process", holder.process }, { "program", holder.program } }));
+        printJson({ { "device", port.device },
+                    { "lastingName", port.lastingName },
+                    { "description", port.description },
+                    { "holders", holders } });
         return;
     }
     printLine(port.device);
     if (!port.lastingName.isEmpty())
-        printLine(QStringLiteral("  name  %1").arg(port.lastingName));
+        printLine(filled("  name  %1", port.lastingName));
     if (!port.description.isEmpty())
-        printLine(QStringLiteral("  is    %1").arg(port.description));
-    printLine(QStringLiteral("  held  %1")
-                  .arg(port.holders.isEmpty()
-                           ? QStringLiteral("by nobody seen")
-                           : QStringLiteral("by %1").arg(host::holderText(port.holders))));
+        printLine(filled("  is    %1", port.description));
+    printLine(filled("  held  %1",
+                     port.holders.isEmpty() ? QStringLiteral("by nobody seen")
+                                            : filled("by %1", host::holderText(port.holders))));
 }
 
 int runLine(const Options &options)
@@ -69,7 +67,7 @@ int runLine(const Options &options)
         for (const QString &device : options.devices) {
             const auto port = named(device, all);
             if (!port)
-                return complain({ ExitLine, QStringLiteral("no port %1").arg(device) });
+                return complain({ ExitLine, filled("no port %1", device) });
             ports.append(*port);
         }
     }

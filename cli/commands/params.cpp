@@ -28,10 +28,7 @@ struct Options {
 void showProgress(int done, int total)
 {
     if (isatty(STDERR_FILENO))
-        writeTalk(QStringLiteral("\r%1 of %2%3")
-                      .arg(done)
-                      .arg(total)
-                      .arg(QLatin1String(done == total ? "\r\x1b[K" : "\x1b[K")));
+        writeTalk(filled("\r%1 of %2%3", done, total, done == total ? "\r\x1b[K" : "\x1b[K"));
 }
 
 /// The station through the session's runtime; ends with Ctrl-C between two requests.
@@ -107,14 +104,9 @@ bool mayMeet(const Options &options, const host::ParameterSet &set, const char *
     const LineOptions &line = options.line;
     if (set.station == line.station || line.stationIsGiven)
         return true;
-    *failure = { ExitUsage,
-                 QStringLiteral("%1 is of station %2; to %3 station %4 say --station %4, else "
-                                "--station %2")
-                     .arg(options.files.constFirst())
-                     .arg(set.station)
-                     .arg(QString::fromLatin1(what))
-                     .arg(line.station) };
-    return false;
+    return fail(failure,
+                filled("%1 is of station %2; to %3 station %4 say --station %4, else --station %2",
+                       options.files.constFirst(), set.station, what, line.station));
 }
 
 void printSet(const host::ParameterSet &set, bool json)
@@ -123,22 +115,20 @@ void printSet(const host::ParameterSet &set, bool json)
         writeText(host::toText(set));
         return;
     }
-    for (auto it = set.values.cbegin(); it != set.values.cend(); ++it) {
-        QJsonObject object = registerJson(set.station, QStringLiteral("F"), it.key());
-        object.insert(QStringLiteral("value"), it.value());
-        printJson(object);
-    }
+    for (auto it = set.values.cbegin(); it != set.values.cend(); ++it)
+        printJson(registerFacts(set.station, QStringLiteral("F"), it.key())
+                  + Facts { { "value", it.value() } });
 }
 
 void printKept(const QString &file, const host::ParameterSet &set, bool json)
 {
     const int count = host::lengthOf(set.values);
-    print(json,
-          { { QStringLiteral("file"), file },
-            { QStringLiteral("parameters"), count },
-            { QStringLiteral("complete"), host::isComplete(set) } },
-          QStringLiteral("%1 in %2")
-              .arg(counted(static_cast<quint64>(count), "parameter", "parameters"), file));
+    print(
+        json,
+        { { "file", file },
+          { "parameters", count, counted(static_cast<quint64>(count), "parameter", "parameters") },
+          { "complete", host::isComplete(set) } },
+        "{parameters} in {file}");
 }
 
 int dumpToOutput(const Options &options)
@@ -179,7 +169,7 @@ int dumpToFile(const Options &options)
         set = *held; // goes on where it broke off
     const bool complete = readSet(options.line, set, &failure);
     if (!complete && host::isComplete(*held)) {
-        failure.text += QStringLiteral("; %1 stays as it was, a complete set").arg(file);
+        failure.text += filled("; %1 stays as it was, a complete set", file);
         return complain(failure);
     }
     QString error;
@@ -200,19 +190,14 @@ int runDump(const Options &options)
 
 void printDifferences(const QVector<host::ParameterDifference> &differences, bool json)
 {
-    for (const host::ParameterDifference &difference : differences) {
-        if (!json) {
-            printLine(difference.text());
-            continue;
-        }
-        QJsonObject object = registerJson(0, QStringLiteral("F"), difference.address);
-        object.remove(QStringLiteral("station"));
-        if (difference.first)
-            object.insert(QStringLiteral("first"), *difference.first);
-        if (difference.second)
-            object.insert(QStringLiteral("second"), *difference.second);
-        printJson(object);
-    }
+    const auto valueOf = [](const std::optional<quint16> &value) {
+        return valueIf(value.has_value(), value.value_or(0));
+    };
+    for (const host::ParameterDifference &difference : differences)
+        json ? printJson(registerFacts(QStringLiteral("F"), difference.address)
+                         + Facts { { "first", valueOf(difference.first) },
+                                   { "second", valueOf(difference.second) } })
+             : printLine(difference.text());
 }
 
 int runDiff(const Options &options)
@@ -234,7 +219,7 @@ int runDiff(const Options &options)
         return complain(failure);
     }
     if (first->station != second.station)
-        note(QStringLiteral("station %1 | station %2").arg(first->station).arg(second.station));
+        note(filled("station %1 | station %2", first->station, second.station));
     const auto differences = host::compare(*first, second);
     printDifferences(differences, options.line.json);
     return differences.isEmpty() ? ExitDone : ExitDiffers;
@@ -244,25 +229,19 @@ int runDiff(const Options &options)
 void printReport(const host::RestoreReport &report, int from, int to, bool json)
 {
     print(json,
-          { { QStringLiteral("fileStation"), from },
-            { QStringLiteral("station"), to },
-            { QStringLiteral("compared"), report.compared },
-            { QStringLiteral("written"), report.written },
-            { QStringLiteral("verified"), report.verified },
-            { QStringLiteral("refused"), QJsonArray::fromStringList(report.refused) },
-            { QStringLiteral("remaining"), host::lengthOf(report.remaining) },
-            { QStringLiteral("notLookedAt"), report.unseen },
-            { QStringLiteral("restored"), report.isRestored() } },
-          QStringLiteral("station %1 to station %2: %3 compared, %4 written, %5 verified\n"
-                         "%6 refused, %7 still different, %8 not looked at")
-              .arg(from)
-              .arg(to)
-              .arg(report.compared)
-              .arg(report.written)
-              .arg(report.verified)
-              .arg(report.refused.size())
-              .arg(report.remaining.size())
-              .arg(report.unseen));
+          { { "fileStation", from },
+            { "station", to },
+            { "compared", report.compared },
+            { "written", report.written },
+            { "verified", report.verified },
+            { "refused", QJsonArray::fromStringList(report.refused),
+              QString::number(report.refused.size()) },
+            { "remaining", host::lengthOf(report.remaining) },
+            { "notLookedAt", report.unseen },
+            { "restored", report.isRestored() } },
+          "station {fileStation} to station {station}: {compared} compared, {written} written, "
+          "{verified} verified\n"
+          "{refused} refused, {remaining} still different, {notLookedAt} not looked at");
 }
 
 int runRestore(const Options &options)
@@ -277,8 +256,8 @@ int runRestore(const Options &options)
     if (!session)
         return complain(failure);
     if (!host::isComplete(*wanted))
-        note(QStringLiteral("%1 is not complete; what it lacks stays as it is")
-                 .arg(options.files.constFirst()));
+        note(
+            filled("%1 is not complete; what it lacks stays as it is", options.files.constFirst()));
     Access access(*session);
     const host::RestoreReport report =
         host::restoreParameters(access, options.line.station, *wanted, showProgress);

@@ -49,19 +49,18 @@ void printAsJson(const host::Plan &plan, const host::LineSettings &line, host::D
                  const RegisterNames &names)
 {
     for (const KEY_ADDRESS &block : plan.blocks) {
-        QJsonObject object = registerJson(block.station, block.regType, block.address);
-        object.insert(QStringLiteral("count"), block.count);
-        object.insert(QStringLiteral("wireMs"),
-                      inMilliseconds(line.wireTime(frameBytes + 2 * block.count)));
         const QStringList known =
             names.namesIn(block.station, block.regType, block.address, block.count);
-        if (!known.isEmpty())
-            object.insert(QStringLiteral("names"), QJsonArray::fromStringList(known));
-        printJson(object);
+        const double wire = inMilliseconds(line.wireTime(frameBytes + 2 * block.count));
+        printJson(
+            registerFacts(block.station, block.regType, block.address)
+            + Facts { { "count", block.count },
+                      { "wireMs", wire },
+                      { "names", valueIf(!known.isEmpty(), QJsonArray::fromStringList(known)) } });
     }
-    printJson({ { QStringLiteral("blocks"), host::lengthOf(plan.blocks) },
-                { QStringLiteral("registers"), plan.wantedRegisters },
-                { QStringLiteral("cycleMs"), inMilliseconds(cycle) } });
+    printJson({ { "blocks", host::lengthOf(plan.blocks) },
+                { "registers", plan.wantedRegisters },
+                { "cycleMs", inMilliseconds(cycle) } });
 }
 
 void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::Duration cycle,
@@ -76,10 +75,9 @@ void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::
     printLine(QString());
     const auto registers = static_cast<quint64>(plan.wantedRegisters);
     const auto blocks = static_cast<quint64>(plan.blocks.size());
-    printLine(
-        QStringLiteral("%1 in %2")
-            .arg(counted(registers, "register", "registers"), counted(blocks, "block", "blocks")));
-    printLine(QStringLiteral("one round takes %1 ms").arg(millisecondsText(cycle)));
+    printLine(filled("%1 in %2", counted(registers, "register", "registers"),
+                     counted(blocks, "block", "blocks")));
+    printLine(filled("one round takes %1 ms", millisecondsText(cycle)));
 }
 
 int runPlan(const Options &options)
@@ -89,7 +87,7 @@ int runPlan(const Options &options)
         makePlan(wordsOrConfigured(options.words, options.line), options.line, &failure);
     if (!plan)
         return complain(failure);
-    const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    const auto editor = loadDriver(options.line.driver, &failure);
     if (!editor)
         return complain(failure);
     const RegisterNames names(options.line.plant, editor->api(), options.names);

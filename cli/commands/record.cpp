@@ -25,11 +25,10 @@ bool namesFile(const QStringList &words, Failure *failure)
     const QString &first = words.constFirst();
     if (!namesRegisters(first))
         return true;
-    *failure = { ExitUsage,
-                 QStringLiteral("\"%1\" is a register, and the file comes first: dx4 record "
-                                "line.pcap %2; a file of that name is ./%1")
-                     .arg(first, words.join(QLatin1Char(' '))) };
-    return false;
+    return fail(failure,
+                filled("\"%1\" is a register, and the file comes first: dx4 record line.pcap %2; a "
+                       "file of that name is ./%1",
+                       first, words.join(QLatin1Char(' '))));
 }
 
 /// Polls until it has had enough, or the file takes no more.
@@ -73,9 +72,10 @@ int runRecord(const Options &options)
     recording.add(ring.frames());
     recording.end();
     print(options.line.json,
-          { { QStringLiteral("file"), file },
-            { QStringLiteral("frames"), static_cast<qint64>(recording.frames()) } },
-          QStringLiteral("%1 in %2").arg(counted(recording.frames(), "frame", "frames"), file));
+          { { "file", file },
+            { "frames", static_cast<qint64>(recording.frames()),
+              counted(recording.frames(), "frame", "frames") } },
+          "{frames} in {file}");
     if (recording.failed())
         return complain({ ExitFailed, recording.error() });
     return codeOfEnd(*session, end, options.rounds > 0, nullptr, stopped);

@@ -58,14 +58,13 @@ int report(const host::ReplayResult &result)
     note(counted(static_cast<quint64>(result.played), "request", "requests")
          + QStringLiteral(" played"));
     if (result.unrecorded > 0)
-        note(QStringLiteral("%1 of the driver left out, as the recording does not have them there")
-                 .arg(counted(static_cast<quint64>(result.unrecorded), "request", "requests")));
+        note(filled("%1 of the driver left out, as the recording does not have them there",
+                    counted(static_cast<quint64>(result.unrecorded), "request", "requests")));
     if (result.complete)
         return ExitDone;
     return complain({ ExitFailed,
-                      QStringLiteral("the driver does not send %1; name the registers that "
-                                     "were polled")
-                          .arg(result.stoppedAt) });
+                      filled("the driver does not send %1; name the registers that were polled",
+                             result.stoppedAt) });
 }
 
 int runReplay(const Options &options)
@@ -83,7 +82,7 @@ int runReplay(const Options &options)
             return complain(failure);
         blocks = plan->blocks;
     }
-    auto plugin = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    auto plugin = loadDriver(options.line.driver, &failure);
     if (!plugin)
         return complain(failure);
     host::ReplayLine line(*frames, options.line.plant.line);

@@ -63,10 +63,7 @@ public:
         const QString settings =
             m_round.settings.isEmpty() ? QString() : m_round.settings + QStringLiteral(", ");
         const QString bar = QString(done, QLatin1Char('#')).leftJustified(barWidth);
-        writeTalk(QStringLiteral("\r[%1] %2station %3, %4 found\x1b[K")
-                      .arg(bar, settings)
-                      .arg(station)
-                      .arg(found));
+        writeTalk(filled("\r[%1] %2station %3, %4 found\x1b[K", bar, settings, station, found));
     }
 
     void clear()
@@ -84,15 +81,14 @@ private:
 
 void printFound(int station, const QString &how, const LineOptions &line, const Round &round)
 {
-    QJsonObject object { { QStringLiteral("station"), station }, { QStringLiteral("reply"), how } };
-    if (!round.settings.isEmpty()) {
-        object.insert(QStringLiteral("speed"), line.plant.line.speed);
-        object.insert(QStringLiteral("format"), formatText(line.plant.line));
-    }
-    const QString settings =
-        round.settings.isEmpty() ? QString() : round.settings + QStringLiteral(", ");
-    print(line.json, object,
-          QStringLiteral("%1station %2: %3").arg(settings).arg(station).arg(how));
+    const bool isNamed = !round.settings.isEmpty();
+    const host::LineSettings &settings = line.plant.line;
+    print(line.json,
+          { { "station", station },
+            { "reply", how },
+            { "speed", valueIf(isNamed, settings.speed) },
+            { "format", valueIf(isNamed, formatText(settings)) } },
+          isNamed ? "{speed} {format}, station {station}: {reply}" : "station {station}: {reply}");
 }
 
 /// How the station answered a read of its status word; empty when it is silent.
@@ -105,7 +101,7 @@ QString ask(Session &session, int station, bool soundOnly, Failure *failure)
     const auto values = session.read(status, failure);
     if (values) {
         *failure = { ExitDone, QString() };
-        return QStringLiteral("status word %1").arg(hex(values->constFirst(), 4));
+        return filled("status word %1", hex(values->constFirst(), 4));
     }
     if (failure->code == ExitLine || failure->code == ExitInterrupted)
         return QString();
@@ -117,14 +113,14 @@ QString ask(Session &session, int station, bool soundOnly, Failure *failure)
 int endEarly(const Options &options, const ScanState &state, const ScanKeeper &keeper,
              const Round &round, Failure failure)
 {
-    const QString how = keeper.isKept() ? QStringLiteral("--resume %1").arg(options.resume)
-                                        : QStringLiteral("--from %1").arg(state.next);
+    const QString how =
+        keeper.isKept() ? filled("--resume %1", options.resume) : filled("--from %1", state.next);
     if (failure.code == ExitInterrupted)
-        failure.text += QStringLiteral(" before station %1").arg(state.next);
+        failure.text += filled(" before station %1", state.next);
     if (failure.code == ExitInterrupted && !interrupted())
         failure.code = ExitDone; // the reader had enough
-    failure.text += round.settings.isEmpty() ? QStringLiteral("; go on with %1").arg(how)
-                                             : QStringLiteral(" at %1").arg(round.settings);
+    failure.text += round.settings.isEmpty() ? filled("; go on with %1", how)
+                                             : filled(" at %1", round.settings);
     return complain(failure);
 }
 
@@ -155,7 +151,7 @@ std::optional<ScanState> fromTheStart(int from, int to, Failure *failure)
 {
     if (from <= to)
         return ScanState { from, to, from, {} };
-    return refuse(failure, QStringLiteral("--to %1 is below --from %2").arg(to).arg(from));
+    return refuse(failure, filled("--to %1 is below --from %2", to, from));
 }
 
 /// The stations that are asked for; what is not said stays as it is in the file.
@@ -166,12 +162,9 @@ std::optional<ScanState> goneOn(const Options &options, const ScanState &saved, 
     if (goesOn(saved, from, to))
         return ScanState { from, to, saved.next, saved.found };
     return refuse(failure,
-                  QStringLiteral("%1: its scan of stations %2 to %3 goes on with station %4; leave "
-                                 "--from and --to out, or name another file with --resume")
-                      .arg(options.resume)
-                      .arg(saved.from)
-                      .arg(saved.to)
-                      .arg(saved.next));
+                  filled("%1: its scan of stations %2 to %3 goes on with station %4; leave --from "
+                         "and --to out, or name another file with --resume",
+                         options.resume, saved.from, saved.to, saved.next));
 }
 
 /// Where the scan begins: anew, or where the file says.
@@ -186,10 +179,10 @@ std::optional<ScanState> beginning(const Options &options, Failure *failure)
     const auto saved = loadScanState(options.resume);
     if (saved)
         return goneOn(options, *saved, failure);
-    return refuse(failure, // the end of the scan would remove it
-                  QStringLiteral("%1: not the state of a scan; name another file with --resume")
-                      .arg(options.resume),
-                  ExitFailed);
+    return refuse(
+        failure, // the end of the scan would remove it
+        filled("%1: not the state of a scan; name another file with --resume", options.resume),
+        ExitFailed);
 }
 
 /// @param found  nothing where the port did not take the settings
@@ -202,12 +195,6 @@ void printSummary(const host::LineSettings &line, const std::optional<QVector<in
         words.append(QString::number(station));
         stations.append(station);
     }
-    if (json)
-        return printJson(
-            { { QStringLiteral("event"), QStringLiteral("settings") },
-              { QStringLiteral("speed"), line.speed },
-              { QStringLiteral("format"), formatText(line) },
-              { QStringLiteral("stations"), found ? QJsonValue(stations) : QJsonValue() } });
     QString what = words.join(QStringLiteral(", "));
     if (!found)
         what = QStringLiteral("not taken by the port");
@@ -215,7 +202,12 @@ void printSummary(const host::LineSettings &line, const std::optional<QVector<in
         what = QStringLiteral("nothing");
     else
         what.prepend(words.size() == 1 ? QStringLiteral("station ") : QStringLiteral("stations "));
-    printLine(QStringLiteral("%1 %2: %3").arg(line.speed).arg(formatText(line), what));
+    print(json,
+          { { "event", QStringLiteral("settings") },
+            { "speed", line.speed },
+            { "format", formatText(line) },
+            { "stations", found ? QJsonValue(stations) : QJsonValue(), what } },
+          "{speed} {format}: {stations}");
 }
 
 /// Scans with one setting of the line after the other, and says at the end which found what.
@@ -230,7 +222,7 @@ int scanSettings(const Options &options)
     bool isAny = false;
     for (const host::LineSettings &line : *all) {
         const Round round { host::lengthOf(found), host::lengthOf(*all),
-                            QStringLiteral("%1 %2").arg(line.speed).arg(formatText(line)) };
+                            filled("%1 %2", line.speed, formatText(line)) };
         LineOptions own = options.line;
         own.plant.line = line;
         ScanState state = *begin;

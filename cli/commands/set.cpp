@@ -18,7 +18,7 @@ struct Options {
 int runSet(const Options &options)
 {
     Failure failure;
-    const auto editor = loadDriver(options.line.driver, host::Plugin::Instance::Shared, &failure);
+    const auto editor = loadDriver(options.line.driver, &failure);
     if (!editor)
         return complain(failure);
     const auto settings = parseSettings(options.words, usualStation(options.line),

@@ -50,29 +50,26 @@ QVector<QPair<int, int>> acceptedRuns(const host::DriverApi &api, const QString 
     return runs;
 }
 
-QStringList descriptionOf(const host::DriverApi &api, const QString &regType)
+/// A row of the catalogue.
+Facts catalogueFacts(const host::DriverApi &api, const QString &regType)
 {
     QList<QString> texts;
     api.getRegDiscription(regType, &texts);
-    return QStringList(texts);
+    return { { "type", regType },
+             { "format", texts.value(FormatColumn) },
+             { "lowest", texts.value(LowestColumn) },
+             { "highest", texts.value(HighestColumn) },
+             { "access", accessText(texts.value(AccessColumn)) } };
 }
 
 void printAsJson(const host::DriverApi &api, const QString &regType)
 {
-    const QStringList texts = descriptionOf(api, regType);
     QJsonArray runs;
-    for (const auto &run : acceptedRuns(api, regType)) {
-        runs.append(QJsonObject {
-            { QStringLiteral("first"), host::addressText(regType, run.first) },
-            { QStringLiteral("last"), host::addressText(regType, run.second) },
-            { QStringLiteral("firstRegister"), host::modbusRegister(regType, run.first) } });
-    }
-    printJson({ { QStringLiteral("type"), regType },
-                { QStringLiteral("format"), texts.value(FormatColumn) },
-                { QStringLiteral("lowest"), texts.value(LowestColumn) },
-                { QStringLiteral("highest"), texts.value(HighestColumn) },
-                { QStringLiteral("access"), accessText(texts.value(AccessColumn)) },
-                { QStringLiteral("accepted"), runs } });
+    for (const auto &run : acceptedRuns(api, regType))
+        runs.append(jsonOf({ { "first", host::addressText(regType, run.first) },
+                             { "last", host::addressText(regType, run.second) },
+                             { "firstRegister", host::modbusRegister(regType, run.first) } }));
+    printJson(catalogueFacts(api, regType) + Facts { { "accepted", runs } });
 }
 
 void printAsTable(const host::DriverApi &api, const QList<QString> &types)
@@ -82,9 +79,7 @@ void printAsTable(const host::DriverApi &api, const QList<QString> &types)
                                        QStringLiteral("Access") } };
     QVector<QStringList> accepted { { QStringLiteral("Accepted from"), QStringLiteral("to") } };
     for (const QString &regType : types) {
-        const QStringList texts = descriptionOf(api, regType);
-        catalogue.append({ regType, texts.value(FormatColumn), texts.value(LowestColumn),
-                           texts.value(HighestColumn), accessText(texts.value(AccessColumn)) });
+        catalogue.append(cellsOf(catalogueFacts(api, regType)));
         for (const auto &run : acceptedRuns(api, regType))
             accepted.append(
                 { host::fullAddress(regType, run.first), host::fullAddress(regType, run.second) });
@@ -94,12 +89,8 @@ void printAsTable(const host::DriverApi &api, const QList<QString> &types)
     printLines(columns(accepted));
 }
 
-int runTypes(const Options &options)
+int runTypes(const Options &options, std::unique_ptr<host::Plugin> plugin)
 {
-    Failure failure;
-    const auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, &failure);
-    if (!plugin)
-        return complain(failure);
     QList<QString> types;
     plugin->api().getRegListByType(everyType, &types);
     if (!options.json)
@@ -115,7 +106,7 @@ int runTypes(const Options &options)
 
 void describeTypes(Command &command)
 {
-    Options &options = command.action(runTypes);
+    Options &options = driverAction(command, runTypes);
     addDriverOption(command, options.driver);
     command.flag("--json", options.json, "print one JSON object per type");
     command.example("dx4 types", "the catalogue");

@@ -31,19 +31,6 @@ struct Options {
     bool names = false;
 };
 
-QVector<WatchedValue> watched(const QVector<Target> &targets, const RegisterNames &names,
-                              const Pair &pair)
-{
-    QVector<WatchedValue> values;
-    for (const Target &target : targets) {
-        for (int i = 0; i < target.count; i += pair.length()) {
-            values.append(names.of(target.station, target.regType, target.address + i));
-            values.last().pair = pair;
-        }
-    }
-    return values;
-}
-
 WatchStyle styleOf(const Options &options)
 {
     WatchStyle style;
@@ -146,8 +133,8 @@ int runWatch(const Options &options)
     if (!targets || !arePairs(*targets, *pair, &failure)
         || !areReadTogether(*targets, *plan, *pair, &failure))
         return complain(failure);
-    WatchList list(watched(*targets, RegisterNames(options.line.plant, api, options.names), *pair),
-                   session->runtime());
+    const RegisterNames names(options.line.plant, api, options.names);
+    WatchList list(names.of(*targets, *pair), session->runtime());
     session->runtime().setPlan(*plan);
     const qint64 blocks = host::lengthOf(plan->blocks);
     PollEnd end = PollEnd::Enough;

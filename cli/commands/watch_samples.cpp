@@ -18,9 +18,8 @@ constexpr int mostAtOnce = 100;
 /// "1:D 0", as the register is named on the command line.
 QString keyOf(const WatchedValue &what)
 {
-    return QStringLiteral("%1:%2 %3")
-        .arg(what.station)
-        .arg(what.regType, host::addressText(what.regType, what.address));
+    return filled("%1:%2 %3", what.station, what.regType,
+                  host::addressText(what.regType, what.address));
 }
 
 /// "1:D 0 Output frequency (Hz)".
@@ -30,7 +29,7 @@ QString headOf(const WatchedValue &what)
     if (!what.name.isEmpty())
         head += QLatin1Char(' ') + what.name;
     if (!what.scaling.unit.isEmpty())
-        head += QStringLiteral(" (%1)").arg(what.scaling.unit);
+        head += filled(" (%1)", what.scaling.unit);
     return head;
 }
 
@@ -79,14 +78,14 @@ public:
         m_stamp.setNow(elapsed);
         sayUnshown(elapsed);
         if (isJson())
-            printEvent("end", countersJson(counters), elapsed);
+            printEvent("end", countersFacts(counters), elapsed);
     }
 
 private:
     void print(const WatchList &list) const
     {
         if (isJson())
-            return printEvent("sample", objectOf(list), m_next);
+            return printEvent("sample", factsOf(list), m_next);
         QStringList cells { m_stamp.text(m_next) };
         for (const WatchRow &row : list.rows())
             cells.append(isGood(row.state) ? numberText(row) : QString());
@@ -99,14 +98,14 @@ private:
         return row.what.bits ? QString::number(row.number()) : formatValue(row.what, row.number());
     }
 
-    static QJsonObject objectOf(const WatchList &list)
+    static Facts factsOf(const WatchList &list)
     {
         QJsonObject samples;
         for (const WatchRow &row : list.rows())
             samples.insert(keyOf(row.what),
                            isGood(row.state) ? QJsonValue(numberText(row).toDouble())
                                              : QJsonValue());
-        return { { QStringLiteral("values"), samples } };
+        return { { "values", samples } };
     }
 
     void sayUnshown(host::Duration elapsed)

@@ -55,11 +55,8 @@ private:
     QStringList progress(const host::CounterSet &counters, host::Duration elapsed) const
     {
         const QString text = m_terminal.styled(countersText(counters), Terminal::Style::Dim);
-        return {
-            QString(),
-            QStringLiteral("%1 of %2 s  %3").arg(secondsText(elapsed)).arg(m_seconds).arg(text),
-            m_notice
-        };
+        return { QString(), filled("%1 of %2 s  %3", secondsText(elapsed), m_seconds, text),
+                 m_notice };
     }
 
     QStringList footOf(const host::CounterSet &counters) const
@@ -119,7 +116,7 @@ public:
         m_held.drop();
         printUnshown(m_held.takeUnshown(), "change", "changes", elapsed);
         if (isJson())
-            printEvent("end", countersJson(counters), elapsed);
+            printEvent("end", countersFacts(counters), elapsed);
         else if (m_form == Form::Text)
             printLine(countersText(counters));
     }
@@ -167,40 +164,22 @@ private:
     {
         switch (m_form) {
         case Form::Json:
-            return printEvent("value", rowJson(row), elapsed);
+            return printEvent("value", factsOf(row), elapsed);
         case Form::Csv:
-            return printLine(csvLine(rowCells(row, elapsed)));
+            return printLine(
+                csvLine(QStringList { m_stamp.text(elapsed) } + cellsOf(factsOf(row))));
         case Form::Text:
             return printLine(rowText(row, elapsed));
         }
     }
 
-    static QJsonObject rowJson(const WatchRow &row)
+    static Facts factsOf(const WatchRow &row)
     {
         const WatchedValue &what = row.what;
-        QJsonObject object = registerJson(what.station, what.regType, what.address);
-        object.insert(QStringLiteral("state"), stateText(row.state));
-        if (row.state.known)
-            describe(object, what, row.number());
-        return object;
-    }
-
-    QStringList rowCells(const WatchRow &row, host::Duration elapsed) const
-    {
-        const WatchedValue &what = row.what;
-        const bool known = row.state.known;
-        const auto number = static_cast<unsigned>(host::modbusRegister(what.regType, what.address));
-        return { m_stamp.text(elapsed),
-                 QString::number(what.station),
-                 what.regType,
-                 host::addressText(what.regType, what.address),
-                 hex(number, 4),
-                 known ? numberText(what, row.number()) : QString(),
-                 stateText(row.state),
-                 what.name,
-                 known ? formatValue(what, row.number()) : QString(),
-                 what.scaling.unit,
-                 known ? meaningText(what, row.number()) : QString() };
+        Facts facts =
+            valueFacts(what, row.state.known ? std::optional(row.number()) : std::nullopt);
+        facts.insert(1, { "state", stateText(row.state) });
+        return registerFacts(what.station, what.regType, what.address) + facts;
     }
 
     QString rowText(const WatchRow &row, host::Duration elapsed) const
@@ -215,10 +194,9 @@ private:
             shown = state;
         else if (row.state.stale)
             shown += QStringLiteral("  ") + state;
-        return QStringLiteral("%1  %2  %3  %4  %5")
-            .arg(m_stamp.column(elapsed))
-            .arg(what.station)
-            .arg(host::fullAddress(what.regType, what.address).leftJustified(16), shown, what.name)
+        return filled("%1  %2  %3  %4  %5", m_stamp.column(elapsed), what.station,
+                      host::fullAddress(what.regType, what.address).leftJustified(16), shown,
+                      what.name)
             .trimmed();
     }
 
@@ -228,11 +206,9 @@ private:
 
 } // namespace
 
-void RunningView::printEvent(const char *event, QJsonObject object, host::Duration elapsed) const
+void RunningView::printEvent(const char *event, const Facts &facts, host::Duration elapsed) const
 {
-    object.insert(QStringLiteral("event"), QString::fromLatin1(event));
-    m_stamp.add(object, elapsed);
-    printJson(object);
+    printJson(Facts { { "event", QLatin1String(event) } } + m_stamp.facts(elapsed) + facts);
 }
 
 void RunningView::printUnshown(int count, const char *one, const char *many,
@@ -241,7 +217,7 @@ void RunningView::printUnshown(int count, const char *one, const char *many,
     if (count == 0)
         return;
     if (isJson())
-        return printEvent("held", { { QStringLiteral("not_shown"), count } }, elapsed);
+        return printEvent("held", { { "not_shown", count } }, elapsed);
     const QString text =
         counted(static_cast<quint64>(count), one, many) + QStringLiteral(" not shown");
     if (m_form == WatchStyle::Form::Text)

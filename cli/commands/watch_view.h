@@ -64,7 +64,7 @@ public:
 
 protected:
     bool isJson() const { return m_form == WatchStyle::Form::Json; }
-    void printEvent(const char *event, QJsonObject object, host::Duration elapsed) const;
+    void printEvent(const char *event, const Facts &facts, host::Duration elapsed) const;
 
     /// How much was passed over, such as "3 changes"; nothing where that is 0.
     void printUnshown(int count, const char *one, const char *many, host::Duration elapsed) const;

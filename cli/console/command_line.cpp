@@ -74,14 +74,13 @@ void Command::addOption(const char *option, const char *help, const QString &typ
 void Command::number(const char *option, int &value, const char *help, int lowest, int highest,
                      bool *isGiven)
 {
-    const QString allowed = QStringLiteral("%1 to %2").arg(lowest).arg(highest);
+    const QString allowed = filled("%1 to %2", lowest, highest);
     const auto check = [=](const QString &word) {
         const std::optional<int> number = host::parseWholeNumber(word);
         if (number && *number >= lowest && *number <= highest)
             return QString();
         const char *what = number ? "is out of range" : "is no whole number";
-        return QStringLiteral("\"%1\" %2; %3 is allowed")
-            .arg(word, QString::fromLatin1(what), allowed);
+        return filled("\"%1\" %2; %3 is allowed", word, what, allowed);
     };
     const auto take = [&value, isGiven](const QString &given) {
         value = host::parseWholeNumber(given).value_or(value);
@@ -89,7 +88,7 @@ void Command::number(const char *option, int &value, const char *help, int lowes
             *isGiven = true;
     };
     const bool isUsual = value >= lowest && value <= highest; // else it stands for "not given"
-    addOption(option, help, QStringLiteral("[%1-%2]").arg(lowest).arg(highest), check, take,
+    addOption(option, help, filled("[%1-%2]", lowest, highest), check, take,
               isUsual ? QString::number(value) : QString());
 }
 
@@ -98,24 +97,24 @@ void Command::text(const char *option, QString &value, const char *help, const c
     const QString type = QString::fromLatin1(placeholder);
     // A script whose variable is empty must not do the same as one that leaves the option out.
     const auto check = [type](const QString &given) {
-        return given.isEmpty() ? QStringLiteral("nothing given; %1 is needed").arg(type)
-                               : QString();
+        return given.isEmpty() ? filled("nothing given; %1 is needed", type) : QString();
     };
     addOption(
         option, help, type, check, [&value](const QString &given) { value = given; }, value);
 }
 
-void Command::choice(const char *option, QString &value, const char *help, const QStringList &valid)
+void Command::choice(const char *option, QString &value, const char *help, const char *choices)
 {
+    const QString type = QString::fromLatin1(choices);
+    const QStringList valid = type.split(QLatin1Char('|'));
     const auto check = [valid](const QString &word) {
         return valid.contains(word)
             ? QString()
-            : QStringLiteral("\"%1\" is none of %2%3")
-                  .arg(word, valid.join(QStringLiteral(", ")), suggestion(word, valid));
+            : filled("\"%1\" is none of %2%3", word, valid.join(QStringLiteral(", ")),
+                     suggestion(word, valid));
     };
     addOption(
-        option, help, valid.join(QLatin1Char('|')), check,
-        [&value](const QString &given) { value = given; }, value);
+        option, help, type, check, [&value](const QString &given) { value = given; }, value);
 }
 
 void Command::flag(const char *option, bool &value, const char *help)
@@ -226,7 +225,7 @@ int CommandLine::execute(const QStringList &arguments)
     const Place place = findPlace(*m_app, arguments);
     const QString empty = optionWithoutValue(place);
     if (!empty.isEmpty())
-        return refuse(place, QStringLiteral("%1: nothing given behind \"=\"").arg(empty));
+        return refuse(place, filled("%1: nothing given behind \"=\"", empty));
     try {
         std::vector<std::string> words; // the last one first, as the parser takes them
         for (const QString &argument : arguments)

@@ -35,8 +35,8 @@ public:
     /// An option with a text. @param placeholder  how the help calls it
     void text(const char *option, QString &value, const char *help, const char *placeholder);
 
-    /// An option with one of several texts.
-    void choice(const char *option, QString &value, const char *help, const QStringList &valid);
+    /// An option with one of several texts, "high|low".
+    void choice(const char *option, QString &value, const char *help, const char *valid);
     void flag(const char *option, bool &value, const char *help);
 
     /// Two options of this command that contradict each other: a user who gives both is told so.

@@ -24,16 +24,6 @@ void printLines(const QStringList &lines)
         printLine(line);
 }
 
-void printJson(const QJsonObject &object)
-{
-    printLine(jsonText(object));
-}
-
-void print(bool json, const QJsonObject &object, const QString &line)
-{
-    printLine(json ? jsonText(object) : line);
-}
-
 QString jsonText(const QJsonObject &object)
 {
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
@@ -44,8 +34,7 @@ bool canBeWritten(const QString &file, Failure *failure)
     QString error;
     if (host::canReplaceFile(file, &error))
         return true;
-    *failure = { ExitFailed, error };
-    return false;
+    return fail(failure, error, ExitFailed);
 }
 
 QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightAligned)
@@ -75,7 +64,7 @@ QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightA
 
 QString counted(quint64 count, const char *one, const char *many)
 {
-    return QStringLiteral("%1 %2").arg(count).arg(QString::fromLatin1(count == 1 ? one : many));
+    return filled("%1 %2", count, count == 1 ? one : many);
 }
 
 QString csvLine(const QStringList &cells)
@@ -119,8 +108,8 @@ QStringList indented(const QString &head, const QStringList &words)
 
 QString hex(unsigned value, int digits)
 {
-    return QStringLiteral("0x%1").arg(
-        QString::number(value, 16).toUpper().rightJustified(digits, QLatin1Char('0')));
+    return filled("0x%1",
+                  QString::number(value, 16).toUpper().rightJustified(digits, QLatin1Char('0')));
 }
 
 } // namespace dx4::cli

@@ -3,10 +3,8 @@
 #pragma once
 
 #include "cli/console/exit_code.h"
+#include "cli/console/facts.h"
 #include "cli/console/standard_streams.h"
-
-#include <QJsonObject>
-#include <QStringList>
 
 namespace dx4::cli {
 
@@ -14,13 +12,7 @@ namespace dx4::cli {
 void printLine(const QString &line);
 void printLines(const QStringList &lines);
 
-/// One JSON object on a line of its own.
-void printJson(const QJsonObject &object);
-
-/// One or the other.
-void print(bool json, const QJsonObject &object, const QString &line);
-
-/// The object as printJson() writes it.
+/// The object as it is printed.
 QString jsonText(const QJsonObject &object);
 
 /// Whether a file can be written, asked before there is anything to lose; leaves the file alone.

@@ -40,11 +40,9 @@ QString TimeStamp::column(host::Duration elapsed) const
     return m_clock ? text(elapsed) : text(elapsed).rightJustified(8) + QStringLiteral(" s");
 }
 
-void TimeStamp::add(QJsonObject &object, host::Duration elapsed) const
+Facts TimeStamp::facts(host::Duration elapsed) const
 {
-    object.insert(QStringLiteral("time"), inSeconds(elapsed));
-    if (m_clock)
-        object.insert(QStringLiteral("clock"), text(elapsed));
+    return { { "time", inSeconds(elapsed) }, { "clock", valueIf(m_clock, text(elapsed)) } };
 }
 
 } // namespace dx4::cli

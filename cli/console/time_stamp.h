@@ -2,9 +2,8 @@
 // When something happened, as seconds since the start or as a time of day.
 #pragma once
 
+#include "cli/console/facts.h"
 #include "host/line/line_settings.h"
-
-#include <QJsonObject>
 
 namespace dx4::cli {
 
@@ -36,8 +35,8 @@ public:
     /// For a line that is read: "  12.345 s", or the time of day.
     QString column(host::Duration elapsed) const;
 
-    /// Adds "time", in seconds, and with a clock "clock", the time of day.
-    void add(QJsonObject &object, host::Duration elapsed) const;
+    /// "time", in seconds, and with a clock "clock", the time of day.
+    Facts facts(host::Duration elapsed) const;
 
 private:
     bool m_clock;

@@ -6,6 +6,9 @@
 #include "cli/console/exit_code.h"
 #include "host/link/plugin.h"
 
+#include <memory>
+#include <utility>
+
 namespace dx4::cli {
 
 /// The option --driver.
@@ -15,7 +18,21 @@ void addDriverOption(Command &command, QString &path);
 ///
 /// @param path  what the user asked for; empty when nothing
 /// @return null with the failure told
-std::unique_ptr<host::Plugin> loadDriver(const QString &path, host::Plugin::Instance instance,
-                                         Failure *failure);
+std::unique_ptr<host::Plugin> loadDriver(const QString &path, Failure *failure);
+
+/// What a command does with the driver alone, which is loaded first.
+///
+/// @return its options, which have the driver's path as `driver`
+template <typename Options>
+Options &driverAction(Command &command, int (*run)(const Options &, std::unique_ptr<host::Plugin>))
+{
+    const auto options = std::make_shared<Options>();
+    command.action([options, run] {
+        Failure failure;
+        auto plugin = loadDriver(options->driver, &failure);
+        return plugin ? run(*options, std::move(plugin)) : complain(failure);
+    });
+    return *options;
+}
 
 } // namespace dx4::cli

@@ -40,7 +40,7 @@ void fillIn(LineOptions &options, const host::Config &config)
         options.block = config.link.blockSize;
     for (const host::StationConfig &station : config.stations) {
         for (const host::RegisterConfig &entry : station.registers)
-            options.registers.append(QStringLiteral("%1:%2").arg(station.address).arg(entry.at));
+            options.registers.append(filled("%1:%2", station.address, entry.at));
     }
 }
 
@@ -84,9 +84,9 @@ QString stationsText(const host::Config &config)
     for (const host::StationConfig &station : config.stations)
         addresses.append(QString::number(station.address));
     if (addresses.size() == 1)
-        return QStringLiteral("station %1").arg(addresses.constFirst());
+        return filled("station %1", addresses.constFirst());
     const QString last = addresses.takeLast();
-    return QStringLiteral("stations %1 and %2").arg(addresses.join(QStringLiteral(", ")), last);
+    return filled("stations %1 and %2", addresses.join(QStringLiteral(", ")), last);
 }
 
 /// Where a configuration has one station alone, that is meant; of several, none is. Without a
@@ -135,7 +135,7 @@ int readConfiguration(LineOptions &options)
     for (const host::ConfigError &error : std::as_const(errors))
         complain({ ExitUsage, error.in(options.config) });
     if (!config && !usual.file.isEmpty())
-        note(QStringLiteral("%1 %2").arg(options.config, usual.origin));
+        note(filled("%1 %2", options.config, usual.origin));
     if (!config)
         return ExitUsage;
     complete(options, *config);
@@ -149,17 +149,16 @@ UsualStation usualStation(const LineOptions &options)
 {
     if (options.station > 0)
         return { options.station };
-    return { 0, QStringLiteral("%1 has %2").arg(options.config, stationsText(options.plant)) };
+    return { 0, filled("%1 has %2", options.config, stationsText(options.plant)) };
 }
 
 bool namesStation(const LineOptions &options, Failure *failure)
 {
     if (options.station > 0)
         return true;
-    *failure = { ExitUsage,
-                 QStringLiteral("%1 has %2; name one with --station")
-                     .arg(options.config, stationsText(options.plant)) };
-    return false;
+    return fail(
+        failure,
+        filled("%1 has %2; name one with --station", options.config, stationsText(options.plant)));
 }
 
 bool mayDrive(const LineOptions &options, int station, Failure *failure)
@@ -171,12 +170,10 @@ bool mayDrive(const LineOptions &options, int station, Failure *failure)
         return namesStation(options, failure);
     if (isKnown || all.isEmpty())
         return true;
-    *failure = { ExitUsage,
-                 QStringLiteral("station %1 is not in %2, which has %3; name one of the file, or "
-                                "leave --config out")
-                     .arg(station)
-                     .arg(options.config, stationsText(options.plant)) };
-    return false;
+    return fail(
+        failure,
+        filled("station %1 is not in %2, which has %3; name one of the file, or leave --config out",
+               station, options.config, stationsText(options.plant)));
 }
 
 void addLineOptions(Command &command, LineOptions &options)
@@ -191,8 +188,7 @@ void addLineOptions(Command &command, LineOptions &options)
                    fastestSpeed);
     command.choice("--format", options.format,
                    "data bits, parity, stop bits; else the file's, or 8N1",
-                   { QStringLiteral("8N1"), QStringLiteral("8N2"), QStringLiteral("8E1"),
-                     QStringLiteral("8E2"), QStringLiteral("8O1"), QStringLiteral("8O2") });
+                   "8N1|8N2|8E1|8E2|8O1|8O2");
     command.number("--station", options.station,
                    "of addresses that name none; else the file's, or 1", 1, lastStation,
                    &options.stationIsGiven);
@@ -218,9 +214,7 @@ void addLineOptions(Command &command, LineOptions &options)
 
 QString formatText(const host::LineSettings &line)
 {
-    return QStringLiteral("8%1%2")
-        .arg(parityLetters().at(static_cast<int>(line.parity)))
-        .arg(line.stopBits);
+    return filled("8%1%2", parityLetters().at(static_cast<int>(line.parity)), line.stopBits);
 }
 
 std::optional<host::Parity> parityOf(const QString &letter)

@@ -57,10 +57,10 @@ bool saveScanState(const QString &file, const ScanState &state, QString *error)
     QJsonArray found;
     for (const int station : state.found)
         found.append(station);
-    const QString text = jsonText({ { QStringLiteral("from"), state.from },
-                                    { QStringLiteral("to"), state.to },
-                                    { QStringLiteral("next"), state.next },
-                                    { QStringLiteral("found"), found } });
+    const QString text = jsonText(jsonOf({ { "from", state.from },
+                                           { "to", state.to },
+                                           { "next", state.next },
+                                           { "found", found } }));
     return host::replaceFile(file, text.toUtf8() + '\n', error);
 }
 
@@ -75,7 +75,7 @@ void ScanKeeper::keep(const ScanState &state)
     if (m_file.isEmpty() || m_failed || saveScanState(m_file, state, &error))
         return;
     m_failed = true;
-    note(QStringLiteral("the state is not kept: %1").arg(error));
+    note(filled("the state is not kept: %1", error));
 }
 
 void ScanKeeper::drop()
@@ -84,8 +84,7 @@ void ScanKeeper::drop()
     if (m_file.isEmpty() || !file.exists() || file.remove())
         return;
     m_failed = true;
-    note(QStringLiteral("%1 cannot be removed, and the scan is through: %2")
-             .arg(m_file, file.errorString()));
+    note(filled("%1 cannot be removed, and the scan is through: %2", m_file, file.errorString()));
 }
 
 } // namespace dx4::cli

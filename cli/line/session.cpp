@@ -29,14 +29,13 @@ using Step = host::Runtime::Step;
 
 QString whereText(const Target &target)
 {
-    return QStringLiteral("station %1, %2")
-        .arg(target.station)
-        .arg(host::fullAddress(target.regType, target.address));
+    return filled("station %1, %2", target.station,
+                  host::fullAddress(target.regType, target.address));
 }
 
 QString triesText(int tries)
 {
-    return tries > 1 ? QStringLiteral(" after %1 tries").arg(tries) : QString();
+    return tries > 1 ? filled(" after %1 tries", tries) : QString();
 }
 
 host::Plan planOf(const Target &target)
@@ -46,22 +45,14 @@ host::Plan planOf(const Target &target)
     return plan;
 }
 
-/// Stops of the configuration and those that a command adds; one per station.
-QVector<host::StopCommand> allStops(const host::RuntimeSettings &settings,
-                                    const QVector<host::StopCommand> &added)
-{
-    QVector<host::StopCommand> stops = settings.stops;
-    for (const host::StopCommand &command : added) {
-        const bool known = std::any_of(stops.cbegin(), stops.cend(), [&](const auto &stop) {
-            return stop.station == command.station;
-        });
-        if (!known)
-            stops.append(command);
-    }
-    return stops;
-}
-
 } // namespace
+
+void addStop(QVector<host::StopCommand> &stops, const host::StopCommand &added)
+{
+    if (std::none_of(stops.cbegin(), stops.cend(),
+                     [&](const auto &stop) { return stop.station == added.station; }))
+        stops.append(added);
+}
 
 Session::Session(const LineOptions &options, const SessionWishes &wishes)
     : m_options(options)
@@ -83,12 +74,14 @@ std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *fail
                                        const SessionWishes &wishes)
 {
     if (options.plant.line.port.isEmpty()) {
-        *failure = { ExitUsage,
-                     QStringLiteral("no serial port; name it with --port or in DX4_PORT; "
-                                    "\"dx4 line\" lists them") };
+        *failure = {
+            ExitUsage,
+            QStringLiteral(
+                "no serial port; name it with --port or in DX4_PORT; \"dx4 line\" lists them")
+        };
         return nullptr;
     }
-    auto plugin = loadDriver(options.driver, host::Plugin::Instance::Shared, failure);
+    auto plugin = loadDriver(options.driver, failure);
     if (!plugin)
         return nullptr;
     watchForInterrupt();
@@ -97,13 +90,13 @@ std::unique_ptr<Session> Session::open(const LineOptions &options, Failure *fail
     if (!session->m_line->open(&error)) {
         const bool isThere = QFileInfo::exists(host::portDevice(options.plant.line.port));
         *failure = { ExitLine,
-                     QStringLiteral("cannot open %1%2")
-                         .arg(error,
-                              QLatin1String(isThere ? "" : "; \"dx4 line\" lists the ports")) };
+                     filled("cannot open %1%2", error,
+                            isThere ? "" : "; \"dx4 line\" lists the ports") };
         return nullptr;
     }
     host::RuntimeSettings settings = host::runtimeSettings(options.plant);
-    settings.stops = allStops(settings, wishes.stops);
+    for (const host::StopCommand &stop : wishes.stops)
+        addStop(settings.stops, stop);
     settings.staleAfter = wishes.staleAfter;
     settings.pause = pauseFor;
     session->m_stops = settings.stops;
@@ -140,14 +133,11 @@ Failure Session::failureOf(Step step, const Target &target, int tries) const
 {
     const QString where = whereText(target);
     if (step == Step::LineDown)
-        return { ExitLine, QStringLiteral("%1: %2 broke").arg(where, m_options.plant.line.port) };
+        return { ExitLine, filled("%1: %2 broke", where, m_options.plant.line.port) };
     if (step == Step::Idle)
-        return { ExitNoReply,
-                 QStringLiteral("%1: not asked, as the station is silent").arg(where) };
-    return {
-        causeCode(verdict()),
-        QStringLiteral("%1: %2%3").arg(where, host::verdictText(verdict()), triesText(tries))
-    };
+        return { ExitNoReply, filled("%1: not asked, as the station is silent", where) };
+    return { causeCode(verdict()),
+             filled("%1: %2%3", where, host::verdictText(verdict()), triesText(tries)) };
 }
 
 /// Steps until the request of this piece is answered or given up.
@@ -165,8 +155,7 @@ bool Session::settle(const Target &target, Failure *failure)
         *failure = failureOf(taken, target, requests(false) - before);
         return false;
     }
-    *failure = { ExitInterrupted, QStringLiteral("interrupted") };
-    return false;
+    return fail(failure, QStringLiteral("interrupted"), ExitInterrupted);
 }
 
 std::optional<QVector<quint16>> Session::read(const Target &target, Failure *failure)
@@ -200,8 +189,7 @@ Failure Session::failureOf(const host::WriteOutcome &outcome, const Target &targ
     case host::WriteEnd::TimedOut:
         return failureOf(m_line->isOpen() ? Step::GivenUp : Step::LineDown, target, tries);
     case host::WriteEnd::NotTaken:
-        return { ExitDiffers,
-                 QStringLiteral("%1: echoed, but the station holds another value").arg(where) };
+        return { ExitDiffers, filled("%1: echoed, but the station holds another value", where) };
     case host::WriteEnd::Refused:
         if (outcome.refusal == host::Refusal::NotConnected)
             return failureOf(m_line->isOpen() ? Step::Idle : Step::LineDown, target, tries);
@@ -242,8 +230,7 @@ QVector<WriteResult> Session::write(const Target &target, const QVector<quint16>
             continue;
         }
         const int tries = writes > 0 ? writes : requests(false) - readsBefore;
-        const QString maybe =
-            QStringLiteral("interrupted, %1 may have been written").arg(whereText(piece));
+        const QString maybe = filled("interrupted, %1 may have been written", whereText(piece));
         *failure = ended ? failureOf(*ended, piece, tries) : Failure { ExitInterrupted, maybe };
         break;
     }
@@ -284,7 +271,7 @@ bool Session::stopSafely()
         isConfirmed = report.unconfirmed.isEmpty();
         for (const host::StopCommand &stop : std::as_const(m_stops)) {
             if (!report.unconfirmed.contains(stop.station))
-                note(QStringLiteral("station %1 stopped").arg(stop.station));
+                note(filled("station %1 stopped", stop.station));
         }
         if (!isConfirmed)
             note(report.text);
@@ -302,9 +289,8 @@ void Session::noteUnstopped()
 void Session::warnOfMotors()
 {
     for (const int station : m_mayTurn)
-        note(QStringLiteral("the motor of station %1 may still turn; stop it with: %2")
-                 .arg(station)
-                 .arg(stopCommand(station)));
+        note(filled("the motor of station %1 may still turn; stop it with: %2", station,
+                    stopCommand(station)));
 }
 
 QString Session::stopCommand(int station) const
@@ -326,8 +312,7 @@ void Session::tellNotice(const QString &text) const
     if (m_onNotice)
         m_onNotice(text);
     else if (m_options.json)
-        printJson({ { QStringLiteral("event"), QStringLiteral("notice") },
-                    { QStringLiteral("text"), text } });
+        printJson({ { "event", QStringLiteral("notice") }, { "text", text } });
     else
         note(text);
 }
@@ -338,8 +323,7 @@ void Session::giveWayIfAsked()
         return;
     const bool wasOpen = m_line->isOpen();
     m_line->close(); // another program may want to stop the drives
-    note(QStringLiteral("suspended; %1 is free, drives go on as they are")
-             .arg(m_options.plant.line.port));
+    note(filled("suspended; %1 is free, drives go on as they are", m_options.plant.line.port));
     const std::set<int> before = m_mayTurn;
     noteUnstopped();
     warnOfMotors();

@@ -24,6 +24,9 @@ struct SessionWishes {
     QVector<host::StopCommand> stops; ///< besides those of the configuration
 };
 
+/// Adds a stop for a station that has none yet.
+void addStop(QVector<host::StopCommand> &stops, const host::StopCommand &added);
+
 /// How a run is written.
 struct WriteManner {
     bool always = false; ///< parameters also where the station holds the values already

@@ -18,8 +18,8 @@ QStringList wordsOrConfigured(const QStringList &words, const LineOptions &optio
 Failure noRegisters()
 {
     return { ExitUsage,
-             QStringLiteral("no registers; name some, such as F c.13 D 0-9, or a file with "
-                            "--config") };
+             QStringLiteral(
+                 "no registers; name some, such as F c.13 D 0-9, or a file with --config") };
 }
 
 bool checkConfigured(const QStringList &words, const LineOptions &options,
@@ -45,7 +45,7 @@ std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &
         *failure = noRegisters();
         return std::nullopt;
     }
-    auto editor = loadDriver(options.driver, host::Plugin::Instance::Shared, failure);
+    auto editor = loadDriver(options.driver, failure);
     if (!editor)
         return std::nullopt;
     if (!checkConfigured(words, options, editor->api(), failure))

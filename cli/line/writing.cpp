@@ -20,15 +20,9 @@ bool needsAnswer(const Setting &setting, const host::StopPolicy &stop)
 
 void addStops(const QVector<Setting> &settings, const host::StopPolicy &stop, SessionWishes *wishes)
 {
-    if (!stop.controlWord)
-        return;
     for (const Setting &setting : settings) {
-        const int station = setting.target.station;
-        const bool isKnown =
-            std::any_of(wishes->stops.cbegin(), wishes->stops.cend(),
-                        [station](const auto &known) { return known.station == station; });
-        if (!isKnown)
-            wishes->stops.append({ station, *stop.controlWord });
+        if (stop.controlWord)
+            addStop(wishes->stops, { setting.target.station, *stop.controlWord });
     }
 }
 

@@ -9,26 +9,30 @@ namespace dx4::cli {
 QString countersText(const host::CounterSet &counters)
 {
     const host::RequestCounts total = counters.total();
-    return QStringLiteral("%1, %2, %3, %4 given up")
-        .arg(counted(counters.reads().good, "read", "reads"),
-             counted(counters.writes().good, "write", "writes"),
-             counted(total.retries, "retry", "retries"))
-        .arg(total.giveUps);
+    return filled("%1, %2, %3, %4 given up", counted(counters.reads().good, "read", "reads"),
+                  counted(counters.writes().good, "write", "writes"),
+                  counted(total.retries, "retry", "retries"), total.giveUps);
 }
 
-QJsonObject countersJson(const host::CounterSet &counters)
+Facts sumFacts(const host::CounterSet &counters)
+{
+    const host::RequestCounts total = counters.total();
+    return { { "reads", static_cast<qint64>(counters.reads().good) },
+             { "writes", static_cast<qint64>(counters.writes().good) },
+             { "retries", static_cast<qint64>(total.retries) },
+             { "givenUp", static_cast<qint64>(total.giveUps) },
+             { "bytesSent", static_cast<qint64>(total.bytesSent) },
+             { "bytesReceived", static_cast<qint64>(total.bytesReceived) } };
+}
+
+Facts countersFacts(const host::CounterSet &counters)
 {
     const host::RequestCounts total = counters.total();
     const quint64 answered = total.good + total.timeouts;
-    return { { QStringLiteral("requests"), static_cast<qint64>(total.requests) },
-             { QStringLiteral("reads"), static_cast<qint64>(counters.reads().good) },
-             { QStringLiteral("writes"), static_cast<qint64>(counters.writes().good) },
-             { QStringLiteral("retries"), static_cast<qint64>(total.retries) },
-             { QStringLiteral("givenUp"), static_cast<qint64>(total.giveUps) },
-             { QStringLiteral("silences"), static_cast<qint64>(total.timeouts) },
-             { QStringLiteral("badReplies"), static_cast<qint64>(total.requests - answered) },
-             { QStringLiteral("bytesSent"), static_cast<qint64>(total.bytesSent) },
-             { QStringLiteral("bytesReceived"), static_cast<qint64>(total.bytesReceived) } };
+    return sumFacts(counters)
+        + Facts { { "requests", static_cast<qint64>(total.requests) },
+                  { "silences", static_cast<qint64>(total.timeouts) },
+                  { "badReplies", static_cast<qint64>(total.requests - answered) } };
 }
 
 QStringList failureTexts(const host::RequestCounts &counts)
@@ -36,7 +40,7 @@ QStringList failureTexts(const host::RequestCounts &counts)
     QStringList texts;
     const auto add = [&texts](quint64 count, const QString &name) {
         if (count > 0)
-            texts.append(QStringLiteral("%1 %2").arg(count).arg(name));
+            texts.append(filled("%1 %2", count, name));
     };
     add(counts.timeouts, QStringLiteral("silence"));
     add(counts.truncated, QStringLiteral("truncated"));
@@ -44,7 +48,7 @@ QStringList failureTexts(const host::RequestCounts &counts)
     add(counts.foreign, QStringLiteral("other station"));
     add(counts.wrongReplies, QStringLiteral("wrong reply"));
     for (const auto &[code, count] : counts.exceptions)
-        add(count, QStringLiteral("exception %1").arg(code));
+        add(count, filled("exception %1", code));
     return texts.isEmpty() ? QStringList { QStringLiteral("none") } : texts;
 }
 
@@ -55,11 +59,9 @@ QStringList answerTexts(const host::RequestCounts &counts)
         if (counts.turnaround.at(i) == 0)
             continue;
         const bool isLast = i == host::turnaroundBounds.size();
-        texts.append(
-            QStringLiteral("%1 %2 %3 ms")
-                .arg(counts.turnaround.at(i))
-                .arg(isLast ? QStringLiteral("above") : QStringLiteral("within"))
-                .arg(isLast ? host::turnaroundBounds.back() : host::turnaroundBounds.at(i)));
+        texts.append(filled("%1 %2 %3 ms", counts.turnaround.at(i),
+                            isLast ? QStringLiteral("above") : QStringLiteral("within"),
+                            isLast ? host::turnaroundBounds.back() : host::turnaroundBounds.at(i)));
     }
     return texts.isEmpty() ? QStringList { QStringLiteral("none") } : texts;
 }

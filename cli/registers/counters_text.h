@@ -2,10 +2,8 @@
 // The host's counters, as text and as JSON.
 #pragma once
 
+#include "cli/console/facts.h"
 #include "host/exchange/counters.h"
-
-#include <QJsonObject>
-#include <QStringList>
 
 namespace dx4::cli {
 
@@ -13,7 +11,10 @@ namespace dx4::cli {
 QString countersText(const host::CounterSet &counters);
 
 /// Their sums over all blocks.
-QJsonObject countersJson(const host::CounterSet &counters);
+Facts sumFacts(const host::CounterSet &counters);
+
+/// The same, and how requests failed.
+Facts countersFacts(const host::CounterSet &counters);
 
 /// What went wrong and how often, "2 silence", "1 exception 6"; "none" where nothing did.
 QStringList failureTexts(const host::RequestCounts &counts);

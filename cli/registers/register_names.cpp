@@ -111,7 +111,7 @@ WatchedValue namedValue(int station, const QString &regType, int address)
         return value;
     }
     if (regType == QLatin1String("F"))
-        value.name = QStringLiteral("Parameter %1").arg(host::addressText(regType, address));
+        value.name = filled("Parameter %1", host::addressText(regType, address));
     return value;
 }
 
@@ -147,6 +147,18 @@ WatchedValue RegisterNames::of(int station, const QString &regType, int address)
     const bool isPlain = value.scaling.factor == 1.0 && value.scaling.offset == 0.0;
     value.bits = value.bits || (isState && isPlain);
     return value;
+}
+
+QVector<WatchedValue> RegisterNames::of(const QVector<Target> &targets, const Pair &pair) const
+{
+    QVector<WatchedValue> values;
+    for (const Target &target : targets) {
+        for (int i = 0; i < target.count; i += pair.length()) {
+            values.append(of(target.station, target.regType, target.address + i));
+            values.last().pair = pair;
+        }
+    }
+    return values;
 }
 
 WatchedValue RegisterNames::found(int station, const QString &regType, int address) const

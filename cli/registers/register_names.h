@@ -35,6 +35,9 @@ public:
 
     WatchedValue of(int station, const QString &regType, int address) const;
 
+    /// The same for every register, or every pair.
+    QVector<WatchedValue> of(const QVector<Target> &targets, const Pair &pair = {}) const;
+
     /// Names of a run's registers, in their order, without those that have none.
     QStringList namesIn(int station, const QString &regType, int address, int count) const;
 

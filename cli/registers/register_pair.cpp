@@ -47,10 +47,9 @@ QString Pair::text(quint32 bits) const
 
 void addPairOptions(Command &command, PairOptions &options)
 {
-    command.choice("--as", options.as, "two registers in a row are one number",
-                   { QStringLiteral("u32"), QStringLiteral("i32"), QStringLiteral("f32") });
+    command.choice("--as", options.as, "two registers in a row are one number", "u32|i32|f32");
     command.choice("--order", options.order, "half that the first register holds; else high",
-                   { QStringLiteral("high"), QStringLiteral("low") });
+                   "high|low");
 }
 
 std::optional<Pair> pairOf(const PairOptions &options, host::LinkSettings *link, Failure *failure)
@@ -62,9 +61,9 @@ std::optional<Pair> pairOf(const PairOptions &options, host::LinkSettings *link,
     if (options.as.isEmpty())
         return pair;
     if (link->blockSize < 2)
-        return refuse(failure,
-                      QStringLiteral("--as needs requests of 2 registers; the block size "
-                                     "is 1, see --block"));
+        return refuse(
+            failure,
+            QStringLiteral("--as needs requests of 2 registers; the block size is 1, see --block"));
     link->blockSize -= link->blockSize % 2;
     pair.kind = options.as == QLatin1String("u32") ? Pair::Kind::U32
         : options.as == QLatin1String("i32")       ? Pair::Kind::I32
@@ -79,12 +78,10 @@ bool arePairs(const QVector<Target> &targets, const Pair &pair, Failure *failure
     });
     if (odd == targets.cend())
         return true;
-    *failure = { ExitUsage,
-                 QStringLiteral("--as takes two registers per number, and %1 begins a run of %2; "
-                                "write an even number, such as D 0-1")
-                     .arg(host::fullAddress(odd->regType, odd->address))
-                     .arg(odd->count) };
-    return false;
+    return fail(failure,
+                filled("--as takes two registers per number, and %1 begins a run of %2; write an "
+                       "even number, such as D 0-1",
+                       host::fullAddress(odd->regType, odd->address), odd->count));
 }
 
 bool areReadTogether(const QVector<Target> &targets, const host::Plan &plan, const Pair &pair,
@@ -100,12 +97,10 @@ bool areReadTogether(const QVector<Target> &targets, const host::Plan &plan, con
                             [&](const auto &block) { return holds(block, target, address); });
             if (isTogether)
                 continue;
-            *failure = { ExitUsage,
-                         QStringLiteral("%1 and the register behind it would be read by two "
-                                        "requests; name fewer registers between them, or another "
-                                        "--block")
-                             .arg(host::fullAddress(target.regType, address)) };
-            return false;
+            return fail(failure,
+                        filled("%1 and the register behind it would be read by two requests; name "
+                               "fewer registers between them, or another --block",
+                               host::fullAddress(target.regType, address)));
         }
     }
     return true;

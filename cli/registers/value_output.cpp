@@ -12,6 +12,12 @@ namespace {
 constexpr int addressWidth = 16;
 constexpr int valueWidth = 6;
 
+/// What was read, without scaling: the register, or the number of a pair.
+QString numberText(const WatchedValue &what, quint32 value)
+{
+    return what.pair.kind == Pair::Kind::None ? QString::number(value) : what.pair.text(value);
+}
+
 QString valueLine(const WatchedValue &what, quint32 value, const QString &outcome)
 {
     QString line =
@@ -21,8 +27,8 @@ QString valueLine(const WatchedValue &what, quint32 value, const QString &outcom
             .arg(numberText(what, value).rightJustified(valueWidth))
             .arg(hex(value, 4 * what.pair.length()));
     if (isNamedOrScaled(what))
-        line += QStringLiteral("  ")
-            + QStringLiteral("%1 %2").arg(what.name, quantityText(what, value)).trimmed();
+        line +=
+            QStringLiteral("  ") + filled("%1 %2", what.name, quantityText(what, value)).trimmed();
     const QString meaning = meaningText(what, value);
     if (!meaning.isEmpty())
         line += QStringLiteral("  ") + meaning;
@@ -33,32 +39,32 @@ QString valueLine(const WatchedValue &what, quint32 value, const QString &outcom
 
 } // namespace
 
-QJsonObject registerJson(int station, const QString &regType, int address)
+Facts registerFacts(const QString &regType, int address)
 {
-    return { { QStringLiteral("station"), station },
-             { QStringLiteral("type"), regType },
-             { QStringLiteral("text"), host::addressText(regType, address) },
-             { QStringLiteral("register"), host::modbusRegister(regType, address) } };
+    const int number = host::modbusRegister(regType, address);
+    return { { "type", regType },
+             { "text", host::addressText(regType, address) },
+             { "register", number, hex(static_cast<unsigned>(number), 4) } };
 }
 
-QString numberText(const WatchedValue &what, quint32 value)
+Facts registerFacts(int station, const QString &regType, int address)
 {
-    return what.pair.kind == Pair::Kind::None ? QString::number(value) : what.pair.text(value);
+    return Facts { { "station", station } } + registerFacts(regType, address);
 }
 
-void describe(QJsonObject &object, const WatchedValue &what, quint32 value)
+Facts valueFacts(const WatchedValue &what, std::optional<quint32> value)
 {
-    object.insert(QStringLiteral("value"),
-                  what.pair.kind == Pair::Kind::None ? QJsonValue(static_cast<int>(value))
-                                                     : QJsonValue(what.pair.quantity(value)));
-    if (!isDescribed(what))
-        return;
-    object.insert(QStringLiteral("name"), what.name);
-    object.insert(QStringLiteral("scaled"), formatValue(what, value));
-    object.insert(QStringLiteral("unit"), what.scaling.unit);
-    const QString meaning = meaningText(what, value);
-    if (!meaning.isEmpty())
-        object.insert(QStringLiteral("meaning"), meaning);
+    const auto fact = [](const char *key, bool isTold, const QString &text) -> Fact {
+        return { key, valueIf(isTold, text), text };
+    };
+    const bool isTold = value && isDescribed(what);
+    const QString meaning = value ? meaningText(what, *value) : QString();
+    return { { "value", valueIf(value.has_value(), what.pair.quantity(value.value_or(0))),
+               value ? numberText(what, *value) : QString() },
+             fact("name", isTold, what.name),
+             fact("scaled", isTold, value ? formatValue(what, *value) : QString()),
+             fact("unit", isTold, what.scaling.unit),
+             fact("meaning", isTold && !meaning.isEmpty(), meaning) };
 }
 
 void printValues(const Target &target, const QVector<quint16> &values, bool json,
@@ -73,13 +79,11 @@ void printValues(const Target &target, const QVector<quint16> &values, bool json
             printLine(valueLine(what, value, outcome));
             continue;
         }
-        QJsonObject object = registerJson(what.station, what.regType, what.address);
-        describe(object, what, value);
-        if (!outcome.isEmpty()) {
-            object.insert(QStringLiteral("outcome"), outcome);
-            object.insert(QStringLiteral("write"), write);
-        }
-        printJson(object);
+        Facts facts =
+            registerFacts(what.station, what.regType, what.address) + valueFacts(what, value);
+        if (!outcome.isEmpty())
+            facts += { { "outcome", outcome }, { "write", write } };
+        printJson(facts);
     }
 }
 

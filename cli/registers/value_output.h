@@ -2,21 +2,22 @@
 // Register values that were read or written, as text and as JSON.
 #pragma once
 
+#include "cli/console/facts.h"
 #include "cli/registers/register_names.h"
 #include "cli/registers/target.h"
 
-#include <QJsonObject>
-
 namespace dx4::cli {
 
-/// Station, type, address and register of one register.
-QJsonObject registerJson(int station, const QString &regType, int address);
+/// Type, address and register of one register.
+Facts registerFacts(const QString &regType, int address);
 
-/// Adds the number, and name, scaled value, unit and meaning where more is known.
-void describe(QJsonObject &object, const WatchedValue &what, quint32 value);
+/// The same behind its station.
+Facts registerFacts(int station, const QString &regType, int address);
 
-/// What was read, without scaling: the register, or the number of a pair.
-QString numberText(const WatchedValue &what, quint32 value);
+/// The number, and name, scaled value, unit and meaning, which JSON has where more is known.
+///
+/// @param value  nothing where it is not known
+Facts valueFacts(const WatchedValue &what, std::optional<quint32> value);
 
 /// Prints one line, or one object, per register of the run, or per pair.
 ///
