@@ -36,23 +36,20 @@ void printFrame(const FRAME_PRO &frame, bool json)
 {
     const QByteArray bytes = host::bytesOf(frame);
     const FrameText text = explainFrame(bytes);
-    if (json) {
-        printJson({ { "frame", bytesText(bytes) },
-                    { "kind", text.kind },
-                    { "station", text.station },
-                    { "function", text.function },
-                    { "address", registerText(text.firstRegister) },
-                    { "count", text.count },
-                    { "replyLength", frame.replyLength },
-                    { "replyDataOffset", frame.replyDataOffset } });
-        return;
-    }
-    printLine(bytesText(bytes));
-    printLines(fieldLines(text));
-    printLine(filled(" expects %1 bytes%2", frame.replyLength,
-                     frame.replyDataLength > 0
-                         ? filled(", registers from byte %1 on", frame.replyDataOffset)
-                         : QStringLiteral(", an echo")));
+    const QString where = frame.replyDataLength > 0
+        ? filled(", registers from byte %1 on", frame.replyDataOffset)
+        : QStringLiteral(", an echo");
+    print(json,
+          { { "frame", bytesText(bytes) },
+            { "kind", text.kind },
+            { "station", text.station },
+            { "function", text.function },
+            { "address", registerText(text.firstRegister) },
+            { "count", text.count },
+            { "fields", QJsonValue::Undefined, fieldLines(text).join(QLatin1Char('\n')) },
+            { "replyLength", frame.replyLength },
+            { "replyDataOffset", frame.replyDataOffset, where } },
+          "{frame}\n{fields}\n expects {replyLength} bytes{replyDataOffset}");
 }
 
 /// Prints every frame that the driver builds until it has no request left.

@@ -140,25 +140,22 @@ Opinion aboutReply(host::Link &link, const QByteArray &request, const FrameText 
              causeCode(verdict) };
 }
 
-void print(const QByteArray &bytes, const FrameText &text, const Opinion &opinion, bool json)
+void printFrame(const QByteArray &bytes, const FrameText &text, const Opinion &opinion, bool json)
 {
-    if (!json) {
-        printLine(filled("%1, %2 bytes", text.kind, bytes.size()));
-        printLines(fieldLines(text));
-        if (opinion.asked)
-            printLine(QStringLiteral(" ") + opinion.text);
-        return;
-    }
     QJsonArray fields;
     for (const FrameField &field : text.fields)
         fields.append(jsonOf({ { "bytes", bytesText(field.bytes) },
                                { "name", field.name },
                                { "meaning", field.meaning } }));
-    printJson({ { "frame", bytesText(bytes) },
-                { "kind", text.kind },
-                { "crc", text.crcIsRight },
-                { "fields", fields },
-                { "driver", valueIf(opinion.asked, opinion.text) } });
+    print(json,
+          { { "frame", bytesText(bytes) },
+            { "length", QJsonValue::Undefined, QString::number(bytes.size()) },
+            { "kind", text.kind },
+            { "crc", text.crcIsRight },
+            { "fields", fields, fieldLines(text).join(QLatin1Char('\n')) },
+            { "driver", valueIf(opinion.asked, opinion.text),
+              opinion.asked ? filled("\n %1", opinion.text) : QString() } },
+          "{kind}, {length} bytes\n{fields}{driver}");
 }
 
 int runDecode(const Options &options)
@@ -187,7 +184,7 @@ int runDecode(const Options &options)
         opinion = aboutReply(link, *request, asked, *bytes);
     else if (isRequest(text))
         opinion = aboutRequest(link, *bytes, text);
-    print(*bytes, text, opinion, options.json);
+    printFrame(*bytes, text, opinion, options.json);
     if (opinion.code != ExitDone)
         return opinion.code;
     return text.crcIsRight ? ExitDone : ExitDamagedReply;

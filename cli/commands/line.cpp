@@ -37,25 +37,20 @@ std::optional<host::PortInfo> named(const QString &name, const QVector<host::Por
 
 void printPort(const host::PortInfo &port, bool json)
 {
-    if (json) {
-        QJsonArray holders;
-        for (const host::PortHolder &holder : port.holders)
-            holders.append(
-                jsonOf({ { "process", holder.process }, { "program", holder.program } }));
-        printJson({ { "device", port.device },
-                    { "lastingName", port.lastingName },
-                    { "description", port.description },
-                    { "holders", holders } });
-        return;
-    }
-    printLine(port.device);
-    if (!port.lastingName.isEmpty())
-        printLine(filled("  name  %1", port.lastingName));
-    if (!port.description.isEmpty())
-        printLine(filled("  is    %1", port.description));
-    printLine(filled("  held  %1",
-                     port.holders.isEmpty() ? QStringLiteral("by nobody seen")
-                                            : filled("by %1", host::holderText(port.holders))));
+    const auto lineOf = [](const char *layout, const QString &text) {
+        return text.isEmpty() ? QString() : filled(layout, text);
+    };
+    QJsonArray holders;
+    for (const host::PortHolder &holder : port.holders)
+        holders.append(jsonOf({ { "process", holder.process }, { "program", holder.program } }));
+    print(json,
+          { { "device", port.device },
+            { "lastingName", port.lastingName, lineOf("\n  name  %1", port.lastingName) },
+            { "description", port.description, lineOf("\n  is    %1", port.description) },
+            { "holders", holders,
+              port.holders.isEmpty() ? QStringLiteral("nobody seen")
+                                     : host::holderText(port.holders) } },
+          "{device}{lastingName}{description}\n  held  by {holders}");
 }
 
 int runLine(const Options &options)

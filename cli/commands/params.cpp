@@ -111,10 +111,8 @@ bool mayMeet(const Options &options, const host::ParameterSet &set, const char *
 
 void printSet(const host::ParameterSet &set, bool json)
 {
-    if (!json) {
-        writeText(host::toText(set));
-        return;
-    }
+    if (!json)
+        return writeText(host::toText(set));
     for (auto it = set.values.cbegin(); it != set.values.cend(); ++it)
         printJson(registerFacts(set.station, QStringLiteral("F"), it.key())
                   + Facts { { "value", it.value() } });

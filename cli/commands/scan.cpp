@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QJsonArray>
 
+#include <algorithm>
 #include <utility>
 
 #include <unistd.h>
@@ -147,13 +148,6 @@ int scan(Session &session, const Options &options, ScanState &state, ScanKeeper 
     return ExitDone;
 }
 
-std::optional<ScanState> fromTheStart(int from, int to, Failure *failure)
-{
-    if (from <= to)
-        return ScanState { from, to, from, {} };
-    return refuse(failure, filled("--to %1 is below --from %2", to, from));
-}
-
 /// The stations that are asked for; what is not said stays as it is in the file.
 std::optional<ScanState> goneOn(const Options &options, const ScanState &saved, Failure *failure)
 {
@@ -170,12 +164,15 @@ std::optional<ScanState> goneOn(const Options &options, const ScanState &saved, 
 /// Where the scan begins: anew, or where the file says.
 std::optional<ScanState> beginning(const Options &options, Failure *failure)
 {
-    const bool isAnew = options.resume.isEmpty() || !QFile::exists(options.resume);
     if (!options.resume.isEmpty() && !canBeWritten(options.resume, failure))
         return std::nullopt;
-    if (isAnew)
-        return fromTheStart(options.from > 0 ? options.from : 1,
-                            options.to > 0 ? options.to : lastStation, failure);
+    if (options.resume.isEmpty() || !QFile::exists(options.resume)) {
+        const int from = std::max(options.from, 1);
+        const int to = options.to > 0 ? options.to : lastStation;
+        if (from <= to)
+            return ScanState { from, to, from, {} };
+        return refuse(failure, filled("--to %1 is below --from %2", to, from));
+    }
     const auto saved = loadScanState(options.resume);
     if (saved)
         return goneOn(options, *saved, failure);
