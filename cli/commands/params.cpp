@@ -121,12 +121,11 @@ void printSet(const host::ParameterSet &set, bool json)
 void printKept(const QString &file, const host::ParameterSet &set, bool json)
 {
     const int count = host::lengthOf(set.values);
-    print(
-        json,
-        { { "file", file },
-          { "parameters", count, counted(static_cast<quint64>(count), "parameter", "parameters") },
-          { "complete", host::isComplete(set) } },
-        "{parameters} in {file}");
+    print(json,
+          { { "file", file },
+            { "parameters", count, counted(count, "parameter", "parameters") },
+            { "complete", host::isComplete(set) } },
+          "{parameters} in {file}");
 }
 
 int dumpToOutput(const Options &options)

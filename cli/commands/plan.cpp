@@ -73,10 +73,8 @@ void printAsTable(const host::Plan &plan, const host::LineSettings &line, host::
     printLines(blockLines(plan, { QStringLiteral("Registers"), QStringLiteral("Wire ms") },
                           numbersOf, names));
     printLine(QString());
-    const auto registers = static_cast<quint64>(plan.wantedRegisters);
-    const auto blocks = static_cast<quint64>(plan.blocks.size());
-    printLine(filled("%1 in %2", counted(registers, "register", "registers"),
-                     counted(blocks, "block", "blocks")));
+    printLine(filled("%1 in %2", counted(plan.wantedRegisters, "register", "registers"),
+                     counted(plan.blocks.size(), "block", "blocks")));
     printLine(filled("one round takes %1 ms", millisecondsText(cycle)));
 }
 

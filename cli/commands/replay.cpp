@@ -55,11 +55,10 @@ void printChange(host::Link &link, const host::ValueChange &change, bool json,
 
 int report(const host::ReplayResult &result)
 {
-    note(counted(static_cast<quint64>(result.played), "request", "requests")
-         + QStringLiteral(" played"));
+    note(counted(result.played, "request", "requests") + QStringLiteral(" played"));
     if (result.unrecorded > 0)
         note(filled("%1 of the driver left out, as the recording does not have them there",
-                    counted(static_cast<quint64>(result.unrecorded), "request", "requests")));
+                    counted(result.unrecorded, "request", "requests")));
     if (result.complete)
         return ExitDone;
     return complain({ ExitFailed,

@@ -261,8 +261,7 @@ int runScan(const Options &options)
     if (exitCode != ExitDone)
         return exitCode;
     keeper.drop();
-    note(counted(static_cast<quint64>(state->found.size()), "station", "stations")
-         + QStringLiteral(" found"));
+    note(counted(state->found.size(), "station", "stations") + QStringLiteral(" found"));
     if (keeper.failed())
         return ExitFailed;
     return state->found.isEmpty() ? ExitNoReply : ExitDone;

@@ -72,10 +72,9 @@ int stopAll(Session &session, const QVector<int> &stations, quint16 word)
         stillTurning += stopOne(session, station, word) == ExitDone ? 0 : 1;
     if (stillTurning == 0)
         return ExitDone;
-    return complain(
-        { ExitFailed,
-          filled("STOP NOT CONFIRMED by %1 of %2", stillTurning,
-                 counted(static_cast<quint64>(stations.size()), "station", "stations")) });
+    return complain({ ExitFailed,
+                      filled("STOP NOT CONFIRMED by %1 of %2", stillTurning,
+                             counted(stations.size(), "station", "stations")) });
 }
 
 int runStop(const Options &options)

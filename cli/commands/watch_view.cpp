@@ -218,8 +218,7 @@ void RunningView::printUnshown(int count, const char *one, const char *many,
         return;
     if (isJson())
         return printEvent("held", { { "not_shown", count } }, elapsed);
-    const QString text =
-        counted(static_cast<quint64>(count), one, many) + QStringLiteral(" not shown");
+    const QString text = counted(count, one, many) + QStringLiteral(" not shown");
     if (m_form == WatchStyle::Form::Text)
         return printLine(text);
     note(text); // a table has no place for it

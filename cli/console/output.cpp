@@ -62,11 +62,6 @@ QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightA
     return lines;
 }
 
-QString counted(quint64 count, const char *one, const char *many)
-{
-    return filled("%1 %2", count, count == 1 ? one : many);
-}
-
 QString csvLine(const QStringList &cells)
 {
     QStringList quoted;

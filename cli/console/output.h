@@ -25,7 +25,10 @@ bool canBeWritten(const QString &file, Failure *failure);
 QStringList columns(const QVector<QStringList> &rows, const QVector<int> &rightAligned = {});
 
 /// "1 block", "2 blocks".
-QString counted(quint64 count, const char *one, const char *many);
+template <typename Count> QString counted(Count count, const char *one, const char *many)
+{
+    return filled("%1 %2", count, count == 1 ? one : many);
+}
 
 /// A row of a CSV file; cells with commas, quotes or line ends in quotes.
 QString csvLine(const QStringList &cells);

@@ -50,10 +50,7 @@ private:
             parseSettings(words, usualStation(m_options), m_options.plant, m_api, failure);
         if (!settings || !mayDriveAll(m_options, *settings, failure))
             return std::nullopt;
-        BatchStep step;
-        step.kind = BatchStep::Kind::Set;
-        step.setting = settings->constFirst();
-        return step;
+        return BatchStep { 0, BatchStep::Kind::Set, settings->constFirst(), {} };
     }
 
     std::optional<BatchStep> get(const QString &rest, Failure *failure) const
@@ -62,10 +59,7 @@ private:
             parseTargets({ rest }, usualStation(m_options), ReadAccess, m_api, failure);
         if (!targets)
             return std::nullopt;
-        BatchStep step;
-        step.kind = BatchStep::Kind::Get;
-        step.targets = *targets;
-        return step;
+        return BatchStep { 0, BatchStep::Kind::Get, {}, *targets };
     }
 
     static std::optional<BatchStep> wait(const QString &rest, Failure *failure)

@@ -44,7 +44,7 @@ QStringList meaningOf(const FrameText &text, bool isRequest, int firstRegister)
         words.append(valuesText(text, first));
     else if (text.firstRegister >= 0)
         words.append(registerText(text.firstRegister) + QStringLiteral(", ")
-                     + counted(static_cast<quint64>(text.count), "register", "registers"));
+                     + counted(text.count, "register", "registers"));
     for (const FrameField &field : text.fields) {
         if (field.name == QLatin1String("code"))
             words.append(field.meaning);
