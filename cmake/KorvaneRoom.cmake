@@ -33,7 +33,8 @@ function(korvane_room path)
     target_link_libraries(${name} PUBLIC ${used})
   endforeach()
   target_link_libraries(${name} PRIVATE korvane_warnings)
-  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  # Default visibility: what a shared library of rooms exports is for its export list to say.
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET default)
 endfunction()
 
 # A static library of all the named rooms.

@@ -13,6 +13,6 @@ find_package(Qt${QT_VERSION_MAJOR} REQUIRED COMPONENTS Core)
 
 add_library(korvane_qt_core INTERFACE)
 target_link_libraries(korvane_qt_core INTERFACE Qt${QT_VERSION_MAJOR}::Core)
-target_compile_definitions(korvane_qt_core INTERFACE
-  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_DISABLE_DEPRECATED_BEFORE=0x050F00
-  QT_DEPRECATED_WARNINGS QT_NO_FOREACH QT_NO_KEYWORDS)
+# Our own strictness is nothing to ask of those who use an installed header.
+target_compile_definitions(korvane_qt_core INTERFACE $<BUILD_INTERFACE:
+  QT_NO_CAST_FROM_ASCII;QT_NO_CAST_TO_ASCII;QT_DISABLE_DEPRECATED_BEFORE=0x050F00;QT_DEPRECATED_WARNINGS;QT_NO_FOREACH;QT_NO_KEYWORDS>)

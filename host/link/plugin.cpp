@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <stdexcept>
 #include <utility>
@@ -63,6 +64,33 @@ QStringList resolveAll(void *library, DriverApi &api)
     return resolve.missing();
 }
 
+/// The folder of the shared library that holds this code; empty where the program itself does.
+QString libraryFolder()
+{
+    Dl_info info = {};
+    link_map *file = nullptr;
+    const bool isKnown = dladdr1(reinterpret_cast<void *>(&locateDriver), &info,
+                                 reinterpret_cast<void **>(&file), RTLD_DL_LINKMAP)
+        != 0;
+    // The program has no name among the loaded files.
+    const bool isLibrary = isKnown && file->l_name[0] != '\0';
+    return isLibrary ? QFileInfo(QFile::decodeName(file->l_name)).absolutePath() : QString();
+}
+
+/// Where the driver's file may lie: for a build tree, for an installed program, and beside the
+/// installed library of a program that lies elsewhere.
+QStringList driverFolders()
+{
+    const QString program =
+        QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).absolutePath();
+    QStringList folders = { program, program + QStringLiteral("/../lib"),
+                            program + QStringLiteral("/" KORVANE_PLUGINDIR_FROM_BINDIR) };
+    const QString library = libraryFolder();
+    if (!library.isEmpty())
+        folders.append(library + QStringLiteral("/korvane_dx4/" KORVANE_QT_FOLDER));
+    return folders;
+}
+
 } // namespace
 
 DriverFile locateDriver(const QString &explicitPath)
@@ -74,12 +102,9 @@ DriverFile locateDriver(const QString &explicitPath)
         return { file.exists() ? file.absoluteFilePath() : QString(), { asked } };
     }
 
-    const QDir program =
-        QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).absoluteDir();
-    const QString installed = QStringLiteral("../" KORVANE_INSTALL_LIBDIR "/korvane_dx4/");
     DriverFile found;
-    for (const QString &folder : { QString(), QStringLiteral("../lib/"), installed }) {
-        found.tried.append(QDir::cleanPath(program.filePath(folder + driverFileName)));
+    for (const QString &folder : driverFolders()) {
+        found.tried.append(QDir::cleanPath(folder + QLatin1Char('/') + driverFileName));
         if (QFileInfo::exists(found.tried.constLast())) {
             found.path = found.tried.constLast();
             break;

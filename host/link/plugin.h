@@ -45,7 +45,8 @@ struct DriverFile {
 ///
 /// The first that names a path decides: `explicitPath`, then the environment variable
 /// KORVANE_DRIVER. With neither, the places beside the running program are tried: its own folder,
-/// the `lib` folder of a build tree and the library folder of an installation.
+/// the `lib` folder of a build tree and the library folder of an installation. So is the folder of
+/// the plug-ins beside the shared host library, for a program that lies elsewhere.
 ///
 /// @param explicitPath  what the user asked for; empty when nothing
 DriverFile locateDriver(const QString &explicitPath = QString());
