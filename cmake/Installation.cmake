@@ -100,6 +100,8 @@ function(korvane_install_program name component)
     DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${component})
   install(FILES "completion/${name}.bash"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME "${name}" COMPONENT ${component})
+  install(FILES "completion/${name}.fish"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d" COMPONENT ${component})
   install(FILES "completion/_${name}"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT ${component})
 endfunction()
@@ -108,7 +110,8 @@ endfunction()
 function(korvane_install_package)
   install(FILES README.md CHANGELOG.md LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
   install(DIRECTORY docs/ DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
-    FILES_MATCHING PATTERN "*.md" PATTERN "examples/*.cpp" PATTERN "examples/*.toml" PATTERN man EXCLUDE)
+    FILES_MATCHING PATTERN "*.md" PATTERN "examples/*.cpp" PATTERN "examples/*.toml" PATTERN "examples/*.rules"
+    PATTERN man EXCLUDE)
 
   configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/package/korvane_dx4-config.cmake.in"
     "${PROJECT_BINARY_DIR}/package/korvane_dx4-config.cmake"

@@ -29,6 +29,8 @@ needs() {
 stage() {
   rm -rf "$work"
   mkdir -p "$work"
+  # The list of a real installation from this build is given back by uninstall().
+  [ ! -f "$build/install_manifest.txt" ] || cp "$build/install_manifest.txt" "$work/manifest"
   DESTDIR="$stage" cmake --install "$build" --prefix /usr >"$work/install.log"
   mv "$stage/usr" "$tree"
 }
@@ -38,7 +40,7 @@ files() {
   (cd "$tree" && find . -type f -o -type l) |
     sed -E -e "s|^\./||; s|^$libdir/|LIB/|; s|qt$qt|qtN|g; s|\.so\.[0-9.]*$|.so.VERSION|" \
       -e 's!-(none|debug|release|relwithdebinfo|minsizerel)\.cmake$!-CONFIG.cmake!' \
-      -e 's!^(share/doc/korvane_dx4/|share/doc/korvane_dx4/examples/)[^/]+\.(md|cpp|toml)$!\1ANY.\2!' |
+      -e 's!^(share/doc/korvane_dx4/|share/doc/korvane_dx4/examples/)[^/]+\.(md|cpp|toml|rules)$!\1ANY.\2!' |
     LC_ALL=C sort -u >"$work/files.txt"
   diff -u "$source_folder/installed_files.txt" "$work/files.txt" ||
     fail "these differ from tests/install/installed_files.txt"
@@ -142,6 +144,35 @@ tools() {
   grep -F 566 <<<"$value" || fail "the simulator's DC link voltage is 566 V; dx4 reads: $value"
 }
 
+# Fish finishes words by the installed files.
+fish() {
+  needs fish
+  export PATH="$tree/bin:$PATH"
+  local typed wanted offered
+  while IFS='|' read -r typed wanted; do
+    offered=$(command fish --no-config -c "source '$tree'/share/fish/vendor_completions.d/dx4.fish
+      source '$tree'/share/fish/vendor_completions.d/dx4-sim.fish
+      complete -C '$typed'" | sed 's/\t.*//' | xargs)
+    [ "$offered" = "$wanted" ] || fail "'$typed' is finished as '$offered' and not as '$wanted'"
+  done <<'CASES'
+dx4 sca|scan
+dx4 frames re|read
+dx4 params res|restore
+dx4 watch --rec|--reconnect
+dx4 frames decode 01 03 --req|--request
+dx4 set C|CW
+dx4 get --speed 38|38400
+dx4 check --|--count --driver --help --json --read --write
+dx4-sim --st|--stations
+dx4-sim --speed 384|38400
+CASES
+  # Each option that the simulator's help names is finished.
+  for typed in $(dx4-sim --help | sed -nE 's/^  (-h,)?(--[a-z]+).*/\2/p'); do
+    offered=$(command fish --no-config -c "source '$tree'/share/fish/vendor_completions.d/dx4-sim.fish
+      complete -C 'dx4-sim $typed'" | sed 's/\t.*//' | grep -cxF -e "$typed") || fail "dx4-sim $typed is not offered"
+  done
+}
+
 # Prints what "nm" tells of the names in a file, one "namespace::Name" of the project a line.
 own_names() {
   sed -E 's/^(vtable|VTT|typeinfo|typeinfo name|guard variable|non-virtual thunk|virtual thunk) (for|to) //' |
@@ -183,6 +214,11 @@ exports() {
 uninstall() {
   mv "$tree" "$stage/usr"
   DESTDIR="$stage" cmake --build "$build" --target uninstall >"$work/uninstall.log"
+  if [ -f "$work/manifest" ]; then
+    mv "$work/manifest" "$build/install_manifest.txt"
+  else
+    rm -f "$build/install_manifest.txt"
+  fi
   local left
   left=$(find "$stage" -type f -o -type l -o -name 'korvane_dx4*')
   [ -z "$left" ] || fail "left behind:" "$left"
