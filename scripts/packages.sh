@@ -15,6 +15,7 @@ Purposes (build when none is named):
   check   Clang, clang-tidy, clang-format, coverage, Valgrind
   bench   Google Benchmark
   docs    Doxygen
+  package debhelper, lintian and what the packages are tried with in a bare system
   qt6     Qt 6 in place of Qt 5, for the qt6 preset
 
 Options:
@@ -43,11 +44,14 @@ packages_of() {
     docs)
       echo doxygen
       ;;
+    package)
+      echo debhelper dpkg-dev pkgconf lintian mmdebstrap autopkgtest
+      ;;
     qt6)
       echo qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite
       ;;
     *)
-      echo "packages.sh: no purpose '$1'; one of build, test, check, bench, docs, qt6" >&2
+      echo "packages.sh: no purpose '$1'; one of build, test, check, bench, docs, package, qt6" >&2
       return 2
       ;;
   esac

@@ -80,9 +80,13 @@ check_syntax() {
 
 # A CMake project finds the package, links its parts and runs.
 find_package() {
-  cmake -S "$source_folder/consumer" -B "$work/a consumer" -G Ninja -DCMAKE_PREFIX_PATH="$tree" \
-    -DKORVANE_QT_MAJOR="$qt" -DCMAKE_CXX_COMPILER="$cxx" >"$work/consumer.log" 2>&1 &&
-    cmake --build "$work/a consumer" >>"$work/consumer.log" 2>&1 || { cat "$work/consumer.log" >&2; exit 1; }
+  if ! {
+    cmake -S "$source_folder/consumer" -B "$work/a consumer" -G Ninja -DCMAKE_PREFIX_PATH="$tree" \
+      -DKORVANE_QT_MAJOR="$qt" -DCMAKE_CXX_COMPILER="$cxx" && cmake --build "$work/a consumer"
+  } >"$work/consumer.log" 2>&1; then
+    cat "$work/consumer.log" >&2
+    exit 1
+  fi
   local program
   for program in runtime host host_static journal simulator; do
     env -u KORVANE_DRIVER "$work/a consumer/$program"
@@ -170,6 +174,22 @@ CASES
   for typed in $(dx4-sim --help | sed -nE 's/^  (-h,)?(--[a-z]+).*/\2/p'); do
     offered=$(command fish --no-config -c "source '$tree'/share/fish/vendor_completions.d/dx4-sim.fish
       complete -C 'dx4-sim $typed'" | sed 's/\t.*//' | grep -cxF -e "$typed") || fail "dx4-sim $typed is not offered"
+  done
+}
+
+# The package says what it is: its version is the one that debian/changelog begins with, and scripts/package.sh
+# refuses what it does not understand.
+package() {
+  local top=$source_folder/../.. version wrong
+  version=$(sed -n 's/^Version: //p' "$tree/$libdir/pkgconfig/korvane_dx4-qt$qt.pc")
+  grep -qF "korvane-dx4 ($version)" <(head -n 1 "$top/debian/changelog") ||
+    fail "debian/changelog does not begin with version $version"
+  "$top/scripts/package.sh" --help | grep -q '^Usage: scripts/package.sh '
+  for wrong in '--jobs 0' '--jobs' '--fast' 'one two'; do
+    # shellcheck disable=SC2086  # one argument per word
+    if "$top/scripts/package.sh" $wrong 2>"$work/said"; then fail "package.sh $wrong was taken"; else [ $? -eq 2 ]; fi ||
+      fail "package.sh $wrong: another exit code than 2"
+    grep -q '^package.sh: .*; see --help$' "$work/said" || fail "package.sh $wrong says: $(cat "$work/said")"
   done
 }
 
