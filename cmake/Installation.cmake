@@ -127,4 +127,15 @@ function(korvane_install_package)
   add_custom_target(uninstall
     COMMAND "${CMAKE_COMMAND}" -P "${PROJECT_BINARY_DIR}/package/uninstall.cmake"
     COMMENT "Removing what install_manifest.txt lists" VERBATIM)
+
+  # "cpack" makes an archive of all that, for machines without Debian's packages.
+  set(CPACK_GENERATOR TXZ)
+  set(CPACK_PACKAGE_FILE_NAME
+    "korvane_dx4-${PROJECT_VERSION}-${KORVANE_QT_FOLDER}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}")
+  set(CPACK_STRIP_FILES ON)
+  set(CPACK_SOURCE_GENERATOR TXZ)
+  set(CPACK_SOURCE_IGNORE_FILES "/build;/\\.git")
+  set(CPACK_SOURCE_PACKAGE_FILE_NAME "korvane_dx4-${PROJECT_VERSION}")
+  set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
+  include(CPack)
 endfunction()
