@@ -108,7 +108,7 @@ endfunction()
 
 # Documents and examples, the package itself, and "cmake --build BUILD --target uninstall".
 function(korvane_install_package)
-  install(FILES README.md CHANGELOG.md LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
+  install(FILES CHANGELOG.md LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
   install(DIRECTORY docs/ DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
     FILES_MATCHING PATTERN "*.md" PATTERN "examples/*.cpp" PATTERN "examples/*.toml" PATTERN "examples/*.rules"
     PATTERN man EXCLUDE)
