@@ -31,7 +31,8 @@ QStringList optionsOf(const Place &place)
         if (!option->get_positional() && !place.rest.contains(QString::fromStdString(name)))
             lines << QString::fromStdString(name + '\t' + option->get_description());
     }
-    std::rotate(lines.begin(), lines.begin() + 1, lines.end());
+    if (!lines.isEmpty())
+        std::rotate(lines.begin(), lines.begin() + 1, lines.end());
     return lines;
 }
 

@@ -88,6 +88,12 @@ TEST(Completion, LeavesOutOptionsThatAreGiven)
     EXPECT_EQ(bench.complete("dx4 check --read --write --"), "--count\n--json\n--driver\n--help\n");
 }
 
+TEST(Completion, OffersNoOptionWhereAllAreGiven)
+{
+    Bench bench;
+    EXPECT_EQ(bench.complete("dx4 --help --version --"), "\n");
+}
+
 TEST(Completion, FishFinishesWordsAndTellsTheirMeaning)
 {
     if (std::system("command -v fish >/dev/null") != 0)
