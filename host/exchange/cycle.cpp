@@ -30,10 +30,8 @@ Cycle::Step Cycle::exchange()
     ReplyResult result = m_link.handReply(m_reply.bytes, &m_errorText);
     // The driver knows no other way to drop a request than to use up its tries; those left are
     // failed here, without the line.
-    while (result == ReplyBad && !m_reply.canRetry) {
-        m_link.nextFrame(m_request);
+    while (result == ReplyBad && !m_reply.canRetry)
         result = m_link.handReply(QByteArray());
-    }
     const Step step = stepOf(result);
     count(step);
     return step;

@@ -112,6 +112,21 @@ TEST(BreakerRules, TheThirdProbeOfAStationThatNeverAnsweredIsALongOne)
               (Texts { "25", "50", "1000", "225", "225", "225", "225", "1000", "225" }));
 }
 
+TEST(BreakerRules, AProbeWaitsForTheShareOfTheLongestDelayOnceFourOfItsOwnAreLonger)
+{
+    BreakerSettings fourTimesTheFirst;
+    fourTimesTheFirst.longestDelay = seconds(4);
+    Breaker equal(fourTimesTheFirst);
+    equal.noteGiveUp(1, seconds(0));
+    BreakerSettings less;
+    less.longestDelay = milliseconds(3600);
+    Breaker shorter(less);
+    shorter.noteGiveUp(1, seconds(0));
+
+    EXPECT_EQ(equal.probeTimeout(1, seconds(1), milliseconds(5)), milliseconds(25));
+    EXPECT_EQ(shorter.probeTimeout(1, seconds(1), milliseconds(5)), milliseconds(90));
+}
+
 TEST(BreakerRules, AfterASignOfLifeOneProbeIsALongOne)
 {
     Breaker breaker;

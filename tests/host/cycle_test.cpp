@@ -182,6 +182,26 @@ TEST_F(CycleTest, ARequestThatExpectsNothingIsCompleteAsItIsSent)
     }
 }
 
+TEST_F(CycleTest, AReplyOfOneByteIsIncomplete)
+{
+    answer = QByteArray(1, '\x01');
+
+    cycle.step();
+
+    EXPECT_EQ(cycle.reply().kind, Reply::Kind::Incomplete);
+}
+
+TEST_F(CycleTest, WhatTheDriverBelievesWithoutAGuardIsCountedAsGood)
+{
+    answer = withGoodCrc("02 03 02 12 34");
+
+    const Cycle::Step step = cycle.step();
+
+    EXPECT_EQ(step, Cycle::Step::Served);
+    EXPECT_EQ(cycle.counters().total().good, 1U);
+    EXPECT_EQ(cycle.counters().total().foreign, 0U);
+}
+
 TEST_F(CycleTest, CountsEveryAttemptAndEveryReadThatHasEnded)
 {
     cycle.step();
@@ -227,6 +247,34 @@ TEST_F(CycleTest, AnUnpluggedLineCountsAgainstNoRequest)
     EXPECT_EQ(third, Cycle::Step::Served);
     EXPECT_EQ(cycle.counters().lineDowns(), 2U);
     EXPECT_EQ(cycle.counters().total().giveUps, 0U);
+}
+
+namespace {
+
+/// Takes a request and is gone as its reply is awaited.
+class LineThatBreaksAsItListens : public MemoryLine {
+public:
+    LineThatBreaksAsItListens()
+        : MemoryLine([](const QByteArray &) { return Answer {}; }, slow())
+    {
+        open(nullptr);
+    }
+
+    QByteArray receive(int, Duration) override
+    {
+        close();
+        return {};
+    }
+};
+
+} // namespace
+
+TEST_F(CycleTest, ALineThatBreaksAsAReplyIsAwaitedIsDown)
+{
+    LineThatBreaksAsItListens breaking;
+    LineExchange overBreaking(breaking);
+
+    EXPECT_EQ(Cycle(link, overBreaking).step(), Cycle::Step::LineDown);
 }
 
 TEST_F(CycleTest, ALineThatBreaksInsideAReplyKeepsTheRequest)

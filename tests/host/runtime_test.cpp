@@ -350,6 +350,19 @@ public:
 
 } // namespace
 
+TEST(RuntimeBreaker, AStrangerThatIsSilentIsTriedOnceBesideOneOtherStation)
+{
+    RuntimeUnderTest under;
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") }, { 2, QStringLiteral("SW") } }));
+    under.stations.dead = { 2 };
+
+    under.steps(3);
+
+    EXPECT_EQ(under.stations.line.sent(),
+              (QVector<QByteArray> { framed("01 03 20 00 00 01"), framed("02 03 20 00 00 01"),
+                                     framed("01 03 20 00 00 01") }));
+}
+
 TEST(RuntimeValues, AreNotKnownByReadsOfOtherTypesOrStations)
 {
     RuntimeUnderTest under;
