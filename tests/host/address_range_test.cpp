@@ -81,6 +81,9 @@ TEST(AddressVerdict, SaysHowFarATypeOrItsGroupReaches)
               "D 32 (0xD020) is out of range; D reaches from 0 to 31 (0xD01F)");
     EXPECT_EQ(verdict(dx4::AddressOutOfRange, "SW", 1),
               "SW 1 (0x2001) is out of range; SW has address 0 alone");
+    EXPECT_EQ(verdict(dx4::AddressOutOfRange, "F", 0),
+              "F 0.0 (0xF000) is out of range; the group reaches from F 0.0 (0xF000) to F 0.18 "
+              "(0xF012)");
     EXPECT_EQ(verdict(dx4::AddressOutOfRange, "F", 0x00FF),
               "F 0.255 (0xF0FF) is out of range; the group reaches from F 0.0 (0xF000) to F 0.18 "
               "(0xF012)");
