@@ -292,6 +292,19 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "AStationNeedsItsAddress",
                     "line.port = \"a\"\n[[station]]\nname = \"x\"\n",
                     { "a.toml:2: address: is missing; expected a whole number from 1 to 247" } },
+        ConfigRow { "AnUnknownKeyOfARegister",
+                    "line.port = \"a\"\n[[station]]\naddress = 1\n"
+                    "register = [ { at = \"D 0\", unite = \"Hz\" } ]\n",
+                    { "a.toml:4: unite: no such key; expected one of at, name, unit, scale, "
+                      "offset, signed, decimals" } },
+        ConfigRow { "AnUnknownKeyOfAStation",
+                    "line.port = \"a\"\n[[station]]\naddress = 1\nnumber = 1\n",
+                    { "a.toml:4: number: no such key; expected one of address, name, "
+                      "extra_gap_ms, register" } },
+        ConfigRow { "AnUnknownTable",
+                    "line.port = \"a\"\n[[station]]\naddress = 1\n[stops]\n",
+                    { "a.toml:4: stops: no such key; expected one of line, link, stop, station, "
+                      "states, faults" } },
         ConfigRow { "AnUnknownKeyNamesTheKnown",
                     "[line]\nport = \"a\"\n[link]\nretries = 3\n[[station]]\naddress = 1\n",
                     { "a.toml:4: retries: no such key; expected one of tries, block_size" } },
