@@ -507,6 +507,44 @@ TEST(Stop, AStationThatIsLeftAloneComesBehindThoseThatAnswer)
     EXPECT_EQ(under.stations.line.sent().at(before), framed("02 06 10 01 00 00"));
 }
 
+TEST(Stop, AStationThatIsLeftAloneComesBehindThoseThatAnswerAlsoWhereItIsKnownToTurn)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 }, { 2, 0 } };
+    RuntimeUnderTest under(settings);
+    under.write(2, "FRE", 0, { 5 });
+    under.steps(1);
+    under.host.setPlan(planOf({ { 1, QStringLiteral("SW") } }));
+    under.steps(2);
+    under.write(1, "CW", 0, { turning });
+    under.steps(3);
+    under.stations.dead = { 1 };
+    while (!under.host.isLeftAlone(1))
+        under.host.step();
+    const auto before = under.stations.line.sent().size();
+
+    under.host.stop(seconds(1));
+
+    EXPECT_EQ(under.outcomes.back(), "1001 confirmed");
+    EXPECT_EQ(under.stations.line.sent().at(before), framed("02 06 10 01 00 00"));
+}
+
+TEST(Stop, OfOtherStationsBehindOneThatWasGivenUpReportsItsOwn)
+{
+    RuntimeSettings settings;
+    settings.stops = { { 1, 0 }, { 2, 0 } };
+    RuntimeUnderTest under(settings);
+    under.stations.dead = { 2 };
+    const StopReport first = under.host.stop(milliseconds(300));
+    under.host.cancelStop();
+    under.host.setStops({ { 1, 0 } });
+
+    const StopReport second = under.host.stop(seconds(1));
+
+    EXPECT_TRUE(first.unconfirmed.contains(2));
+    EXPECT_EQ(second.unconfirmed, QVector<int> {});
+}
+
 TEST(Stop, TakesNoMoreThanItsFramesWhereEveryDriveAnswersAtOnce)
 {
     RuntimeSettings settings;
