@@ -350,6 +350,23 @@ public:
 
 } // namespace
 
+TEST(RuntimeWrites, NeedNobodyWhoListens)
+{
+    ScriptedLine stations;
+    Runtime runtime(privateCopy(), stations.line, RuntimeSettings());
+    runtime.step();
+    WriteWish wish;
+    wish.station = 1;
+    wish.regType = QStringLiteral("FRE");
+    wish.values = { 5 };
+    runtime.write(wish);
+
+    EXPECT_NO_THROW(runtime.step());
+
+    EXPECT_EQ(runtime.pendingWrites(), 0);
+    EXPECT_EQ(stations.registers.at({ 1, 0x1002 }), 5);
+}
+
 TEST(RuntimeBreaker, AStrangerThatIsSilentIsTriedOnceBesideOneOtherStation)
 {
     RuntimeUnderTest under;

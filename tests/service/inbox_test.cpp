@@ -50,6 +50,21 @@ std::string rest(Inbox &inbox)
 
 } // namespace
 
+TEST(InboxTest, IsHurriedByAStopWhateverWasTakenBefore)
+{
+    Inbox inbox(blockingWaits());
+    inbox.put(read(1));
+    inbox.put(write(2));
+    inbox.take();
+    inbox.take();
+    const bool before = inbox.isHurried();
+
+    inbox.put(stop(3));
+
+    EXPECT_FALSE(before);
+    EXPECT_TRUE(inbox.isHurried());
+}
+
 TEST(InboxTest, CommandsAreTakenInTheirOrder)
 {
     Inbox inbox(blockingWaits());
