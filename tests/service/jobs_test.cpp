@@ -31,6 +31,18 @@ protected:
                          [this](int, int settled, int) { progress.push_back(settled); });
     }
 
+    /// Begins a backup and holds the line behind so many requests; gives its id.
+    int backUpAndHoldAfter(int requests)
+    {
+        under.plant->hold();
+        start();
+        under.plant->awaitHeld();
+        const int backup = under.service->backUp({});
+        under.plant->letGo(requests);
+        under.plant->awaitHeld();
+        return backup;
+    }
+
     int &reg(int modbusRegister) { return under.plant->stations.registers[{ 1, modbusRegister }]; }
 
     ParameterSet set;
@@ -123,12 +135,7 @@ TEST_F(ServiceJobs, EachWriteOfARestoreIsToldWithWhatWasHeldBefore)
 
 TEST_F(ServiceJobs, ReadGoesBetweenTheRequestsOfABackup)
 {
-    under.plant->hold();
-    start();
-    under.plant->awaitHeld();
-    const int backup = under.service->backUp({});
-    under.plant->letGo(3);
-    under.plant->awaitHeld();
+    const int backup = backUpAndHoldAfter(3);
 
     const int read = under.service->read(1, QStringLiteral("D"), 3);
     under.plant->release();
@@ -142,12 +149,7 @@ TEST_F(ServiceJobs, ReadGoesBetweenTheRequestsOfABackup)
 
 TEST_F(ServiceJobs, BackupIsCancelledBehindAReadInItsMidst)
 {
-    under.plant->hold();
-    start();
-    under.plant->awaitHeld();
-    const int backup = under.service->backUp({});
-    under.plant->letGo(3);
-    under.plant->awaitHeld();
+    const int backup = backUpAndHoldAfter(3);
     under.service->read(1, QStringLiteral("D"), 3);
     under.plant->letGo(6);
     under.waitFor([&] { return !under.reads.empty(); });
@@ -177,12 +179,7 @@ TEST_F(ServiceJobs, BackupThatIsCancelledBeforeItBeginsReadsNothing)
 
 TEST_F(ServiceJobs, StopEndsTheJobUnderWayAndNoneThatIsAskedForLater)
 {
-    under.plant->hold();
-    start();
-    under.plant->awaitHeld();
-    const int backup = under.service->backUp({});
-    under.plant->letGo(3);
-    under.plant->awaitHeld();
+    const int backup = backUpAndHoldAfter(3);
 
     under.service->stop(std::chrono::seconds(1));
     under.plant->release();
@@ -198,12 +195,7 @@ TEST_F(ServiceJobs, StopEndsTheJobUnderWayAndNoneThatIsAskedForLater)
 
 TEST_F(ServiceJobs, CancelledBackupKeepsWhatItReadAndGoesOnFromThere)
 {
-    under.plant->hold();
-    start();
-    under.plant->awaitHeld();
-    const int backup = under.service->backUp({});
-    under.plant->letGo(5);
-    under.plant->awaitHeld();
+    const int backup = backUpAndHoldAfter(5);
 
     under.service->cancelJob(backup);
     under.plant->release();
@@ -221,12 +213,7 @@ TEST_F(ServiceJobs, CancelledBackupKeepsWhatItReadAndGoesOnFromThere)
 
 TEST_F(ServiceJobs, PollingAndWritesGoOnDuringABackup)
 {
-    under.plant->hold();
-    start();
-    under.plant->awaitHeld();
-    const int backup = under.service->backUp({});
-    under.plant->letGo(3);
-    under.plant->awaitHeld();
+    const int backup = backUpAndHoldAfter(3);
 
     under.submit(1, "FRE", 0, { 5 });
     under.plant->release();
