@@ -8,7 +8,7 @@ Usage: scripts/package.sh [OPTION...] [FOLDER]
 
 Installs the packages that a build needs, builds the Debian packages of this tree as debian/ says, with
 those of the debug symbols, and puts them into FOLDER: build/packages when none is named. Files that
-Git does not know are left out. Takes about ten minutes on two cores, and shows how far it is.
+Git does not know are left out. Shows how far it is, as everything is compiled.
 
   --jobs N    compile so many files at a time; as many as there are cores
   --lint      also have lintian look at them: an error or a warning fails
