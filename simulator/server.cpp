@@ -84,11 +84,11 @@ void Server::suspend()
     say("stopped; no station answers until it goes on");
     settleTalk();
     m_end.suspend();
-    say("goes on");
     // The master has given up on what it asked meanwhile; an answer now would be taken for one to
-    // its next request.
+    // its next request. Only then is it told, or what it asks at the word would be dropped as well.
     while (!m_port.read().empty()) { }
     m_framer.clear();
+    say("goes on");
 }
 
 void Server::wait()
