@@ -218,6 +218,18 @@ TEST_F(AnswerTimesTest, ALateOneInBetweenPutsLoweringOff)
     EXPECT_EQ(notice(), "");
 }
 
+TEST_F(AnswerTimesTest, ALateOneThatMayBeOfAnEarlierRequestPutsLoweringOffToo)
+{
+    answer(3, 160);
+    answer(31, 10);
+    answer(1, 201, false);
+    answer(31, 10);
+    EXPECT_EQ(answers.timeoutOf(1), milliseconds(200));
+
+    answer(1, 10);
+    EXPECT_EQ(answers.timeoutOf(1), milliseconds(100));
+}
+
 TEST_F(AnswerTimesTest, AnAnswerThatMayBeOfAnEarlierRequestLowersNothing)
 {
     answer(3, 160);

@@ -143,6 +143,39 @@ TEST_F(ClearingReads, BeginWithAnotherOneAfterSuchARefusalAlsoWhereTheFirstIsOwe
     EXPECT_EQ(sent(), (QVector<QByteArray> { framed("01 03 D0 08 00 01"), readOfB }));
 }
 
+TEST_F(ClearingReads, BeginWithTheStatusWordAgainOnceTheStationHasAnswered)
+{
+    askInVain(readA);
+    askInVain(readA);
+    inverter.replies = { replacedBy(framed("01 83 02")) };
+    guard.run(readB);
+    inverter.replies = { replacedBy(framed("01 03 02 00 01")) }; // the status word, late
+    guard.run(readA);
+    guard.run(readB); // is answered
+    askInVain(readA);
+    sent();
+
+    guard.run(readB);
+
+    EXPECT_EQ(sent(), (QVector<QByteArray> { statusRead, readOfB }));
+}
+
+TEST_F(ClearingReads, BeginWithTheStatusWordWhereARefusalCameBeforeTheOneThatHadNoAnswer)
+{
+    askInVain(readA);
+    inverter.replies = { replacedBy(framed("01 83 02")) };
+    guard.run(readOfThree); // hears the refusal, which may be that of A
+    askInVain(readA);
+    askInVain(readB); // its clearing read has no answer
+    inverter.replies = { replacedBy(framed("01 03 02 00 01")) }; // the status word, late
+    guard.run(readA);
+    sent();
+
+    guard.run(readB);
+
+    EXPECT_EQ(sent(), (QVector<QByteArray> { statusRead, readOfB }));
+}
+
 TEST_F(ClearingReads, ThatAreTheLastRequestAreNotRepeatedWhereTheyCouldBeMistaken)
 {
     askInVain(asked("01 03 F0 00 00 01"));
