@@ -100,7 +100,7 @@ OwedReplies::Claim OwedReplies::take(const QByteArray &frame, Duration now)
     Entries &entries = found->second;
     std::optional<std::size_t> earliest;
     std::int64_t fitting = 0;
-    bool isOwn = isCurrent(entries.back()) && answers(entries.back(), frame);
+    bool isOwn = !entries.empty() && isCurrent(entries.back()) && answers(entries.back(), frame);
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (!answers(entries[i], frame))
             continue;
@@ -156,8 +156,6 @@ void OwedReplies::settle(Stations::iterator station, std::size_t position, Durat
         entry.ends.erase(entry.ends.begin());
     if (entry.count == 0)
         entries.erase(entries.begin());
-    if (entries.empty())
-        m_stations.erase(station);
     settleEchoes(order);
 }
 
@@ -215,7 +213,8 @@ bool OwedReplies::isUnmistakable(const FRAME_PRO &read) const
 bool OwedReplies::wasLast(const FRAME_PRO &read) const
 {
     const auto found = m_stations.find(read.frame[stationByte]);
-    return found != m_stations.end() && found->second.back().request == bytesOf(read);
+    return found != m_stations.end() && !found->second.empty()
+        && found->second.back().request == bytesOf(read);
 }
 
 QVector<int> OwedReplies::lengths(int station, int function) const
@@ -256,8 +255,6 @@ void OwedReplies::expire(int station, Duration now, Duration longest)
         busyUntil = over;
     }
     entries.erase(entries.begin(), open);
-    if (entries.empty())
-        m_stations.erase(found);
 }
 
 } // namespace dx4::host

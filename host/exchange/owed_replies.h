@@ -107,7 +107,7 @@ private:
     void settle(Stations::iterator station, std::size_t position, Duration now);
     void settleEchoes(std::uint64_t before);
 
-    Stations m_stations; // without those that owe nothing
+    Stations m_stations; // that were asked; what was settled is gone from their entries
     std::map<int, Duration> m_busyUntil; // a station with what is settled, at the latest
     std::uint64_t m_order = 0; // of the last request
     std::uint64_t m_current = 0; // order of the request in hand; 0: none
