@@ -33,8 +33,10 @@ AnswerTimes::AnswerTimes(Duration responseTimeout)
 void AnswerTimes::noteAnswer(int number, Duration delay, bool sure)
 {
     Station &station = m_stations[number];
-    if (sure)
-        station.slowest = std::max(delay, station.slowest - station.slowest / memory);
+    if (sure) {
+        const Duration slowest = station.slowest.value_or(delay);
+        station.slowest = std::max(delay, slowest - slowest / memory);
+    }
     if (delay > timeoutOf(number)) {
         station.promptInARow = 0;
         station.latest = std::max(station.latest, delay);
@@ -62,10 +64,11 @@ void AnswerTimes::raise(int number, Station &station)
                    .arg(milliseconds(wanted));
 }
 
+/// Follows a sure answer, so that the slowest one is known.
 void AnswerTimes::lower(int number, Station &station)
 {
     station.promptInARow = 0;
-    const Duration wanted = std::max(2 * station.slowest, m_responseTimeout);
+    const Duration wanted = std::max(2 * *station.slowest, m_responseTimeout);
     if (wanted >= station.timeout)
         return;
     station.timeout = wanted;
@@ -84,8 +87,7 @@ Duration AnswerTimes::timeoutOf(int station) const
 std::optional<Duration> AnswerTimes::slowestOf(int station) const
 {
     const auto found = m_stations.find(station);
-    return found == m_stations.end() ? std::nullopt
-                                     : std::optional<Duration>(found->second.slowest);
+    return found == m_stations.end() ? std::nullopt : found->second.slowest;
 }
 
 QString AnswerTimes::takeNotice()

@@ -29,7 +29,7 @@ public:
     /// Response timeout of a station: the line's own, or a longer one that was learnt.
     Duration timeoutOf(int station) const;
 
-    /// The slowest of its last answers; none before the first.
+    /// The slowest of its last answers; none before the first of which the request is sure.
     std::optional<Duration> slowestOf(int station) const;
 
     /// Whether the station needs more than the line's own timeout.
@@ -40,7 +40,7 @@ public:
 
 private:
     struct Station {
-        Duration slowest { 0 }; ///< of the last answers, older ones counting less
+        std::optional<Duration> slowest; ///< of the last sure answers, older ones counting less
         Duration timeout { 0 };
         int lateInARow = 0;
         Duration latest { 0 }; ///< the slowest of these

@@ -77,7 +77,8 @@ public:
     /// Silence that is kept before a request to a station.
     Duration gapBefore(int station) const;
 
-    /// The slowest of its last answers, wire times taken off; none before the first.
+    /// The slowest of its last answers, wire times taken off; none before the first of which it is
+    /// known which request it answers.
     std::optional<Duration> answerTime(int station) const
     {
         return m_answerTimes.slowestOf(station);

@@ -152,9 +152,11 @@ TEST_F(AnswerTimesTest, TheSlowestOneLosesASixteenthWithEachAnswer)
 
 TEST_F(AnswerTimesTest, AnAnswerThatMayBeOfAnEarlierRequestIsNoSlowestOne)
 {
+    answer(1, 80, false);
+    EXPECT_EQ(answers.slowestOf(1), std::nullopt);
+
     answer(1, 10);
     answer(1, 80, false);
-
     EXPECT_EQ(answers.slowestOf(1), milliseconds(10));
 }
 

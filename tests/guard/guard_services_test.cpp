@@ -327,6 +327,7 @@ TEST_F(GuardServices, ManyRepliesToEqualReadsAreTakenWithoutTheirTimes)
     guard.listen();
 
     EXPECT_EQ(guard.report().lateReplies, 18);
+    EXPECT_EQ(guard.answerTime(1), std::nullopt) << "nor is it known when the last was asked for";
     EXPECT_EQ(guard.run(readB).kind, Reply::Kind::Silence) << "nothing is owed any more";
 }
 

@@ -215,6 +215,18 @@ TEST_F(BreakerTimeouts, ALivingStationTakesOneAndAHalfOfItsSlowestAnswerAnd20Mil
     EXPECT_EQ(exchange.livingTimeout(2), milliseconds(100)) << "never heard";
 }
 
+TEST_F(BreakerTimeouts, AStationOfWhichNoAnswersRequestIsKnownCountsAsNeverHeard)
+{
+    stations.changes = { silence() };
+    for (int i = 0; i < 2; ++i) // the answer may be that to either
+        guard.probe(1, { milliseconds(100), std::nullopt, false });
+    const ReplyCause cause = guard.report().verdict.cause;
+
+    EXPECT_EQ(cause, ReplyCause::Good);
+    EXPECT_EQ(exchange.livingTimeout(1), milliseconds(100));
+    EXPECT_EQ(exchange.doubtTimeout(1), milliseconds(1000));
+}
+
 TEST_F(BreakerTimeouts, AStationInDoubtGetsTwiceItsSlowestAnswerAnd30Milliseconds)
 {
     ask(1);
