@@ -482,8 +482,6 @@ void GuardedExchange::noteAnswerTime(int station, const OwedReplies::Claim &clai
 /// Sorts what nobody was asked for: a frame of somebody else's, or junk.
 void GuardedExchange::noteSkipped(const QByteArray &bytes)
 {
-    if (bytes.isEmpty())
-        return;
     if (!isFrame(bytes)) {
         m_report.junkBytes += lengthOf(bytes);
         return;
