@@ -219,14 +219,13 @@ Reply BreakerExchange::poll(const FRAME_PRO &request)
 }
 
 /// One try: what is left of the driver's tries fails without the line. Where the station is left
-/// alone it is a probe.
+/// alone it is a probe, and failed if the station still is so afterwards.
 Reply BreakerExchange::askOnce(const FRAME_PRO &request, const Allowance &allowance)
 {
     const int station = request.var.station;
-    const bool isProbe = m_breaker.isLeftAlone(station);
     Reply reply = m_guard.runWithin(request, allowance);
     noteReport(station, reply);
-    if (isProbe && m_breaker.isLeftAlone(station))
+    if (m_breaker.isLeftAlone(station))
         m_breaker.noteProbeCost(reply.turnaround, m_line.now());
     reply.canRetry = reply.canRetry && reply.kind == Reply::Kind::LineDown;
     return reply;
@@ -237,11 +236,11 @@ Reply BreakerExchange::probe(int station)
     Reply reply = m_guard.probe(station, { probeTimeout(station), std::nullopt, false });
     noteReport(station, reply);
     const Duration now = m_line.now();
-    if (wasAsked(reply) && !isAnswer(m_guard.report().verdict.cause)) {
+    if (!wasAsked(reply)) {
+        m_breaker.postponeProbe(station, now + postponement);
+    } else if (!isAnswer(m_guard.report().verdict.cause)) {
         m_breaker.noteGiveUp(station, now);
         m_breaker.noteProbeCost(reply.turnaround, now);
-    } else if (!wasAsked(reply)) {
-        m_breaker.postponeProbe(station, now + postponement);
     }
     return reply;
 }
@@ -305,7 +304,7 @@ bool isAnswer(ReplyCause cause)
     case ReplyCause::Truncated:
     case ReplyCause::BadCrc:
     case ReplyCause::ForeignStation:
-        return false;
+        break;
     }
     return false;
 }
@@ -320,7 +319,7 @@ bool wasAsked(const Reply &reply)
     case Reply::Kind::LineDown:
     case Reply::Kind::NotAsked:
     case Reply::Kind::Withheld:
-        return false;
+        break;
     }
     return false;
 }
