@@ -90,6 +90,19 @@ TEST(BreakerRules, ASignOfLifeOfAStationThatNobodyAskedIsNone)
     EXPECT_FALSE(breaker.mayRetry(1));
 }
 
+TEST(BreakerRules, ASignOfLifeOfAStationThatNobodyAskedLeavesTheOthersAsTheyAre)
+{
+    Breaker breaker;
+    breaker.setPolled({ 1 });
+
+    breaker.noteSignOfLife(7, seconds(1));
+    breaker.setPolled({ 1, 2 });
+    breaker.noteGiveUp(2, seconds(2));
+
+    EXPECT_EQ(breaker.polledStations(), 2);
+    EXPECT_EQ(breaker.nextProbe(), seconds(3));
+}
+
 TEST(BreakerRules, AnAnswerKeepsThatSomebodyAskedForTheStation)
 {
     Breaker breaker;
