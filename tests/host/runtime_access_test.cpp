@@ -53,6 +53,7 @@ TEST_F(RuntimeAccessTest, ARefusedReadIsRefused)
     EXPECT_EQ(result.kind, AccessResult::Kind::Refused);
     EXPECT_EQ(result.reason.toStdString(),
               "station 1, F 1.5 (0xF105): refused with exception 2, register not there");
+    EXPECT_TRUE(result.values.isEmpty());
 }
 
 TEST_F(RuntimeAccessTest, AWriteThatIsConfirmedHasNothingToExplain)
