@@ -282,6 +282,25 @@ TEST(GuardOnABabblingLine, AKilobyteEndsTheWait)
     EXPECT_EQ(guard.report().junkBytes, 1025);
 }
 
+TEST(GuardOnABabblingLine, AKilobyteToTheByteEndsTheWait)
+{
+    LineSettings settings;
+    settings.speed = 115200;
+    // What looks like the beginning of the reply makes up for the odd byte.
+    const QByteArray babble = QByteArray::fromHex("AA AA AA 01 03") + QByteArray(1019, '\xAA');
+    MemoryLine line(
+        [&](const QByteArray &) {
+            return MemoryLine::Answer { babble, Duration {} };
+        },
+        settings);
+    GuardedExchange guard(line);
+
+    const Reply reply = guard.run(readA);
+
+    EXPECT_EQ(guard.report().bytesHeard, 1024);
+    EXPECT_EQ(reply.turnaround, settings.wireTime(8) + settings.wireTime(1024));
+}
+
 TEST_F(GuardServices, BytesThatLookLikeTheWholeReplyButForTheirCrcEndTheWait)
 {
     learnTheAdapter();
