@@ -3,6 +3,8 @@
 #include "guarded_station.h"
 #include "trial_requests.h"
 
+#include <utility>
+
 using namespace dx4::host;
 using std::chrono::milliseconds;
 
