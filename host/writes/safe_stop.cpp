@@ -251,9 +251,9 @@ void SafeStop::putAhead(int station)
     m_link.failAhead(safeStopTag);
     if (isNext())
         return;
-    // A write that cannot be encoded stays at the head for ever, and nothing behind it is served.
-    if (m_link.api().state->sendFrames.isEmpty())
-        m_link.api().state->writeList.clear();
+    // A write that cannot be encoded stays at the head for ever, and nothing behind it is served. A
+    // polled read may be under way then; it ends with its tries.
+    m_link.api().state->writeList.clear();
     queue(station);
     m_link.failAhead(safeStopTag);
 }

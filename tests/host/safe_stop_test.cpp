@@ -171,6 +171,31 @@ TEST(SafeStop, ThePauseOfTheDriverAmongManyWritesIsPassed)
 
     EXPECT_EQ(first.var.varKind, safeStopTag);
     EXPECT_EQ(link.waitingWrites(), 1);
+    EXPECT_FALSE(link.registerState(1, QStringLiteral("F"), 0).writePending);
+}
+
+TEST(SafeStop, AWriteThatHasNoFrameIsNotWaitedForWhateverIsPolledAndTried)
+{
+    for (int tries = 1; tries <= 7; ++tries) {
+        for (int blocks = 0; blocks <= 3; ++blocks) {
+            LinkSettings settings;
+            settings.retryLimit = tries;
+            Link link(privateCopy(), settings);
+            QList<KEY_ADDRESS> polled;
+            for (int i = 0; i < blocks; ++i)
+                polled.append(wanted(1, QStringLiteral("D"), 2 * i));
+            link.poll(polled);
+            link.write(1, QStringLiteral("CW"), 0, { 1, 1 });
+            SafeStop stop(link, { { 1, 0 } }, [](int) { return StopOutlook(); });
+            stop.begin(Duration { 0 }, seconds(2));
+
+            stop.prepareNext(Duration { 0 });
+
+            FRAME_PRO first;
+            EXPECT_TRUE(link.nextFrame(first)) << tries << " tries, " << blocks << " blocks";
+            EXPECT_EQ(first.var.varKind, safeStopTag) << tries << " tries, " << blocks << " blocks";
+        }
+    }
 }
 
 TEST_F(SafeStopTest, AnUnconfirmedStopIsSaidLoudly)
