@@ -275,6 +275,7 @@ TEST_F(StopAllowances, OfRepeatsAreForOneStationAtATime)
     stop.repeat(2);
 
     EXPECT_EQ(link.waitingWrites(), 1);
+    EXPECT_EQ(stop.due(seconds(1)), std::nullopt) << "one waits";
 }
 
 TEST_F(StopAllowances, LeaveProbesOfAStationThatIsLeftAloneToTheBreaker)
@@ -291,16 +292,19 @@ TEST_F(StopAllowances, LeaveProbesOfAStationThatIsLeftAloneToTheBreaker)
 TEST_F(StopAllowances, AreGivenToThoseThatAnswerFirstThenToThoseThatTurn)
 {
     std::map<int, StopOutlook> outlooks;
-    for (int station = 1; station <= 5; ++station)
+    for (int station = 1; station <= 6; ++station)
         outlooks[station] = outlook;
     outlooks[1].lastAnswer = seconds(5);
     outlooks[1].isLeftAlone = true;
     outlooks[2].lastAnswer = seconds(3);
+    outlooks[3].lastAnswer = seconds(6); // its cable was cut as it turned
+    outlooks[3].isLeftAlone = true;
     outlooks[4].lastAnswer = seconds(4);
     outlooks[5].isLeftAlone = true;
-    SafeStop plant(link, { { 1, 6 }, { 2, 6 }, { 3, 6 }, { 4, 6 }, { 5, 6 } },
+    SafeStop plant(link, { { 1, 6 }, { 2, 6 }, { 3, 6 }, { 4, 6 }, { 5, 6 }, { 6, 6 } },
                    [&outlooks](int station) { return outlooks.at(station); });
     plant.noteCommand(3, 1);
+    plant.noteCommand(6, 1);
     plant.noteCommand(2, 6);
     plant.begin(seconds(6), seconds(10));
 
@@ -312,7 +316,7 @@ TEST_F(StopAllowances, AreGivenToThoseThatAnswerFirstThenToThoseThatTurn)
         link.handReply(QByteArray());
     }
 
-    EXPECT_EQ(order, (QVector<int> { 4, 2, 3, 1, 5 }));
+    EXPECT_EQ(order, (QVector<int> { 4, 2, 3, 6, 1, 5 }));
 }
 
 TEST_F(StopAllowances, OfThePatientLeaveEveryOtherItsQuickTry)
