@@ -416,6 +416,8 @@ TEST(Stop, ADriveIsKnownToTurnUntilItsStopIsConfirmed)
     under.host.run([&] { return under.host.pendingWrites() == 0; });
     under.stations.dead.clear();
     under.runFor(seconds(20));
+    under.host.setPlan(planOf({ { 2, QStringLiteral("SW") } })); // heard later than the other
+    under.runFor(seconds(1));
     const auto before = under.stations.line.sent().size();
 
     under.host.stop(seconds(1));
