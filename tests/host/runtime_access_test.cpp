@@ -68,17 +68,19 @@ TEST_F(RuntimeAccessTest, AWriteThatIsConfirmedHasNothingToExplain)
 TEST(RuntimeAccessEnd, OutcomesGoToTheOthersFromThenOn)
 {
     RuntimeUnderTest under;
-    Texts others;
+    const auto others = std::make_shared<Texts>();
     {
-        const RuntimeAccess access(under.host, [&others](const WriteOutcome &outcome) {
-            others.push_back(writeEndName(outcome.end));
+        const RuntimeAccess access(under.host, [others](const WriteOutcome &outcome) {
+            others->push_back(writeEndName(outcome.end));
         });
     }
 
     under.write(1, "FRE", 0, { 5 });
     under.steps(1);
 
-    EXPECT_EQ(others, Texts { "confirmed" });
+    EXPECT_EQ(*others, Texts { "confirmed" });
+    EXPECT_EQ(others.use_count(), 2)
+        << "the runtime has their handler, not the access that is gone";
 }
 
 TEST_F(RuntimeAccessTest, ADeadStationDoesNotAnswer)
