@@ -206,11 +206,9 @@ std::optional<Plan> planOf(const Config &config, Planner &planner, QVector<Confi
                 found.append({ wanted.line, why });
         }
     }
-    std::optional<Plan> plan;
     QString why;
-    if (found.isEmpty())
-        plan = planner.make(entries, &why);
-    if (found.isEmpty() && !plan)
+    std::optional<Plan> plan = planner.make(entries, &why);
+    if (!plan && found.isEmpty())
         found.append({ 0, why });
     report(found, errors);
     return plan;

@@ -5,16 +5,17 @@
 #include "register_tables.h"
 #include "wire/register_place.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace dx4::host {
 namespace {
 
 RegisterType typeOf(const QString &name)
 {
-    for (int type = 0; type < registerTypeCount; ++type) {
-        if (name == REG_LIST[type])
-            return static_cast<RegisterType>(type);
-    }
-    return UnknownType;
+    const auto *const found = std::find(std::begin(REG_LIST), std::end(REG_LIST), name);
+    return found == std::end(REG_LIST) ? UnknownType
+                                       : static_cast<RegisterType>(found - std::begin(REG_LIST));
 }
 
 } // namespace

@@ -127,10 +127,7 @@ void LineWorker::listen()
     m_runtime->onOutcome([this](const WriteOutcome &outcome) { noteOutcome(outcome); });
     m_runtime->onAlarm([this](const QString &text) { tell(AlarmRaised { text }); });
     m_runtime->onNotice([this](const QString &text) { tell(NoticeGiven { text }); });
-    m_runtime->onChange([this](const ValueChange &change) {
-        if (change.station > 0)
-            m_table.touch(change.station);
-    });
+    m_runtime->onChange([this](const ValueChange &change) { m_table.touch(change.station); });
 }
 
 /// One step of the line with all that belongs to it.
@@ -149,13 +146,13 @@ Runtime::Step LineWorker::turn()
 /// Also of a stop under way, which is the only time when it may be given up.
 void LineWorker::pause(Duration span)
 {
-    if (m_isStopping)
+    if (isStopping())
         publish();
     if (m_settings.runtime.pause)
         m_settings.runtime.pause(span);
     else
         m_inbox.wait(span);
-    if (!m_isStopping || !m_inbox.takeCancellation(&m_stops))
+    if (!isStopping() || !m_inbox.takeCancellation(&m_stops))
         return;
     m_isStopCancelled = true;
     m_runtime->cancelStop();
@@ -188,15 +185,11 @@ void LineWorker::giveUp(const QString &reason)
                             {} });
     if (m_jobs)
         m_jobs->endAll(m_downReason);
-    m_jobs.reset();
-    m_runtime.reset();
-    m_line.reset();
+    letGo();
     tell(AlarmRaised { m_downReason });
     tell(LineWentDown { m_downReason });
-    if (std::exchange(m_isStopping, false)) {
-        for (int id : std::exchange(m_stops, {}))
-            refuse(StopDrives { id, Duration { 0 } });
-    }
+    for (int id : std::exchange(m_stops, {}))
+        refuse(StopDrives { id, {} });
 }
 
 /// What was asked for before the end is carried out, or refused: stops are sent.
@@ -207,10 +200,16 @@ void LineWorker::end()
         m_runtime->dropWrites(endedText());
         m_jobs->endAll(endedText());
     }
+    letGo();
+    m_outbox.post(std::exchange(m_events, {}));
+}
+
+/// The driver ends and the port is free, whoever still holds the service.
+void LineWorker::letGo()
+{
     m_jobs.reset();
     m_runtime.reset();
     m_line.reset();
-    m_outbox.post(std::exchange(m_events, {}));
 }
 
 void LineWorker::takeCommands()
@@ -255,14 +254,12 @@ void LineWorker::execute(const StopDrives &command)
     m_stops = { command.id };
     const Duration budget = std::max(command.budget, m_inbox.takeStops(&m_stops));
     m_isStopCancelled = false;
-    m_isStopping = true;
     m_outbox.post(std::exchange(m_events, {}));
     const StopReport report = m_runtime->stop(budget);
-    m_isStopping = false;
     if (!m_isStopCancelled && report.unconfirmed.isEmpty())
         m_inbox.takeStops(&m_stops);
     m_inbox.endStops(m_stops.size());
-    for (int id : std::as_const(m_stops))
+    for (int id : std::exchange(m_stops, {}))
         tell(StopEnded { id, report });
     m_table.touchAll();
 }
@@ -337,7 +334,7 @@ void LineWorker::noteOutcome(WriteOutcome outcome)
 void LineWorker::tell(ServiceEvent event)
 {
     m_events.push_back(std::move(event));
-    if (m_isStopping)
+    if (isStopping())
         m_outbox.post(std::exchange(m_events, {}));
 }
 

@@ -43,8 +43,10 @@ private:
     Runtime::Step turn();
     void pause(Duration span);
     bool isHurried();
+    bool isStopping() const { return !m_stops.empty(); }
     void giveUp(const QString &reason);
     void end();
+    void letGo();
 
     void takeCommands();
     void execute(const SubmitWrite &command);
@@ -86,8 +88,7 @@ private:
     RegisterTable m_table;
     std::map<int, OpenWrite> m_writes; // by the runtime's id
     std::vector<ServiceEvent> m_events; // not told yet
-    std::vector<int> m_stops; // ids of the stop under way
-    bool m_isStopping = false;
+    std::vector<int> m_stops; // ids of the stop under way; empty where there is none
     bool m_isStopCancelled = false;
     bool m_isOpen = false;
     QString m_downReason;

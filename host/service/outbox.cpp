@@ -40,7 +40,6 @@ void Outbox::notifyOnce(std::unique_lock<std::mutex> &lock)
         return;
     lock.unlock();
     m_notify();
-    lock.lock();
 }
 
 std::shared_ptr<const LineSnapshot> Outbox::snapshot() const

@@ -52,7 +52,7 @@ private:
 
     QVector<RegisterValue> takeChanges();
     std::optional<ServiceEvent> takeFirst();
-    void notifyOnce(std::unique_lock<std::mutex> &lock);
+    void notifyOnce(std::unique_lock<std::mutex> &lock); // and gives the lock back
 
     const std::function<void()> m_notify;
     mutable std::mutex m_mutex;

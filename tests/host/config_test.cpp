@@ -84,6 +84,20 @@ TEST(Config, TheExampleCanBePlanned)
     EXPECT_EQ(plan->wantedRegisters, 18);
 }
 
+TEST(Config, ABlockSizeThatCannotBeIsSaidThoughNothingIsPolled)
+{
+    QVector<ConfigError> errors;
+    const auto config = parseConfig("[[station]]\naddress = 1\n", &errors);
+    LinkSettings settings;
+    settings.blockSize = 0;
+    Planner planner(privateCopy(), settings);
+
+    const auto plan = planOf(*config, planner, &errors);
+
+    EXPECT_FALSE(plan.has_value());
+    EXPECT_EQ(textsOf(errors), Texts { "a.toml: block size 0; it can be 1 to 123" });
+}
+
 TEST(Config, WhatIsNotSaidStaysAtItsDefault)
 {
     const auto config =

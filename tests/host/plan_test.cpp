@@ -367,6 +367,13 @@ TEST(Plan, RandomWishesAreReadOnceFromTheirOwnStationAndNothingElseIs)
     }
 }
 
+TEST(Planner, NeedsNobodyWhoReadsTheReason)
+{
+    Planner planner(privateCopy(), LinkSettings());
+
+    EXPECT_FALSE(planner.make({ { 248, QStringLiteral("D 0") } }, nullptr));
+}
+
 TEST(Planner, RefusesADriverThatIsNull)
 {
     EXPECT_THROW(Planner(nullptr, LinkSettings()), std::invalid_argument);

@@ -334,9 +334,11 @@ TEST(Plugin, APrivateCopyKeepsADescriptorOnlyWhereItIsInMemory)
         const Variable temporary("TMPDIR", place);
         const bool isInMemory = place == "/no/such";
 
-        auto copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy);
+        QString error;
+        auto copy = Plugin::load(driverPath, Plugin::Instance::PrivateCopy, &error);
 
         ASSERT_TRUE(copy);
+        EXPECT_EQ(error, QString());
         EXPECT_EQ(openDescriptors(), before + (isInMemory ? 1 : 0)) << place.constData();
         copy.reset();
         EXPECT_EQ(openDescriptors(), before) << place.constData();

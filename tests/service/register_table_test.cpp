@@ -142,7 +142,7 @@ TEST_F(RegisterTableTest, LabelsAreThoseOfTheNewestConfiguration)
                                     "register = [ { at = \"D 1\", name = \"old\" } ]\n",
                                     nullptr);
     const auto config = parseConfig("[[station]]\naddress = 1\nregister = [\n"
-                                    "{ at = \"D 0\", unit = \"V\" },\n"
+                                    "{ at = \"D 0-1\", unit = \"V\" },\n"
                                     "{ at = \"D 3\", name = \"none\" },\n"
                                     "{ at = \"D 40\", name = \"beyond\" } ]\n",
                                     nullptr);
@@ -153,5 +153,5 @@ TEST_F(RegisterTableTest, LabelsAreThoseOfTheNewestConfiguration)
 
     table.setLabels(*config, host.host.link());
 
-    EXPECT_EQ(refreshed(), (Texts { "1 D 0=0 V", "1 D 1=0" }));
+    EXPECT_EQ(refreshed(), (Texts { "1 D 0=0 V", "1 D 1=0 V" }));
 }

@@ -10,6 +10,13 @@ using std::chrono::seconds;
 
 namespace {
 
+/// A line that can wait nowhere.
+class NoPlaceToWait : public PlantLine {
+public:
+    using PlantLine::PlantLine;
+    void setWaits(Waits &) override { throw std::runtime_error("no place to wait"); }
+};
+
 /// A request is on its way when the adapter fails.
 class ServiceFailure : public ::testing::Test {
 protected:
@@ -64,6 +71,7 @@ TEST_F(ServiceFailure, RefusesAWriteThatWaits)
     EXPECT_EQ(under.outcomeIds, std::vector<int> { id });
     EXPECT_EQ(under.outcomes.front().refusal, Refusal::NotConnected);
     EXPECT_FALSE(under.outcomes.front().sent);
+    EXPECT_EQ(under.outcomes.front().exceptionCode, 0);
 }
 
 TEST_F(ServiceFailure, EndsAWriteOnTheLineAsTimedOut)
@@ -79,6 +87,7 @@ TEST_F(ServiceFailure, EndsAWriteOnTheLineAsTimedOut)
     ASSERT_EQ(under.outcomeIds, std::vector<int> { id });
     EXPECT_EQ(under.outcomes.front().end, WriteEnd::TimedOut);
     EXPECT_TRUE(under.outcomes.front().sent);
+    EXPECT_EQ(under.outcomes.front().exceptionCode, 0);
     EXPECT_EQ(under.outcomes.front().text.toStdString(),
               std::string("station 2: not confirmed: ") + failed);
 }
@@ -153,6 +162,34 @@ TEST_F(ServiceFailure, EndsTheStopUnderWayWithoutAnyConfirmation)
     EXPECT_EQ(first, 1);
 }
 
+TEST_F(ServiceFailure, EndsNothingThatHasEnded)
+{
+    under.plant->failure = nullptr;
+    under.submit(1, "FRE", 0, { 5 });
+    under.plant->release();
+    under.waitFor([&] { return under.outcomes.size() == 1; });
+    under.service->stop(seconds(1));
+    under.waitFor([&] { return under.stops.size() == 1; });
+    under.plant->hold();
+    under.plant->awaitHeld();
+    under.plant->failure = [] { throw std::runtime_error("adapter gone mad"); };
+
+    waitForTheEnd();
+    under.service.reset();
+
+    EXPECT_EQ(under.outcomes.size(), 1U);
+    EXPECT_EQ(under.stops.size(), 1U);
+}
+
+TEST_F(ServiceFailure, LetsThePortGo)
+{
+    const long before = under.plant.use_count();
+
+    waitForTheEnd();
+
+    EXPECT_EQ(under.plant.use_count(), before - 1);
+}
+
 TEST_F(ServiceFailure, EndsJobsThatWaitAndTheOneUnderWay)
 {
     under.plant->failure = nullptr;
@@ -202,4 +239,21 @@ TEST(ServiceFailureInAPause, IsTheLinesEndAsWell)
     under.waitFor([&] { return under.told.size() == 3; });
 
     EXPECT_EQ(under.told.at(1), "the line failed and is not tried again: no pause");
+}
+
+TEST(ServiceFailureAtTheStart, IsTheLinesEndAsWell)
+{
+    ServiceUnderTest under;
+    QString reason;
+    const auto service = makeService(
+        [plant = under.plant] {
+            return LineParts { std::make_unique<NoPlaceToWait>(plant), privateCopy(), {} };
+        },
+        {});
+    QObject::connect(service.get(), &LineService::lineWentDown,
+                     [&](const QString &text) { reason = text; });
+
+    under.waitFor([&] { return !reason.isEmpty(); });
+
+    EXPECT_EQ(reason.toStdString(), "the line failed and is not tried again: no place to wait");
 }

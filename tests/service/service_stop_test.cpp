@@ -93,6 +93,18 @@ TEST_F(ServiceStop, RefusesWritesFromItsCallToItsEnd)
     EXPECT_EQ(under.outcomes.at(2).end, WriteEnd::Confirmed);
 }
 
+TEST_F(ServiceStop, ShowsTheStoppedDriveWithItsEnd)
+{
+    under.submit(1, "CW", 0, { 1 });
+    under.plant->release();
+    under.waitFor([&] { return under.outcomes.size() == 1; });
+
+    under.service->stop(seconds(1));
+    under.waitFor([&] { return under.stops.size() == 1; });
+
+    EXPECT_EQ(under.shown(1, "CW", 0), 0);
+}
+
 TEST_F(ServiceStop, IsSharedByAllWhoAskBeforeItEnds)
 {
     under.service->stop(seconds(1));
@@ -160,6 +172,22 @@ TEST_F(ServiceStop, ThatIsAskedForAfterItWasGivenUpIsSentAgain)
     EXPECT_TRUE(under.stops.back().unconfirmed.isEmpty());
 }
 
+TEST_F(ServiceStop, IsSharedAgainAfterOneThatWasGivenUp)
+{
+    under.plant->stations.changes = { silence() }; // the first stop
+    under.service->stop(Duration { 0 });
+    under.service->cancelStop();
+    under.service->stop(seconds(1));
+    under.plant->letGo(2);
+    under.plant->awaitHeld(); // the second stop
+
+    under.service->stop(seconds(1));
+    under.plant->release();
+    under.waitFor([&] { return under.stops.size() == 3; });
+
+    EXPECT_EQ(sentSince().count(stopOfStation1()), 2);
+}
+
 TEST_F(ServiceStop, IsSentBeforeTheServiceEnds)
 {
     under.service->stop(seconds(1));
@@ -177,4 +205,68 @@ TEST_F(ServiceStop, IsNotSentUnlessItWasAskedFor)
     under.plant->release();
 
     EXPECT_EQ(sentSince().count(stopOfStation1()), 0);
+}
+
+TEST(PatientStop, TellsInItsPausesWhatBecomesOfTheLine)
+{
+    ServiceUnderTest under(stopping());
+    under.playTime();
+    under.plant->hold();
+    under.start();
+    under.plant->awaitHeld();
+    under.plant->stations.dead = { 1 };
+    under.service->stop(seconds(60));
+
+    under.plant->release();
+    under.waitFor([&] { return under.stops.size() == 1; });
+
+    EXPECT_EQ(under.told.at(0), "open");
+    EXPECT_EQ(under.told.at(1), "lost 1");
+}
+
+TEST(PendingStop, IsNotSentAgainOnceItIsGivenUp)
+{
+    ServiceUnderTest under(stopping());
+    under.playTime();
+    under.plant->stations.dead = { 1 };
+    under.start();
+    under.service->stop(Duration { 0 });
+    under.waitFor([&] { return under.stops.size() == 1; });
+    under.plant->hold();
+    under.plant->awaitHeld();
+    under.service->cancelStop();
+    under.service->takeCounters();
+    under.plant->release();
+    under.waitFor([&] { return under.counters.size() == 1; });
+    under.plant->hold();
+    under.plant->awaitHeld();
+    under.plant->stations.dead = {};
+    const auto before = under.plant->stations.line.sent().count(stopOfStation1());
+
+    under.plant->release();
+    under.waitFor([&] { return under.shown(1, "D", 5) == 0; });
+    under.service.reset();
+
+    EXPECT_GT(before, 0);
+    EXPECT_EQ(under.plant->stations.line.sent().count(stopOfStation1()), before);
+}
+
+TEST(StopOfSeveralDrives, KeepsNoOutcomeBackUntilItsEnd)
+{
+    ServiceSettings settings = stopping();
+    settings.runtime.stops = { { 1, 0 }, { 2, 0 } };
+    ServiceUnderTest under(settings);
+    under.plant->hold();
+    under.start();
+    under.plant->awaitHeld();
+    const int refused = under.submit(1, "FRE", 1, { 1 }); // there is no such register
+    const int dropped = under.submit(1, "FRE", 0, { 1 });
+    under.service->stop(seconds(1));
+    under.plant->letGo(2);
+    under.plant->awaitHeld(); // the second stop
+
+    under.waitFor([&] { return under.outcomes.size() == 2; });
+
+    EXPECT_EQ(under.outcomeIds, (std::vector<int> { refused, dropped }));
+    EXPECT_TRUE(under.stops.empty());
 }

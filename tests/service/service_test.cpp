@@ -44,6 +44,7 @@ TEST(LineServiceTest, ShowsWhatIsPolled)
     const auto snapshot = under.service->snapshot();
     const RegisterValue *value = snapshot->find(1, QStringLiteral("D"), 1);
     EXPECT_TRUE(snapshot->isOpen);
+    EXPECT_TRUE(snapshot->takenAt.isValid());
     EXPECT_EQ(snapshot->registers.size(), 2);
     EXPECT_FALSE(value->state.stale);
     EXPECT_FALSE(value->state.failed);
@@ -158,6 +159,19 @@ TEST(LineServiceTest, SignalsCanBeQueuedByTheirNames)
     }
 }
 
+TEST(LineServiceTest, IsAnObjectThatOthersMayCallLater)
+{
+    ServiceUnderTest under;
+    under.start();
+    bool isCalled = false;
+
+    QMetaObject::invokeMethod(
+        under.service.get(), [&] { isCalled = true; }, Qt::QueuedConnection);
+    under.takeSignals();
+
+    EXPECT_TRUE(isCalled);
+}
+
 TEST(LineServiceTest, AReloadTellsWhichSettingsWaitForANewService)
 {
     ServiceUnderTest under(polling({ entry(1, "D 0") }));
@@ -222,6 +236,7 @@ TEST(LineServiceTest, AClosedLineIsToldWithItsReasonAndItsReturn)
 
     EXPECT_FALSE(wasOpen);
     EXPECT_EQ(under.told, (Texts { "down: no such port", "open" }));
+    EXPECT_EQ(under.service->snapshot()->downReason, QString());
 }
 
 TEST(LineServiceTest, AStationIsToldAsLostAndAsBack)
