@@ -242,13 +242,8 @@ bool SerialLine::writeAll(const QByteArray &bytes, Duration deadline)
 /// @return number of bytes taken, 0 at the deadline and when the port broke
 int SerialLine::awaitInput(char *to, int most, Duration deadline)
 {
-    if (m_waits->forEvents(m_descriptor, POLLIN, deadline) == 0)
-        return 0;
     // An unplugged adapter reports input as well; it still hands over what it had before.
-    const int count = readInto(to, most);
-    if (count == 0)
-        close();
-    return count;
+    return m_waits->forEvents(m_descriptor, POLLIN, deadline) == 0 ? 0 : readInto(to, most);
 }
 
 /// Takes what the kernel holds without waiting; closes the port when it broke.

@@ -22,6 +22,9 @@ struct RuntimeSettings {
     QVector<int> stations; ///< that may be written to; empty: all
     Duration staleAfter = std::chrono::seconds(5); ///< age from which a value counts as old
     Duration userPatience { 0 }; ///< silence of the user that leads to a stop; 0: never
+    /// Asked in each step, also of a stop under way: whether the user has been there since the last
+    /// time, as noteUser() says it. Null: noteUser() alone does.
+    std::function<bool()> isUserThere;
     std::function<void(Duration)> pause; ///< lets time pass; null: the thread sleeps
     /// Asked between requests and before one is sent; when it says so, a step that has sent nothing
     /// yet ends soon and sends nothing more: waits for replies that are owed and gaps before a

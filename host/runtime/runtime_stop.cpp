@@ -240,6 +240,8 @@ void Runtime::noteUser()
 
 void Runtime::watchUser()
 {
+    if (m_settings.isUserThere && m_settings.isUserThere())
+        noteUser();
     const bool isLate = m_settings.userPatience > Duration { 0 }
         && m_line.now() - m_lastUser > m_settings.userPatience;
     if (!isLate || m_userGone)

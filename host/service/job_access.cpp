@@ -41,9 +41,8 @@ AccessResult JobAccess::write(int station, const QString &regType, int address, 
     if (!before.isEmpty())
         return { AccessResult::Kind::NotBegun, before, {} };
     const Value held = m_runtime.value(station, regType, address);
-    m_held.clear();
-    if (held.known && !held.writePending)
-        m_held = { held.value };
+    const bool isHeld = held.known && !held.writePending;
+    m_held = isHeld ? QVector<quint16> { held.value } : QVector<quint16>();
     m_ended.reset();
     m_expected = m_runtime.write(parameterWrite(station, regType, address, value));
     while (!m_ended && !m_isClosing())

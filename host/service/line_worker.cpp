@@ -118,7 +118,8 @@ RuntimeSettings LineWorker::ownSettings()
 {
     RuntimeSettings settings = m_settings.runtime;
     settings.pause = [this](Duration span) { pause(span); };
-    settings.isHurried = [this] { return isHurried(); };
+    settings.isHurried = [this] { return m_inbox.isHurried(); };
+    settings.isUserThere = [this] { return m_inbox.takeUser(); };
     return settings;
 }
 
@@ -152,18 +153,8 @@ void LineWorker::pause(Duration span)
         m_settings.runtime.pause(span);
     else
         m_inbox.wait(span);
-    if (!isStopping() || !m_inbox.takeCancellation(&m_stops))
-        return;
-    m_isStopCancelled = true;
-    m_runtime->cancelStop();
-}
-
-/// Asked often, also while a stop is under way: a user who is there shall not go unnoticed then.
-bool LineWorker::isHurried()
-{
-    if (m_inbox.takeUser())
-        m_runtime->noteUser();
-    return m_inbox.isHurried();
+    if (isStopping() && m_inbox.takeCancellation(&m_stops))
+        m_runtime->cancelStop();
 }
 
 /// Nobody knows in which state line and driver are. What is open ends as the worst it may be.
@@ -214,8 +205,6 @@ void LineWorker::letGo()
 
 void LineWorker::takeCommands()
 {
-    if (m_runtime && m_inbox.takeUser())
-        m_runtime->noteUser();
     while (const std::optional<Command> command = m_inbox.take()) {
         std::visit([this](const auto &any) { m_runtime ? execute(any) : refuse(any); }, *command);
     }
@@ -253,10 +242,9 @@ void LineWorker::execute(const StopDrives &command)
     m_jobs->endAll(stoppedText());
     m_stops = { command.id };
     const Duration budget = std::max(command.budget, m_inbox.takeStops(&m_stops));
-    m_isStopCancelled = false;
     m_outbox.post(std::exchange(m_events, {}));
     const StopReport report = m_runtime->stop(budget);
-    if (!m_isStopCancelled && report.unconfirmed.isEmpty())
+    if (report.unconfirmed.isEmpty())
         m_inbox.takeStops(&m_stops);
     m_inbox.endStops(m_stops.size());
     for (int id : std::exchange(m_stops, {}))
@@ -366,7 +354,7 @@ void LineWorker::noteLine()
     const bool wasOpen = std::exchange(m_isOpen, m_line->isOpen());
     if (m_isOpen) {
         m_downReason.clear();
-    } else if (!m_runtime->lineError().isEmpty() || wasOpen) {
+    } else {
         const QString broke = QStringLiteral("the line broke");
         const QString reason = m_runtime->lineError().isEmpty() ? broke : m_runtime->lineError();
         if (std::exchange(m_downReason, reason) != reason)

@@ -42,7 +42,6 @@ private:
     void listen();
     Runtime::Step turn();
     void pause(Duration span);
-    bool isHurried();
     bool isStopping() const { return !m_stops.empty(); }
     void giveUp(const QString &reason);
     void end();
@@ -89,7 +88,6 @@ private:
     std::map<int, OpenWrite> m_writes; // by the runtime's id
     std::vector<ServiceEvent> m_events; // not told yet
     std::vector<int> m_stops; // ids of the stop under way; empty where there is none
-    bool m_isStopCancelled = false;
     bool m_isOpen = false;
     QString m_downReason;
     std::set<int> m_lost; // stations

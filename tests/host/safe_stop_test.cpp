@@ -312,6 +312,26 @@ TEST(SafeStop, AUserWhoGoesAwayStopsTheDrives)
               (Texts { "the user interface is silent: stopping", "all stops confirmed" }));
 }
 
+TEST(SafeStop, AUserWhoIsAskedForInEachStepNeedsNoNote)
+{
+    bool isThere = true;
+    RuntimeSettings settings;
+    settings.userPatience = seconds(1);
+    settings.stops = { { 1, 0 } };
+    settings.isUserThere = [&isThere] { return isThere; };
+    RuntimeUnderTest host(settings);
+    host.host.setPlan(planOf({ { 1, QStringLiteral("D 0") } }));
+
+    host.runFor(seconds(5));
+    const Texts whileThere = host.alarms;
+    isThere = false;
+    host.runFor(seconds(2));
+
+    EXPECT_EQ(whileThere, Texts {});
+    EXPECT_EQ(host.alarms,
+              (Texts { "the user interface is silent: stopping", "all stops confirmed" }));
+}
+
 TEST(SafeStop, AUserIsGoneBehindTheTimeNotAtIt)
 {
     RuntimeSettings settings = withStops();

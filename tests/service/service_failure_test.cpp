@@ -175,8 +175,9 @@ TEST_F(ServiceFailure, EndsNothingThatHasEnded)
     under.plant->failure = [] { throw std::runtime_error("adapter gone mad"); };
 
     waitForTheEnd();
-    under.service.reset();
 
+    EXPECT_FALSE(under.service->snapshot()->isOpen);
+    under.service.reset();
     EXPECT_EQ(under.outcomes.size(), 1U);
     EXPECT_EQ(under.stops.size(), 1U);
 }
@@ -228,6 +229,24 @@ TEST_F(ServiceFailure, WhileTheServiceEndsStillTellsOfTheStop)
 
     ASSERT_EQ(under.stops.size(), 1U);
     EXPECT_EQ(under.stops.front().unconfirmed, (QVector<int> { 1, 3 }));
+}
+
+TEST(ServiceFailureOfALine, LeavesNoStationLost)
+{
+    ServiceUnderTest under(polling({ { 1, QStringLiteral("D 0") }, { 2, QStringLiteral("D 0") } }));
+    under.plant->stations.dead = { 2 };
+    under.start();
+    under.waitFor([&] { return under.told.size() == 2; });
+    const QVector<int> before = under.service->snapshot()->lostStations;
+    under.plant->hold();
+    under.plant->awaitHeld();
+    under.plant->failure = [] { throw std::runtime_error("adapter gone mad"); };
+
+    under.plant->release();
+    under.waitFor([&] { return under.told.size() == 4; });
+
+    EXPECT_EQ(before, QVector<int> { 2 });
+    EXPECT_EQ(under.service->snapshot()->lostStations, QVector<int>());
 }
 
 TEST(ServiceFailureInAPause, IsTheLinesEndAsWell)

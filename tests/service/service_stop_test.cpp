@@ -2,8 +2,12 @@
 // The stop of a service: what it waits for, what it ends, and who shares it.
 #include "service_fixture.h"
 
+#include <algorithm>
+#include <atomic>
+
 using namespace dx4::host;
 using std::chrono::hours;
+using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 namespace {
@@ -224,6 +228,26 @@ TEST(PatientStop, TellsInItsPausesWhatBecomesOfTheLine)
     EXPECT_EQ(under.told.at(1), "lost 1");
 }
 
+TEST(PendingStop, IsSentAgainOnceTheDriveIsBack)
+{
+    ServiceUnderTest under(stopping());
+    under.playTime();
+    under.plant->stations.dead = { 1 };
+    under.start();
+    under.service->stop(Duration { 0 });
+    under.waitFor([&] { return under.stops.size() == 1; });
+    under.plant->hold();
+    under.plant->awaitHeld();
+    under.plant->stations.dead = {};
+    under.plant->stations.registers[{ 1, 0x1001 }] = 1;
+
+    under.plant->release();
+    under.waitFor([&] { return under.shown(1, "D", 5) == 0; });
+    under.service.reset();
+
+    EXPECT_EQ((under.plant->stations.registers[{ 1, 0x1001 }]), 0);
+}
+
 TEST(PendingStop, IsNotSentAgainOnceItIsGivenUp)
 {
     ServiceUnderTest under(stopping());
@@ -269,4 +293,75 @@ TEST(StopOfSeveralDrives, KeepsNoOutcomeBackUntilItsEnd)
 
     EXPECT_EQ(under.outcomeIds, (std::vector<int> { refused, dropped }));
     EXPECT_TRUE(under.stops.empty());
+}
+
+TEST(StopOfSeveralDrives, KeepsNothingBackThatWasToBeToldBefore)
+{
+    ServiceSettings settings = stopping();
+    settings.runtime.stops = { { 1, 0 }, { 2, 0 } };
+    ServiceUnderTest under(settings);
+    under.plant->hold();
+    under.start();
+    under.plant->awaitHeld();
+    under.service->takeCounters();
+    under.service->stop(seconds(1));
+    under.plant->letGo(1);
+    under.plant->awaitHeld(); // the first stop
+
+    under.waitFor([&] { return under.counters.size() == 1; });
+
+    EXPECT_TRUE(under.stops.empty());
+}
+
+namespace {
+
+const char *const silentUser = "the user interface is silent: stopping";
+
+/// A stop of dead drives, with a user who is there.
+class WatchedStop : public ::testing::Test {
+protected:
+    void stop(const QVector<int> &stations, Duration budget)
+    {
+        under.settings.runtime.stops.clear();
+        for (int station : stations) {
+            under.settings.runtime.stops.append({ station, 0 });
+            under.plant->stations.dead.insert(station);
+        }
+        under.settings.runtime.pause = [this](Duration span) {
+            if (LineService *const service = user)
+                service->noteUser();
+            under.plant->stations.line.advance(std::min<Duration>(span, milliseconds(100)));
+        };
+        under.plant->hold();
+        under.start();
+        user = under.service.get();
+        under.plant->awaitHeld();
+        under.plant->failure = [this] { user.load()->noteUser(); };
+        under.service->stop(budget);
+        under.plant->release();
+        under.waitFor([&] { return under.stops.size() == 1; });
+    }
+
+    std::atomic<LineService *> user { nullptr };
+    ServiceUnderTest under { stopping() };
+};
+
+} // namespace
+
+TEST_F(WatchedStop, LetsNoUserGoUnnoticedInItsPauses)
+{
+    under.settings.runtime.userPatience = seconds(3);
+
+    stop({ 1 }, seconds(60));
+
+    EXPECT_EQ(std::count(under.told.begin(), under.told.end(), silentUser), 0);
+}
+
+TEST_F(WatchedStop, LetsNoUserGoUnnoticedAmongItsRequests)
+{
+    under.settings.runtime.userPatience = milliseconds(500);
+
+    stop({ 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16 }, seconds(2));
+
+    EXPECT_EQ(std::count(under.told.begin(), under.told.end(), silentUser), 0);
 }

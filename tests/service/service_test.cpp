@@ -189,6 +189,19 @@ TEST(LineServiceTest, AReloadTellsWhichSettingsWaitForANewService)
     EXPECT_EQ(under.told.back(), "reloaded: line.speed link.tries");
 }
 
+TEST(LineServiceTest, AReloadPollsAndShowsTheNewPlanAlone)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0") }));
+    under.plant->stations.registers[{ 1, 0xD005 }] = 55;
+    under.start();
+    under.waitFor([&] { return under.shown(1, "D", 0) == 0; });
+
+    under.service->reload({}, planOf({ entry(1, "D 5") }));
+    under.waitFor([&] { return under.shown(1, "D", 5) == 55; });
+
+    EXPECT_EQ(under.service->snapshot()->registers.size(), 1);
+}
+
 TEST(LineServiceTest, CountersAreThoseOfTheLineWithTheTimeTheyTook)
 {
     ServiceUnderTest under(polling({ entry(1, "D 0") }));
