@@ -36,7 +36,7 @@ import visits
 ROOT = mutate.ROOT
 HERE = os.path.dirname(os.path.abspath(__file__))
 SLOW = 0.2  # seconds; a test that takes longer is played when the quick ones noticed nothing
-LONG = 8  # seconds; a program whose quick tests take longer is left out where tests are left out
+LONG = 30  # seconds; a program whose quick tests take longer is left out where tests are left out
 
 Tree = collections.namedtuple("Tree", "library programs")
 TREES = {
