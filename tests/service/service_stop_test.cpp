@@ -64,6 +64,25 @@ TEST_F(ServiceStop, IsTheFirstRequestBehindTheOneOnTheLine)
     EXPECT_EQ(sentSince().value(0), stopOfStation1());
 }
 
+TEST(ServiceStopBesideAnOwedReply, LetsNoReadGoBehindTheOneThatClearsIt)
+{
+    ServiceUnderTest under(stopping());
+    under.plant->hold();
+    under.start();
+    under.plant->awaitHeld();
+    under.plant->stations.changes = { silence() };
+    under.plant->letGo(2);
+    under.plant->awaitHeld(); // a read of the guard's own, before that of D 5
+
+    under.service->stop(seconds(1));
+    under.plant->release();
+    under.waitFor([&] { return !under.stops.empty(); });
+    under.service.reset();
+
+    EXPECT_EQ(under.plant->stations.line.sent().value(2), framed("01 03 20 00 00 02"));
+    EXPECT_EQ(under.plant->stations.line.sent().value(3), stopOfStation1());
+}
+
 TEST_F(ServiceStop, CutsTheReadsShortThatComeBeforeIt)
 {
     const int backup = under.service->backUp({});
