@@ -2,24 +2,15 @@
 // Whether a library's file is whole, looked at before it is mapped.
 #include "host/link/elf_check.h"
 
+#include "host/link/elf_records.h"
+
 #include <algorithm>
-#include <cstring>
 
 #include <elf.h>
 #include <link.h>
 
 namespace dx4::host {
 namespace {
-
-constexpr unsigned char ownClass = sizeof(void *) == 8 ? ELFCLASS64 : ELFCLASS32;
-
-/// The record at a place that lies within the bytes.
-template <typename Record> Record recordAt(const QByteArray &bytes, quint64 offset)
-{
-    Record record;
-    std::memcpy(&record, bytes.constData() + offset, sizeof record);
-    return record;
-}
 
 /// End of `length` bytes from `offset` on; the highest number where that has no end.
 quint64 endOf(quint64 offset, quint64 length)
@@ -55,9 +46,6 @@ QString wrongInElf(const QByteArray &bytes)
     if (size < sizeof(ElfW(Ehdr)))
         return QStringLiteral("the file is cut short: it has %1 bytes").arg(size);
     const auto head = recordAt<ElfW(Ehdr)>(bytes, 0);
-    const bool isForeign = head.e_ident[EI_CLASS] != ownClass;
-    if (isForeign) // its records have other lengths; the loader knows what to say
-        return {};
     const quint64 sectionsEnd = endOf(head.e_shoff, quint64 { head.e_shnum } * head.e_shentsize);
     const quint64 end = std::max(sectionsEnd, endOfSegments(bytes, head));
     return end <= size

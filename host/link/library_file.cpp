@@ -3,6 +3,8 @@
 #include "host/link/library_file.h"
 
 #include "host/link/elf_check.h"
+#include "host/link/elf_machine.h"
+#include "host/link/elf_needs.h"
 
 #include <QDir>
 #include <QFile>
@@ -35,7 +37,17 @@ QString systemReason()
     return qt_error_string(errno);
 }
 
-/// The bytes of a whole library.
+/// What is wrong with the bytes of a library; empty where it may be loaded.
+QString wrongIn(const QByteArray &bytes)
+{
+    // Of another machine's file no record can be read, of one that is cut short not all.
+    QString wrong = wrongMachineOfElf(bytes, ownMachine());
+    if (wrong.isEmpty())
+        wrong = wrongInElf(bytes);
+    return wrong.isEmpty() ? wrongQtOfElf(bytes, QT_VERSION_MAJOR) : wrong;
+}
+
+/// The bytes of a library that is whole, for this machine and for this Qt.
 std::optional<QByteArray> read(const QString &path, QString *why)
 {
     const QFileInfo info(path);
@@ -51,7 +63,7 @@ std::optional<QByteArray> read(const QString &path, QString *why)
         *why = file.errorString();
         return std::nullopt;
     }
-    *why = wrongInElf(bytes);
+    *why = wrongIn(bytes);
     return why->isEmpty() ? std::optional(bytes) : std::nullopt;
 }
 

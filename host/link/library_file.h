@@ -6,8 +6,9 @@
 
 namespace dx4::host {
 
-/// One loaded library. A file that is cut short is refused before the loader maps it: the first
-/// access behind its end would end the program.
+/// One loaded library. A file that is cut short, for another machine or built for another Qt is
+/// refused before the loader maps it: the first access behind its end, or its first string, would
+/// end the program.
 class LibraryFile {
 public:
     /// Loads the file itself. Where it cannot be, handle() is null.

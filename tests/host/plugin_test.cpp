@@ -13,6 +13,7 @@
 #include <dlfcn.h>
 #include <elf.h>
 #include <fcntl.h>
+#include <link.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -124,20 +125,22 @@ private:
     int m_kept;
 };
 
-/// The beginning of a library of another machine, which is all that it has.
-class ForeignLibrary {
+/// The head of the driver's file with one byte altered, and no tables.
+class AlteredHead {
 public:
-    ForeignLibrary()
-        : path(m_folder.filePath(QStringLiteral("foreign.so")))
+    AlteredHead(int place, char value)
+        : path(m_folder.filePath(QStringLiteral("altered.so")))
     {
-        Elf64_Ehdr head = {};
-        std::memcpy(head.e_ident, ELFMAG, SELFMAG);
-        head.e_ident[EI_CLASS] = sizeof(void *) == 8 ? ELFCLASS32 : ELFCLASS64;
+        QByteArray bytes = driverBytes().left(sizeof(ElfW(Ehdr)));
+        ElfW(Ehdr) head;
+        std::memcpy(&head, bytes.constData(), sizeof head);
+        head.e_phoff = head.e_shoff = 0;
+        head.e_phnum = head.e_shnum = head.e_shstrndx = 0;
+        std::memcpy(bytes.data(), &head, sizeof head);
+        bytes[place] = value;
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        EXPECT_EQ(file.write(QByteArray(reinterpret_cast<const char *>(&head), sizeof head)
-                             + QByteArray(1000, '\0')),
-                  qint64 { sizeof head } + 1000);
+        EXPECT_EQ(file.write(bytes + QByteArray(1000, '\0')), bytes.size() + 1000);
     }
 
 private:
@@ -257,20 +260,54 @@ TEST(Plugin, WhyItIsNotLoadedNeedNotBeAskedFor)
 
 TEST(Plugin, WhatTheLoaderSaysIsPassedOn)
 {
-    const ForeignLibrary foreign;
+    const AlteredHead unknownVersion(EI_VERSION, '\7');
+    QString shared;
+    QString copied;
+
+    EXPECT_FALSE(Plugin::load(unknownVersion.path, Plugin::Instance::Shared, &shared));
+    EXPECT_FALSE(Plugin::load(unknownVersion.path, Plugin::Instance::PrivateCopy, &copied));
+
+    const QString path = unknownVersion.path;
+    const QString reason = QStringLiteral(": ELF file version ident does not match current one");
+    EXPECT_EQ(shared, QStringLiteral("cannot load the driver: %1%2").arg(path, reason));
+    EXPECT_TRUE(copied.startsWith(QStringLiteral("cannot load the driver %1: ").arg(path)))
+        << copied.toStdString();
+    EXPECT_TRUE(copied.endsWith(reason)) << copied.toStdString();
+}
+
+TEST(Plugin, ALibraryOfAnotherMachineIsRefusedBeforeItIsLoaded)
+{
+    const AlteredHead foreign(EI_CLASS, sizeof(void *) == 8 ? ELFCLASS32 : ELFCLASS64);
     QString shared;
     QString copied;
 
     EXPECT_FALSE(Plugin::load(foreign.path, Plugin::Instance::Shared, &shared));
     EXPECT_FALSE(Plugin::load(foreign.path, Plugin::Instance::PrivateCopy, &copied));
 
-    const std::string path = foreign.path.toStdString();
-    EXPECT_EQ(shared.toStdString(),
-              "cannot load the driver: " + path + ": wrong ELF class: ELFCLASS32");
-    EXPECT_TRUE(copied.startsWith(QStringLiteral("cannot load the driver %1: ").arg(foreign.path)))
+    const QString reason =
+        QStringLiteral("%1: the file is for another machine (").arg(foreign.path);
+    EXPECT_TRUE(shared.startsWith(QStringLiteral("cannot load the driver: ") + reason))
+        << shared.toStdString();
+    EXPECT_TRUE(copied.startsWith(QStringLiteral("cannot copy the driver ") + reason))
         << copied.toStdString();
-    EXPECT_TRUE(copied.endsWith(QStringLiteral(": wrong ELF class: ELFCLASS32")))
-        << copied.toStdString();
+}
+
+TEST(Plugin, ALibraryOfTheOtherQtIsRefusedBeforeAnyOfItRuns)
+{
+    const QString file = QStringLiteral(KORVANE_OTHER_QT_PLUGIN_FILE);
+    QString shared;
+    QString copied;
+
+    EXPECT_FALSE(Plugin::load(file, Plugin::Instance::Shared, &shared));
+    EXPECT_FALSE(Plugin::load(file, Plugin::Instance::PrivateCopy, &copied));
+
+    const QString reason = QT_VERSION_MAJOR == 5
+        ? QStringLiteral(": the file is built for Qt 6, this program for Qt 5; expected the file "
+                         "of the folder korvane_dx4/qt5")
+        : QStringLiteral(": the file is built for Qt 5, this program for Qt 6; expected the file "
+                         "of the folder korvane_dx4/qt6");
+    EXPECT_EQ(shared, QStringLiteral("cannot load the driver: ") + file + reason);
+    EXPECT_EQ(copied, QStringLiteral("cannot copy the driver ") + file + reason);
 }
 
 TEST(Plugin, LoadedTwiceSharesOneState)
