@@ -16,7 +16,7 @@ Purposes (build when none is named):
   bench   Google Benchmark
   docs    Doxygen
   package debhelper, lintian and what the packages are tried with in a bare system
-  qt6     Qt 6 in place of Qt 5, for the qt6 preset
+  qt6     Qt 6 beside Qt 5, with the serial bus of the tests, for the qt6 preset
 
 Options:
   --list  print the packages of the purposes and install nothing
@@ -48,7 +48,7 @@ packages_of() {
       echo debhelper dpkg-dev pkgconf lintian mmdebstrap autopkgtest
       ;;
     qt6)
-      echo qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite
+      echo qt6-base-dev qt6-serialport-dev qt6-serialbus-dev libqt6sql6-sqlite
       ;;
     *)
       echo "packages.sh: no purpose '$1'; one of build, test, check, bench, docs, package, qt6" >&2
