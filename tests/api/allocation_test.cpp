@@ -6,6 +6,8 @@
 #include <cstdlib>
 
 extern "C" void *__libc_malloc(std::size_t size); // NOLINT(bugprone-reserved-identifier)
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" void *__libc_realloc(void *block, std::size_t size);
 
 namespace {
 
@@ -13,11 +15,18 @@ long allocations = 0;
 
 } // namespace
 
-// Takes the place of the C library's for the whole program, the driver and Qt included.
+// They take the place of the C library's for the whole program, the driver and Qt included. Lists
+// of Qt 6 grow by the second alone.
 extern "C" Q_DECL_EXPORT void *malloc(std::size_t size)
 {
     ++allocations;
     return __libc_malloc(size);
+}
+
+extern "C" Q_DECL_EXPORT void *realloc(void *block, std::size_t size)
+{
+    ++allocations;
+    return __libc_realloc(block, size);
 }
 
 namespace {
@@ -133,9 +142,11 @@ TEST_F(Allocations, ANewRegisterCostsTheSameInALargeCache)
     fillCache(20000);
     const long inLargeCache = allocationsOfNewRegisters(1000);
 
-    // One record each, and now and then a larger table.
-    EXPECT_GE(inSmallCache, 1000);
-    EXPECT_LE(inSmallCache, 1050);
-    EXPECT_GE(inLargeCache, 1000);
-    EXPECT_LE(inLargeCache, 1050);
+    // One record each in a list of Qt 5, while one of Qt 6 has its records in one block; and now
+    // and then a larger table or block.
+    const long records = QT_VERSION_MAJOR == 5 ? 1000 : 0;
+    EXPECT_GE(inSmallCache, records);
+    EXPECT_LE(inSmallCache, records + 50);
+    EXPECT_GE(inLargeCache, records);
+    EXPECT_LE(inLargeCache, records + 50);
 }
