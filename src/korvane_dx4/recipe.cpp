@@ -28,6 +28,15 @@ unsigned char *bufferBytes(int offset)
     return reinterpret_cast<unsigned char *>(driver.recipeBuffer + offset);
 }
 
+// The units of the buffer are numbers of this machine's byte order, while records and 32-bit values
+// have the low byte first. Gives the place, in bytes from the first unit, of byte i in that order.
+constexpr bool isBigEndian = Q_BYTE_ORDER == Q_BIG_ENDIAN;
+
+constexpr int unitByte(int i)
+{
+    return isBigEndian ? i ^ 1 : i;
+}
+
 // Positions in driver.rcpVars that one recipe read serves: first to before end.
 struct ServedVars {
     int first = 0;
@@ -56,7 +65,17 @@ void storeDouble(const QByteArray &reply, int position, int bufferOffset)
     if (!target)
         return;
     for (int i = 0; i < 4; ++i)
-        target[i] = replyByte(reply, wrapAdd(position, 3 - i));
+        target[unitByte(i)] = replyByte(reply, wrapAdd(position, 3 - i));
+}
+
+void copyUnits(unsigned char *to, const unsigned char *from, int units)
+{
+    if constexpr (isBigEndian) {
+        for (int i = 0; i < units * unitBytes; ++i)
+            to[i] = from[unitByte(i)];
+    } else {
+        std::memcpy(to, from, static_cast<std::size_t>(units) * unitBytes);
+    }
 }
 
 } // namespace
@@ -84,7 +103,7 @@ void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE &var, int withData)
     const bool hasValues = withData != 0 && rcp.count > 0 && values;
     if (hasValues) {
         const int units = std::min(rcp.count, recordBytes / unitBytes);
-        std::memcpy(var.data, values, static_cast<std::size_t>(units) * unitBytes);
+        copyUnits(var.data, values, units);
     }
 }
 
