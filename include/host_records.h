@@ -79,7 +79,19 @@ struct KEY_ADDRESS {
 };
 
 // Host and driver are built apart, so an inserted field or another packing would corrupt memory
-// without a word. With Qt 5 on a 64-bit machine the sizes are 1048, 32, 2096, 48 and 1080 bytes.
+// without a word. The sizes in bytes of VARIABLE, _RCP_VAR_PRO, FRAME_PRO, _DATA_ and KEY_ADDRESS:
+// with Qt 5 on a 64-bit machine 1048, 32, 2096, 48 and 1080, on a 32-bit machine 1044, 28, 2088, 36
+// and 1060; with Qt 6 on a 64-bit machine 1064, 48, 2112, 64 and 1128.
+namespace dx4 {
+
+/// The first place from `offset` on, in bytes, that a QString may have.
+constexpr std::size_t stringPlace(std::size_t offset)
+{
+    return (offset + alignof(QString) - 1) / alignof(QString) * alignof(QString);
+}
+
+} // namespace dx4
+
 static_assert(sizeof(int) == 4, "every int of the boundary has 32 bits");
 
 static_assert(offsetof(VARIABLE, varKind) == 0);
@@ -105,8 +117,8 @@ static_assert(offsetof(FRAME_PRO, replyLength) == dx4::recordBytes + 4);
 static_assert(offsetof(FRAME_PRO, replyDataOffset) == dx4::recordBytes + 8);
 static_assert(offsetof(FRAME_PRO, replyDataLength) == dx4::recordBytes + 12);
 static_assert(offsetof(FRAME_PRO, spare) == dx4::recordBytes + 16);
-static_assert(offsetof(FRAME_PRO, var) == dx4::recordBytes + 24);
-static_assert(sizeof(FRAME_PRO) == dx4::recordBytes + 24 + sizeof(VARIABLE));
+static_assert(offsetof(FRAME_PRO, var) == dx4::stringPlace(dx4::recordBytes + 20));
+static_assert(sizeof(FRAME_PRO) == offsetof(FRAME_PRO, var) + sizeof(VARIABLE));
 
 static_assert(offsetof(_DATA_, flag0) == 0);
 static_assert(offsetof(_DATA_, writePending) == 1);
@@ -114,20 +126,34 @@ static_assert(offsetof(_DATA_, word1) == 4);
 static_assert(offsetof(_DATA_, flags) == 8);
 static_assert(offsetof(_DATA_, bitMask) == 12);
 static_assert(offsetof(_DATA_, station) == 16);
-static_assert(offsetof(_DATA_, regType) == 24);
-static_assert(offsetof(_DATA_, address) == 24 + sizeof(QString));
-static_assert(offsetof(_DATA_, value) == 28 + sizeof(QString));
-static_assert(offsetof(_DATA_, writeValue) == 32 + sizeof(QString));
-static_assert(sizeof(_DATA_) == 40 + sizeof(QString));
+static_assert(offsetof(_DATA_, regType) == dx4::stringPlace(20));
+static_assert(offsetof(_DATA_, address) == dx4::stringPlace(20) + sizeof(QString));
+static_assert(offsetof(_DATA_, value) == dx4::stringPlace(20) + sizeof(QString) + 4);
+static_assert(offsetof(_DATA_, writeValue) == dx4::stringPlace(20) + sizeof(QString) + 8);
+static_assert(sizeof(_DATA_) == dx4::stringPlace(dx4::stringPlace(20) + sizeof(QString) + 12));
 
 static_assert(offsetof(KEY_ADDRESS, hostTag) == 0);
 static_assert(offsetof(KEY_ADDRESS, hostWord1) == sizeof(QString));
 static_assert(offsetof(KEY_ADDRESS, hostWord2) == sizeof(QString) + 4);
 static_assert(offsetof(KEY_ADDRESS, station) == sizeof(QString) + 8);
-static_assert(offsetof(KEY_ADDRESS, regType) == sizeof(QString) + 16);
-static_assert(offsetof(KEY_ADDRESS, hostText) == 2 * sizeof(QString) + 16);
-static_assert(offsetof(KEY_ADDRESS, address) == 3 * sizeof(QString) + 16);
-static_assert(offsetof(KEY_ADDRESS, subAddress) == 3 * sizeof(QString) + 20);
-static_assert(offsetof(KEY_ADDRESS, count) == 3 * sizeof(QString) + 24);
-static_assert(offsetof(KEY_ADDRESS, data) == 3 * sizeof(QString) + 28);
-static_assert(sizeof(KEY_ADDRESS) == 3 * sizeof(QString) + 32 + dx4::recordBytes);
+static_assert(offsetof(KEY_ADDRESS, regType) == dx4::stringPlace(sizeof(QString) + 12));
+static_assert(offsetof(KEY_ADDRESS, hostText) == offsetof(KEY_ADDRESS, regType) + sizeof(QString));
+static_assert(offsetof(KEY_ADDRESS, address) == offsetof(KEY_ADDRESS, hostText) + sizeof(QString));
+static_assert(offsetof(KEY_ADDRESS, subAddress) == offsetof(KEY_ADDRESS, address) + 4);
+static_assert(offsetof(KEY_ADDRESS, count) == offsetof(KEY_ADDRESS, address) + 8);
+static_assert(offsetof(KEY_ADDRESS, data) == offsetof(KEY_ADDRESS, address) + 12);
+static_assert(sizeof(KEY_ADDRESS)
+              == dx4::stringPlace(offsetof(KEY_ADDRESS, data) + dx4::recordBytes));
+
+static_assert(sizeof(QString) != 4
+              || (sizeof(VARIABLE) == 1044 && sizeof(_RCP_VAR_PRO) == 28
+                  && sizeof(FRAME_PRO) == 2088 && sizeof(_DATA_) == 36
+                  && sizeof(KEY_ADDRESS) == 1060));
+static_assert(sizeof(QString) != 8
+              || (sizeof(VARIABLE) == 1048 && sizeof(_RCP_VAR_PRO) == 32
+                  && sizeof(FRAME_PRO) == 2096 && sizeof(_DATA_) == 48
+                  && sizeof(KEY_ADDRESS) == 1080));
+static_assert(sizeof(QString) != 24
+              || (sizeof(VARIABLE) == 1064 && sizeof(_RCP_VAR_PRO) == 48
+                  && sizeof(FRAME_PRO) == 2112 && sizeof(_DATA_) == 64
+                  && sizeof(KEY_ADDRESS) == 1128));
