@@ -16,16 +16,17 @@ using namespace dx4;
 
 KORVANE_EXPORT korvane_dx4 driver;
 
-// Hosts reach into the object. With Qt 5 on a 64-bit machine a list is one pointer.
+// Hosts reach into the object. With Qt 5 a list is one pointer.
+constexpr std::size_t firstList = sizeof(void *) == 8 ? 64 : 40; // bytes, as all of these
 static_assert(offsetof(korvane_dx4, valueChangeCallback) == 0);
-static_assert(offsetof(korvane_dx4, readList) == 64);
-static_assert(offsetof(korvane_dx4, conditionVar) == 64 + 8 * sizeof(QList<int>));
+static_assert(offsetof(korvane_dx4, readList) == firstList);
+static_assert(offsetof(korvane_dx4, conditionVar) == firstList + 8 * sizeof(QList<int>));
 static_assert(offsetof(korvane_dx4, curVar)
               == offsetof(korvane_dx4, conditionVar) + sizeof(VARIABLE));
 static_assert(offsetof(korvane_dx4, phase) == offsetof(korvane_dx4, curVar) + sizeof(VARIABLE));
-static_assert(offsetof(korvane_dx4, sendFrames) == offsetof(korvane_dx4, phase) + 40);
+static_assert(offsetof(korvane_dx4, sendFrames) == stringPlace(offsetof(korvane_dx4, phase) + 36));
 static_assert(sizeof(korvane_dx4)
-              == offsetof(korvane_dx4, sendFrames) + sizeof(QList<FRAME_PRO>) + 8);
+              == offsetof(korvane_dx4, sendFrames) + sizeof(QList<FRAME_PRO>) + sizeof(void *));
 
 namespace {
 
