@@ -17,6 +17,8 @@ Purposes (build when none is named):
   docs    Doxygen
   package debhelper, lintian and what the packages are tried with in a bare system
   qt6     Qt 6 beside Qt 5, with the serial bus of the tests, for the qt6 preset
+  machines
+          compilers and emulators of other machines, see scripts/machines.sh
 
 Options:
   --list  print the packages of the purposes and install nothing
@@ -50,8 +52,12 @@ packages_of() {
     qt6)
       echo qt6-base-dev qt6-serialport-dev qt6-serialbus-dev libqt6sql6-sqlite
       ;;
+    machines)
+      echo cmake ninja-build mmdebstrap qemu-user-static
+      echo g++-aarch64-linux-gnu g++-arm-linux-gnueabihf g++-s390x-linux-gnu
+      ;;
     *)
-      echo "packages.sh: no purpose '$1'; one of build, test, check, bench, docs, package, qt6" >&2
+      echo "packages.sh: no purpose '$1'; one of build, test, check, bench, docs, package, qt6, machines" >&2
       return 2
       ;;
   esac
