@@ -18,5 +18,5 @@ fi
 cd "$(dirname "$0")/.."
 scripts/packages.sh docs
 mkdir -p build
-doxygen docs/Doxyfile
+KORVANE_VERSION=$(scripts/version.sh) doxygen docs/Doxyfile
 echo "docs: build/docs/html/index.html, $(find build/docs/html -name '*.html' | wc -l) pages"
