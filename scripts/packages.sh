@@ -12,7 +12,7 @@ apt when everything is there.
 Purposes (build when none is named):
   build   compiler, CMake, Qt 5 and the libraries of the driver, host, simulator and tools
   test    GoogleTest, GoogleMock, RapidCheck and the independent Modbus peers
-  check   Clang, clang-tidy, clang-format, coverage, Valgrind
+  check   Clang, clang-tidy, clang-format, coverage, Valgrind, abidiff
   bench   Google Benchmark
   docs    Doxygen
   package debhelper, lintian and what the packages are tried with in a bare system
@@ -38,7 +38,7 @@ packages_of() {
       echo mbpoll tshark libqt5serialbus5-dev binutils zsh fish
       ;;
     check)
-      echo git clang clang-tidy clang-format libclang-rt-14-dev gcovr valgrind mold
+      echo git clang clang-tidy clang-format libclang-rt-14-dev gcovr valgrind mold abigail-tools
       ;;
     bench)
       echo libbenchmark-dev libqt5serialbus5-dev

@@ -50,4 +50,81 @@ programs() {
     fail "dx4-sim --version: $("$build/simulator/dx4-sim" --version)"
 }
 
+# Ends the test as skipped where a tool is missing, and as failed where everything is required.
+needs() {
+  local tool
+  for tool in "$@"; do
+    command -v "$tool" >/dev/null && continue
+    [ "${KORVANE_REQUIRE_ALL:-0}" = 1 ] && fail "$tool is not installed, and KORVANE_REQUIRE_ALL is set"
+    echo "skipped: $tool is not installed"
+    exit 77
+  done
+}
+
+# Builds four small files in the places of plug-in, records, host and journal. Options of the preprocessor
+# say what is different in them.
+small_build() {
+  local name
+  mkdir -p "$work/a build/lib" "$work/a build/abi"
+  cat >"$work/small.cpp" <<'CODE'
+struct Record {
+    int count;
+#ifdef FIELD
+    int inserted;
+#endif
+    short value;
+};
+extern "C" int intf_first(const Record &record) { return record.count; }
+extern "C" int intf_helper(int count) { return count; }
+namespace dx4::host {
+int wait(const Record &record) { return record.count; }
+#ifndef REMOVED
+int stop(const Record &record) { return record.value; }
+#endif
+#ifdef ADDED
+int start(int count) { return count; }
+#endif
+} // namespace dx4::host
+namespace inner {
+#ifdef INTERNAL
+int other(int count) { return count; }
+#endif
+} // namespace inner
+CODE
+  for name in lib/libkorvane_dx4 abi/libkorvane_boundary_records lib/libkorvane_host_qt5 lib/libkorvane_journal_qt5; do
+    "${CXX:-c++}" -std=c++17 -g -fPIC -shared "$@" "$work/small.cpp" -o "$work/a build/$name.so"
+  done
+}
+
+# A changed field, a function that is gone and one that is new are noticed, each with what to do about it;
+# what is nobody's business is not.
+abi() {
+  needs abidw abidiff
+  local change wanted said
+  rm -rf "$work"
+  mkdir -p "$work/scripts" "$work/abi"
+  cp "$top/scripts/abi.sh" "$top/scripts/packages.sh" "$work/scripts"
+  cp "$top"/abi/*.abignore "$work/abi"
+  small_build
+  "$work/scripts/abi.sh" --record "$work/a build"
+  "$work/scripts/abi.sh" --check "$work/a build" || fail "what was recorded differs from itself"
+  small_build -DINTERNAL
+  "$work/scripts/abi.sh" --check "$work/a build" || fail "an internal function is taken for the boundary"
+  while read -r change wanted; do
+    small_build "-D$change"
+    if said=$("$work/scripts/abi.sh" --check "$work/a build" 2>&1); then fail "$change is not noticed"; fi
+    [[ $said == *"$wanted"* ]] || fail "$change: '$wanted' is not said:" "$said"
+  done <<'CHANGES'
+FIELD Take the change back. The boundary moves with a new major version alone
+FIELD int inserted
+REMOVED the library host differs from abi/qt5/host.abi
+REMOVED dx4::host::stop
+ADDED dx4::host::start
+ADDED 'scripts/abi.sh --record', and commit the records with the change
+CHANGES
+  rm "$work/abi/qt5/journal.abi"
+  if said=$("$work/scripts/abi.sh" "$work/a build" 2>&1); then fail "a record that is missing is not noticed"; fi
+  [[ $said == *"abi/qt5/journal.abi is missing"* ]] || fail "$said"
+}
+
 "$part"
