@@ -15,7 +15,7 @@ Purposes (build when none is named):
   check   Clang, clang-tidy, clang-format, coverage, Valgrind, abidiff
   bench   Google Benchmark
   docs    Doxygen
-  package debhelper, lintian and what the packages are tried with in a bare system
+  package debhelper, lintian and what releases are made and packages tried with in a bare system
   qt6     Qt 6 beside Qt 5, with the serial bus of the tests, for the qt6 preset
   machines
           compilers and emulators of other machines, see scripts/machines.sh
@@ -47,7 +47,7 @@ packages_of() {
       echo doxygen
       ;;
     package)
-      echo debhelper dpkg-dev pkgconf lintian mmdebstrap autopkgtest
+      echo debhelper dpkg-dev pkgconf lintian mmdebstrap autopkgtest git python3
       ;;
     qt6)
       echo qt6-base-dev qt6-serialport-dev qt6-serialbus-dev libqt6sql6-sqlite

@@ -127,4 +127,82 @@ CHANGES
   [[ $said == *"abi/qt5/journal.abi is missing"* ]] || fail "$said"
 }
 
+# A clone that is a release by itself: what says its version, the scripts, and a file with a blank.
+small_clone() {
+  copy_of_places
+  clone="$work/a clone"
+  mkdir "$clone"
+  find "$work" -mindepth 1 -maxdepth 1 ! -name 'a clone' -exec mv -t "$clone" {} +
+  echo 'A file.' >"$clone/a file"
+  printf '/build*/\n' >"$clone/.gitignore"
+  unset GIT_DIR GIT_WORK_TREE
+  export GIT_CONFIG_GLOBAL=/dev/null GIT_AUTHOR_NAME=a GIT_AUTHOR_EMAIL=a@b GIT_COMMITTER_NAME=a GIT_COMMITTER_EMAIL=a@b
+  export GIT_AUTHOR_DATE='2026-11-22T00:00:00Z' GIT_COMMITTER_DATE='2026-11-22T00:00:00Z'
+  git -C "$clone" init -q
+  git -C "$clone" add -A
+  git -C "$clone" commit -qm 'tree: begin'
+}
+
+# Makes a quick release of the clone into a folder of the name that is given.
+release() {
+  "$clone/scripts/release.sh" --no-packages "$work/$1"
+}
+
+# The clone is refused with this sentence, and nothing is left in the folder.
+refused() {
+  local wanted=$1 said
+  if said=$(release refused 2>&1); then fail "accepted, where '$wanted' should be said"; fi
+  [[ $said == *"$wanted"* ]] || fail "'$wanted' is not said:" "$said"
+  [ -z "$(ls -A "$work/refused" 2>/dev/null)" ] || fail "something was made all the same"
+}
+
+# A release without packages: all files, their sums, a bill that holds, and the same bytes once more.
+made() {
+  needs git python3 dpkg-query
+  local version file
+  version=$("$top/scripts/version.sh")
+  small_clone
+  release first
+  release second >/dev/null
+  for file in "$version.tar.gz" "$version.spdx.json" "$version-notes.md"; do
+    [ -s "$work/first/korvane_dx4-$file" ] || fail "korvane_dx4-$file is not there"
+  done
+  diff -r "$work/first" "$work/second" || fail "the same commit gives other bytes"
+  (cd "$work/first" && sha256sum --quiet --strict -c SHA256SUMS)
+  [ "$(wc -l <"$work/first/SHA256SUMS")" -eq 3 ] || fail "SHA256SUMS leaves something out"
+  tar -tzf "$work/first/korvane_dx4-$version.tar.gz" | grep -x "korvane_dx4-$version/a file" >/dev/null || fail "the tarball lacks a file"
+  "$top/tests/release/check_bill.py" "$work/first/korvane_dx4-$version.spdx.json" "$work/first/korvane_dx4-$version.tar.gz" cmake
+}
+
+# What must not be released is refused, with what to do.
+refusals() {
+  needs git python3 dpkg-query
+  local version
+  version=$("$top/scripts/version.sh")
+  small_clone
+  git -C "$clone" tag other
+  echo 'One more.' >"$clone/one more"
+  refused "not committed, or not ignored:"
+  git -C "$clone" add -A
+  git -C "$clone" commit -qm 'tree: add one more'
+  git clone -q --bare "$clone" "$work/a remote"
+  git -C "$work/a remote" tag "v$version" other
+  git -C "$clone" remote add origin "$work/a remote"
+  refused "the tag v$version is on another commit in the remote 'origin'"
+  "$clone/scripts/release.sh" --no-packages --offline "$work/offline" >/dev/null || fail "--offline asks a remote"
+  git -C "$clone" remote set-url origin "$work/nowhere"
+  refused "cannot ask the remote 'origin' for the tag v$version"
+  git -C "$clone" remote remove origin
+  git -C "$clone" tag -am "$version" "v$version" other
+  refused "the tag v$version is on another commit"
+  git -C "$clone" tag -d "v$version" >/dev/null
+  git -C "$clone" tag -am "$version" "v$version"
+  release tagged >/dev/null || fail "the tag of this very commit is refused"
+  git -C "$clone" tag -d "v$version" >/dev/null
+  sed -i 's/^## [0-9].*/## Unreleased/' "$clone/CHANGELOG.md"
+  git -C "$clone" commit -qam 'changes: forget the version'
+  refused "CHANGELOG.md has no entry for $version"
+  if "$clone/scripts/release.sh" --fast 2>"$work/said"; then fail "--fast is taken"; else [ $? -eq 2 ]; fi
+}
+
 "$part"
