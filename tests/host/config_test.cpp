@@ -60,7 +60,7 @@ TEST(Config, TheExampleIsRead)
 
     ASSERT_TRUE(config.has_value()) << textsOf(errors).at(0);
     EXPECT_EQ(config->line.speed, 19200);
-    EXPECT_EQ(config->line.parity, Parity::Even);
+    EXPECT_EQ(config->line.parity, Parity::None);
     EXPECT_EQ(config->line.responseTimeout, milliseconds(200));
     EXPECT_EQ(config->link.retryLimit, 3);
     EXPECT_EQ(config->stop.controlWord, 0);
@@ -68,7 +68,9 @@ TEST(Config, TheExampleIsRead)
     EXPECT_EQ(config->stations.at(0).name, QStringLiteral("feed pump"));
     EXPECT_EQ(config->stations.at(0).registers.at(0).scaling.text(4998),
               QStringLiteral("49.98 Hz"));
-    EXPECT_EQ(config->stations.at(0).registers.at(1).scaling.text(0xFFFE), QStringLiteral("-2 °C"));
+    EXPECT_EQ(config->stations.at(0).registers.at(1).scaling.text(566), QStringLiteral("566 V"));
+    EXPECT_EQ(config->stations.at(0).registers.at(2).scaling.text(0xFFFE),
+              QStringLiteral("-0.2 °C"));
     EXPECT_EQ(config->stations.at(1).extraGap, milliseconds(5));
 }
 
@@ -81,7 +83,7 @@ TEST(Config, TheExampleCanBePlanned)
     const auto plan = planOf(*config, planner, &errors);
 
     ASSERT_TRUE(plan.has_value()) << textsOf(errors).at(0);
-    EXPECT_EQ(plan->wantedRegisters, 18);
+    EXPECT_EQ(plan->wantedRegisters, 19);
 }
 
 TEST(Config, ABlockSizeThatCannotBeIsSaidThoughNothingIsPolled)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The examples of the service over a simulated inverter.
+// The examples over a simulated inverter.
 #include "child_process.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@ namespace {
 class ServiceExamples : public ::testing::Test {
 protected:
     ServiceExamples()
-        : inverter({ SIMULATOR_FILE, "--pty", "--json", "--speed", "0" })
+        : inverter({ SIMULATOR_FILE, "--pty", "--json", "--speed", "0", "--stations", "1-2" })
     {
         const std::string opened = inverter.readLine();
         const std::size_t begin = opened.find("/dev/");
@@ -52,6 +52,33 @@ TEST_F(ServiceExamples, SignalStopsTheDrive)
     EXPECT_NE(host.readLineWith("all stops confirmed"), "");
     EXPECT_EQ(host.wait(), 0);
 }
+
+TEST_F(ServiceExamples, PluginRuntimePollsWithTheBoundaryAlone)
+{
+    int code = -1;
+
+    const std::string output = outputOf({ PLUGIN_RUNTIME_FILE, device, DRIVER_FILE }, &code);
+
+    EXPECT_EQ(output, "10 of 10 replies accepted, D 4 = 566\n");
+    EXPECT_EQ(code, 0);
+}
+
+#ifdef TOOL_FILE
+TEST_F(ServiceExamples, ConfigurationNamesWhatTheSimulatedDriveHas)
+{
+    int code = -1;
+
+    const std::string output =
+        outputOf({ TOOL_FILE, "watch", "--driver", DRIVER_FILE, "--config",
+                   EXAMPLE_FOLDER "/two-drives.toml", "--port", device, "--rounds", "1", "--csv" },
+                 &code);
+
+    EXPECT_NE(output.find("DC link"), std::string::npos) << output;
+    EXPECT_NE(output.find(",566,"), std::string::npos) << output;
+    EXPECT_NE(output.find("25.0"), std::string::npos) << output;
+    EXPECT_EQ(code, 0);
+}
+#endif
 
 #ifdef EVENT_LOOP_FILE
 TEST_F(ServiceExamples, EventLoopLoggerPrintsWhatIsPolledAndStopsTheDrive)
