@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that one purpose needs, and only those that are missing.
 set -euo pipefail
+# shellcheck source-path=SCRIPTDIR
+. "$(dirname "$0")/progress.sh"
 
 usage() {
   cat <<'TEXT'
@@ -82,20 +84,30 @@ install_packages() {
     fi
     become_root=(sudo)
   fi
-  echo "Installing $# packages: $*" >&2
-  log=$(mktemp)
-  # tshark asks whether everybody may capture; it is only given files to decode here.
-  if ! {
-    "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update &&
-      "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install \
-        --yes --no-install-recommends -o DPkg::Lock::Timeout=120 -o Dpkg::Use-Pty=0 "$@"
-  } </dev/null >"$log" 2>&1; then
-    tail -n 40 "$log" >&2
+  # Asked for now, as the prompt would be lost among what is shown later.
+  [ ${#become_root[@]} -eq 0 ] || sudo true || return 1
+  log=$(mktemp --suffix=.log "${TMPDIR:-/tmp}/korvane-packages-XXXXXX")
+  echo "Installing $# packages and what they need; output goes to $log" >&2
+  run_apt "$@" </dev/null >>"$log" 2>&1 &
+  show_progress $! "$log" apt_progress
+  if wait $!; then
     rm -f "$log"
-    echo "packages.sh: apt could not install: $*" >&2
-    return 1
+    return
   fi
-  rm -f "$log"
+  if grep -qE 'Temporary failure resolving|Could not resolve|Could not connect|Unable to connect|Network is unreachable' "$log"; then
+    echo "packages.sh: no network: apt reaches no mirror; connect this machine, or install there: $*" >&2
+  else
+    tail -n 40 "$log" >&2
+    echo "packages.sh: apt could not install: $*; all output is in $log" >&2
+  fi
+  return 1
+}
+
+# tshark asks whether everybody may capture; it is only given files to decode here.
+run_apt() {
+  "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update &&
+    "${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install \
+      --yes --no-install-recommends -o DPkg::Lock::Timeout=120 -o Dpkg::Use-Pty=0 "$@"
 }
 
 list_only=no

@@ -24,6 +24,7 @@ LICENCES = {
     "BSL-1.0": "BSL-1.0",
     "Boost-1.0": "BSL-1.0",
     "Expat": "MIT",
+    "ISC": "ISC",
     "MIT": "MIT",
     "GPL-2": "GPL-2.0-only",
     "GPL-2+": "GPL-2.0-or-later",
