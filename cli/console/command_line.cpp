@@ -220,8 +220,10 @@ int CommandLine::help(const QStringList &words)
 
 int CommandLine::execute(const QStringList &arguments)
 {
-    m_app->footer("Addresses are written as the drive shows them: F c.13, D 0-9, SW, 2:D 4.\n"
-                  "Exit codes: 0 done, 1 device or line, 2 usage; dx4(1) lists them all.");
+    m_app->footer(
+        "Addresses are written as the drive shows them: F c.13, D 0-9, SW, 2:D 4.\n"
+        "Exit codes: 0 done, 1 driver or file, 2 usage, 3 port or line, 4 no reply, 5 damaged,\n"
+        "6 foreign, 7 refused, 8 values differ; dx4(1) says more.");
     const Place place = findPlace(*m_app, arguments);
     const QString empty = optionWithoutValue(place);
     if (!empty.isEmpty())

@@ -16,6 +16,18 @@ TEST(Help, OfACommandIsWhatTheCommandItselfPrints)
     EXPECT_EQ(bench.run("dx4 help").code, 0);
 }
 
+TEST(Help, NamesTheExitCodesAsTheManualDoes)
+{
+    Bench bench;
+
+    const std::string help = bench.run("dx4 --help").out;
+
+    EXPECT_NE(help.find("1 driver or file, 2 usage, 3 port or line, 4 no reply, 5 damaged,\n"
+                        "6 foreign, 7 refused, 8 values differ"),
+              std::string::npos)
+        << help;
+}
+
 TEST(Help, OfAnUnknownCommandNamesTheNearest)
 {
     Bench bench;
