@@ -11,7 +11,7 @@ int main(int argc, char **argv)
     dx4::common::holdStandardStreams();
     const QCoreApplication application(argc, argv);
     dx4::cli::ignoreBrokenPipe();
-    dx4::cli::CommandLine line(KORVANE_VERSION);
+    dx4::cli::CommandLine line("dx4 " KORVANE_VERSION);
     dx4::cli::addCommands(line);
     return line.run(argc, argv);
 }
