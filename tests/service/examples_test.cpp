@@ -63,6 +63,16 @@ TEST_F(ServiceExamples, PluginRuntimePollsWithTheBoundaryAlone)
     EXPECT_EQ(code, 0);
 }
 
+#ifdef WINDOW_FILE
+TEST_F(ServiceExamples, WindowPollsWhatItShows)
+{
+    const ChildProcess window(
+        { "env", "QT_QPA_PLATFORM=offscreen", WINDOW_FILE, device, DRIVER_FILE });
+
+    EXPECT_NE(inverter.readLineWith("01 03 D0 00 00 01"), "");
+}
+#endif
+
 #ifdef TOOL_FILE
 TEST_F(ServiceExamples, ConfigurationNamesWhatTheSimulatedDriveHas)
 {
