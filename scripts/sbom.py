@@ -37,6 +37,14 @@ LICENCES = {
     "Zlib": "Zlib",
     "zlib": "Zlib",
 }
+# Packages whose debian/copyright is prose, and says this.
+PROSE = {
+    "libc6": "LGPL-2.1-or-later",
+    "libgcc-s1": "GPL-3.0-or-later WITH GCC-exception-3.1",
+    "libstdc++6": "GPL-3.0-or-later WITH GCC-exception-3.1",
+}
+# Names that stand for another package.
+STANDS_FOR = {"debhelper-compat": "debhelper"}
 OWN = "SPDXRef-Package-korvane-dx4"
 OWN_COPYRIGHT = "Copyright 2026 The korvane_dx4 authors"
 
@@ -84,7 +92,7 @@ def alternatives(text):
     text = re.sub(r"\$\{[^}]*\}", "", text)
     for group in filter(None, (part.strip() for part in text.split(","))):
         names = [re.match(r"[a-z0-9][a-z0-9+.-]*", choice.strip()) for choice in group.split("|")]
-        names = [name.group() for name in names if name]
+        names = [STANDS_FOR.get(name.group(), name.group()) for name in names if name]
         if names:
             yield next((name for name in names if field_of(name, "Version")), names[0])
 
@@ -96,6 +104,8 @@ class LicenceBook:
         self.texts = {}
 
     def of(self, package):
+        if package in PROSE:
+            return PROSE[package]
         path = pathlib.Path("/usr/share/doc", package, "copyright")
         if not path.is_file():
             return "NOASSERTION"
