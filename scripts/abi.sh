@@ -91,7 +91,8 @@ advise() {
   elif [ "$name" = plugin ] || [ "$name" = records ]; then
     cat >&2 <<TEXT
 abi.sh: the boundary of the plug-in differs from $records/$name.abi, and runtimes are built against it.
-Take the change back. The boundary moves with a new major version alone, see docs/compatibility.md.
+Take the change back: this boundary does not move, see docs/compatibility.md. Where another compiler or Qt
+only describes the same in other words, record that with 'scripts/abi.sh --record'.
 TEXT
   else
     cat >&2 <<TEXT
