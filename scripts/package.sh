@@ -85,6 +85,8 @@ if ! mkdir -p build "$folder" 2>/dev/null || [ ! -w "$folder" ]; then
   echo "package.sh: cannot write to $folder" >&2
   exit 1
 fi
+# Folders of the source package have the rights that this gives them.
+umask 022
 # Not below this folder: dpkg's compiler options take no path with blanks.
 work=$(mktemp -d "${TMPDIR:-/var/tmp}/korvane-packages-XXXXXX")
 builder=
