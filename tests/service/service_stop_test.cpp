@@ -247,16 +247,29 @@ TEST(PatientStop, TellsInItsPausesWhatBecomesOfTheLine)
     EXPECT_EQ(under.told.at(1), "lost 1");
 }
 
-TEST(PendingStop, IsSentAgainOnceTheDriveIsBack)
+namespace {
+
+/// A dead drive did not take its stop, and a request is on the line.
+class PendingStop : public ::testing::Test {
+protected:
+    PendingStop()
+    {
+        under.playTime();
+        under.plant->stations.dead = { 1 };
+        under.start();
+        under.service->stop(Duration { 0 });
+        under.waitFor([this] { return under.stops.size() == 1; });
+        under.plant->hold();
+        under.plant->awaitHeld();
+    }
+
+    ServiceUnderTest under { stopping() };
+};
+
+} // namespace
+
+TEST_F(PendingStop, IsSentAgainOnceTheDriveIsBack)
 {
-    ServiceUnderTest under(stopping());
-    under.playTime();
-    under.plant->stations.dead = { 1 };
-    under.start();
-    under.service->stop(Duration { 0 });
-    under.waitFor([&] { return under.stops.size() == 1; });
-    under.plant->hold();
-    under.plant->awaitHeld();
     under.plant->stations.dead = {};
     under.plant->stations.registers[{ 1, 0x1001 }] = 1;
 
@@ -267,16 +280,8 @@ TEST(PendingStop, IsSentAgainOnceTheDriveIsBack)
     EXPECT_EQ((under.plant->stations.registers[{ 1, 0x1001 }]), 0);
 }
 
-TEST(PendingStop, IsNotSentAgainOnceItIsGivenUp)
+TEST_F(PendingStop, IsNotSentAgainOnceItIsGivenUp)
 {
-    ServiceUnderTest under(stopping());
-    under.playTime();
-    under.plant->stations.dead = { 1 };
-    under.start();
-    under.service->stop(Duration { 0 });
-    under.waitFor([&] { return under.stops.size() == 1; });
-    under.plant->hold();
-    under.plant->awaitHeld();
     under.service->cancelStop();
     under.service->takeCounters();
     under.plant->release();
