@@ -63,8 +63,10 @@ function(korvane_installed_library name)
   add_library(korvane_${name}_shared SHARED ${library_OBJECTS})
   target_link_options(korvane_${name}_shared PRIVATE "-Wl,--version-script=${export_list}"
     $<$<NOT:$<BOOL:${KORVANE_SANITIZE}>>:-Wl,-z,defs>)
+  # The build's run path is relative as well: installing overwrites it, but the room it took and the build
+  # id that the linker made with it stay, and would differ with the folder of the build.
   set_target_properties(korvane_${name}_shared PROPERTIES
-    EXPORT_NAME ${name} LINK_DEPENDS "${export_list}" INSTALL_RPATH "$ORIGIN"
+    EXPORT_NAME ${name} LINK_DEPENDS "${export_list}" INSTALL_RPATH "$ORIGIN" BUILD_RPATH_USE_ORIGIN ON
     VERSION "${PROJECT_VERSION}" SOVERSION "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
   add_library(korvane_${name}_static STATIC ${library_OBJECTS})
   set_target_properties(korvane_${name}_static PROPERTIES EXPORT_NAME ${name}_static)

@@ -54,6 +54,13 @@ paths() {
   if grep -rlF -e "$stage" "$tree" || grep -rlIF -e "$root" "$tree"; then
     fail "these name a folder of the build"
   fi
+  # Installing puts another run path over the one of the build, whose length and build id stay.
+  needs readelf
+  local library
+  for library in "$build"/lib/libkorvane_{host,journal}_"qt$qt.so"; do
+    readelf -dW "$library" >"$work/dynamic.txt"
+    ! grep -E '\(R(UN)?PATH\)' "$work/dynamic.txt" | grep -F -e "$build" || fail "$library was linked with this run path"
+  done
 }
 
 # The headers need nothing but the installed tree, and go together.
