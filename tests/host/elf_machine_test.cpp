@@ -55,6 +55,9 @@ TEST(ElfMachine, BothMachinesAreNamed)
     EXPECT_EQ(wrongFor({ 64, true, EM_PPC64 }, headOf(ELFCLASS64, ELFDATA2MSB, "\x01\x02")),
               "the file is for another machine (processor 258, 64 bits, big-endian); expected one "
               "for PowerPC64, 64 bits, big-endian");
+    EXPECT_EQ(wrongFor(pc, headOf(ELFCLASS64, ELFDATA2LSB, "\x02\x01")),
+              "the file is for another machine (processor 258, 64 bits, little-endian); expected "
+              "one for x86-64, 64 bits, little-endian");
 }
 
 TEST(ElfMachine, OtherBitsOrAnotherByteOrderAreAnotherMachine)
