@@ -137,6 +137,36 @@ TEST(ElfNeeds, WithoutNamesOrWithoutADynamicSectionNothingIsNeeded)
     EXPECT_EQ(neededBy(noSegments), "");
 }
 
+TEST(ElfNeeds, AHeadAloneNeedsNothing)
+{
+    Library library(twoNames);
+    library.head.e_phnum = 0;
+
+    EXPECT_EQ(neededBy(bytesOf(library.head)), "");
+    EXPECT_EQ(neededBy(bytesOf(library.head).chopped(1)), "unreadable");
+}
+
+TEST(ElfNeeds, ANameMayBeEmptyAtEitherEndOfTheTable)
+{
+    Library first(twoNames);
+    first.entry(DT_NEEDED) = 0;
+    Library last(twoNames);
+    last.entry(DT_NEEDED) = static_cast<std::size_t>(last.strings.size()) - 1;
+
+    EXPECT_EQ(neededBy(first), ' ' + twoNames.back().toStdString());
+    EXPECT_EQ(neededBy(last), ' ' + twoNames.back().toStdString());
+}
+
+TEST(ElfNeeds, TheTableMayBeAllOfItsSegment)
+{
+    Library library(twoNames);
+    library.loaded.p_offset = library.dynamic.p_offset + library.dynamic.p_filesz;
+    library.loaded.p_vaddr = library.entry(DT_STRTAB);
+    library.loaded.p_filesz = static_cast<std::size_t>(library.strings.size());
+
+    EXPECT_EQ(neededBy(library), (twoNames.front() + ' ' + twoNames.back()).toStdString());
+}
+
 TEST(ElfNeeds, WhatFollowsTheEndOfTheSectionIsNoName)
 {
     Library library(twoNames);
@@ -153,6 +183,16 @@ TEST(ElfNeeds, ASectionMayEndWithItsSegment)
     library.place();
 
     EXPECT_EQ(neededBy(library), "libQt5Core.so.5 libc.so.6");
+}
+
+TEST(ElfNeeds, ASectionMayEndTheFile)
+{
+    Library library({});
+    library.entries.pop_back();
+    library.strings.clear();
+    library.place();
+
+    EXPECT_EQ(neededBy(library), "");
 }
 
 TEST(ElfNeeds, NoCutFileIsRead)
