@@ -68,7 +68,8 @@ parts=(
 describe() {
   [ -f "$1" ] || fail "$1 is missing; 'scripts/build.sh dev' makes it"
   abidw --no-corpus-path --no-comp-dir-path --no-show-locs --no-parameter-names --no-write-default-sizes \
-    --drop-undefined-syms --no-elf-needed --exported-interfaces-only --suppressions "abi/$2.abignore" "$1" |
+    --drop-undefined-syms --no-elf-needed --exported-interfaces-only --type-id-style hash \
+    --suppressions "abi/$2.abignore" "$1" |
     sed -E "s/^ +//; s|( path=')(\.\./)+|\1|"
 }
 
