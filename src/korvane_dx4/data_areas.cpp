@@ -57,7 +57,6 @@ int dx4::shownValue(const _DATA_ &area)
 
 void dx4::clearMonitorMarks()
 {
-    const CacheScope scope;
     const int count = static_cast<int>(driver.dataAreas.size());
     for (int position = 0; position < count; ++position) {
         const _DATA_ &area = driver.dataAreas.at(position);
@@ -74,7 +73,6 @@ void dx4::markMonitored(int station, const QString &regType, int address, int co
     const RegisterType type = registerType(regType);
     if (type == UnknownType)
         return;
-    const CacheScope scope;
     visitRecords({ station, type, address, count }, [](int, int position, const _DATA_ &area) {
         const int marks = _setBitValue(area.flags, MonitoredWord, 1);
         if (marks == area.flags)
@@ -96,6 +94,7 @@ int getIndexOfDataArea(int station, QString regType, int address, QList<_DATA_> 
 
 int _setDataAreaMonitorFlag(int station, QString regType, int address, int count)
 {
+    const CacheScope scope;
     markMonitored(station, regType, address, count);
     return 0;
 }

@@ -32,10 +32,12 @@ inline const unsigned char *shownBytes(const _DATA_ &area)
     return area.writePending ? area.writeValue : area.value;
 }
 
-/// Drops every monitor mark of the cache.
+/// Drops every monitor mark of the cache. Needs a CacheScope.
 void clearMonitorMarks();
 
 /// Marks registers as monitored values and creates their records; nothing for an unknown type.
+/// Needs a CacheScope, one for all that is marked: behind a nested one the index believes that the
+/// host was called, and goes through the whole list again for the next record that is missing.
 void markMonitored(int station, const QString &regType, int address, int count);
 
 } // namespace dx4
