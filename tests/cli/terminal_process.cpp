@@ -2,6 +2,8 @@
 // A program run under a terminal of its own.
 #include "terminal_process.h"
 
+#include "../shared/usual_signals.h"
+
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -29,6 +31,7 @@ TerminalProcess::TerminalProcess(const std::vector<std::string> &command, int ro
     words.push_back(nullptr);
     m_pid = forkpty(&m_terminal, nullptr, nullptr, &size);
     if (m_pid == 0) {
+        takeSignalsAsUsual();
         execvp(words.front(), words.data());
         _exit(127);
     }

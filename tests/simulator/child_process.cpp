@@ -2,6 +2,8 @@
 // A program run by a test, with its standard input and output on pipes.
 #include "child_process.h"
 
+#include "../shared/usual_signals.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -46,6 +48,7 @@ ChildProcess::ChildProcess(const std::vector<std::string> &command, bool withErr
     if (m_pid == 0) {
         // A test that crashes must not leave its child behind, holding the test's own output open.
         prctl(PR_SET_PDEATHSIG, SIGKILL);
+        takeSignalsAsUsual();
         dup2(toChild[0], STDIN_FILENO);
         dup2(fromChild[1], STDOUT_FILENO);
         if (withErrors)
