@@ -39,6 +39,11 @@ areas=(api unit export model property soak)
 [ "${folders[*]}" = "src wire" ] || areas+=(host service journal guard faults simulator integration)
 BUILD_TARGETS=$(printf 'tests/%s/all ' "${areas[@]}") scripts/build.sh coverage -DKORVANE_BUILD_TOOLS=ON
 find "$build" -name '*.gcda' -delete
+# A test that an earlier build left behind would be run, and wipe out what others have counted.
+ninja -C "$build" -t cleandead >/dev/null
+find "$build" -name '*.gcno' | while IFS= read -r notes; do
+  [ -e "${notes%.gcno}.o" ] || rm -f "$notes"
+done
 
 for area in "${areas[@]}"; do
   for test in "$build/tests/$area"/*_test; do
