@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// What asks something, inside the window.
+#pragma once
+
+#include <QWidget>
+
+class QVBoxLayout;
+
+namespace dx4::panel {
+
+/// Covers the page that it belongs to, and nothing else: what stands beside the page stays in
+/// reach, the stop above all. What lies below it cannot be used meanwhile, by keyboard neither.
+class Sheet : public QWidget {
+    Q_OBJECT
+
+public:
+    /// @param page  what it covers
+    Sheet(const QString &title, QWidget *page);
+
+    void open();
+    void close();
+    bool isOpen() const { return isVisibleTo(parentWidget()); }
+
+Q_SIGNALS:
+    void closed();
+
+protected:
+    /// Where the content goes.
+    QVBoxLayout *content() const { return m_content; }
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void setBelowEnabled(bool isEnabled);
+
+    QVBoxLayout *m_content;
+};
+
+} // namespace dx4::panel
