@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// The arguments of the panel.
+#include "panel/app/options.h"
+
+#include "cli/console/exit_code.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <string>
+
+namespace dx4::panel {
+namespace {
+
+struct Texts {
+    std::string config;
+    std::string driver;
+    std::string simulator;
+};
+
+void describe(CLI::App &app, Options &options, Texts &texts)
+{
+    auto *demo = app.add_flag("--demo", options.demo, "show three simulated drives");
+    auto *config = app.add_option("--config", texts.config, "drives and line, a TOML file");
+    config->type_name("FILE")->excludes(demo);
+    app.add_flag("--fullscreen", options.fullscreen, "cover the whole screen");
+    app.add_option("--run-word", options.runWord, "value of CW that starts a motor, usually 1")
+        ->type_name("N")
+        ->check(CLI::Range(0, 65535));
+    app.add_option("--driver", texts.driver, "the driver's file; else it is looked for")
+        ->type_name("FILE");
+    app.add_option("--sim", texts.simulator, "program of the simulator, dx4-sim")
+        ->type_name("FILE");
+}
+
+/// What CLI11 says goes to the stream that it is for.
+int tell(const CLI::App &app, const CLI::ParseError &error)
+{
+    const bool isAsked = app.exit(error, std::cout, std::cerr) == 0;
+    return isAsked ? cli::ExitDone : cli::ExitUsage;
+}
+
+} // namespace
+
+std::optional<Options> parseOptions(int argc, char **argv, const char *version, int *exitCode)
+{
+    CLI::App app("A window on the drives of one line.", "dx4-panel");
+    app.set_version_flag("--version", std::string("dx4-panel ") + version);
+    Options options;
+    Texts texts;
+    describe(app, options, texts);
+    try {
+        app.parse(argc, argv);
+        if (!options.demo && texts.config.empty())
+            throw CLI::RequiredError("--config FILE or --demo");
+    } catch (const CLI::ParseError &error) {
+        *exitCode = tell(app, error);
+        return std::nullopt;
+    }
+    options.config = QString::fromStdString(texts.config);
+    options.driver = QString::fromStdString(texts.driver);
+    options.simulator = QString::fromStdString(texts.simulator);
+    return options;
+}
+
+} // namespace dx4::panel

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// The arguments of the panel.
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace dx4::panel {
+
+struct Options {
+    QString config; ///< path of the configuration; empty with demo
+    QString driver; ///< path of the driver's file; empty: looked for
+    QString simulator; ///< path of dx4-sim; empty: looked for
+    int runWord = 1; ///< "CW" value that starts a motor
+    bool demo = false; ///< simulated drives
+    bool fullscreen = false;
+};
+
+/// Reads the arguments; help, version and what is wrong are told at once.
+///
+/// @param exitCode  out: what the program ends with where nothing is given back
+std::optional<Options> parseOptions(int argc, char **argv, const char *version, int *exitCode);
+
+} // namespace dx4::panel

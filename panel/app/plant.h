@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// What the panel looks at: a configuration, its line, and the simulated drives of a demonstration.
+#pragma once
+
+#include "cli/console/exit_code.h"
+#include "cli/line/simulator_process.h"
+#include "host/service/line_service.h"
+#include "panel/app/options.h"
+
+#include <memory>
+
+namespace dx4::panel {
+
+struct Plant {
+    std::unique_ptr<cli::SimulatorProcess> simulator; ///< of a demonstration; outlives the service
+    host::Config config;
+    std::unique_ptr<host::LineService> service;
+};
+
+/// Reads the configuration and starts the line.
+///
+/// @param failure  out: why there is none; several lines where a file has several errors
+std::optional<Plant> makePlant(const Options &options, cli::Failure *failure);
+
+} // namespace dx4::panel

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+// One drive large.
+#include "panel/pages/drive_view.h"
+
+#include "panel/widgets/look.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace dx4::panel {
+namespace {
+
+// Sizes of texts in px, at a scale of 1.
+constexpr int nameSize = 20;
+constexpr int wordSize = 16;
+constexpr int unitSize = 32;
+constexpr int setSize = 24;
+constexpr int captionSize = 13;
+constexpr int cellSize = 20;
+constexpr int cellColumns = 3;
+
+/// As much of a text as fits; all of it for screen readers.
+void showElided(QLabel &label, const QString &text)
+{
+    label.setText(label.fontMetrics().elidedText(text, Qt::ElideRight, label.width()));
+    label.setAccessibleName(text);
+}
+
+void setGround(QLabel &label, const QColor &ground, const QColor &text)
+{
+    QPalette palette = label.palette();
+    if (palette.color(QPalette::Window) == ground && label.autoFillBackground())
+        return;
+    palette.setColor(QPalette::Window, ground);
+    palette.setColor(QPalette::WindowText, text);
+    label.setPalette(palette);
+    label.setAutoFillBackground(true);
+}
+
+} // namespace
+
+DriveView::DriveView(std::function<host::Duration()> now, QWidget *parent)
+    : QWidget(parent)
+    , m_now(std::move(now))
+{
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(4);
+    column->addLayout(makeHead());
+    m_state = makeLabel("state");
+    column->addWidget(m_state);
+    column->addLayout(makeFrequency());
+    column->addLayout(makeCells());
+    column->addStretch();
+    m_way = makeLabel("way");
+    column->addWidget(m_way);
+    column->addLayout(makeCommands());
+    setScale(1.0);
+}
+
+QLabel *DriveView::makeLabel(const char *name)
+{
+    auto *label = new QLabel(this);
+    label->setTextFormat(Qt::PlainText);
+    label->setObjectName(QString::fromLatin1(name));
+    // Texts of any length: the layout gives the room, and the text is cut to it.
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    return label;
+}
+
+QBoxLayout *DriveView::makeHead()
+{
+    auto *row = new QHBoxLayout;
+    m_name = makeLabel("name");
+    m_fault = makeLabel("fault");
+    m_fault->setAlignment(Qt::AlignCenter);
+    row->addWidget(m_name, 1);
+    row->addWidget(m_fault, 1);
+    return row;
+}
+
+QBoxLayout *DriveView::makeFrequency()
+{
+    auto *row = new QHBoxLayout;
+    m_frequency = new ValueLabel(frequencySize, ValueLabel::Age::Elsewhere, this);
+    m_frequency->setObjectName(QStringLiteral("frequency"));
+    m_unit = new QLabel(this);
+    m_unit->setAlignment(Qt::AlignBottom);
+    m_age = new QLabel(this);
+    m_setCaption = new QLabel(tr("Set"), this);
+    m_set = new ValueLabel(setSize, ValueLabel::Age::Elsewhere, this);
+    m_set->setObjectName(QStringLiteral("set"));
+    auto *side = new QVBoxLayout;
+    side->setSpacing(0);
+    side->addStretch();
+    side->addWidget(m_age, 0, Qt::AlignRight);
+    side->addWidget(m_setCaption, 0, Qt::AlignRight);
+    side->addWidget(m_set, 0, Qt::AlignRight);
+    side->addStretch();
+    row->addWidget(m_frequency);
+    row->addWidget(m_unit);
+    row->addStretch();
+    row->addLayout(side);
+    return row;
+}
+
+QLayout *DriveView::makeCells()
+{
+    auto *grid = new QGridLayout;
+    grid->setHorizontalSpacing(targetGap);
+    grid->setVerticalSpacing(2);
+    for (int i = 0; i < mostCells; ++i) {
+        auto *box = new QVBoxLayout;
+        box->setSpacing(0);
+        const Cell cell { makeLabel("caption"), new ValueLabel(cellSize) };
+        cell.value->setObjectName(QStringLiteral("cell %1").arg(i));
+        cell.value->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        box->addWidget(cell.caption);
+        box->addWidget(cell.value);
+        grid->addLayout(box, i / cellColumns, i % cellColumns);
+        m_cells.append(cell);
+    }
+    for (int column = 0; column < cellColumns; ++column)
+        grid->setColumnStretch(column, 1);
+    return grid;
+}
+
+QBoxLayout *DriveView::makeCommands()
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(targetGap);
+    m_start = new HoldButton(tr("Hold to start"), m_now);
+    m_stop = new HoldButton(tr("Hold to stop this one"), m_now);
+    m_change = new FlatButton(tr("Frequency..."));
+    m_start->setObjectName(QStringLiteral("start"));
+    m_stop->setObjectName(QStringLiteral("stop this"));
+    m_change->setObjectName(QStringLiteral("change"));
+    for (FlatButton *button :
+         { static_cast<FlatButton *>(m_start), static_cast<FlatButton *>(m_stop), m_change })
+        row->addWidget(button, 1);
+    connect(m_start, &HoldButton::held, this, &DriveView::startWanted);
+    connect(m_stop, &HoldButton::held, this, &DriveView::stopWanted);
+    connect(m_change, &FlatButton::clicked, this, &DriveView::frequencyWanted);
+    return row;
+}
+
+void DriveView::setScale(double scale)
+{
+    const auto at = [scale](int size) { return static_cast<int>(size * scale); };
+    m_name->setFont(sized(font(), at(nameSize), true));
+    m_fault->setFont(sized(font(), at(nameSize), true));
+    m_state->setFont(sized(font(), at(wordSize)));
+    m_way->setFont(sized(font(), at(wordSize)));
+    m_frequency->setTextSize(at(frequencySize));
+    m_unit->setFont(sized(font(), at(unitSize)));
+    m_unit->setContentsMargins(0, 0, 0, at(frequencySize) / 6);
+    m_age->setFont(sized(font(), at(wordSize), true));
+    m_setCaption->setFont(sized(font(), at(captionSize)));
+    m_set->setTextSize(at(setSize));
+    for (const Cell &cell : std::as_const(m_cells)) {
+        cell.caption->setFont(sized(font(), at(captionSize)));
+        cell.value->setTextSize(at(cellSize));
+    }
+    for (FlatButton *button :
+         { static_cast<FlatButton *>(m_start), static_cast<FlatButton *>(m_stop), m_change })
+        button->setFont(sized(font(), at(wordSize)));
+}
+
+void DriveView::resizeEvent(QResizeEvent *)
+{
+    showElided(*m_name, m_name->accessibleName());
+    showElided(*m_state, m_state->accessibleName());
+    showElided(*m_way, m_way->accessibleName());
+}
+
+void DriveView::showHead(const DriveShown &drive)
+{
+    const Look look = lookOf(palette());
+    showElided(*m_name, drive.name);
+    showElided(*m_state, drive.state.fullText());
+    const bool isStateFresh = drive.state.trust == Shown::Trust::Fresh;
+    setTextColour(*m_state, isStateFresh ? look.text : look.faded);
+    m_fault->setText(drive.fault.fullText());
+    if (drive.isFaulty) {
+        setGround(*m_fault, look.faultGround, look.faultText);
+        return;
+    }
+    const bool isFaultFresh = drive.fault.trust == Shown::Trust::Fresh;
+    m_fault->setAutoFillBackground(false);
+    setTextColour(*m_fault, isFaultFresh ? look.text : look.faded);
+}
+
+void DriveView::showFrequency(const DriveShown &drive)
+{
+    const Look look = lookOf(palette());
+    Shown number = drive.frequency;
+    number.unit.clear();
+    m_frequency->show(tr("Frequency"), number);
+    m_unit->setText(drive.frequency.unit);
+    m_age->setText(drive.frequency.age);
+    m_set->show(tr("Set frequency"), drive.set);
+    setTextColour(*m_setCaption, look.faded);
+}
+
+void DriveView::showCells(const DriveShown &drive)
+{
+    const Look look = lookOf(palette());
+    for (int i = 0; i < m_cells.size(); ++i) {
+        const bool isUsed = i < drive.others.size();
+        const NamedShown other = isUsed ? drive.others.at(i) : NamedShown();
+        const Cell &cell = m_cells.at(i);
+        showElided(*cell.caption, other.name);
+        setTextColour(*cell.caption, look.faded);
+        if (isUsed)
+            cell.value->show(other.name, other.shown);
+        else
+            cell.value->clear();
+    }
+}
+
+void DriveView::show(const DriveShown &drive)
+{
+    const Look look = lookOf(palette());
+    showHead(drive);
+    showFrequency(drive);
+    showCells(drive);
+    showElided(*m_way, drive.way);
+    setTextColour(*m_way, drive.isWayBad ? look.warning : look.text);
+    m_change->setEnabled(drive.canTakeFrequency);
+}
+
+} // namespace dx4::panel

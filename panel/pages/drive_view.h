@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// One drive large.
+#pragma once
+
+#include "panel/model/panel_line.h"
+#include "panel/widgets/hold_button.h"
+#include "panel/widgets/value_label.h"
+
+class QBoxLayout;
+
+namespace dx4::panel {
+
+/// Frequency, set and actual, other values by their names, state and fault, and the commands, whose
+/// way it tells.
+class DriveView : public QWidget {
+    Q_OBJECT
+
+public:
+    static constexpr int frequencySize = 96; // px, at a scale of 1
+    static constexpr int mostCells = 6; // values beside the frequency
+
+    explicit DriveView(std::function<host::Duration()> now, QWidget *parent = nullptr);
+
+    void show(const DriveShown &drive);
+    using QWidget::show;
+
+    void setScale(double scale);
+
+Q_SIGNALS:
+    void startWanted();
+    void stopWanted();
+    void frequencyWanted();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    struct Cell {
+        QLabel *caption = nullptr;
+        ValueLabel *value = nullptr;
+    };
+
+    QLabel *makeLabel(const char *name);
+    QBoxLayout *makeHead();
+    QBoxLayout *makeFrequency();
+    QLayout *makeCells();
+    QBoxLayout *makeCommands();
+    void showHead(const DriveShown &drive);
+    void showFrequency(const DriveShown &drive);
+    void showCells(const DriveShown &drive);
+
+    const std::function<host::Duration()> m_now;
+    QLabel *m_name = nullptr;
+    QLabel *m_fault = nullptr;
+    QLabel *m_state = nullptr;
+    ValueLabel *m_frequency = nullptr;
+    QLabel *m_unit = nullptr;
+    QLabel *m_age = nullptr;
+    QLabel *m_setCaption = nullptr;
+    ValueLabel *m_set = nullptr;
+    QVector<Cell> m_cells;
+    QLabel *m_way = nullptr;
+    HoldButton *m_start = nullptr;
+    HoldButton *m_stop = nullptr;
+    FlatButton *m_change = nullptr;
+};
+
+} // namespace dx4::panel

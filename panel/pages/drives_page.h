@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// The page of the drives: all as cards, one large.
+#pragma once
+
+#include "panel/pages/drive_list.h"
+#include "panel/pages/drive_view.h"
+#include "panel/widgets/number_pad.h"
+
+class QHBoxLayout;
+
+namespace dx4::panel {
+
+class DrivesPage : public QWidget {
+    Q_OBJECT
+
+public:
+    /// @param line  outlives the page
+    /// @param now   the steady clock
+    DrivesPage(PanelLine &line, const std::function<host::Duration()> &now,
+               QWidget *parent = nullptr);
+
+    /// Draws what the line knows now.
+    void refresh();
+
+    /// Shows this drive large.
+    void choose(int index);
+
+    void setScale(double scale);
+
+private:
+    void askFrequency();
+
+    PanelLine &m_line;
+    DriveList *m_list;
+    DriveView *m_view;
+    NumberPad *m_pad;
+    int m_chosen = 0;
+    int m_asked = 0; // drive that the number pad was opened for
+};
+
+} // namespace dx4::panel
