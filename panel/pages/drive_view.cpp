@@ -76,7 +76,6 @@ QBoxLayout *DriveView::makeHead()
     auto *row = new QHBoxLayout;
     m_name = makeLabel("name");
     m_fault = makeLabel("fault");
-    m_fault->setAlignment(Qt::AlignCenter);
     row->addWidget(m_name, 1);
     row->addWidget(m_fault, 1);
     return row;
@@ -115,7 +114,8 @@ QLayout *DriveView::makeCells()
     for (int i = 0; i < mostCells; ++i) {
         auto *box = new QVBoxLayout;
         box->setSpacing(0);
-        const Cell cell { makeLabel("caption"), new ValueLabel(cellSize) };
+        const Cell cell { makeLabel("caption"),
+                          new ValueLabel(cellSize, ValueLabel::Age::Elsewhere) };
         cell.value->setObjectName(QStringLiteral("cell %1").arg(i));
         cell.value->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         box->addWidget(cell.caption);
@@ -184,6 +184,7 @@ void DriveView::showHead(const DriveShown &drive)
     const bool isStateFresh = drive.state.trust == Shown::Trust::Fresh;
     setTextColour(*m_state, isStateFresh ? look.text : look.faded);
     m_fault->setText(drive.fault.fullText());
+    m_fault->setAlignment(drive.isFaulty ? Qt::AlignCenter : Qt::AlignRight | Qt::AlignVCenter);
     if (drive.isFaulty) {
         setGround(*m_fault, look.faultGround, look.faultText);
         return;
@@ -200,6 +201,8 @@ void DriveView::showFrequency(const DriveShown &drive)
     number.unit.clear();
     m_frequency->show(tr("Frequency"), number);
     m_unit->setText(drive.frequency.unit);
+    const bool isFresh = drive.frequency.trust == Shown::Trust::Fresh;
+    setTextColour(*m_unit, isFresh ? look.text : look.faded);
     m_age->setText(drive.frequency.age);
     m_set->show(tr("Set frequency"), drive.set);
     setTextColour(*m_setCaption, look.faded);
@@ -212,7 +215,10 @@ void DriveView::showCells(const DriveShown &drive)
         const bool isUsed = i < drive.others.size();
         const NamedShown other = isUsed ? drive.others.at(i) : NamedShown();
         const Cell &cell = m_cells.at(i);
-        showElided(*cell.caption, other.name);
+        // The age goes where its text has room: a value is never cut.
+        const QString &age = other.shown.age;
+        showElided(*cell.caption,
+                   age.isEmpty() ? other.name : QStringLiteral("%1, %2").arg(other.name, age));
         setTextColour(*cell.caption, look.faded);
         if (isUsed)
             cell.value->show(other.name, other.shown);

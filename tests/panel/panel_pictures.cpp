@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// Draws every page into files, in light and dark, with values that stand still.
+#include "panel_fixture.h"
+
+#include "panel/widgets/look.h"
+
+#include <QDir>
+#include <QTextStream>
+
+#include <functional>
+
+using namespace dx4::panel;
+
+namespace {
+
+struct Scene {
+    const char *name;
+    int drives;
+    std::function<void(MadeUpPanel &)> play;
+};
+
+void running(MadeUpPanel &panel)
+{
+    panel.made.readRunning(1);
+    panel.made.readStanding(2);
+    panel.made.readStanding(3);
+    panel.made.read(3, "FU", 0, 2);
+    panel.made.read(3, "SW", 0, 8);
+    panel.show();
+}
+
+QVector<Scene> scenes()
+{
+    return {
+        { "drives", 3, running },
+        { "many", 32, running },
+        { "old", 3,
+          [](MadeUpPanel &panel) {
+              running(panel);
+              panel.made.advance(std::chrono::seconds(12));
+              panel.window.refresh();
+          } },
+        { "gone", 3,
+          [](MadeUpPanel &panel) {
+              running(panel);
+              panel.made.next.isOpen = false;
+              panel.made.next.downReason = QStringLiteral("the adapter was pulled");
+              panel.made.advance(std::chrono::seconds(40));
+              panel.show();
+          } },
+        { "fault", 3,
+          [](MadeUpPanel &panel) {
+              running(panel);
+              panel.window.findChild<DrivesPage *>()->choose(2);
+              panel.line.start(2);
+              panel.line.noteWriteEnded(ended(1000, dx4::host::WriteEnd::Rejected,
+                                              "station 3, CW: illegal data value", 3));
+              panel.window.refresh();
+          } },
+        { "pad", 3,
+          [](MadeUpPanel &panel) {
+              running(panel);
+              auto *pad = panel.window.findChild<NumberPad *>();
+              pad->ask(QStringLiteral("Hz"), 400.0);
+              pad->type(QLatin1Char('4'));
+              pad->type(QLatin1Char('5'));
+          } },
+        { "closing", 3,
+          [](MadeUpPanel &panel) {
+              running(panel);
+              panel.window.close();
+          } },
+    };
+}
+
+void draw(const Scene &scene, QSize size, const QString &file)
+{
+    MadeUpPanel panel(scene.drives, size);
+    scene.play(panel);
+    QCoreApplication::processEvents();
+    panel.window.grab().save(file);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const ScreenInMemory screen(argc, argv);
+    if (argc != 2) {
+        QTextStream(stderr) << "usage: panel_pictures FOLDER\n";
+        return 2;
+    }
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    for (const bool isDark : { false, true }) {
+        QApplication::setPalette(paletteOf(isDark ? darkLook() : lightLook()));
+        for (const QSize &size : { QSize(800, 480), QSize(1280, 800), QSize(1920, 1080) }) {
+            for (const Scene &scene : scenes()) {
+                const QString name =
+                    QStringLiteral("%1-%2-%3.png")
+                        .arg(QLatin1String(scene.name))
+                        .arg(size.width())
+                        .arg(isDark ? QStringLiteral("dark") : QStringLiteral("light"));
+                draw(scene, size, folder.filePath(name));
+            }
+        }
+    }
+    return 0;
+}

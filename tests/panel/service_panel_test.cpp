@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// The panel over a service with stations on a line in memory.
+#include "panel/model/panel_line.h"
+#include "service_fixture.h"
+
+#include <gtest/gtest.h>
+
+using namespace dx4;
+using namespace dx4::host;
+
+namespace {
+
+constexpr int statusRegister = 0x2000;
+constexpr int controlRegister = 0x1001;
+
+/// Station 1, whose status word is polled.
+Config oneDrive()
+{
+    Config config;
+    StationConfig station;
+    station.address = 1;
+    RegisterConfig status;
+    status.at = QStringLiteral("SW");
+    station.registers.append(status);
+    config.stations.append(station);
+    config.stop.controlWord = 0;
+    config.states.insert(1, QStringLiteral("running"));
+    return config;
+}
+
+struct Panel {
+    Panel()
+        : config(oneDrive())
+        , service(serviceSettings(config, planOf({ { 1, QStringLiteral("SW") } })))
+    {
+        service.playTime();
+        service.plant->stations.registers[{ 1, statusRegister }] = 1;
+        service.start();
+        line = std::make_unique<panel::PanelLine>(panel::portOf(*service.service), config,
+                                                  panel::wordsOf(config), panel::systemClock());
+        line->follow(*service.service);
+    }
+
+    std::string way() const { return line->drive(0).way.toStdString(); }
+
+    bool hears(const char *state) const
+    {
+        line->look();
+        return line->drive(0).state.text() == QLatin1String(state);
+    }
+
+    Config config;
+    ServiceUnderTest service;
+    std::unique_ptr<panel::PanelLine> line;
+};
+
+} // namespace
+
+TEST(PanelOverAService, ShowsWhatTheStationsHold)
+{
+    Panel panel;
+
+    panel.service.waitFor([&] { return panel.hears("bit 0"); });
+
+    EXPECT_EQ(panel.line->mayRun(), QVector<int>());
+}
+
+TEST(PanelOverAService, AStartIsEchoedByTheStation)
+{
+    Panel panel;
+    panel.service.waitFor([&] { return panel.hears("bit 0"); });
+
+    panel.line->start(0);
+    panel.service.waitFor([&] { return panel.service.outcomes.size() == 1; });
+
+    EXPECT_EQ(panel.way(), "Start: echoed");
+    EXPECT_EQ(panel.line->mayRun(), QVector<int> { 1 });
+}
+
+TEST(PanelOverAService, AStopIsConfirmedByTheStation)
+{
+    Panel panel;
+    panel.service.waitFor([&] { return panel.hears("bit 0"); });
+
+    panel.line->stopAll();
+    panel.service.waitFor([&] { return !panel.line->isStopping(); });
+
+    EXPECT_EQ(panel.line->message().toStdString(), "Stop: confirmed by all drives");
+}
+
+TEST(PanelOverAService, ARefusedStartIsToldInWords)
+{
+    Panel panel;
+    panel.service.waitFor([&] { return panel.hears("bit 0"); });
+    panel.service.plant->hold();
+    panel.service.plant->awaitHeld();
+    panel.service.plant->stations.refused.insert({ 1, controlRegister });
+    panel.service.plant->release();
+
+    panel.line->start(0);
+    panel.service.waitFor([&] { return panel.service.outcomes.size() == 1; });
+
+    EXPECT_EQ(panel.way().substr(0, 15), "Start: refused:");
+}
