@@ -43,7 +43,6 @@ PanelWindow::PanelWindow(PanelLine &line, std::function<host::Duration()> now, Q
     , m_pages(new QStackedWidget)
     , m_message(new QLabel)
     , m_bar(new QWidget)
-    , m_drives(new DrivesPage(line, m_now))
     , m_closing(nullptr)
     , m_stop(new StopButton(this))
 {
@@ -53,7 +52,7 @@ PanelWindow::PanelWindow(PanelLine &line, std::function<host::Duration()> now, Q
     column->setSpacing(0);
     column->addWidget(m_pages, 1);
     column->addWidget(makeStrip());
-    addPage(m_drives, tr("Drives"));
+    addPage(new DrivesPage(line, m_now), tr("Drives"));
     m_closing = new ClosingSheet(line, m_now, m_pages);
     connect(m_closing, &ClosingSheet::agreed, this, [this] {
         m_mayClose = true;
@@ -88,8 +87,9 @@ QWidget *PanelWindow::makeStrip()
     return strip;
 }
 
-void PanelWindow::addPage(QWidget *page, const QString &name)
+void PanelWindow::addPage(Page *page, const QString &name)
 {
+    page->setScale(scale());
     const int index = m_pages->addWidget(page);
     auto *button = new FlatButton(name);
     button->setCheckable(true);
@@ -108,6 +108,13 @@ int PanelWindow::pageCount() const
 void PanelWindow::openPage(int index)
 {
     m_pages->setCurrentIndex(index);
+    pageAt(index)->refresh();
+}
+
+Page *PanelWindow::pageAt(int index) const
+{
+    // None but pages are put there.
+    return static_cast<Page *>(m_pages->widget(index));
 }
 
 void PanelWindow::start()
@@ -123,7 +130,7 @@ int PanelWindow::interval() const
 void PanelWindow::refresh()
 {
     m_line.look();
-    m_drives->refresh();
+    pageAt(m_pages->currentIndex())->refresh();
     showMessage();
     if (m_timer.isActive() && m_timer.interval() != interval())
         m_timer.start(interval());
@@ -160,10 +167,16 @@ void PanelWindow::placeStop()
 
 void PanelWindow::resizeEvent(QResizeEvent *)
 {
+    for (int i = 0; i < pageCount(); ++i)
+        pageAt(i)->setScale(scale());
+    placeStop();
+}
+
+double PanelWindow::scale() const
+{
     const double across = static_cast<double>(width()) / leastSize.width();
     const double down = static_cast<double>(height()) / leastSize.height();
-    m_drives->setScale(std::clamp(std::min(across, down), 1.0, highestScale));
-    placeStop();
+    return std::clamp(std::min(across, down), 1.0, highestScale);
 }
 
 void PanelWindow::closeEvent(QCloseEvent *event)

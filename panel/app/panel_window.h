@@ -31,6 +31,11 @@ public:
     int pageCount() const;
     void openPage(int index);
 
+    /// Takes over a page, with its button at the end of the bar.
+    ///
+    /// @param name  on the button
+    void addPage(Page *page, const QString &name);
+
     /// What one waits between two looks now, ms.
     int interval() const;
 
@@ -41,9 +46,10 @@ protected:
 
 private:
     QWidget *makeStrip();
-    void addPage(QWidget *page, const QString &name);
     void showMessage();
     void placeStop();
+    Page *pageAt(int index) const;
+    double scale() const;
 
     PanelLine &m_line;
     const std::function<host::Duration()> m_now;
@@ -52,7 +58,6 @@ private:
     QStackedWidget *m_pages;
     QLabel *m_message;
     QWidget *m_bar;
-    DrivesPage *m_drives;
     ClosingSheet *m_closing;
     StopButton *m_stop;
     bool m_mayClose = false;

@@ -9,7 +9,7 @@
 namespace dx4::panel {
 
 DrivesPage::DrivesPage(PanelLine &line, const std::function<host::Duration()> &now, QWidget *parent)
-    : QWidget(parent)
+    : Page(parent)
     , m_line(line)
     , m_list(new DriveList(line))
     , m_view(new DriveView(now))

@@ -5,12 +5,13 @@
 #include "panel/pages/drive_list.h"
 #include "panel/pages/drive_view.h"
 #include "panel/widgets/number_pad.h"
+#include "panel/widgets/page.h"
 
 class QHBoxLayout;
 
 namespace dx4::panel {
 
-class DrivesPage : public QWidget {
+class DrivesPage : public Page {
     Q_OBJECT
 
 public:
@@ -19,13 +20,12 @@ public:
     DrivesPage(PanelLine &line, const std::function<host::Duration()> &now,
                QWidget *parent = nullptr);
 
-    /// Draws what the line knows now.
-    void refresh();
+    void refresh() override;
 
     /// Shows this drive large.
     void choose(int index);
 
-    void setScale(double scale);
+    void setScale(double scale) override;
 
 private:
     void askFrequency();
