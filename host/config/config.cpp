@@ -4,6 +4,7 @@
 
 #include "host/base/whole_file.h"
 #include "host/config/config_table.h"
+#include "host/config/control_config.h"
 #include "host/link/address_range.h"
 #include "wire/limits.h"
 
@@ -18,6 +19,7 @@ namespace {
 constexpr int mostTries = 100;
 constexpr int longestTimeoutMs = 60'000;
 constexpr int longestGapMs = 1'000;
+constexpr int shortestPatienceMs = 1'000; // windows tell of their user four times as often
 constexpr int mostDecimals = 6;
 constexpr int highestBit = 15;
 constexpr int highestCode = 0xFFFF;
@@ -49,7 +51,13 @@ void readLink(ConfigTable table, LinkSettings &link)
     table.refuseTheRest();
 }
 
-void readStop(ConfigTable table, StopPolicy &stop)
+/// All that a file says.
+struct Whole {
+    Config config;
+    ControlConfig control;
+};
+
+void readStop(ConfigTable table, StopPolicy &stop, ControlConfig &control)
 {
     int word = -1;
     table.integer("control_word", 0, 0xFFFF, word);
@@ -59,7 +67,33 @@ void readStop(ConfigTable table, StopPolicy &stop)
     table.flag("broadcast", stop.broadcast);
     if (stop.broadcast && !table.has("control_word"))
         table.wrong("broadcast", QStringLiteral("there is no control_word to send"));
+    table.milliseconds("user_patience_ms", shortestPatienceMs, longestTimeoutMs,
+                       control.userPatience);
+    if (table.has("user_patience_ms") && !table.has("control_word"))
+        table.wrong("user_patience_ms", QStringLiteral("there is no control_word to send"));
     table.refuseTheRest();
+}
+
+void readControl(ConfigTable table, ControlConfig &control)
+{
+    int run = control.run;
+    int reverse = -1;
+    table.integer("run", 0, 0xFFFF, run);
+    table.integer("reverse", 0, 0xFFFF, reverse);
+    control.run = static_cast<quint16>(run);
+    if (reverse >= 0)
+        control.reverse = static_cast<quint16>(reverse);
+    table.refuseTheRest();
+}
+
+/// A start by the word that stops would never be seen to fail.
+void refuseStartsThatStop(ConfigTable table, const Whole &whole)
+{
+    const auto &stop = whole.config.stop.controlWord;
+    if (stop == whole.control.run && table.has("run"))
+        table.wrong("run", QStringLiteral("is the control_word that stops"));
+    if (stop && whole.control.reverse == stop)
+        table.wrong("reverse", QStringLiteral("is the control_word that stops"));
 }
 
 RegisterConfig readRegister(ConfigTable table)
@@ -127,12 +161,16 @@ void readStations(ConfigTable &root, Config &config, QVector<ConfigError> &error
         errors.append({ 0, QStringLiteral("no station; begin one by [[station]]") });
 }
 
-void readRoot(const toml::table &file, Config &config, QVector<ConfigError> &errors)
+void readRoot(const toml::table &file, Whole &whole, QVector<ConfigError> &errors)
 {
     ConfigTable root(&file, errors);
+    Config &config = whole.config;
     readLine({ root.table("line"), errors }, config.line);
     readLink({ root.table("link"), errors }, config.link);
-    readStop({ root.table("stop"), errors }, config.stop);
+    readStop({ root.table("stop"), errors }, config.stop, whole.control);
+    const toml::table *control = root.table("control");
+    readControl({ control, errors }, whole.control);
+    refuseStartsThatStop({ control, errors }, whole);
     readStations(root, config, errors);
     ConfigTable(root.table("states"), errors).textsByNumber(highestBit, config.states);
     ConfigTable(root.table("faults"), errors).textsByNumber(highestCode, config.faults);
@@ -156,6 +194,35 @@ void report(const QVector<ConfigError> &found, QVector<ConfigError> *errors)
         errors->append({ error.line, onOneLine(error.text) });
 }
 
+std::optional<Whole> parseWhole(const QByteArray &text, QVector<ConfigError> *errors)
+{
+    Whole whole;
+    QVector<ConfigError> found;
+    try {
+        readRoot(
+            toml::parse(std::string_view(text.constData(), static_cast<std::size_t>(text.size()))),
+            whole, found);
+    } catch (const toml::parse_error &error) {
+        const std::string_view what = error.description();
+        found.append({ static_cast<int>(error.source().begin.line),
+                       QString::fromUtf8(what.data(), static_cast<int>(what.size())) });
+    }
+    std::stable_sort(found.begin(), found.end(),
+                     [](const ConfigError &a, const ConfigError &b) { return a.line < b.line; });
+    report(found, errors);
+    return found.isEmpty() ? std::optional<Whole>(whole) : std::nullopt;
+}
+
+/// The text of a file; one that cannot be read is an error of line 0.
+std::optional<QByteArray> readText(const QString &path, QVector<ConfigError> *errors)
+{
+    QString why;
+    const auto text = readWholeFile(path, &why);
+    if (!text && errors)
+        errors->append({ 0, why });
+    return text;
+}
+
 } // namespace
 
 QString ConfigError::in(const QString &file) const
@@ -166,32 +233,26 @@ QString ConfigError::in(const QString &file) const
 
 std::optional<Config> parseConfig(const QByteArray &text, QVector<ConfigError> *errors)
 {
-    Config config;
-    QVector<ConfigError> found;
-    try {
-        readRoot(
-            toml::parse(std::string_view(text.constData(), static_cast<std::size_t>(text.size()))),
-            config, found);
-    } catch (const toml::parse_error &error) {
-        const std::string_view what = error.description();
-        found.append({ static_cast<int>(error.source().begin.line),
-                       QString::fromUtf8(what.data(), static_cast<int>(what.size())) });
-    }
-    std::stable_sort(found.begin(), found.end(),
-                     [](const ConfigError &a, const ConfigError &b) { return a.line < b.line; });
-    report(found, errors);
-    return found.isEmpty() ? std::optional<Config>(config) : std::nullopt;
+    const auto whole = parseWhole(text, errors);
+    return whole ? std::optional<Config>(whole->config) : std::nullopt;
 }
 
 std::optional<Config> loadConfig(const QString &path, QVector<ConfigError> *errors)
 {
-    QString why;
-    const auto text = readWholeFile(path, &why);
-    if (text)
-        return parseConfig(*text, errors);
-    if (errors)
-        errors->append({ 0, why });
-    return std::nullopt;
+    const auto text = readText(path, errors);
+    return text ? parseConfig(*text, errors) : std::nullopt;
+}
+
+std::optional<ControlConfig> parseControl(const QByteArray &text, QVector<ConfigError> *errors)
+{
+    const auto whole = parseWhole(text, errors);
+    return whole ? std::optional<ControlConfig>(whole->control) : std::nullopt;
+}
+
+std::optional<ControlConfig> loadControl(const QString &path, QVector<ConfigError> *errors)
+{
+    const auto text = readText(path, errors);
+    return text ? parseControl(*text, errors) : std::nullopt;
 }
 
 std::optional<Plan> planOf(const Config &config, Planner &planner, QVector<ConfigError> *errors)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Configuration files: what they say, and what is said about a wrong one.
 #include "host/config/config.h"
+#include "host/config/control_config.h"
 
 #include <gtest/gtest.h>
 
@@ -123,6 +124,42 @@ TEST(Config, WhatIsNotSaidStaysAtItsDefault)
     EXPECT_TRUE(config->stations.at(0).registers.isEmpty());
 }
 
+TEST(Config, WhatAWindowHasToKnowIsReadByItself)
+{
+    const auto control = parseControl("[stop]\ncontrol_word = 0\nuser_patience_ms = 1500\n"
+                                      "[control]\nrun = 17\nreverse = 18\n"
+                                      "[[station]]\naddress = 1\n",
+                                      nullptr);
+
+    ASSERT_TRUE(control.has_value());
+    EXPECT_EQ(control->run, 17);
+    EXPECT_EQ(control->reverse, 18);
+    EXPECT_EQ(control->userPatience, milliseconds(1500));
+}
+
+TEST(Config, AWindowIsToldOfEveryErrorToo)
+{
+    QVector<ConfigError> errors;
+
+    EXPECT_FALSE(parseControl("[control]\nrun = -1\n", &errors).has_value());
+
+    ASSERT_EQ(errors.size(), 2);
+    EXPECT_EQ(errors.at(0).in(QStringLiteral("a.toml")).toStdString(),
+              "a.toml: no station; begin one by [[station]]");
+    EXPECT_EQ(errors.at(1).in(QStringLiteral("a.toml")).toStdString(),
+              "a.toml:2: run: expected a whole number from 0 to 65535");
+}
+
+TEST(Config, WithoutWordsForItOneStartsADriveAndNoneReversesIt)
+{
+    const auto control = parseControl("[[station]]\naddress = 1\n", nullptr);
+
+    ASSERT_TRUE(control.has_value());
+    EXPECT_EQ(control->run, 1);
+    EXPECT_FALSE(control->reverse.has_value());
+    EXPECT_EQ(control->userPatience, milliseconds(0));
+}
+
 TEST(Config, EveryKeyIsRead)
 {
     const auto config =
@@ -131,6 +168,8 @@ TEST(Config, EveryKeyIsRead)
                     "rs485 = true\nshared = true\n"
                     "[link]\ntries = 9\nblock_size = 99\n"
                     "[stop]\ncontrol_word = 6\nconfirm_ms = 11\nbroadcast = true\n"
+                    "user_patience_ms = 1500\n"
+                    "[control]\nrun = 17\nreverse = 18\n"
                     "[[station]]\naddress = 247\nname = \"s\"\n"
                     "extra_gap_ms = 13\n"
                     "[[station.register]]\nat = \"D 5\"\nname = \"r\"\n"
@@ -252,6 +291,11 @@ INSTANTIATE_TEST_SUITE_P(
                     0, 65535 },
         NumberRow { "confirm_ms", "line.port=\"p\"\nstop.confirm_ms=%\n[[station]]\naddress=1", 1,
                     60000 },
+        NumberRow { "user_patience_ms",
+                    "stop.control_word=0\nstop.user_patience_ms=%\n[[station]]\naddress=1", 1000,
+                    60000 },
+        NumberRow { "run", "control.run=%\n[[station]]\naddress=1", 0, 65535 },
+        NumberRow { "reverse", "control.reverse=%\n[[station]]\naddress=1", 0, 65535 },
         NumberRow { "address", "line.port=\"p\"\n[[station]]\naddress=%", 1, 247 },
         NumberRow { "extra_gap_ms", "line.port=\"p\"\n[[station]]\naddress=1\nextra_gap_ms=%", 0,
                     1000 },
@@ -386,7 +430,18 @@ INSTANTIATE_TEST_SUITE_P(
         ConfigRow { "TheKeysOfTheStop",
                     "[stop]\nword = 0\n[[station]]\naddress = 1\n",
                     { "a.toml:2: word: no such key; expected one of control_word, confirm_ms, "
-                      "broadcast" } },
+                      "broadcast, user_patience_ms" } },
+        ConfigRow { "APatienceNeedsAControlWord",
+                    "[stop]\nuser_patience_ms = 2000\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: user_patience_ms: there is no control_word to send" } },
+        ConfigRow { "TheKeysOfTheControl",
+                    "[control]\nstart = 1\n[[station]]\naddress = 1\n",
+                    { "a.toml:2: start: no such key; expected one of run, reverse" } },
+        ConfigRow { "AStartIsNoStop",
+                    "[stop]\ncontrol_word = 6\n[control]\nrun = 6\nreverse = 6\n"
+                    "[[station]]\naddress = 1\n",
+                    { "a.toml:4: run: is the control_word that stops",
+                      "a.toml:5: reverse: is the control_word that stops" } },
         ConfigRow { "TheBlockSizeEndsAt123",
                     "line.port = \"a\"\nlink.block_size = 124\n[[station]]\naddress = 1\n",
                     { "a.toml:2: block_size: expected a whole number from 1 to 123" } },
