@@ -361,10 +361,11 @@ INSTANTIATE_TEST_SUITE_P(
                     "line.port = \"a\"\n[[station]]\naddress = 1\nnumber = 1\n",
                     { "a.toml:4: number: no such key; expected one of address, name, "
                       "extra_gap_ms, register" } },
-        ConfigRow { "AnUnknownTable",
-                    "line.port = \"a\"\n[[station]]\naddress = 1\n[stops]\n",
-                    { "a.toml:4: stops: no such key; expected one of line, link, stop, station, "
-                      "states, faults" } },
+        ConfigRow {
+            "AnUnknownTable",
+            "line.port = \"a\"\n[[station]]\naddress = 1\n[stops]\n",
+            { "a.toml:4: stops: no such key; expected one of line, link, stop, control, station, "
+              "states, faults" } },
         ConfigRow { "AnUnknownKeyNamesTheKnown",
                     "[line]\nport = \"a\"\n[link]\nretries = 3\n[[station]]\naddress = 1\n",
                     { "a.toml:4: retries: no such key; expected one of tries, block_size" } },
