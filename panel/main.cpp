@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // dx4-panel: a window on the drives of one line.
 #include "common/standard_descriptors.h"
+#include "host/writes/stop_signal.h"
+#include "panel/app/ending.h"
 #include "panel/app/options.h"
 #include "panel/app/panel_window.h"
 #include "panel/app/plant.h"
@@ -8,6 +10,7 @@
 
 #include <QApplication>
 #include <QStyleFactory>
+#include <QTranslator>
 
 #include <iostream>
 
@@ -27,7 +30,17 @@ void dress()
     QApplication::setApplicationDisplayName(QStringLiteral("dx4-panel"));
 }
 
-int run(const panel::Options &options)
+/// Ends the event loop behind the stop that a signal asked for.
+void endBy(panel::Ending &ending, const panel::PanelLine &line)
+{
+    QObject::connect(&ending, &panel::Ending::ended, [&line](const QVector<int> &unconfirmed) {
+        if (!unconfirmed.isEmpty())
+            std::cerr << "dx4-panel: " << qPrintable(line.message()) << '\n';
+        QApplication::exit(unconfirmed.isEmpty() ? cli::ExitDone : cli::ExitFailed);
+    });
+}
+
+int run(const panel::Options &options, const host::StopSignal &signal)
 {
     cli::Failure failure;
     const auto plant = panel::makePlant(options, &failure);
@@ -35,12 +48,14 @@ int run(const panel::Options &options)
         std::cerr << "dx4-panel: " << qPrintable(failure.text) << '\n';
         return failure.code;
     }
-    panel::DriveWords words = panel::wordsOf(plant->config);
-    words.run = static_cast<quint16>(options.runWord);
+    const panel::DriveWords words = panel::wordsOf(plant->config, plant->control);
     const panel::Clock clock = panel::systemClock();
     panel::PanelLine line(panel::portOf(*plant->service), plant->config, words, clock);
     line.follow(*plant->service);
+    panel::Ending ending(line, signal);
+    endBy(ending, line);
     panel::PanelWindow window(line, clock.steady);
+    panel::tellOfUser(*plant->service, plant->control.userPatience, &window);
     if (options.fullscreen)
         window.showFullScreen();
     else
@@ -59,7 +74,13 @@ int main(int argc, char **argv)
     const auto options = panel::parseOptions(argc, argv, KORVANE_VERSION, &exitCode);
     if (!options)
         return exitCode;
+    // Before the window system starts threads of its own.
+    const host::StopSignal signal;
     const QApplication application(argc, argv);
     dress();
-    return run(*options);
+    QTranslator translator;
+    if (translator.load(QLocale(), QStringLiteral("dx4-panel"), QStringLiteral("_"),
+                        QStringLiteral(":/i18n")))
+        QApplication::installTranslator(&translator);
+    return run(*options, signal);
 }

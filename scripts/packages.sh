@@ -33,11 +33,11 @@ packages_of() {
     build)
       echo cmake ninja-build g++ pkg-config
       echo qtbase5-dev libqt5serialport5-dev libqt5sql5-sqlite libmodbus-dev libcli11-dev libtomlplusplus-dev
-      echo libboost-context-dev
+      echo libboost-context-dev qttools5-dev-tools
       ;;
     test)
       echo libgtest-dev libgmock-dev librapidcheck-dev
-      echo mbpoll tshark libqt5serialbus5-dev binutils zsh fish
+      echo mbpoll tshark libqt5serialbus5-dev binutils zsh fish fonts-dejavu-core
       ;;
     check)
       echo git clang clang-tidy clang-format libclang-rt-14-dev gcovr valgrind mold abigail-tools
@@ -52,7 +52,7 @@ packages_of() {
       echo debhelper dpkg-dev pkgconf lintian mmdebstrap autopkgtest git python3
       ;;
     qt6)
-      echo qt6-base-dev qt6-serialport-dev qt6-serialbus-dev libqt6sql6-sqlite
+      echo qt6-base-dev qt6-serialport-dev qt6-serialbus-dev libqt6sql6-sqlite qt6-l10n-tools
       ;;
     machines)
       echo cmake ninja-build mmdebstrap qemu-user-static

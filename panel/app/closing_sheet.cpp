@@ -11,18 +11,6 @@
 #include <utility>
 
 namespace dx4::panel {
-namespace {
-
-QString listOf(const QVector<int> &stations)
-{
-    QStringList texts;
-    for (int station : stations)
-        texts.append(QString::number(station));
-    return texts.join(QStringLiteral(", "));
-}
-
-} // namespace
-
 ClosingSheet::ClosingSheet(PanelLine &line, std::function<host::Duration()> now, QWidget *page)
     : Sheet(tr("Close the panel?"), page)
     , m_line(line)
@@ -32,6 +20,8 @@ ClosingSheet::ClosingSheet(PanelLine &line, std::function<host::Duration()> now,
     , m_leave(new HoldButton(tr("Hold to close without a stop"), std::move(now)))
 {
     setObjectName(QStringLiteral("closing"));
+    m_text->setObjectName(QStringLiteral("question"));
+    m_text->setTextFormat(Qt::PlainText);
     m_text->setWordWrap(true);
     content()->addWidget(m_text);
     content()->addStretch();
@@ -53,8 +43,8 @@ ClosingSheet::ClosingSheet(PanelLine &line, std::function<host::Duration()> now,
 void ClosingSheet::ask()
 {
     m_isWaiting = false;
-    m_text->setText(tr("Station %1 may be running. It is stopped before the panel closes.")
-                        .arg(listOf(m_line.mayRun())));
+    m_text->setText(tr("May be running: %1. Drives are stopped before the panel closes.")
+                        .arg(m_line.namesOf(m_line.mayRun())));
     m_leave->hide();
     m_stop->setEnabled(true);
     open();
@@ -77,9 +67,8 @@ void ClosingSheet::takeEnd(const QVector<int> &unconfirmed)
         Q_EMIT agreed();
         return;
     }
-    m_text->setText(tr("Station %1 did not confirm its stop and may still run. "
-                       "Go and see before you close.")
-                        .arg(listOf(unconfirmed)));
+    m_text->setText(tr("Stop not confirmed, may still run: %1. Go and see before you close.")
+                        .arg(m_line.namesOf(unconfirmed)));
     m_stop->setEnabled(true);
     m_leave->show();
 }

@@ -24,9 +24,6 @@ void describe(CLI::App &app, Options &options, Texts &texts)
     auto *config = app.add_option("--config", texts.config, "drives and line, a TOML file");
     config->type_name("FILE")->excludes(demo);
     app.add_flag("--fullscreen", options.fullscreen, "cover the whole screen");
-    app.add_option("--run-word", options.runWord, "value of CW that starts a motor, usually 1")
-        ->type_name("N")
-        ->check(CLI::Range(0, 65535));
     app.add_option("--driver", texts.driver, "the driver's file; else it is looked for")
         ->type_name("FILE");
     app.add_option("--sim", texts.simulator, "program of the simulator, dx4-sim")

@@ -12,7 +12,6 @@ struct Options {
     QString config; ///< path of the configuration; empty with demo
     QString driver; ///< path of the driver's file; empty: looked for
     QString simulator; ///< path of dx4-sim; empty: looked for
-    int runWord = 1; ///< "CW" value that starts a motor
     bool demo = false; ///< simulated drives
     bool fullscreen = false;
 };

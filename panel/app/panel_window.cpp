@@ -4,6 +4,7 @@
 
 #include "panel/app/closing_sheet.h"
 #include "panel/widgets/look.h"
+#include "panel/widgets/value_label.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -24,8 +25,10 @@ constexpr int idleInterval = 500; // ms
 constexpr host::Duration idleFrom = std::chrono::minutes(1);
 constexpr QSize leastSize(800, 480);
 constexpr double highestScale = 2.0;
-constexpr int stopHeight = 2 * targetSize + targetGap; // as high as message and page bar
-constexpr int stopWidth = 176; // px
+// Sizes on the smallest screen, px; on larger ones they are multiplied.
+constexpr int stopWidth = 176;
+constexpr int textSize = 16;
+constexpr int stopTextSize = 36;
 
 bool isTouch(const QEvent &event)
 {
@@ -41,6 +44,7 @@ PanelWindow::PanelWindow(PanelLine &line, std::function<host::Duration()> now, Q
     , m_now(std::move(now))
     , m_touchedAt(m_now())
     , m_pages(new QStackedWidget)
+    , m_strip(new QWidget)
     , m_message(new QLabel)
     , m_bar(new QWidget)
     , m_closing(nullptr)
@@ -51,7 +55,8 @@ PanelWindow::PanelWindow(PanelLine &line, std::function<host::Duration()> now, Q
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(m_pages, 1);
-    column->addWidget(makeStrip());
+    column->addWidget(m_strip);
+    fillStrip();
     addPage(new DrivesPage(line, m_now), tr("Drives"));
     m_closing = new ClosingSheet(line, m_now, m_pages);
     connect(m_closing, &ClosingSheet::agreed, this, [this] {
@@ -67,24 +72,34 @@ PanelWindow::PanelWindow(PanelLine &line, std::function<host::Duration()> now, Q
     refresh();
 }
 
-QWidget *PanelWindow::makeStrip()
+void PanelWindow::fillStrip()
 {
-    auto *strip = new QWidget;
-    auto *column = new QVBoxLayout(strip);
-    column->setContentsMargins(targetGap, targetGap, stopWidth + 2 * targetGap, targetGap);
+    auto *column = new QVBoxLayout(m_strip);
     column->setSpacing(targetGap);
     m_message->setObjectName(QStringLiteral("message"));
     m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
-    m_message->setFixedHeight(targetSize);
     m_message->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    m_bar->setFixedHeight(targetSize);
     auto *bar = new QHBoxLayout(m_bar);
     bar->setContentsMargins(0, 0, 0, 0);
     bar->setSpacing(targetGap);
     column->addWidget(m_message);
     column->addWidget(m_bar);
-    return strip;
+    sizeStrip();
+}
+
+/// The message has two lines, the stop is as high as message and page bar together.
+void PanelWindow::sizeStrip()
+{
+    const auto at = [this](int size) { return static_cast<int>(size * scale()); };
+    const QFont text = sized(font(), at(textSize));
+    m_pages->setFont(text);
+    m_strip->setFont(text);
+    m_message->setFixedHeight(at(targetSize));
+    m_bar->setFixedHeight(at(targetSize));
+    m_strip->layout()->setContentsMargins(targetGap, targetGap, at(stopWidth) + 2 * targetGap,
+                                          targetGap);
+    m_stop->setFont(sized(font(), at(stopTextSize), true));
 }
 
 void PanelWindow::addPage(Page *page, const QString &name)
@@ -95,7 +110,7 @@ void PanelWindow::addPage(Page *page, const QString &name)
     button->setCheckable(true);
     button->setAutoExclusive(true);
     button->setChecked(index == 0);
-    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     m_bar->layout()->addWidget(button);
     connect(button, &FlatButton::clicked, this, [this, index] { openPage(index); });
 }
@@ -108,6 +123,9 @@ int PanelWindow::pageCount() const
 void PanelWindow::openPage(int index)
 {
     m_pages->setCurrentIndex(index);
+    // The page comes to the top, and would hide the question that keeps it from being used.
+    if (m_closing->isOpen())
+        m_closing->raise();
     pageAt(index)->refresh();
 }
 
@@ -160,13 +178,15 @@ bool PanelWindow::eventFilter(QObject *watched, QEvent *event)
 
 void PanelWindow::placeStop()
 {
-    m_stop->setGeometry(width() - stopWidth - targetGap, height() - stopHeight - targetGap,
-                        stopWidth, stopHeight);
+    const int wide = static_cast<int>(stopWidth * scale());
+    const int high = 2 * static_cast<int>(targetSize * scale()) + targetGap;
+    m_stop->setGeometry(width() - wide - targetGap, height() - high - targetGap, wide, high);
     m_stop->raise();
 }
 
 void PanelWindow::resizeEvent(QResizeEvent *)
 {
+    sizeStrip();
     for (int i = 0; i < pageCount(); ++i)
         pageAt(i)->setScale(scale());
     placeStop();

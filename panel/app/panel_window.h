@@ -45,8 +45,9 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QWidget *makeStrip();
+    void fillStrip();
     void showMessage();
+    void sizeStrip();
     void placeStop();
     Page *pageAt(int index) const;
     double scale() const;
@@ -56,6 +57,7 @@ private:
     host::Duration m_touchedAt;
     QTimer m_timer;
     QStackedWidget *m_pages;
+    QWidget *m_strip; // below the pages: message, page buttons and stop
     QLabel *m_message;
     QWidget *m_bar;
     ClosingSheet *m_closing;

@@ -12,6 +12,7 @@
 namespace dx4::panel {
 namespace {
 
+constexpr quint16 demoFrequency = 3000; // 0.01 Hz
 const QString demoFile = QStringLiteral(":/panel/demo.toml");
 
 QString allOf(const QVector<host::ConfigError> &errors, const QString &file)
@@ -22,19 +23,28 @@ QString allOf(const QVector<host::ConfigError> &errors, const QString &file)
     return lines.join(QLatin1Char('\n'));
 }
 
-std::optional<host::Config> readConfig(const Options &options, cli::Failure *failure)
+/// Configuration and control of the plant.
+bool readConfig(const Options &options, Plant *plant, cli::Failure *failure)
 {
     const QString file = options.demo ? demoFile : options.config;
     QVector<host::ConfigError> errors;
-    auto config = host::loadConfig(file, &errors);
-    if (!config)
-        return cli::refuse(failure, allOf(errors, file));
+    const auto config = host::loadConfig(file, &errors);
+    const auto control = config ? host::loadControl(file, &errors) : std::nullopt;
+    if (!config || !control)
+        return cli::fail(failure, allOf(errors, file));
     if (!config->stop.controlWord)
-        return cli::refuse(failure,
-                           cli::filled("%1: [stop] has no control_word; the stop button needs the "
-                                       "value of CW that stops a drive",
-                                       file));
-    return config;
+        return cli::fail(failure,
+                         cli::filled("%1: [stop] has no control_word; the stop button needs the "
+                                     "value of CW that stops a drive",
+                                     file));
+    if (control->run == config->stop.controlWord)
+        return cli::fail(failure,
+                         cli::filled("%1: the control_word of [stop] starts drives; write under "
+                                     "[control] the run that does",
+                                     file));
+    plant->config = *config;
+    plant->control = *control;
+    return true;
 }
 
 std::unique_ptr<cli::SimulatorProcess> startSimulator(const Options &options, host::Config &config,
@@ -77,6 +87,20 @@ std::optional<host::Plan> makePlan(const Options &options, const host::Config &c
     return plan;
 }
 
+/// Simulated drives begin with a frequency of 0: started, they would seem to stand.
+void giveFrequencies(host::LineService &service, const host::Config &config)
+{
+    QObject::connect(&service, &host::LineService::lineOpened, &service, [&service, config] {
+        for (const host::StationConfig &station : config.stations) {
+            host::WriteWish wish;
+            wish.station = station.address;
+            wish.regType = QStringLiteral("FRE");
+            wish.values = { demoFrequency };
+            service.submit(wish);
+        }
+    });
+}
+
 } // namespace
 
 std::optional<Plant> makePlant(const Options &options, cli::Failure *failure)
@@ -88,19 +112,23 @@ std::optional<Plant> makePlant(const Options &options, cli::Failure *failure)
                                        "name it with --driver",
                                        driver.tried.join(QStringLiteral(", "))),
                            cli::ExitFailed);
-    auto config = readConfig(options, failure);
-    const auto plan = config ? makePlan(options, *config, driver.path, failure) : std::nullopt;
+    Plant plant;
+    if (!readConfig(options, &plant, failure))
+        return std::nullopt;
+    const auto plan = makePlan(options, plant.config, driver.path, failure);
     if (!plan)
         return std::nullopt;
-    Plant plant;
     if (options.demo) {
-        plant.simulator = startSimulator(options, *config, failure);
+        plant.simulator = startSimulator(options, plant.config, failure);
         if (!plant.simulator)
             return std::nullopt;
     }
-    plant.config = *config;
-    plant.service = std::make_unique<host::LineService>(host::serialLine(config->line, driver.path),
-                                                        host::serviceSettings(*config, *plan));
+    host::ServiceSettings settings = host::serviceSettings(plant.config, *plan);
+    settings.runtime.userPatience = plant.control.userPatience;
+    plant.service = std::make_unique<host::LineService>(
+        host::serialLine(plant.config.line, driver.path), settings);
+    if (options.demo)
+        giveFrequencies(*plant.service, plant.config);
     return plant;
 }
 

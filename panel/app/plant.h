@@ -4,6 +4,7 @@
 
 #include "cli/console/exit_code.h"
 #include "cli/line/simulator_process.h"
+#include "host/config/control_config.h"
 #include "host/service/line_service.h"
 #include "panel/app/options.h"
 
@@ -14,6 +15,7 @@ namespace dx4::panel {
 struct Plant {
     std::unique_ptr<cli::SimulatorProcess> simulator; ///< of a demonstration; outlives the service
     host::Config config;
+    host::ControlConfig control;
     std::unique_ptr<host::LineService> service;
 };
 

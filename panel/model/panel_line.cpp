@@ -23,13 +23,7 @@ const host::RegisterValue *frequencyPattern(const DriveValues &values)
     return values.set ? values.set : values.actual;
 }
 
-QString stationList(const QVector<int> &stations)
-{
-    QStringList texts;
-    for (int station : stations)
-        texts.append(QString::number(station));
-    return texts.join(QStringLiteral(", "));
-}
+constexpr int mostNames = 4; // in a sentence
 
 } // namespace
 
@@ -40,9 +34,11 @@ LinePort portOf(host::LineService &service)
              [&service](host::Duration budget) { return service.stop(budget); } };
 }
 
-DriveWords wordsOf(const host::Config &config)
+DriveWords wordsOf(const host::Config &config, const host::ControlConfig &control)
 {
     DriveWords words;
+    words.run = control.run;
+    words.reverse = control.reverse;
     words.stop = config.stop.controlWord.value_or(0);
     const int bit = config.states.key(QStringLiteral("running"), -1);
     if (bit >= 0)
@@ -120,7 +116,33 @@ void PanelLine::noteValues(int station, Followed &followed)
     const bool saysMore =
         followed.way.stage() != CommandWay::Stage::Queued && readAt(*status) > followed.startedAt;
     if (isRunning || saysMore)
-        followed.mayRun = isRunning;
+        noteRunning(followed, isRunning);
+}
+
+void PanelLine::noteRunning(Followed &followed, bool isRunning)
+{
+    followed.mayRun = isRunning;
+    followed.isStopOpen = followed.isStopOpen && isRunning;
+}
+
+QString PanelLine::nameOf(const host::StationConfig &station) const
+{
+    return station.name.isEmpty() ? tr("Station %1").arg(station.address) : station.name;
+}
+
+QString PanelLine::namesOf(const QVector<int> &stations) const
+{
+    QStringList names;
+    for (const host::StationConfig &station : m_config.stations) {
+        if (stations.contains(station.address))
+            names.append(nameOf(station));
+    }
+    if (names.size() <= mostNames)
+        return names.join(QStringLiteral(", "));
+    const QStringList first = names.mid(0, mostNames - 1);
+    return tr("%1 and %2 more")
+        .arg(first.join(QStringLiteral(", ")))
+        .arg(names.size() - first.size());
 }
 
 DriveShown PanelLine::drive(int index) const
@@ -132,18 +154,20 @@ DriveShown PanelLine::drive(int index) const
     const QLocale locale;
     DriveShown shown;
     shown.station = station.address;
-    shown.name = station.name.isEmpty() ? tr("Station %1").arg(station.address) : station.name;
+    shown.name = nameOf(station);
     shown.frequency = showQuantity(values.actual, since, locale);
     shown.set = showQuantity(values.set, since, locale);
     shown.state = showStates(values.status, since, m_config.states);
     shown.fault = showFault(values.fault, since, m_config.faults);
     shown.isFaulty = shown.fault.trust != Shown::Trust::Gone && values.fault->state.value != 0;
     shown.mayRun = followed.mayRun;
+    shown.canReverse = m_words.reverse.has_value();
     shown.canTakeFrequency = frequencyPattern(values) != nullptr;
     for (const host::RegisterValue *value : values.others)
         shown.others.append({ value->name, showQuantity(value, since, locale) });
-    shown.way = followed.way.text();
-    shown.isWayBad = followed.way.isBad();
+    shown.way =
+        followed.isStopOpen ? tr("Stop not confirmed, may still run!") : followed.way.text();
+    shown.isWayBad = followed.isStopOpen || followed.way.isBad();
     return shown;
 }
 
@@ -173,8 +197,22 @@ void PanelLine::send(int index, const host::WriteWish &wish, const QString &what
 
 void PanelLine::start(int index)
 {
+    run(index, m_words.run, tr("Start"));
+}
+
+void PanelLine::reverse(int index)
+{
+    if (m_words.reverse)
+        run(index, *m_words.reverse, tr("Reverse"));
+}
+
+void PanelLine::run(int index, quint16 word, const QString &what)
+{
+    // That all were stopped is not so any more.
+    if (!m_isMessageBad)
+        m_message.clear();
     Followed &followed = m_followed[stationOf(index)];
-    send(index, wishOf(stationOf(index), "CW", m_words.run), tr("Start"), runningIs(true));
+    send(index, wishOf(stationOf(index), "CW", word), what, runningIs(true));
     followed.mayRun = followed.mayRun || followed.way.isOpen();
     followed.startedAt = m_clock.steady();
 }
@@ -221,6 +259,11 @@ void PanelLine::noteWriteEnded(const host::WriteOutcome &outcome)
     followed.way.noteEnded(outcome, now);
     if (wasOpen && followed.way.stage() != CommandWay::Stage::Queued)
         followed.startedAt = now;
+    // An echoed stop of this drive settles the one that was not.
+    const bool isStop = outcome.wish.regType == QLatin1String("CW")
+        && outcome.wish.values == QVector<quint16> { m_words.stop };
+    if (isStop && outcome.end == host::WriteEnd::Confirmed)
+        followed.isStopOpen = false;
 }
 
 void PanelLine::noteStopEnded(int id, const host::StopReport &report)
@@ -229,13 +272,13 @@ void PanelLine::noteStopEnded(int id, const host::StopReport &report)
         return;
     m_stopId = 0;
     const bool isBad = !report.unconfirmed.isEmpty();
-    tell(isBad ? tr("Stop: not confirmed by station %1. It may still run!")
-                     .arg(stationList(report.unconfirmed))
+    tell(isBad ? tr("Stop not confirmed: %1. May still run!").arg(namesOf(report.unconfirmed))
                : tr("Stop: confirmed by all drives"),
          isBad);
-    // Without a status word the echo of the stop is all that will ever be known.
     for (auto &[station, followed] : m_followed) {
-        if (!m_words.runningBit && !report.unconfirmed.contains(station))
+        followed.isStopOpen = report.unconfirmed.contains(station);
+        // Without a status word the echo of the stop is all that will ever be known.
+        if (!m_words.runningBit && !followed.isStopOpen)
             followed.mayRun = false;
     }
     Q_EMIT stopped(report.unconfirmed);

@@ -2,6 +2,7 @@
 // One line as the pages see it: what is shown of each drive, and what was asked of it.
 #pragma once
 
+#include "host/config/control_config.h"
 #include "host/service/line_service.h"
 #include "panel/model/clock.h"
 #include "panel/model/command_way.h"
@@ -31,11 +32,12 @@ LinePort portOf(host::LineService &service);
 struct DriveWords {
     quint16 run = 1; ///< "CW" value that starts the motor
     quint16 stop = 0; ///< "CW" value that stops it
+    std::optional<quint16> reverse; ///< "CW" value that starts it the other way; none: not offered
     std::optional<int> runningBit; ///< of "SW": the motor is fed; none: nothing reports it
 };
 
-/// The stop is that of the configuration, the bit the one that its states call "running".
-DriveWords wordsOf(const host::Config &config);
+/// The words are those of the configuration, the bit the one that its states call "running".
+DriveWords wordsOf(const host::Config &config, const host::ControlConfig &control = {});
 
 /// A value with what it is called.
 struct NamedShown {
@@ -52,7 +54,9 @@ struct DriveShown {
     Shown state;
     Shown fault;
     bool isFaulty = false; ///< a fault code other than 0 is known
-    bool mayRun = false; ///< the motor runs, or nothing says that it stands
+    bool mayRun = false; ///< the motor was seen to run or was started, and nothing said since that
+                         ///< it stands
+    bool canReverse = false; ///< the configuration says how it is started the other way
     bool canTakeFrequency = false; ///< the configuration says how a frequency is written
     QVector<NamedShown> others;
     QString way; ///< of the last command; empty: none
@@ -73,10 +77,17 @@ public:
     int driveCount() const { return static_cast<int>(m_config.stations.size()); }
     DriveShown drive(int index) const;
 
-    /// Stations whose motor runs, or of which nothing says that it stands.
+    /// What stations are called, for a sentence: "Feed pump, Conveyor"; of many the first ones and
+    /// how many more.
+    QString namesOf(const QVector<int> &stations) const;
+
+    /// Stations of which DriveShown::mayRun is true, ascending.
     QVector<int> mayRun() const;
 
     void start(int index);
+
+    /// Starts it the other way, where the words say how.
+    void reverse(int index);
     void stop(int index);
     void setFrequency(int index, double hertz);
 
@@ -108,12 +119,16 @@ private:
     struct Followed {
         CommandWay way;
         bool mayRun = false;
+        bool isStopOpen = false; // the last stop of all was not confirmed by it
         host::Duration startedAt { 0 };
     };
 
     host::Duration sinceSnapshot() const;
     QString downReason() const;
+    QString nameOf(const host::StationConfig &station) const;
+    void noteRunning(Followed &followed, bool isRunning);
     int stationOf(int index) const { return m_config.stations.at(index).address; }
+    void run(int index, quint16 word, const QString &what);
     void send(int index, const host::WriteWish &wish, const QString &what,
               const std::optional<Expectation> &expected);
     std::optional<Expectation> runningIs(bool isRunning) const;

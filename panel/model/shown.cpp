@@ -45,9 +45,9 @@ QString Shown::text() const
     return unit.isEmpty() ? number : number + QLatin1Char(' ') + unit;
 }
 
-QString Shown::fullText() const
+QString Shown::marks() const
 {
-    QStringList parts { text() };
+    QStringList parts;
     if (!age.isEmpty())
         parts.append(age);
     if (failed)
@@ -55,6 +55,12 @@ QString Shown::fullText() const
     if (pending)
         parts.append(tr("not confirmed"));
     return parts.join(QStringLiteral(", "));
+}
+
+QString Shown::fullText() const
+{
+    const QString beside = marks();
+    return beside.isEmpty() ? text() : QStringLiteral("%1, %2").arg(text(), beside);
 }
 
 host::Duration ageOf(const host::RegisterValue &value, host::Duration since)
@@ -70,7 +76,8 @@ Shown showQuantity(const host::RegisterValue *value, host::Duration since, const
     QLocale plain = locale;
     plain.setNumberOptions(QLocale::OmitGroupSeparator);
     const host::Scaling &scaling = value->scaling;
-    shown.number = plain.toString(scaling.quantity(value->state.value), 'f', scaling.decimals);
+    shown.quantity = scaling.quantity(value->state.value);
+    shown.number = plain.toString(shown.quantity, 'f', scaling.decimals);
     shown.unit = scaling.unit;
     return shown;
 }

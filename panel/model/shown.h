@@ -28,6 +28,7 @@ public:
     Trust trust = Trust::Gone;
     QString number = dashes(); ///< quantity or words
     QString unit; ///< empty for words and dashes
+    double quantity = 0.0; ///< what the number says; 0 for words and dashes
     QString age; ///< "7 s old"; empty unless old
     bool failed = false; ///< the last read of it was given up
     bool pending =
@@ -36,7 +37,10 @@ public:
     /// "49.98 Hz".
     QString text() const;
 
-    /// The text with its age and marks, for one line and for screen readers.
+    /// What is to be known beside it: "7 s old, read failed"; empty where all is well.
+    QString marks() const;
+
+    /// The text with its marks, for one line and for screen readers.
     QString fullText() const;
 
     static QString dashes() { return QStringLiteral("---"); }

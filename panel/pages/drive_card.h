@@ -26,6 +26,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    QString lastLine() const;
     void drawName(QPainter &painter, const Look &look, const QRect &place) const;
     void drawFrequency(QPainter &painter, const Look &look, const QRect &place) const;
     void drawState(QPainter &painter, const Look &look, const QRect &place) const;

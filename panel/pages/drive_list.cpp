@@ -6,7 +6,18 @@
 
 #include <algorithm>
 
+#include <utility>
+
 namespace dx4::panel {
+namespace {
+
+// Of the page's scale: cards may be as small as that before they are shown in turns, and in steps
+// of that.
+constexpr double smallestCards = 0.75;
+constexpr double scaleStep = 0.125;
+constexpr double widestPart = 0.45; // of the page, with more than one column
+
+} // namespace
 
 DriveList::DriveList(PanelLine &line, QWidget *parent)
     : QWidget(parent)
@@ -24,20 +35,36 @@ DriveList::DriveList(PanelLine &line, QWidget *parent)
     connect(m_down, &FlatButton::clicked, this, [this] { turn(1); });
 }
 
-QSize DriveList::cardSize() const
+QSize DriveList::cardSize(double scale)
 {
-    return { static_cast<int>(DriveCard::plainSize.width() * m_scale),
-             static_cast<int>(DriveCard::plainSize.height() * m_scale) };
+    return { static_cast<int>(DriveCard::plainSize.width() * scale),
+             static_cast<int>(DriveCard::plainSize.height() * scale) };
 }
 
-QSize DriveList::minimumSizeHint() const
+/// As many columns of cards of this scale as the page has room for, and none too many.
+void DriveList::takeScale(QSize page, double scale)
 {
-    return cardSize() + QSize(0, targetSize + targetGap);
+    m_scale = scale;
+    const int budget = static_cast<int>(page.width() * widestPart);
+    const int most = std::max(1, (budget + targetGap) / (cardSize().width() + targetGap));
+    const int inColumn = rows(page.height());
+    const int wanted = (static_cast<int>(m_cards.size()) + inColumn - 1) / inColumn;
+    m_columns = std::clamp(wanted, 1, most);
 }
 
-int DriveList::columns() const
+void DriveList::setRoom(QSize page, double scale)
 {
-    return std::max(1, (width() + targetGap) / (cardSize().width() + targetGap));
+    const double smallest = std::max(1.0, scale * smallestCards);
+    double tried = scale;
+    takeScale(page, tried);
+    while (m_columns * rows(page.height()) < m_cards.size() && tried > smallest) {
+        tried = std::max(smallest, tried - scaleStep);
+        takeScale(page, tried);
+    }
+    for (DriveCard *card : std::as_const(m_cards))
+        card->setScale(m_scale);
+    setFixedWidth(m_columns * (cardSize().width() + targetGap) - targetGap);
+    choose(m_chosen);
 }
 
 int DriveList::rows(int height) const
@@ -47,25 +74,16 @@ int DriveList::rows(int height) const
 
 int DriveList::cardsOfPage() const
 {
-    const int all = columns() * rows(height());
+    const int all = m_columns * rows(height());
     if (all >= m_cards.size())
         return all;
-    return columns() * rows(height() - targetSize - targetGap);
+    return m_columns * rows(height() - m_up->sizeHint().height() - targetGap);
 }
 
 void DriveList::refresh()
 {
     for (int i = 0; i < m_cards.size(); ++i)
         m_cards[i]->show(m_line.drive(i));
-}
-
-void DriveList::setScale(double scale)
-{
-    m_scale = scale;
-    for (DriveCard *card : std::as_const(m_cards))
-        card->setScale(scale);
-    updateGeometry();
-    arrange();
 }
 
 void DriveList::choose(int index)
@@ -99,8 +117,8 @@ void DriveList::arrange()
         DriveCard *card = m_cards[i];
         card->setChecked(i == m_chosen);
         card->setVisible(i >= m_first && i < last);
-        card->setGeometry(place % columns() * (size.width() + targetGap),
-                          place / columns() * (size.height() + targetGap), size.width(),
+        card->setGeometry(place % m_columns * (size.width() + targetGap),
+                          place / m_columns * (size.height() + targetGap), size.width(),
                           size.height());
     }
     arrangeTurns(cardsOfPage() < m_cards.size(), last);
@@ -108,10 +126,10 @@ void DriveList::arrange()
 
 void DriveList::arrangeTurns(bool isNeeded, int last)
 {
-    const int half = (cardSize().width() - targetGap) / 2;
-    const int top = height() - targetSize;
-    m_up->setGeometry(0, top, half, targetSize);
-    m_down->setGeometry(half + targetGap, top, half, targetSize);
+    const int half = (width() - targetGap) / 2;
+    const int high = m_up->sizeHint().height();
+    m_up->setGeometry(0, height() - high, half, high);
+    m_down->setGeometry(half + targetGap, height() - high, half, high);
     m_up->setVisible(isNeeded);
     m_down->setVisible(isNeeded);
     m_up->setEnabled(m_first > 0);

@@ -2,6 +2,7 @@
 // One drive large.
 #include "panel/pages/drive_view.h"
 
+#include "panel/widgets/fit_text.h"
 #include "panel/widgets/look.h"
 
 #include <QGridLayout>
@@ -17,15 +18,17 @@ namespace {
 constexpr int nameSize = 20;
 constexpr int wordSize = 16;
 constexpr int unitSize = 32;
-constexpr int setSize = 24;
+constexpr int leastCommandSize = 12; // in languages with long words
 constexpr int captionSize = 13;
 constexpr int cellSize = 20;
+constexpr int marksWidth = 64; // of "12 s old"
 constexpr int cellColumns = 3;
+constexpr int wayLines = 2; // a refusal is a sentence
 
 /// As much of a text as fits; all of it for screen readers.
-void showElided(QLabel &label, const QString &text)
+void showFitting(QLabel &label, const QString &text, int lines = 1)
 {
-    label.setText(label.fontMetrics().elidedText(text, Qt::ElideRight, label.width()));
+    label.setText(fittingText(label.fontMetrics(), text, label.contentsRect().width(), lines));
     label.setAccessibleName(text);
 }
 
@@ -86,23 +89,21 @@ QBoxLayout *DriveView::makeFrequency()
     auto *row = new QHBoxLayout;
     m_frequency = new ValueLabel(frequencySize, ValueLabel::Age::Elsewhere, this);
     m_frequency->setObjectName(QStringLiteral("frequency"));
+    m_frequency->setAlignment(Qt::AlignBottom);
+    m_marks = new QLabel(this);
+    m_marks->setObjectName(QStringLiteral("marks"));
+    m_marks->setWordWrap(true);
     m_unit = new QLabel(this);
     m_unit->setAlignment(Qt::AlignBottom);
-    m_age = new QLabel(this);
-    m_setCaption = new QLabel(tr("Set"), this);
-    m_set = new ValueLabel(setSize, ValueLabel::Age::Elsewhere, this);
-    m_set->setObjectName(QStringLiteral("set"));
+    m_dial = new Dial(this);
     auto *side = new QVBoxLayout;
     side->setSpacing(0);
     side->addStretch();
-    side->addWidget(m_age, 0, Qt::AlignRight);
-    side->addWidget(m_setCaption, 0, Qt::AlignRight);
-    side->addWidget(m_set, 0, Qt::AlignRight);
-    side->addStretch();
+    side->addWidget(m_marks);
+    side->addWidget(m_unit);
     row->addWidget(m_frequency);
-    row->addWidget(m_unit);
-    row->addStretch();
     row->addLayout(side);
+    row->addWidget(m_dial, 1);
     return row;
 }
 
@@ -133,15 +134,18 @@ QBoxLayout *DriveView::makeCommands()
     auto *row = new QHBoxLayout;
     row->setSpacing(targetGap);
     m_start = new HoldButton(tr("Hold to start"), m_now);
+    m_reverse = new HoldButton(tr("Hold to reverse"), m_now);
     m_stop = new HoldButton(tr("Hold to stop this one"), m_now);
     m_change = new FlatButton(tr("Frequency..."));
     m_start->setObjectName(QStringLiteral("start"));
+    m_reverse->setObjectName(QStringLiteral("reverse"));
     m_stop->setObjectName(QStringLiteral("stop this"));
     m_change->setObjectName(QStringLiteral("change"));
-    for (FlatButton *button :
-         { static_cast<FlatButton *>(m_start), static_cast<FlatButton *>(m_stop), m_change })
+    for (FlatButton *button : commands())
         row->addWidget(button, 1);
+    m_reverse->hide();
     connect(m_start, &HoldButton::held, this, &DriveView::startWanted);
+    connect(m_reverse, &HoldButton::held, this, &DriveView::reverseWanted);
     connect(m_stop, &HoldButton::held, this, &DriveView::stopWanted);
     connect(m_change, &FlatButton::clicked, this, &DriveView::frequencyWanted);
     return row;
@@ -149,6 +153,7 @@ QBoxLayout *DriveView::makeCommands()
 
 void DriveView::setScale(double scale)
 {
+    m_scale = scale;
     const auto at = [scale](int size) { return static_cast<int>(size * scale); };
     m_name->setFont(sized(font(), at(nameSize), true));
     m_fault->setFont(sized(font(), at(nameSize), true));
@@ -156,34 +161,55 @@ void DriveView::setScale(double scale)
     m_way->setFont(sized(font(), at(wordSize)));
     m_frequency->setTextSize(at(frequencySize));
     m_unit->setFont(sized(font(), at(unitSize)));
-    m_unit->setContentsMargins(0, 0, 0, at(frequencySize) / 6);
-    m_age->setFont(sized(font(), at(wordSize), true));
-    m_setCaption->setFont(sized(font(), at(captionSize)));
-    m_set->setTextSize(at(setSize));
+    // Number and unit stand on one line: both are at the bottom, the unit by as much higher as it
+    // reaches less far below that line.
+    const int below = m_frequency->fontMetrics().descent() - m_unit->fontMetrics().descent();
+    m_unit->setContentsMargins(0, 0, 0, below);
+    m_marks->setFont(sized(font(), at(captionSize), true));
+    m_marks->setFixedWidth(at(marksWidth));
+    m_way->setFixedHeight(wayLines * m_way->fontMetrics().lineSpacing());
+    m_dial->setScale(scale);
     for (const Cell &cell : std::as_const(m_cells)) {
         cell.caption->setFont(sized(font(), at(captionSize)));
         cell.value->setTextSize(at(cellSize));
     }
-    for (FlatButton *button :
-         { static_cast<FlatButton *>(m_start), static_cast<FlatButton *>(m_stop), m_change })
-        button->setFont(sized(font(), at(wordSize)));
+    sizeCommands();
+}
+
+/// As large as the words allow that stand beside each other.
+void DriveView::sizeCommands()
+{
+    for (int size = wordSize; size >= leastCommandSize; --size) {
+        int wanted = -targetGap;
+        for (FlatButton *button : commands()) {
+            button->setFont(sized(font(), static_cast<int>(size * m_scale)));
+            if (button != m_reverse || m_canReverse)
+                wanted += button->minimumSizeHint().width() + targetGap;
+        }
+        if (wanted <= width())
+            break;
+    }
+    // Now, as in the midst of a resize nobody asks for it again.
+    layout()->invalidate();
+    layout()->activate();
 }
 
 void DriveView::resizeEvent(QResizeEvent *)
 {
-    showElided(*m_name, m_name->accessibleName());
-    showElided(*m_state, m_state->accessibleName());
-    showElided(*m_way, m_way->accessibleName());
+    sizeCommands();
+    showFitting(*m_name, m_name->accessibleName());
+    showFitting(*m_state, m_state->accessibleName());
+    showFitting(*m_way, m_way->accessibleName(), wayLines);
 }
 
 void DriveView::showHead(const DriveShown &drive)
 {
     const Look look = lookOf(palette());
-    showElided(*m_name, drive.name);
-    showElided(*m_state, drive.state.fullText());
+    showFitting(*m_name, drive.name);
+    showFitting(*m_state, drive.state.fullText());
     const bool isStateFresh = drive.state.trust == Shown::Trust::Fresh;
     setTextColour(*m_state, isStateFresh ? look.text : look.faded);
-    m_fault->setText(drive.fault.fullText());
+    showFitting(*m_fault, drive.fault.fullText());
     m_fault->setAlignment(drive.isFaulty ? Qt::AlignCenter : Qt::AlignRight | Qt::AlignVCenter);
     if (drive.isFaulty) {
         setGround(*m_fault, look.faultGround, look.faultText);
@@ -203,9 +229,9 @@ void DriveView::showFrequency(const DriveShown &drive)
     m_unit->setText(drive.frequency.unit);
     const bool isFresh = drive.frequency.trust == Shown::Trust::Fresh;
     setTextColour(*m_unit, isFresh ? look.text : look.faded);
-    m_age->setText(drive.frequency.age);
-    m_set->show(tr("Set frequency"), drive.set);
-    setTextColour(*m_setCaption, look.faded);
+    m_marks->setText(drive.frequency.marks());
+    setTextColour(*m_marks, look.faded);
+    m_dial->show(drive.frequency, drive.set);
 }
 
 void DriveView::showCells(const DriveShown &drive)
@@ -216,9 +242,9 @@ void DriveView::showCells(const DriveShown &drive)
         const NamedShown other = isUsed ? drive.others.at(i) : NamedShown();
         const Cell &cell = m_cells.at(i);
         // The age goes where its text has room: a value is never cut.
-        const QString &age = other.shown.age;
-        showElided(*cell.caption,
-                   age.isEmpty() ? other.name : QStringLiteral("%1, %2").arg(other.name, age));
+        const QString marks = other.shown.marks();
+        showFitting(*cell.caption,
+                    marks.isEmpty() ? other.name : QStringLiteral("%1, %2").arg(other.name, marks));
         setTextColour(*cell.caption, look.faded);
         if (isUsed)
             cell.value->show(other.name, other.shown);
@@ -233,8 +259,13 @@ void DriveView::show(const DriveShown &drive)
     showHead(drive);
     showFrequency(drive);
     showCells(drive);
-    showElided(*m_way, drive.way);
+    showFitting(*m_way, drive.way, wayLines);
     setTextColour(*m_way, drive.isWayBad ? look.warning : look.text);
+    if (m_canReverse != drive.canReverse) {
+        m_canReverse = drive.canReverse;
+        m_reverse->setVisible(m_canReverse);
+        sizeCommands();
+    }
     m_change->setEnabled(drive.canTakeFrequency);
 }
 

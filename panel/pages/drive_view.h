@@ -3,6 +3,7 @@
 #pragma once
 
 #include "panel/model/panel_line.h"
+#include "panel/widgets/dial.h"
 #include "panel/widgets/hold_button.h"
 #include "panel/widgets/value_label.h"
 
@@ -17,6 +18,7 @@ class DriveView : public QWidget {
 
 public:
     static constexpr int frequencySize = 96; // px, at a scale of 1
+    static constexpr int plainWidth = 536; // px, that it needs at a scale of 1
     static constexpr int mostCells = 6; // values beside the frequency
 
     explicit DriveView(std::function<host::Duration()> now, QWidget *parent = nullptr);
@@ -28,6 +30,7 @@ public:
 
 Q_SIGNALS:
     void startWanted();
+    void reverseWanted();
     void stopWanted();
     void frequencyWanted();
 
@@ -45,22 +48,26 @@ private:
     QBoxLayout *makeFrequency();
     QLayout *makeCells();
     QBoxLayout *makeCommands();
+    QVector<FlatButton *> commands() const { return { m_start, m_reverse, m_stop, m_change }; }
+    void sizeCommands();
     void showHead(const DriveShown &drive);
     void showFrequency(const DriveShown &drive);
     void showCells(const DriveShown &drive);
 
     const std::function<host::Duration()> m_now;
+    double m_scale = 1.0;
+    bool m_canReverse = false;
     QLabel *m_name = nullptr;
     QLabel *m_fault = nullptr;
     QLabel *m_state = nullptr;
     ValueLabel *m_frequency = nullptr;
     QLabel *m_unit = nullptr;
-    QLabel *m_age = nullptr;
-    QLabel *m_setCaption = nullptr;
-    ValueLabel *m_set = nullptr;
+    QLabel *m_marks = nullptr;
+    Dial *m_dial = nullptr;
     QVector<Cell> m_cells;
     QLabel *m_way = nullptr;
     HoldButton *m_start = nullptr;
+    HoldButton *m_reverse = nullptr;
     HoldButton *m_stop = nullptr;
     FlatButton *m_change = nullptr;
 };

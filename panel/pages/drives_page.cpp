@@ -6,7 +6,14 @@
 
 #include <QHBoxLayout>
 
+#include <algorithm>
+
 namespace dx4::panel {
+namespace {
+
+constexpr int columnGap = 2 * targetGap; // between the cards and the large drive
+
+} // namespace
 
 DrivesPage::DrivesPage(PanelLine &line, const std::function<host::Duration()> &now, QWidget *parent)
     : Page(parent)
@@ -18,12 +25,13 @@ DrivesPage::DrivesPage(PanelLine &line, const std::function<host::Duration()> &n
     setObjectName(QStringLiteral("drives"));
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(targetGap, targetGap, targetGap, 0);
-    row->setSpacing(2 * targetGap);
+    row->setSpacing(columnGap);
     row->addWidget(m_list, 0);
     row->addWidget(m_view, 1);
     m_pad = new NumberPad(tr("Set frequency"), now, this);
     connect(m_list, &DriveList::chosen, this, &DrivesPage::choose);
     connect(m_view, &DriveView::startWanted, this, [this] { m_line.start(m_chosen); });
+    connect(m_view, &DriveView::reverseWanted, this, [this] { m_line.reverse(m_chosen); });
     connect(m_view, &DriveView::stopWanted, this, [this] { m_line.stop(m_chosen); });
     connect(m_view, &DriveView::frequencyWanted, this, &DrivesPage::askFrequency);
     connect(m_pad, &NumberPad::entered, this,
@@ -34,6 +42,7 @@ DrivesPage::DrivesPage(PanelLine &line, const std::function<host::Duration()> &n
 void DrivesPage::askFrequency()
 {
     m_asked = m_chosen;
+    m_pad->setTitle(tr("%1: set frequency").arg(m_line.drive(m_asked).name));
     m_pad->ask(QStringLiteral("Hz"), m_line.highestFrequency(m_asked));
 }
 
@@ -46,8 +55,22 @@ void DrivesPage::choose(int index)
 
 void DrivesPage::setScale(double scale)
 {
-    m_list->setScale(scale);
-    m_view->setScale(scale);
+    m_scale = scale;
+    arrange();
+}
+
+void DrivesPage::resizeEvent(QResizeEvent *)
+{
+    arrange();
+}
+
+/// The large drive gets what the cards leave, and is as large as its width allows.
+void DrivesPage::arrange()
+{
+    m_list->setRoom({ width(), height() - targetGap }, m_scale);
+    const int left = width() - 2 * targetGap - columnGap - m_list->width();
+    const double across = static_cast<double>(left) / DriveView::plainWidth;
+    m_view->setScale(std::clamp(across, 1.0, m_scale));
     refresh();
 }
 

@@ -27,13 +27,18 @@ public:
 
     void setScale(double scale) override;
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
+    void arrange();
     void askFrequency();
 
     PanelLine &m_line;
     DriveList *m_list;
     DriveView *m_view;
     NumberPad *m_pad;
+    double m_scale = 1.0;
     int m_chosen = 0;
     int m_asked = 0; // drive that the number pad was opened for
 };

@@ -14,6 +14,22 @@ namespace {
 constexpr int textMargin = 6; // px on each side
 constexpr int progressHeight = 8; // px
 constexpr int focusWidth = 3; // px
+/// Width of a text that is broken between two words where that makes it narrowest.
+int widthOfTwoLines(const QFontMetrics &metrics, const QString &text)
+{
+    int narrowest = metrics.horizontalAdvance(text);
+    for (int at = 0; at < text.size(); ++at) {
+        if (text.at(at) != QLatin1Char(' '))
+            continue;
+        const int broken = std::max(metrics.horizontalAdvance(text.left(at)),
+                                    metrics.horizontalAdvance(text.mid(at + 1)));
+        narrowest = std::min(narrowest, broken);
+    }
+    return narrowest;
+}
+
+constexpr int linesOfTarget =
+    3; // height in sizes of the text: on a large screen it is a large target
 
 } // namespace
 
@@ -26,13 +42,15 @@ FlatButton::FlatButton(const QString &text, QWidget *parent)
 
 QSize FlatButton::minimumSizeHint() const
 {
-    const int width = fontMetrics().horizontalAdvance(text()) + 2 * textMargin;
-    return { std::max(width, targetSize), targetSize };
+    const int width = widthOfTwoLines(fontMetrics(), text()) + 2 * textMargin;
+    const int height = std::max(targetSize, linesOfTarget * QFontInfo(font()).pixelSize());
+    return { std::max(width, targetSize), height };
 }
 
 QSize FlatButton::sizeHint() const
 {
-    return minimumSizeHint() + QSize(2 * textMargin, 0);
+    const int width = fontMetrics().horizontalAdvance(text()) + 4 * textMargin;
+    return minimumSizeHint().expandedTo({ width, 0 });
 }
 
 void FlatButton::drawGround(QPainter &painter, const QColor &ground, double part) const

@@ -16,7 +16,8 @@ namespace dx4::panel {
 namespace {
 
 constexpr int mostCharacters = 7; // "9999.99"
-constexpr int displaySize = 48; // px
+constexpr int displaySize = 48; // px, as the others on the smallest screen
+constexpr int keySize = 20; // px
 constexpr int displayWidth = 320; // px, of the longest number with its unit
 
 } // namespace
@@ -30,6 +31,21 @@ NumberPad::NumberPad(const QString &title, std::function<host::Duration()> now, 
     row->addWidget(makeSide(std::move(now)), 1);
     row->addWidget(makeKeys(), 1);
     content()->addLayout(row, 1);
+    sizeDisplay();
+}
+
+void NumberPad::sizeDisplay()
+{
+    m_display->setFont(sized(font(), static_cast<int>(displaySize * textScale())));
+    m_keys->setFont(sized(font(), static_cast<int>(keySize * textScale())));
+    m_display->setMinimumWidth(static_cast<int>(displayWidth * textScale()));
+}
+
+void NumberPad::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::FontChange)
+        sizeDisplay();
+    Sheet::changeEvent(event);
 }
 
 void NumberPad::addKey(QGridLayout &keys, int row, int column, const QString &text)
@@ -43,8 +59,8 @@ void NumberPad::addKey(QGridLayout &keys, int row, int column, const QString &te
 
 QWidget *NumberPad::makeKeys()
 {
-    auto *box = new QWidget;
-    auto *keys = new QGridLayout(box);
+    m_keys = new QWidget;
+    auto *keys = new QGridLayout(m_keys);
     keys->setContentsMargins(0, 0, 0, 0);
     keys->setSpacing(targetGap);
     for (int digit = 1; digit <= 9; ++digit)
@@ -55,7 +71,7 @@ QWidget *NumberPad::makeKeys()
     back->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     keys->addWidget(back, 3, 2);
     connect(back, &FlatButton::clicked, this, &NumberPad::erase);
-    return box;
+    return m_keys;
 }
 
 QWidget *NumberPad::makeSide(std::function<host::Duration()> now)
@@ -65,8 +81,6 @@ QWidget *NumberPad::makeSide(std::function<host::Duration()> now)
     side->setContentsMargins(0, 0, 0, 0);
     side->setSpacing(targetGap);
     m_display = new QLabel;
-    m_display->setFont(sized(font(), displaySize));
-    m_display->setMinimumWidth(displayWidth);
     m_limits = new QLabel;
     m_limits->setWordWrap(true);
     m_enter = new HoldButton(tr("Hold to set"), std::move(now));

@@ -39,18 +39,21 @@ Q_SIGNALS:
     void entered(double number);
 
 protected:
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QWidget *makeKeys();
     QWidget *makeSide(std::function<host::Duration()> now);
     void addKey(QGridLayout &keys, int row, int column, const QString &text);
+    void sizeDisplay();
     void refresh();
 
     QLocale m_locale;
     QString m_typed;
     QString m_unit;
     double m_highest = 0.0;
+    QWidget *m_keys = nullptr;
     QLabel *m_display = nullptr;
     QLabel *m_limits = nullptr;
     HoldButton *m_enter = nullptr;

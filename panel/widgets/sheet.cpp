@@ -12,7 +12,8 @@
 namespace dx4::panel {
 namespace {
 
-constexpr int titleSize = 22; // px
+constexpr int plainSize = 16; // px, of texts on the smallest screen
+constexpr int titleSize = 22; // px, likewise
 constexpr int margin = 16; // px
 
 } // namespace
@@ -20,15 +21,35 @@ constexpr int margin = 16; // px
 Sheet::Sheet(const QString &title, QWidget *page)
     : QWidget(page)
     , m_content(new QVBoxLayout(this))
+    , m_title(new QLabel)
 {
     m_content->setContentsMargins(margin, margin, margin, margin);
     m_content->setSpacing(targetGap);
-    auto *heading = new QLabel(title);
-    heading->setFont(sized(font(), titleSize, true));
-    m_content->addWidget(heading);
-    setAccessibleName(title);
+    m_title->setTextFormat(Qt::PlainText);
+    m_title->setWordWrap(true);
+    m_title->setFont(sized(font(), static_cast<int>(titleSize * textScale()), true));
+    m_content->addWidget(m_title);
+    setTitle(title);
     page->installEventFilter(this);
     hide();
+}
+
+void Sheet::setTitle(const QString &title)
+{
+    m_title->setText(title);
+    setAccessibleName(title);
+}
+
+double Sheet::textScale() const
+{
+    return static_cast<double>(QFontInfo(font()).pixelSize()) / plainSize;
+}
+
+void Sheet::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::FontChange)
+        m_title->setFont(sized(font(), static_cast<int>(titleSize * textScale()), true));
+    QWidget::changeEvent(event);
 }
 
 void Sheet::setBelowEnabled(bool isEnabled)

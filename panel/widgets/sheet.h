@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class QLabel;
 class QVBoxLayout;
 
 namespace dx4::panel {
@@ -17,6 +18,8 @@ public:
     /// @param page  what it covers
     Sheet(const QString &title, QWidget *page);
 
+    void setTitle(const QString &title);
+
     void open();
     void close();
     bool isOpen() const { return isVisibleTo(parentWidget()); }
@@ -28,13 +31,18 @@ protected:
     /// Where the content goes.
     QVBoxLayout *content() const { return m_content; }
 
+    /// How much larger than on the smallest screen its texts are, by the font it was given.
+    double textScale() const;
+
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     void setBelowEnabled(bool isEnabled);
 
     QVBoxLayout *m_content;
+    QLabel *m_title;
 };
 
 } // namespace dx4::panel

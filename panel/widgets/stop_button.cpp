@@ -8,12 +8,6 @@
 #include <QPainter>
 
 namespace dx4::panel {
-namespace {
-
-constexpr int textSize = 36; // px
-
-} // namespace
-
 bool isPressKey(const QKeyEvent &event)
 {
     const int key = event.key();
@@ -27,10 +21,6 @@ StopButton::StopButton(QWidget *parent)
     setObjectName(QStringLiteral("stop"));
     setAccessibleName(tr("Stop all drives"));
     setAttribute(Qt::WA_AcceptTouchEvents);
-    QFont large = font();
-    large.setPixelSize(textSize);
-    large.setBold(true);
-    setFont(large);
 }
 
 bool StopButton::event(QEvent *event)

@@ -94,6 +94,7 @@ MadeUpLine::MadeUpLine(int drives)
         addDrive(next, station);
     }
     config.stop.controlWord = 0;
+    control.reverse = 3;
     config.states = words({ "ready", "running", "reverse", "tripped", "at set frequency" });
     config.faults = words({ "no fault", "overcurrent", "overvoltage" });
     next.isOpen = true;
@@ -168,7 +169,7 @@ void MadeUpLine::advance(Duration span)
 
 MadeUpPanel::MadeUpPanel(int drives, QSize size)
     : made(drives)
-    , line(made.port(), made.config, panel::wordsOf(made.config), made.clock())
+    , line(made.port(), made.config, panel::wordsOf(made.config, made.control), made.clock())
     , window(line, made.clock().steady)
 {
     window.resize(size);

@@ -42,6 +42,7 @@ public:
     dx4::host::RegisterValue *find(int station, const char *type, int address);
 
     dx4::host::Config config;
+    dx4::host::ControlConfig control;
     dx4::host::LineSnapshot next; ///< what publish() gives
     std::vector<dx4::host::WriteWish> writes; ///< with ids from 1000 on
     int stops = 0; ///< with ids from 1 on

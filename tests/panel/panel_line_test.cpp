@@ -13,7 +13,7 @@ namespace {
 struct Under {
     explicit Under(int drives = 2)
         : made(drives)
-        , line(made.port(), made.config, wordsOf(made.config), made.clock())
+        , line(made.port(), made.config, wordsOf(made.config, made.control), made.clock())
     {
     }
 
@@ -115,6 +115,31 @@ TEST(PanelLine, AStartWritesTheRunWordAndShowsItsWayToTheStatusWord)
     EXPECT_EQ(panel.way(), "Start: done, the drive reports it");
 }
 
+TEST(PanelLine, AReverseWritesTheWordOfTheConfiguration)
+{
+    Under panel;
+    panel.look();
+    EXPECT_TRUE(panel.line.drive(0).canReverse);
+
+    panel.line.reverse(0);
+
+    ASSERT_EQ(panel.made.writes.size(), 1U);
+    EXPECT_EQ(panel.made.writes[0].values, QVector<quint16> { 3 });
+    EXPECT_EQ(panel.way(), "Reverse: on its way, no echo yet");
+    EXPECT_EQ(panel.line.mayRun(), QVector<int> { 1 });
+}
+
+TEST(PanelLine, WithoutAWordForItNothingIsReversed)
+{
+    MadeUpLine made;
+    PanelLine line(made.port(), made.config, wordsOf(made.config), made.clock());
+
+    line.reverse(0);
+
+    EXPECT_TRUE(made.writes.empty());
+    EXPECT_FALSE(line.drive(0).canReverse);
+}
+
 TEST(PanelLine, AFrequencyIsWrittenInTheCountsOfTheSetFrequency)
 {
     Under panel;
@@ -184,8 +209,48 @@ TEST(PanelLine, AStopThatIsNotConfirmedNamesTheStations)
     panel.line.noteStopEnded(1, unconfirmed({ 1, 2 }));
 
     EXPECT_EQ(panel.line.message().toStdString(),
-              "Stop: not confirmed by station 1, 2. It may still run!");
+              "Stop not confirmed: Feed pump, Cooling fan. May still run!");
     EXPECT_TRUE(panel.line.isMessageBad());
+}
+
+TEST(PanelLine, ADriveWhoseStopIsNotConfirmedSaysSoUntilItsStatusSaysThatItStands)
+{
+    Under panel;
+    panel.made.readRunning(1);
+    panel.look();
+    panel.line.stopAll();
+
+    panel.line.noteStopEnded(1, unconfirmed({ 1 }));
+    EXPECT_EQ(panel.way(), "Stop not confirmed, may still run!");
+    EXPECT_TRUE(panel.line.drive(0).isWayBad);
+    EXPECT_FALSE(panel.line.drive(1).isWayBad);
+
+    panel.made.advance(seconds(1));
+    panel.made.readStanding(1);
+    panel.look();
+    EXPECT_EQ(panel.way(), "");
+}
+
+TEST(PanelLine, OfManyDrivesASentenceNamesTheFirstOnes)
+{
+    Under panel(6);
+
+    EXPECT_EQ(panel.line.namesOf({ 1, 3 }).toStdString(), "Feed pump, Conveyor");
+    EXPECT_EQ(panel.line.namesOf({ 1, 2, 3, 4 }).toStdString(),
+              "Feed pump, Cooling fan, Conveyor, Roller 4");
+    EXPECT_EQ(panel.line.namesOf({ 1, 2, 3, 4, 5 }).toStdString(),
+              "Feed pump, Cooling fan, Conveyor and 2 more");
+}
+
+TEST(PanelLine, AStartEndsTheWordThatAllWereStopped)
+{
+    Under panel;
+    panel.line.stopAll();
+    panel.line.noteStopEnded(1, unconfirmed({}));
+
+    panel.line.start(0);
+
+    EXPECT_EQ(panel.line.message().toStdString(), "");
 }
 
 TEST(PanelLine, ALineThatIsDownHidesNoUnconfirmedStop)
@@ -199,7 +264,7 @@ TEST(PanelLine, ALineThatIsDownHidesNoUnconfirmedStop)
     panel.look();
 
     EXPECT_EQ(panel.line.message().toStdString(),
-              "Stop: not confirmed by station 2. It may still run!\n"
+              "Stop not confirmed: Cooling fan. May still run!\n"
               "The line is down: the line broke");
 }
 
@@ -210,7 +275,10 @@ TEST(PanelLine, TheRunningBitIsTheOneThatTheConfigurationCallsRunning)
 
     config.states.insert(9, QStringLiteral("running"));
     config.stop.controlWord = 6;
+    ControlConfig control;
+    control.run = 17;
 
-    EXPECT_EQ(wordsOf(config).runningBit, 9);
-    EXPECT_EQ(wordsOf(config).stop, 6);
+    EXPECT_EQ(wordsOf(config, control).runningBit, 9);
+    EXPECT_EQ(wordsOf(config, control).stop, 6);
+    EXPECT_EQ(wordsOf(config, control).run, 17);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Draws every page into files, in light and dark, with values that stand still.
+// Draws pages into files, in light and dark, with values that stand still.
 #include "panel_fixture.h"
 
 #include "panel/widgets/look.h"
@@ -61,9 +61,18 @@ QVector<Scene> scenes()
           [](MadeUpPanel &panel) {
               running(panel);
               auto *pad = panel.window.findChild<NumberPad *>();
-              pad->ask(QStringLiteral("Hz"), 400.0);
+              panel.window.findChild<QAbstractButton *>(QStringLiteral("change"))->click();
               pad->type(QLatin1Char('4'));
               pad->type(QLatin1Char('5'));
+          } },
+        { "unconfirmed", 3,
+          [](MadeUpPanel &panel) {
+              running(panel);
+              panel.line.stopAll();
+              dx4::host::StopReport report;
+              report.unconfirmed = { 1 };
+              panel.line.noteStopEnded(1, report);
+              panel.window.refresh();
           } },
         { "closing", 3,
           [](MadeUpPanel &panel) {
@@ -86,15 +95,18 @@ void draw(const Scene &scene, QSize size, const QString &file)
 int main(int argc, char **argv)
 {
     const ScreenInMemory screen(argc, argv);
-    if (argc != 2) {
-        QTextStream(stderr) << "usage: panel_pictures FOLDER\n";
+    if (argc < 2) {
+        QTextStream(stderr) << "usage: panel_pictures FOLDER [SCENE...]\n";
         return 2;
     }
     const QDir folder(QString::fromLocal8Bit(argv[1]));
+    const QStringList wanted = QCoreApplication::arguments().mid(2);
     for (const bool isDark : { false, true }) {
         QApplication::setPalette(paletteOf(isDark ? darkLook() : lightLook()));
         for (const QSize &size : { QSize(800, 480), QSize(1280, 800), QSize(1920, 1080) }) {
             for (const Scene &scene : scenes()) {
+                if (!wanted.isEmpty() && !wanted.contains(QLatin1String(scene.name)))
+                    continue;
                 const QString name =
                     QStringLiteral("%1-%2-%3.png")
                         .arg(QLatin1String(scene.name))

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The panel over a service with stations on a line in memory.
+#include "panel/app/ending.h"
 #include "panel/model/panel_line.h"
 #include "service_fixture.h"
 
@@ -101,4 +102,34 @@ TEST(PanelOverAService, ARefusedStartIsToldInWords)
     panel.service.waitFor([&] { return panel.service.outcomes.size() == 1; });
 
     EXPECT_EQ(panel.way().substr(0, 15), "Start: refused:");
+}
+
+TEST(PanelOverAService, AWindowThatHangsHasTheDrivesStopped)
+{
+    ServiceSettings settings = serviceSettings(oneDrive(), planOf({ { 1, QStringLiteral("SW") } }));
+    settings.runtime.userPatience = std::chrono::seconds(2);
+    ServiceUnderTest under(settings);
+    under.playTime();
+    under.start();
+    QObject window;
+
+    panel::tellOfUser(*under.service, settings.runtime.userPatience, &window);
+
+    // This thread turns no event loop meanwhile.
+    under.plant->awaitSent(framed("01 06 10 01 00 00"));
+}
+
+TEST(PanelOverAService, AWindowThatLivesTellsOfItsUserFourTimesInItsPatience)
+{
+    ServiceUnderTest under;
+    under.start();
+    QObject window;
+
+    panel::tellOfUser(*under.service, std::chrono::seconds(2), &window);
+    panel::tellOfUser(*under.service, std::chrono::seconds(0), &window);
+
+    const auto timers = window.findChildren<QTimer *>();
+    ASSERT_EQ(timers.size(), 1);
+    EXPECT_EQ(timers.at(0)->interval(), 500);
+    EXPECT_TRUE(timers.at(0)->isActive());
 }

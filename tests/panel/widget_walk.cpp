@@ -112,6 +112,17 @@ QStringList cutTexts(QWidget &window)
         if (isCut || label->fontMetrics().height() > label->height() + 2)
             cut.append(label->text());
     }
+    for (const QAbstractButton *button : window.findChildren<QAbstractButton *>()) {
+        const QSize least = button->minimumSizeHint();
+        const bool isCut = least.width() > button->width() || least.height() > button->height();
+        if (button->isVisible() && isCut)
+            cut.append(QStringLiteral("%1: %2 px wide and %3 high, wants %4 and %5")
+                           .arg(button->text())
+                           .arg(button->width())
+                           .arg(button->height())
+                           .arg(least.width())
+                           .arg(least.height()));
+    }
     return cut;
 }
 

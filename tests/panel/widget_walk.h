@@ -13,7 +13,7 @@ QStringList wrongTargets(QWidget &window);
 /// What is wrong with the stop button: hidden, disabled, too small, covered, not in its corner.
 QStringList wrongStop(QWidget &window);
 
-/// Labels whose text does not fit into them.
+/// Labels and buttons whose text does not fit into them.
 QStringList cutTexts(QWidget &window);
 
 /// Class, name, text, place and whether it is enabled of each visible widget, a line each.

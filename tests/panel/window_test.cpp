@@ -49,6 +49,12 @@ StopReport report(const QVector<int> &unconfirmed)
     return report;
 }
 
+class EmptyPage : public Page {
+public:
+    void refresh() override { }
+    void setScale(double) override { }
+};
+
 class EverySize : public ::testing::TestWithParam<int> {
 protected:
     /// 1 to 32 drives on the smallest screen and on a large one.
@@ -205,6 +211,59 @@ TEST(Window, AsksBeforeItClosesWhileAMotorRunsAndWaitsForTheEcho)
 
     panel.line.noteStopEnded(1, report({}));
     EXPECT_FALSE(panel.window.isVisible());
+}
+
+TEST(Window, AQuestionStaysOnTopWhenAnotherPageIsOpened)
+{
+    MadeUpPanel panel;
+    auto *other = new EmptyPage;
+    panel.window.addPage(other, QStringLiteral("Other"));
+    QCoreApplication::processEvents();
+    panel.made.readRunning(1);
+    panel.show();
+    panel.window.close();
+
+    QTest::mouseClick(button(panel.window, "Other"), Qt::LeftButton);
+
+    auto *stay = button(panel.window, "Stay");
+    EXPECT_EQ(panel.window.childAt(stay->mapTo(&panel.window, stay->rect().center())), stay);
+    EXPECT_FALSE(other->isEnabled());
+}
+
+TEST(Window, WhatIsAskedNamesTheDrive)
+{
+    MadeUpPanel panel;
+    panel.made.readRunning(2);
+    panel.show();
+
+    QTest::mouseClick(panel.window.findChild<DriveCard *>(QStringLiteral("card 1")),
+                      Qt::LeftButton);
+    QTest::mouseClick(button(panel.window, "Frequency..."), Qt::LeftButton);
+    EXPECT_EQ(panel.window.findChild<NumberPad *>()->accessibleName().toStdString(),
+              "Cooling fan: set frequency");
+
+    panel.window.close();
+    EXPECT_EQ(panel.window.findChild<QLabel *>(QStringLiteral("question"))->text().toStdString(),
+              "May be running: Cooling fan. Drives are stopped before the panel closes.");
+}
+
+TEST(Window, AWidePageShowsManyDrivesInColumns)
+{
+    MadeUpPanel few(3, { 1920, 1080 });
+    MadeUpPanel many(32, { 1920, 1080 });
+
+    EXPECT_EQ(few.window.findChild<DriveList *>()->width(), 464);
+    EXPECT_EQ(many.window.findChild<DriveList *>()->width(), 704);
+}
+
+TEST(Window, TextsAndTargetsGrowWithTheWindow)
+{
+    MadeUpPanel panel(3, { 1600, 960 });
+
+    EXPECT_EQ(button(panel.window, "Drives")->font().pixelSize(), 32);
+    EXPECT_EQ(button(panel.window, "Drives")->height(), 96);
+    EXPECT_EQ(button(panel.window, "Hold to start")->height(), 96);
+    EXPECT_EQ(button(panel.window, "Stop")->font().pixelSize(), 72);
 }
 
 TEST(Window, StaysWhereTheStopIsNotConfirmedUntilSomebodyInsists)
