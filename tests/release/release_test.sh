@@ -33,6 +33,7 @@ debian/changelog|1s/\([0-9.]+\)/(9.9.9)/
 debian/control|s/^(Package: libkorvane-host-qt5-).*/\19.9/
 docs/man/dx4.1|s/^\.Os .*/.Os/
 docs/man/dx4-sim.1|s/^(\.Os korvane_dx4) .*/\1 9.9.9/
+docs/man/dx4-panel.1|s/^(\.Os korvane_dx4) .*/\1 9.9.9/
 PLACES
   copy_of_places
   sed -i 's/^## [0-9]/## Unreleased\n\nLater.\n\n&/' "$work/CHANGELOG.md"
