@@ -77,4 +77,16 @@ failed_build() {
   PATH="$work/played:$PATH" "$work/tree/scripts/build.sh" dev 2>"$work/said" || fail "a good build is not taken"
 }
 
+# A window without a display is refused in one line, before anything is installed or built.
+no_display() {
+  bare_machine 'echo called >>"$0.calls"; exit 100'
+  if env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM PATH="$work/played:$PATH" \
+    "$top/scripts/demo.sh" --panel 2>"$work/said"; then
+    fail "a window is shown without a display"
+  fi
+  [ "$(wc -l <"$work/said")" -eq 1 ] || fail "not one line:" "$(cat "$work/said")"
+  grep -q '^demo.sh: no display: ' "$work/said" || fail "$(cat "$work/said")"
+  [ ! -e "$work/played/apt-get.calls" ] || fail "packages were asked for"
+}
+
 "$part"
