@@ -94,6 +94,15 @@ host::Duration PanelLine::sinceSnapshot() const
     return std::max(seen, taken);
 }
 
+/// Null where it is old, or nothing was read.
+const host::RegisterValue *PanelLine::certainStatus(int station) const
+{
+    const auto *status = m_snapshot->find(station, QStringLiteral("SW"), 0);
+    const bool isCertain = status && status->state.known && !status->state.stale
+        && ageOf(*status, sinceSnapshot()) < oldFrom;
+    return isCertain ? status : nullptr;
+}
+
 void PanelLine::noteValues(int station, Followed &followed)
 {
     const host::Duration now = m_clock.steady();
@@ -106,10 +115,8 @@ void PanelLine::noteValues(int station, Followed &followed)
     if (told && told->state.known && !told->state.stale)
         followed.way.noteValue(told->state.value, readAt(*told));
 
-    const auto *status = m_snapshot->find(station, QStringLiteral("SW"), 0);
-    const bool isCertain = status && status->state.known && !status->state.stale
-        && ageOf(*status, sinceSnapshot()) < oldFrom;
-    if (!m_words.runningBit || !isCertain)
+    const auto *status = certainStatus(station);
+    if (!m_words.runningBit || !status)
         return;
     // After a start the drive is believed to stand only by what was read once the start had ended.
     const bool isRunning = ((status->state.value >> *m_words.runningBit) & 1) != 0;
@@ -179,6 +186,15 @@ QVector<int> PanelLine::mayRun() const
             stations.append(station);
     }
     return stations;
+}
+
+bool PanelLine::stands(int station) const
+{
+    const auto followed = m_followed.find(station);
+    const auto *status = certainStatus(station);
+    if (followed == m_followed.end() || followed->second.mayRun || !m_words.runningBit || !status)
+        return false;
+    return ((status->state.value >> *m_words.runningBit) & 1) == 0;
 }
 
 std::optional<Expectation> PanelLine::runningIs(bool isRunning) const

@@ -84,6 +84,10 @@ public:
     /// Stations of which DriveShown::mayRun is true, ascending.
     QVector<int> mayRun() const;
 
+    /// Whether the motor of a station is known to stand: a status word that is not old says so, and
+    /// nothing was sent since that starts it.
+    bool stands(int station) const;
+
     void start(int index);
 
     /// Starts it the other way, where the words say how.
@@ -124,6 +128,7 @@ private:
     };
 
     host::Duration sinceSnapshot() const;
+    const host::RegisterValue *certainStatus(int station) const;
     QString downReason() const;
     QString nameOf(const host::StationConfig &station) const;
     void noteRunning(Followed &followed, bool isRunning);

@@ -282,3 +282,33 @@ TEST(PanelLine, TheRunningBitIsTheOneThatTheConfigurationCallsRunning)
     EXPECT_EQ(wordsOf(config, control).stop, 6);
     EXPECT_EQ(wordsOf(config, control).run, 17);
 }
+
+TEST(PanelLine, AMotorIsKnownToStandOnlyByAFreshStatusWord)
+{
+    Under panel;
+    EXPECT_FALSE(panel.line.stands(1));
+
+    panel.made.readStanding(1);
+    panel.look();
+    EXPECT_TRUE(panel.line.stands(1));
+
+    panel.made.advance(seconds(5));
+    panel.line.look();
+    EXPECT_FALSE(panel.line.stands(1));
+
+    panel.made.readRunning(1);
+    panel.look();
+    EXPECT_FALSE(panel.line.stands(1));
+    EXPECT_FALSE(panel.line.stands(9));
+}
+
+TEST(PanelLine, AMotorDoesNotCountAsStandingOnceItsStartWasAskedFor)
+{
+    Under panel;
+    panel.made.readStanding(1);
+    panel.look();
+
+    panel.line.start(0);
+
+    EXPECT_FALSE(panel.line.stands(1));
+}
