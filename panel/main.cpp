@@ -6,9 +6,11 @@
 #include "panel/app/options.h"
 #include "panel/app/panel_window.h"
 #include "panel/app/plant.h"
+#include "panel/parameters/parameters_page.h"
 #include "panel/widgets/look.h"
 
 #include <QApplication>
+#include <QStandardPaths>
 #include <QStyleFactory>
 #include <QTranslator>
 
@@ -40,6 +42,21 @@ void endBy(panel::Ending &ending, const panel::PanelLine &line)
     });
 }
 
+void addParameters(panel::PanelWindow &window, const panel::PanelLine &line,
+                   const panel::Plant &plant, panel::Background &background)
+{
+    panel::ParametersSetup setup;
+    setup.port = panel::parameterPortOf(*plant.service);
+    setup.config = plant.config;
+    setup.clock = panel::systemClock();
+    setup.standing = [&line](int station) { return panel::standingOf(line, station); };
+    setup.runner = background.runner();
+    setup.folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    auto *page = new panel::ParametersPage(setup);
+    page->follow(*plant.service);
+    window.addPage(page, QCoreApplication::translate("dx4::panel", "Parameters"));
+}
+
 int run(const panel::Options &options, const host::StopSignal &signal)
 {
     cli::Failure failure;
@@ -54,8 +71,10 @@ int run(const panel::Options &options, const host::StopSignal &signal)
     line.follow(*plant->service);
     panel::Ending ending(line, signal);
     endBy(ending, line);
+    panel::Background background;
     panel::PanelWindow window(line, clock.steady);
     panel::tellOfUser(*plant->service, plant->control.userPatience, &window);
+    addParameters(window, line, *plant, background);
     if (options.fullscreen)
         window.showFullScreen();
     else

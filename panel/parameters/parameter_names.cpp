@@ -7,6 +7,8 @@
 #include "host/parameters/parameter_set.h"
 #include "register_tables.h"
 
+#include <QLocale>
+
 namespace dx4::panel {
 
 ParameterNames::ParameterNames(const host::Config &config)
@@ -38,6 +40,20 @@ const ParameterNames::Label *ParameterNames::find(int station, int address) cons
         return &own->second;
     const auto any = m_ofAny.find(address);
     return any == m_ofAny.end() ? nullptr : &any->second;
+}
+
+QString quantityText(const ParameterNames::Label *label, quint16 value)
+{
+    const bool isPlain = !label
+        || (label->scaling.unit.isEmpty() && label->scaling.decimals == 0
+            && !label->scaling.isSigned);
+    if (isPlain)
+        return QString::number(value);
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    const host::Scaling &scaling = label->scaling;
+    const QString quantity = locale.toString(scaling.quantity(value), 'f', scaling.decimals);
+    return scaling.unit.isEmpty() ? quantity : quantity + QLatin1Char(' ') + scaling.unit;
 }
 
 int groupOf(int address)

@@ -28,6 +28,9 @@ private:
     std::map<int, Label> m_ofAny; // by address
 };
 
+/// "12.0 s" where the register has a scaling, else "120".
+QString quantityText(const ParameterNames::Label *label, quint16 value);
+
 /// Number of the group that an address is of, 0 to 10.
 int groupOf(int address);
 

@@ -6,6 +6,13 @@
 
 namespace dx4::panel {
 
+Standing standingOf(const PanelLine &line, int station)
+{
+    if (line.mayRun().contains(station))
+        return Standing::Runs;
+    return line.stands(station) ? Standing::Stands : Standing::Unknown;
+}
+
 ParameterRestore::ParameterRestore(ParameterBook &book, Standings standing, QObject *parent)
     : QObject(parent)
     , m_book(book)
@@ -24,7 +31,17 @@ RestorePlan ParameterRestore::plan() const
 {
     const ParameterSide &first = m_book.side(ParameterBook::First);
     const ParameterSide &second = m_book.side(ParameterBook::Second);
-    return { first.name, first.set.station, second.name, second.set.station, m_book.ticked() };
+    RestorePlan plan { first.name,         first.set.station, second.name,
+                       second.set.station, m_book.ticked(),   {} };
+    for (auto wanted = plan.set.values.begin(); wanted != plan.set.values.end(); ++wanted) {
+        const ParameterNames::Label *label = m_book.names().find(plan.station, wanted.key());
+        const QString number = QStringLiteral("F ") + parameterNumber(wanted.key());
+        plan.changes.append(tr("%1: %2 to %3")
+                                .arg(label ? number + QLatin1Char(' ') + label->name : number,
+                                     quantityText(label, second.value(wanted.key()).value_or(0)),
+                                     quantityText(label, wanted.value())));
+    }
+    return plan;
 }
 
 QString ParameterRestore::refusal(const RestorePlan &plan) const

@@ -2,6 +2,7 @@
 // Ticked values on their way to a drive.
 #pragma once
 
+#include "panel/model/panel_line.h"
 #include "panel/parameters/parameter_book.h"
 
 #include <QStringList>
@@ -11,6 +12,9 @@ namespace dx4::panel {
 /// What is known of a motor.
 enum class Standing { Stands, Runs, Unknown };
 
+/// What the line knows of the motor of a station.
+Standing standingOf(const PanelLine &line, int station);
+
 /// What would be written, from where, to where.
 struct RestorePlan {
     QString source; ///< name of the file or drive
@@ -18,6 +22,7 @@ struct RestorePlan {
     QString drive;
     int station = 0;
     host::ParameterSet set;
+    QStringList changes; ///< "F 8.2 acceleration time: 0.2 s to 12.0 s", one per register
 
     /// Whether the values are those of another station.
     bool isOfOther() const { return sourceStation != station; }

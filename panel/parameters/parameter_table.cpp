@@ -158,19 +158,7 @@ QString ParameterTable::valueText(ParameterBook::Place place, int address) const
     case Known::Value:
         break;
     }
-    const quint16 value = *side.value(address);
-    const ParameterNames::Label *label = m_book.names().find(side.set.station, address);
-    const bool isPlain = !label
-        || (label->scaling.unit.isEmpty() && label->scaling.decimals == 0
-            && !label->scaling.isSigned);
-    if (isPlain)
-        return QString::number(value);
-    QLocale locale;
-    locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    const QString quantity =
-        locale.toString(label->scaling.quantity(value), 'f', label->scaling.decimals);
-    const QString unit = label->scaling.unit;
-    return unit.isEmpty() ? quantity : quantity + QLatin1Char(' ') + unit;
+    return quantityText(m_book.names().find(side.set.station, address), *side.value(address));
 }
 
 QString ParameterTable::classText(int address) const

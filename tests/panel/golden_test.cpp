@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every widget of a page, held against what it was when somebody looked at it.
 #include "panel_fixture.h"
+#include "parameters_fixture.h"
 #include "widget_walk.h"
 
 #include <QFile>
@@ -69,4 +70,52 @@ TEST(Golden, TheQuestionBeforeItCloses)
     panel.window.close();
 
     expectGolden("closing", widgetTree(panel.window));
+}
+
+TEST(Golden, TheParametersPageOfOneDrive)
+{
+    ParametersPanel made;
+
+    expectGolden("parameters", widgetTree(made.panel.window));
+}
+
+TEST(Golden, TheParametersPageWithTwoSides)
+{
+    ParametersPanel made;
+    made.compare();
+    made.page->book().tick({ at(8, 2) }, true);
+    made.show();
+
+    expectGolden("parameters_compared", widgetTree(made.panel.window));
+}
+
+TEST(Golden, TheQuestionBeforeParametersAreWritten)
+{
+    ParametersPanel made;
+    made.compare(2);
+    made.page->book().tick({ at(8, 2) }, true);
+    made.show();
+
+    made.click("Apply 1...");
+
+    expectGolden("parameters_apply", widgetTree(made.panel.window));
+}
+
+TEST(Golden, TheReportOfWrittenParameters)
+{
+    ParametersPanel made;
+    made.compare();
+    made.page->book().tick({ at(8, 2) }, true);
+    made.show();
+    made.click("Apply 1...");
+    made.hold("Hold to write 1 register");
+    dx4::host::RestoreReport report;
+    report.compared = 1;
+    report.written = 1;
+    report.verified = 1;
+
+    made.page->restore().noteRestored(501, report);
+    made.show();
+
+    expectGolden("parameters_report", widgetTree(made.panel.window));
 }

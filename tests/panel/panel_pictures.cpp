@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Draws pages into files, in light and dark, with values that stand still.
 #include "panel_fixture.h"
+#include "parameters_pictures.h"
 
 #include "panel/widgets/look.h"
 
@@ -114,6 +115,7 @@ int main(int argc, char **argv)
                         .arg(isDark ? QStringLiteral("dark") : QStringLiteral("light"));
                 draw(scene, size, folder.filePath(name));
             }
+            drawParameters(size, isDark ? "dark" : "light", folder);
         }
     }
     return 0;

@@ -205,3 +205,18 @@ TEST(ParameterRestore, AClosedLineIsSaid)
 
     EXPECT_EQ(made.reported(), "Nothing was written: the line is closed.");
 }
+
+TEST(ParameterRestore, AMotorStandsOnlyWhereItsStatusWordSaysSo)
+{
+    MadeUpLine made(2);
+    PanelLine line(made.port(), made.config, wordsOf(made.config), made.clock());
+    EXPECT_EQ(standingOf(line, 1), Standing::Unknown);
+
+    made.readStanding(1);
+    made.readRunning(2);
+    made.publish();
+    line.look();
+
+    EXPECT_EQ(standingOf(line, 1), Standing::Stands);
+    EXPECT_EQ(standingOf(line, 2), Standing::Runs);
+}

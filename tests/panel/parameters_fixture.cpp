@@ -4,29 +4,14 @@
 
 #include "host/link/notation.h"
 #include "journal/journal.h"
+#include "panel/widgets/hold_button.h"
+
+#include <QTest>
 
 using namespace dx4;
 using namespace dx4::host;
 
 namespace {
-
-Config withNames(Config config)
-{
-    const auto add = [&config](const char *place, const char *name, const char *unit, double factor,
-                               int decimals) {
-        RegisterConfig named;
-        named.at = QString::fromLatin1(place);
-        named.name = QString::fromLatin1(name);
-        named.scaling.unit = QString::fromLatin1(unit);
-        named.scaling.factor = factor;
-        named.scaling.decimals = decimals;
-        config.stations[0].registers.append(named);
-    };
-    add("F 0.1", "highest frequency", "Hz", 0.01, 2);
-    add("F 8.2", "acceleration time", "s", 0.1, 1);
-    add("F c.13", "brake chopper level", "V", 1.0, 0);
-    return config;
-}
 
 journal::Event parameterEvent(int station, int address, int before, int after, journal::Time time)
 {
@@ -50,6 +35,24 @@ journal::Event parameterEvent(int station, int address, int before, int after, j
 }
 
 } // namespace
+
+Config withParameterNames(Config config)
+{
+    const auto add = [&config](const char *place, const char *name, const char *unit, double factor,
+                               int decimals) {
+        RegisterConfig named;
+        named.at = QString::fromLatin1(place);
+        named.name = QString::fromLatin1(name);
+        named.scaling.unit = QString::fromLatin1(unit);
+        named.scaling.factor = factor;
+        named.scaling.decimals = decimals;
+        config.stations[0].registers.append(named);
+    };
+    add("F 0.1", "highest frequency", "Hz", 0.01, 2);
+    add("F 8.2", "acceleration time", "s", 0.1, 1);
+    add("F c.13", "brake chopper level", "V", 1.0, 0);
+    return config;
+}
 
 panel::ParameterPort MadeUpJobs::port()
 {
@@ -118,7 +121,7 @@ void writeJournal(const QString &path)
 }
 
 MadeUpParameters::MadeUpParameters(bool hasJournal)
-    : book(jobs.port(), withNames(made.config), made.clock())
+    : book(jobs.port(), withParameterNames(made.config), made.clock())
     , restore(book, [this](int) { return standing; })
     , journal([](const panel::Work &work) { work()(); },
               { hasJournal ? folder.filePath(QStringLiteral("journal.sqlite")) : QString(),
@@ -142,4 +145,69 @@ void MadeUpParameters::compare()
     book.showFile(panel::ParameterBook::First, folder.filePath(QStringLiteral("drive.txt")),
                   tunedSet(1));
     read(1, factorySet(1));
+}
+
+ParametersPanel::ParametersPanel(QSize size, bool hasJournal)
+    : panel(3, size)
+{
+    const QString journal = folder.filePath(QStringLiteral("journal.sqlite"));
+    if (hasJournal)
+        writeJournal(journal);
+    panel::ParametersSetup setup;
+    setup.port = jobs.port();
+    setup.config = withParameterNames(panel.made.config);
+    setup.clock = panel.made.clock();
+    setup.standing = [this](int) { return standing; };
+    setup.runner = [](const panel::Work &work) { work()(); };
+    setup.folder = folder.path();
+    setup.journal = { hasJournal ? journal : QString(), QStringLiteral("main") };
+    page = new panel::ParametersPage(setup);
+    panel.window.addPage(page, QStringLiteral("Parameters"));
+    show(); // its button is shown by the loop
+    click("Parameters");
+    show();
+}
+
+void ParametersPanel::show()
+{
+    panel.show();
+    // What a button queued, and the layout of what it opened.
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+}
+
+void ParametersPanel::compare(int fileStation)
+{
+    page->book().showFile(panel::ParameterBook::First, folder.filePath(QStringLiteral("drive.txt")),
+                          tunedSet(fileStation));
+    page->book().read();
+    page->book().noteBackedUp(static_cast<int>(jobs.backups.size()), factorySet(1), {});
+    show();
+}
+
+QAbstractButton *ParametersPanel::button(const char *text) const
+{
+    for (QAbstractButton *found : panel.window.findChildren<QAbstractButton *>()) {
+        if (found->isVisible() && found->text() == QLatin1String(text))
+            return found;
+    }
+    return nullptr;
+}
+
+void ParametersPanel::click(const char *text)
+{
+    QTest::mouseClick(button(text), Qt::LeftButton);
+    show();
+}
+
+void ParametersPanel::hold(const char *text)
+{
+    auto *held = static_cast<panel::HoldButton *>(button(text));
+    QTest::mousePress(held, Qt::LeftButton);
+    for (int i = 0; i < 10; ++i) {
+        panel.made.advance(std::chrono::milliseconds(100));
+        held->look();
+    }
+    QTest::mouseRelease(held, Qt::LeftButton);
+    show();
 }

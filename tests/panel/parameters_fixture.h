@@ -9,6 +9,7 @@
 #include "panel/parameters/parameter_journal.h"
 #include "panel/parameters/parameter_restore.h"
 #include "panel/parameters/parameter_table.h"
+#include "panel/parameters/parameters_page.h"
 
 #include <QTemporaryDir>
 
@@ -45,6 +46,9 @@ constexpr int at(int group, int index)
 /// How a write of one register ended.
 dx4::host::WriteOutcome wrote(int station, int address, quint16 value);
 
+/// Gives three parameters of the first drive names, two of them a scaling.
+dx4::host::Config withParameterNames(dx4::host::Config config);
+
 /// A journal in a folder of its own: 8.2 of station 1 on line "main" was written three times, 0.1
 /// of station 2 once.
 void writeJournal(const QString &path);
@@ -68,4 +72,28 @@ struct MadeUpParameters {
     dx4::panel::ParameterJournal journal;
     dx4::panel::ParameterTable table;
     std::vector<std::string> failures;
+};
+
+/// A window with the page of the parameters, which is open.
+struct ParametersPanel {
+    explicit ParametersPanel(QSize size = { 800, 480 }, bool hasJournal = false);
+
+    /// Draws what is known now.
+    void show();
+
+    /// "drive.txt" of this station on the left, the first drive on the right, read.
+    void compare(int fileStation = 1);
+
+    /// The page's visible button with this text; null: there is none.
+    QAbstractButton *button(const char *text) const;
+    void click(const char *text);
+
+    /// Holds a button for a second.
+    void hold(const char *text);
+
+    QTemporaryDir folder;
+    MadeUpJobs jobs;
+    dx4::panel::Standing standing = dx4::panel::Standing::Stands;
+    MadeUpPanel panel;
+    dx4::panel::ParametersPage *page; ///< the window's
 };
