@@ -7,6 +7,10 @@
 #include "panel/app/panel_window.h"
 #include "panel/app/plant.h"
 #include "panel/parameters/parameters_page.h"
+#ifdef KORVANE_PANEL_TREND
+#include "panel/app/trend_parts.h"
+#include "panel/trendview/trend_page.h"
+#endif
 #include "panel/widgets/look.h"
 
 #include <QApplication>
@@ -72,8 +76,14 @@ int run(const panel::Options &options, const host::StopSignal &signal)
     panel::Ending ending(line, signal);
     endBy(ending, line);
     panel::Background background;
+#ifdef KORVANE_PANEL_TREND
+    panel::TrendParts trend(*plant, clock, QString(), QString());
+#endif
     panel::PanelWindow window(line, clock.steady);
     panel::tellOfUser(*plant->service, plant->control.userPatience, &window);
+#ifdef KORVANE_PANEL_TREND
+    trend.addTo(window);
+#endif
     addParameters(window, line, *plant, background);
     if (options.fullscreen)
         window.showFullScreen();

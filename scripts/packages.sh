@@ -33,7 +33,7 @@ packages_of() {
     build)
       echo cmake ninja-build g++ pkg-config
       echo qtbase5-dev libqt5serialport5-dev libqt5sql5-sqlite libmodbus-dev libcli11-dev libtomlplusplus-dev
-      echo libboost-context-dev qttools5-dev-tools
+      echo libboost-context-dev qttools5-dev-tools libqwt-qt5-dev
       ;;
     test)
       echo libgtest-dev libgmock-dev librapidcheck-dev

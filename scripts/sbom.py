@@ -41,6 +41,8 @@ LICENCES = {
 PROSE = {
     "libc6": "LGPL-2.1-or-later",
     "libgcc-s1": "GPL-3.0-or-later WITH GCC-exception-3.1",
+    "libqwt-qt5-6": "LGPL-2.1-only WITH Qwt-exception-1.0",
+    "libqwt-qt5-dev": "LGPL-2.1-only WITH Qwt-exception-1.0",
     "libstdc++6": "GPL-3.0-or-later WITH GCC-exception-3.1",
 }
 # Names that stand for another package.

@@ -115,7 +115,11 @@ bool ColumnRing::addPast(Moment at, const Column &past)
 {
     const qint64 index = indexOf(at);
     const auto capacity = static_cast<qint64>(m_columns.size());
-    if (m_first == m_end || index > m_first || m_end - index > capacity)
+    if (m_first == m_end) {
+        m_first = index + 1;
+        m_end = m_first;
+    }
+    if (index > m_first || m_end - index > capacity)
         return false;
     while (m_first > index)
         this->at(--m_first) = { 0, 0, 0, 0, ColumnQuality::None, true };

@@ -3,6 +3,7 @@
 #include "panel/trend/journal_past.h"
 
 #include "journal/journal_reader.h"
+#include "panel/trend/trend_store.h"
 
 #include <algorithm>
 
@@ -140,6 +141,23 @@ void JournalPast::readMarkers(journal::JournalReader &reader, Moment until)
     }
     QMetaObject::invokeMethod(
         this, [this, markers] { Q_EMIT markersRead(markers); }, Qt::QueuedConnection);
+}
+
+void remember(TrendStore &store, JournalPast &past)
+{
+    QObject::connect(&store, &TrendStore::learned, &past,
+                     [&store, &past](const QVector<TraceKey> &keys) {
+                         QVector<TraceInfo> registers;
+                         for (const TraceKey &key : keys)
+                             registers.append(*store.find(key));
+                         past.ask(registers, store.began());
+                     });
+    QObject::connect(
+        &past, &JournalPast::rowsRead, &store,
+        [&store](const TraceKey &key, int level, Moment rowWidth, const QVector<PastRow> &rows) {
+            store.addPast(key, static_cast<std::size_t>(level), rowWidth, rows);
+        });
+    QObject::connect(&past, &JournalPast::markersRead, &store, &TrendStore::addPastMarkers);
 }
 
 } // namespace dx4::panel

@@ -17,6 +17,8 @@ class JournalReader;
 
 namespace dx4::panel {
 
+class TrendStore;
+
 /// Reads it on a thread of its own; what it reads arrives as signals on the thread that it lives
 /// on.
 class JournalPast : public QObject {
@@ -53,5 +55,8 @@ private:
     QThread m_thread;
     QObject m_place; // lives on that thread
 };
+
+/// Has each register that is recorded get what the journal kept of it. Both live on one thread.
+void remember(TrendStore &store, JournalPast &past);
 
 } // namespace dx4::panel

@@ -260,6 +260,9 @@ void TrendStore::addPast(const TraceKey &key, std::size_t level, Moment rowWidth
 
 void TrendStore::addPastMarkers(const QVector<Marker> &markers)
 {
+    // Registers that are learned later ask once more.
+    if (std::exchange(m_hasPastMarkers, true))
+        return;
     for (auto marker = markers.crbegin(); marker != markers.crend(); ++marker) {
         if (m_markers.size() < mostMarkers)
             m_markers.push_front(*marker);

@@ -76,7 +76,8 @@ public:
     /// Takes what was kept before the recording began.
     void addPast(const TraceKey &key, std::size_t level, Moment rowWidth,
                  const QVector<PastRow> &rows);
-    void addPastMarkers(const QVector<Marker> &markers);
+    /// Once: what is given again is left out.
+    void addPastMarkers(const QVector<dx4::panel::Marker> &markers);
 
     void noteValues(const QVector<dx4::host::RegisterValue> &values);
     void noteWriteEnded(const dx4::host::WriteOutcome &outcome);
@@ -116,6 +117,7 @@ private:
     std::map<TraceKey, Record> m_records;
     std::deque<Marker> m_markers;
     Trigger m_trigger;
+    bool m_hasPastMarkers = false;
 };
 
 } // namespace dx4::panel

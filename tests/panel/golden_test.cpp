@@ -1,32 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Every widget of a page, held against what it was when somebody looked at it.
+#include "golden.h"
 #include "panel_fixture.h"
 #include "parameters_fixture.h"
 #include "widget_walk.h"
 
-#include <QFile>
-
 #include <gtest/gtest.h>
-
-namespace {
-
-/// DX4_WRITE_GOLDEN=1 writes the file instead.
-void expectGolden(const char *name, const QString &text)
-{
-#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    GTEST_SKIP() << "the places are those of Qt 5, whose layouts round in another way";
-#endif
-    QFile file(QStringLiteral(GOLDEN_FOLDER "/%1.txt").arg(QLatin1String(name)));
-    if (qEnvironmentVariableIsSet("DX4_WRITE_GOLDEN")) {
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text.toUtf8());
-        return;
-    }
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
-    EXPECT_EQ(text.toStdString(), file.readAll().toStdString());
-}
-
-} // namespace
 
 TEST(Golden, TheDrivesPageOfThreeDrives)
 {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What a journal kept, given to the trend after a restart.
+#include "panel_fixture.h"
+
 #include "panel/trend/journal_past.h"
+#include "panel/trend/trend_store.h"
 
 #include "journal/journal.h"
 
@@ -155,4 +158,27 @@ TEST_F(JournalPastTest, WhatWasAskedForIsGivenUpWhereItEnds)
     QCoreApplication::processEvents();
 
     EXPECT_EQ(told, 0);
+}
+
+TEST_F(JournalPastTest, EachRegisterThatIsLearnedGetsWhatWasKeptOfIt)
+{
+    journal::Batch batch;
+    batch.samples = { sampleAt(noon - 10 * minute, 300, 9000, 400) };
+    batch.events = { eventAt(noon - 3 * minute, journal::EventKind::Write, 0, "CW written") };
+    write(batch);
+    MadeUpLine made(1);
+    TrendStore store(made.config, made.port().snapshot, made.clock());
+    remember(store, past);
+    QSignalSpy ended(&past, &JournalPast::ended);
+
+    made.read(1, "D", 0, 100);
+    made.publish();
+    store.look();
+    ASSERT_TRUE(ended.wait(patience));
+
+    ColumnRun run;
+    store.read({ 1, QStringLiteral("D"), 0 }, 5, noon - 10 * minute, noon, &run);
+    ASSERT_FALSE(run.columns.empty());
+    EXPECT_EQ(run.columns.front().highest, 9000);
+    EXPECT_EQ(store.markers(noon - 10 * minute, noon).size(), 1);
 }

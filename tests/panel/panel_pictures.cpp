@@ -2,6 +2,13 @@
 // Draws pages into files, in light and dark, with values that stand still.
 #include "panel_fixture.h"
 #include "parameters_pictures.h"
+#ifdef KORVANE_PANEL_TREND
+#include "trend_fixture.h"
+
+#include "panel/trendview/save_sheet.h"
+#include "panel/trendview/trace_sheet.h"
+#include "panel/trendview/trigger_sheet.h"
+#endif
 
 #include "panel/widgets/look.h"
 
@@ -91,6 +98,93 @@ void draw(const Scene &scene, QSize size, const QString &file)
     panel.window.grab().save(file);
 }
 
+#ifdef KORVANE_PANEL_TREND
+struct TrendScene {
+    const char *name;
+    std::function<void(MadeUpTrend &)> play;
+};
+
+void aMinute(MadeUpTrend &trend)
+{
+    trend.play(std::chrono::seconds(60), std::chrono::milliseconds(100));
+    trend.show();
+}
+
+void eightTraces(MadeUpTrend &trend)
+{
+    trend.play(std::chrono::seconds(30), std::chrono::milliseconds(100));
+    trend.silence(std::chrono::seconds(12));
+    trend.store.noteWriteEnded(
+        ended(1, dx4::host::WriteEnd::Confirmed, "station 1, CW: 1 written"));
+    trend.play(std::chrono::seconds(12), std::chrono::milliseconds(100));
+    trend.panel.made.read(1, "FU", 0, 2);
+    trend.store.noteValues({ *trend.panel.made.find(1, "FU", 0) });
+    trend.play(std::chrono::seconds(8), std::chrono::milliseconds(100));
+    trend.page->choose(MadeUpTrend::allOf());
+    trend.show();
+}
+
+QVector<TrendScene> trendScenes()
+{
+    const auto press = [](MadeUpTrend &trend, const char *text) {
+        for (auto *button : trend.page->findChildren<FlatButton *>()) {
+            if (button->isVisible() && button->text() == QLatin1String(text))
+                button->click();
+        }
+        trend.show();
+    };
+    return {
+        { "trend", aMinute },
+        { "trend_eight", eightTraces },
+        { "trend_cursors",
+          [](MadeUpTrend &trend) {
+              eightTraces(trend);
+              trend.page->setMeasuring(true);
+              trend.show();
+          } },
+        { "trend_day",
+          [](MadeUpTrend &trend) {
+              trend.pace = 1.0 / 150;
+              trend.play(std::chrono::hours(14), std::chrono::seconds(3));
+              trend.silence(std::chrono::hours(1));
+              trend.play(std::chrono::hours(9), std::chrono::seconds(3));
+              trend.page->setSpan(24 * 3'600'000);
+              trend.show();
+          } },
+        { "trend_empty", [](MadeUpTrend &trend) { trend.show(); } },
+        { "trend_traces",
+          [press](MadeUpTrend &trend) {
+              aMinute(trend);
+              press(trend, "Traces...");
+          } },
+        { "trend_trigger",
+          [press](MadeUpTrend &trend) {
+              aMinute(trend);
+              press(trend, "Trigger...");
+          } },
+        { "trend_save",
+          [press](MadeUpTrend &trend) {
+              aMinute(trend);
+              press(trend, "Save...");
+          } },
+    };
+}
+
+void drawTrends(QSize size, const QDir &folder, const QString &suffix)
+{
+    for (const TrendScene &scene : trendScenes()) {
+        MadeUpTrend trend(size);
+        scene.play(trend);
+        QCoreApplication::processEvents();
+        const QString name = QStringLiteral("%1-%2-%3.png")
+                                 .arg(QLatin1String(scene.name))
+                                 .arg(size.width())
+                                 .arg(suffix);
+        trend.panel.window.grab().save(folder.filePath(name));
+    }
+}
+#endif
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -105,6 +199,9 @@ int main(int argc, char **argv)
     for (const bool isDark : { false, true }) {
         QApplication::setPalette(paletteOf(isDark ? darkLook() : lightLook()));
         for (const QSize &size : { QSize(800, 480), QSize(1280, 800), QSize(1920, 1080) }) {
+#ifdef KORVANE_PANEL_TREND
+            drawTrends(size, folder, isDark ? QStringLiteral("dark") : QStringLiteral("light"));
+#endif
             for (const Scene &scene : scenes()) {
                 if (!wanted.isEmpty() && !wanted.contains(QLatin1String(scene.name)))
                     continue;
