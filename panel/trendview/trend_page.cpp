@@ -3,7 +3,7 @@
 #include "panel/trendview/trend_page.h"
 
 #include "panel/trend/trend_csv.h"
-#include "panel/trendview/save_sheet.h"
+#include "panel/trendview/trace_save_sheet.h"
 #include "panel/trendview/trace_colours.h"
 #include "panel/trendview/trace_sheet.h"
 #include "panel/trendview/trigger_sheet.h"
@@ -44,7 +44,7 @@ TrendPage::TrendPage(TrendStore &store, const std::function<host::Duration()> &n
     row->addLayout(makeActions());
     m_traceSheet = new TraceSheet(store, this);
     m_triggerSheet = new TriggerSheet(store, now, this);
-    m_saveSheet = new SaveSheet(this);
+    m_saveSheet = new TraceSaveSheet(this);
     connect(m_traceSheet, &TraceSheet::chosen, this, &TrendPage::choose);
     connect(&store, &TrendStore::fired, this, &TrendPage::takeTrigger);
     connectView();
@@ -193,7 +193,7 @@ void TrendPage::save()
     const TraceScene scene = makeScene();
     const QVector<TraceReading> traces = scene.traces + scene.lanes;
     const QImage picture = m_picture->grab().toImage();
-    SaveSheet::Writers writers;
+    TraceSaveSheet::Writers writers;
     writers.csv = [traces, shift = scene.shift](QIODevice &to, QString *error) {
         return writeTrendCsv(traces, shift, to, error);
     };

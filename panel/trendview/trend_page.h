@@ -13,7 +13,7 @@ class QGridLayout;
 
 namespace dx4::panel {
 
-class SaveSheet;
+class TraceSaveSheet;
 class TraceSheet;
 class TriggerSheet;
 
@@ -96,7 +96,7 @@ private:
     FlatButton *m_wait = nullptr;
     TraceSheet *m_traceSheet;
     TriggerSheet *m_triggerSheet;
-    SaveSheet *m_saveSheet;
+    TraceSaveSheet *m_saveSheet;
 };
 
 } // namespace dx4::panel

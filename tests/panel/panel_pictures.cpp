@@ -5,7 +5,7 @@
 #ifdef KORVANE_PANEL_TREND
 #include "trend_fixture.h"
 
-#include "panel/trendview/save_sheet.h"
+#include "panel/trendview/trace_save_sheet.h"
 #include "panel/trendview/trace_sheet.h"
 #include "panel/trendview/trigger_sheet.h"
 #endif

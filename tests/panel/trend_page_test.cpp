@@ -4,7 +4,7 @@
 #include "widget_walk.h"
 
 #include "panel/trendview/finger_track.h"
-#include "panel/trendview/save_sheet.h"
+#include "panel/trendview/trace_save_sheet.h"
 #include "panel/trendview/trace_colours.h"
 #include "panel/trendview/trace_sheet.h"
 #include "panel/trendview/trigger_sheet.h"

@@ -14,7 +14,7 @@ namespace dx4::panel {
 
 /// Asks for the place, and once more before a file is replaced. What was seen when it was opened is
 /// saved.
-class SaveSheet : public Sheet {
+class TraceSaveSheet : public Sheet {
     Q_OBJECT
 
 public:
@@ -23,7 +23,7 @@ public:
         FileSaver::Writer png;
     };
 
-    explicit SaveSheet(QWidget *page);
+    explicit TraceSaveSheet(QWidget *page);
 
     /// @param at  time of day of what is saved, for the name of the file
     void ask(const Writers &writers, Moment at);

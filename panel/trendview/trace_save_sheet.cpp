@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Where a table or a picture of the trend goes.
-#include "panel/trendview/save_sheet.h"
+#include "panel/trendview/trace_save_sheet.h"
 
 #include "panel/widgets/look.h"
 #include "panel/widgets/value_label.h"
@@ -25,7 +25,7 @@ QString folder()
 
 } // namespace
 
-SaveSheet::SaveSheet(QWidget *page)
+TraceSaveSheet::TraceSaveSheet(QWidget *page)
     : Sheet(tr("Save what is seen"), page)
     , m_text(new QLabel)
     , m_path(new QLineEdit)
@@ -41,7 +41,7 @@ SaveSheet::SaveSheet(QWidget *page)
     connect(m_png, &FlatButton::clicked, this, [this] { setKind(QStringLiteral("png")); });
     connect(m_save, &FlatButton::clicked, this, [this] { save(FileSaver::Replace::No); });
     connect(m_replace, &FlatButton::clicked, this, [this] { save(FileSaver::Replace::Yes); });
-    connect(m_close, &FlatButton::clicked, this, &SaveSheet::close);
+    connect(m_close, &FlatButton::clicked, this, &TraceSaveSheet::close);
     connect(m_path, &QLineEdit::textChanged, this, [this] {
         m_replace->hide();
         tell(QString(), false);
@@ -58,7 +58,7 @@ SaveSheet::SaveSheet(QWidget *page)
             [this](const QString &why) { tell(tr("Not saved: %1").arg(why), true); });
 }
 
-void SaveSheet::makeRows()
+void TraceSaveSheet::makeRows()
 {
     auto *kinds = new QHBoxLayout;
     kinds->setSpacing(targetGap);
@@ -83,7 +83,7 @@ void SaveSheet::makeRows()
     content()->addLayout(ends);
 }
 
-void SaveSheet::ask(const Writers &writers, Moment at)
+void TraceSaveSheet::ask(const Writers &writers, Moment at)
 {
     m_writers = writers;
     const QString time =
@@ -97,7 +97,7 @@ void SaveSheet::ask(const Writers &writers, Moment at)
     m_save->setFocus();
 }
 
-void SaveSheet::setKind(const QString &suffix)
+void TraceSaveSheet::setKind(const QString &suffix)
 {
     const QFileInfo file(m_path->text());
     if (file.suffix() == m_suffix)
@@ -105,14 +105,14 @@ void SaveSheet::setKind(const QString &suffix)
     m_suffix = suffix;
 }
 
-void SaveSheet::save(FileSaver::Replace replace)
+void TraceSaveSheet::save(FileSaver::Replace replace)
 {
     const bool isTable = m_suffix == QLatin1String("csv");
     tell(tr("Saving."), false);
     m_saver.save(m_path->text(), replace, isTable ? m_writers.csv : m_writers.png);
 }
 
-void SaveSheet::tell(const QString &text, bool isBad)
+void TraceSaveSheet::tell(const QString &text, bool isBad)
 {
     const Look look = lookOf(palette());
     m_text->setText(text);
