@@ -141,8 +141,11 @@ QBoxLayout *DriveView::makeCommands()
     m_reverse->setObjectName(QStringLiteral("reverse"));
     m_stop->setObjectName(QStringLiteral("stop this"));
     m_change->setObjectName(QStringLiteral("change"));
-    for (FlatButton *button : commands())
+    for (FlatButton *button : commands()) {
+        // Words may stand in two lines, which is less than the button would like.
+        button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
         row->addWidget(button, 1);
+    }
     m_reverse->hide();
     connect(m_start, &HoldButton::held, this, &DriveView::startWanted);
     connect(m_reverse, &HoldButton::held, this, &DriveView::reverseWanted);

@@ -14,6 +14,57 @@ using namespace dx4::panel;
 
 namespace {
 
+enum class Pseudo {
+    LongWords, ///< each second letter stands twice
+    ManyWords, ///< a word more
+    Accents, ///< high letters, and longer
+};
+
+/// A language whose texts are 40 % longer than those of English.
+class PseudoLanguage : public QTranslator {
+public:
+    explicit PseudoLanguage(Pseudo kind)
+        : m_kind(kind)
+    {
+    }
+
+    bool isEmpty() const override { return false; }
+
+    QString translate(const char *, const char *text, const char *, int) const override
+    {
+        const QString english = QString::fromUtf8(text);
+        const auto more = (english.size() * 2 + 4) / 5;
+        switch (m_kind) {
+        case Pseudo::LongWords:
+            return longer(english, more, QString());
+        case Pseudo::ManyWords:
+            return english + QLatin1Char(' ') + QString(more - 1, QLatin1Char('o'));
+        case Pseudo::Accents:
+            return longer(english, more, QStringLiteral("\u00C4"));
+        }
+        return english;
+    }
+
+private:
+    /// Letters stand twice until the text is so much longer; marks such as "%1" stay as they are.
+    static QString longer(const QString &english, decltype(english.size()) more,
+                          const QString &accent)
+    {
+        QString text;
+        for (int i = 0; i < english.size(); ++i) {
+            text += english.at(i);
+            const bool isTurn = i % 2 == 1 || english.size() < 4;
+            if (more > 0 && isTurn && english.at(i).isLetter()) {
+                text += accent.isEmpty() ? QString(english.at(i)) : accent;
+                --more;
+            }
+        }
+        return text;
+    }
+
+    const Pseudo m_kind;
+};
+
 std::string lines(const QStringList &texts)
 {
     return texts.join(QLatin1Char('\n')).toStdString();
@@ -61,6 +112,8 @@ private:
     bool m_isLoaded = false;
 };
 
+class PseudoLanguages : public ::testing::TestWithParam<Pseudo> { };
+
 } // namespace
 
 TEST_F(German, IsSpokenWithADecimalComma)
@@ -92,3 +145,21 @@ TEST_F(German, FitsTheSmallestScreen)
 {
     EXPECT_EQ(wrongWithAll(), "");
 }
+
+TEST_P(PseudoLanguages, FitTheSmallestScreen)
+{
+    PseudoLanguage language(GetParam());
+    QCoreApplication::installTranslator(&language);
+
+    EXPECT_EQ(wrongWithAll(), "");
+
+    QCoreApplication::removeTranslator(&language);
+}
+
+INSTANTIATE_TEST_SUITE_P(Panel, PseudoLanguages,
+                         ::testing::Values(Pseudo::LongWords, Pseudo::ManyWords, Pseudo::Accents),
+                         [](const auto &row) {
+                             return row.param == Pseudo::LongWords ? "LongWords"
+                                 : row.param == Pseudo::ManyWords  ? "ManyWords"
+                                                                   : "Accents";
+                         });
