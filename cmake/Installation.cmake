@@ -113,7 +113,7 @@ function(korvane_install_package)
   install(FILES CHANGELOG.md LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
   install(DIRECTORY docs/ DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
     FILES_MATCHING PATTERN "*.md" PATTERN "examples/*.cpp" PATTERN "examples/*.toml" PATTERN "examples/*.rules"
-    PATTERN man EXCLUDE)
+    PATTERN images EXCLUDE PATTERN man EXCLUDE)
 
   configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/package/korvane_dx4-config.cmake.in"
     "${PROJECT_BINARY_DIR}/package/korvane_dx4-config.cmake"
