@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace dx4::panel {
 namespace {
 
@@ -62,6 +64,14 @@ void Sheet::setBelowEnabled(bool isEnabled)
     }
 }
 
+bool Sheet::isAnotherOpen() const
+{
+    const auto sheets =
+        parentWidget()->findChildren<Sheet *>(QString(), Qt::FindDirectChildrenOnly);
+    return std::any_of(sheets.begin(), sheets.end(),
+                       [this](const Sheet *sheet) { return sheet != this && sheet->isOpen(); });
+}
+
 void Sheet::open()
 {
     setBelowEnabled(false);
@@ -73,7 +83,8 @@ void Sheet::open()
 void Sheet::close()
 {
     hide();
-    setBelowEnabled(true);
+    // One that was opened on top of another leaves that one in charge.
+    setBelowEnabled(!isAnotherOpen());
     Q_EMIT closed();
 }
 

@@ -40,6 +40,7 @@ protected:
 
 private:
     void setBelowEnabled(bool isEnabled);
+    bool isAnotherOpen() const;
 
     QVBoxLayout *m_content;
     QLabel *m_title;
