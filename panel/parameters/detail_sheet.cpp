@@ -63,7 +63,7 @@ QString DetailSheet::sideText(ParameterBook::Place place) const
     const bool isAbsent = side.known(m_address) == ParameterSide::Known::Absent;
     return tr("%1 (%2): %3")
         .arg(side.name, side.stateText(m_book.now()),
-             value ? (number == quantity ? number : tr("%1 (%2)").arg(quantity, number))
+             value          ? (number == quantity ? number : tr("%1 (%2)").arg(quantity, number))
                  : isAbsent ? tr("refused, the station does not have it")
                             : Shown::dashes());
 }

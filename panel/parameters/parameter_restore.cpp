@@ -103,6 +103,8 @@ void ParameterRestore::clear()
 
 QString ParameterRestore::progressText() const
 {
+    if (m_total == 0)
+        return tr("It waits for its turn.");
     return tr("%1 of %2 registers read").arg(m_done).arg(m_total);
 }
 

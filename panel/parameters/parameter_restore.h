@@ -62,7 +62,7 @@ public:
     int done() const { return m_done; }
     int total() const { return m_total; }
 
-    /// "Station 3: comparing, 20 of 45".
+    /// "20 of 45 registers read": it reads before and behind its writes.
     QString progressText() const;
 
     /// What it came to, a line each; empty before the first one has ended.

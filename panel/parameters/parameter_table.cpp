@@ -18,6 +18,17 @@ ParameterBook::Place placeOf(int column)
     return column == ParameterTable::First ? ParameterBook::First : ParameterBook::Second;
 }
 
+/// Values of a file are told from those of a drive, of which only the latter have an age.
+QString sideCaption(const ParameterBook &book, ParameterBook::Place place)
+{
+    if (!book.isCompared())
+        return ParameterTable::tr("Value");
+    const bool isFile = book.side(place).kind == ParameterSide::Kind::File;
+    if (place == ParameterBook::First)
+        return isFile ? ParameterTable::tr("Left, file") : ParameterTable::tr("Left, drive");
+    return isFile ? ParameterTable::tr("Right, file") : ParameterTable::tr("Right, drive");
+}
+
 } // namespace
 
 ParameterTable::ParameterTable(ParameterBook &book, ParameterJournal &journal, QObject *parent)
@@ -283,9 +294,8 @@ QVariant ParameterTable::headerData(int section, Qt::Orientation orientation, in
     case Name:
         return tr("Name");
     case First:
-        return m_book.isCompared() ? tr("Left") : tr("Value");
     case Second:
-        return m_book.isCompared() ? tr("Right") : tr("Value");
+        return sideCaption(m_book, placeOf(section));
     case Class:
         return tr("State");
     case Written:

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int dragFrom = 20; // px that a finger moves before it drags
 constexpr int margin = 6; // px
-constexpr int boxSize = 26; // px
+constexpr int boxShare = 162; // percent of the size of the text
 constexpr int leastText = 9; // px
 constexpr int pendingWidth = 6; // px of the bar at the left of what is to be written
 constexpr int plainRowHeight = 40; // px times the scale, at least a target
@@ -97,11 +97,10 @@ public:
                const QModelIndex &index) const override
     {
         const Look look = lookOf(option.palette);
-        const bool isPending = index.data(ParameterTable::PendingRole).toBool();
         painter->save();
         painter->fillRect(option.rect, look.card);
         if (index.column() == ParameterTable::Tick)
-            drawTick(*painter, option.rect, index, look, isPending);
+            drawTick(*painter, option, index, look);
         else
             drawText(*painter, option, index, look);
         painter->setPen(look.edge);
@@ -114,13 +113,17 @@ public:
     }
 
 private:
-    static void drawTick(QPainter &painter, const QRect &cell, const QModelIndex &index,
-                         const Look &look, bool isPending)
+    static void drawTick(QPainter &painter, const QStyleOptionViewItem &option,
+                         const QModelIndex &index, const Look &look)
     {
+        const QRect &cell = option.rect;
+        const int size = option.font.pixelSize();
+        const bool isPending = index.data(ParameterTable::PendingRole).toBool();
         if (isPending)
             painter.fillRect(cell.left(), cell.top(), pendingWidth, cell.height(), look.accent);
         if (!index.data(ParameterTable::CanTickRole).toBool())
             return;
+        const int boxSize = size * boxShare / 100;
         QRect box(0, 0, boxSize, boxSize);
         box.moveCenter(cell.center() + QPoint(pendingWidth / 2, 0));
         painter.setPen(QPen(look.text, 2));
@@ -208,6 +211,11 @@ void ParameterView::setScale(double scale)
 
 void ParameterView::setSides(bool hasFirst, bool hasSecond)
 {
+    if (m_hasSides && m_hasFirst == hasFirst && m_hasSecond == hasSecond)
+        return;
+    m_hasSides = true;
+    m_hasFirst = hasFirst;
+    m_hasSecond = hasSecond;
     const bool isCompared = hasFirst && hasSecond;
     setColumnHidden(ParameterTable::Tick, !isCompared);
     setColumnHidden(ParameterTable::First, !hasFirst);

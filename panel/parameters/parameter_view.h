@@ -49,6 +49,9 @@ private:
     ParameterTable &m_table;
     QString m_emptyText;
     double m_scale = 1.0;
+    bool m_hasSides = false; // the two below are known
+    bool m_hasFirst = false;
+    bool m_hasSecond = false;
     bool m_isPressed = false;
     bool m_isDragged = false;
     QPoint m_pressedAt;

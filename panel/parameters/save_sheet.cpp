@@ -32,6 +32,7 @@ SaveSheet::SaveSheet(ParameterBook &book, ParameterFiles &files, QWidget *page)
         label->setWordWrap(true);
     }
     m_name->setMinimumHeight(targetSize);
+    m_name->setTextMargins(targetGap, 0, targetGap, 0);
     m_name->setAccessibleName(tr("Name of the file"));
     m_result->setObjectName(QStringLiteral("result"));
     auto *row = new QHBoxLayout;
@@ -41,6 +42,7 @@ SaveSheet::SaveSheet(ParameterBook &book, ParameterFiles &files, QWidget *page)
     content()->addWidget(m_text);
     content()->addWidget(m_name);
     content()->addWidget(m_folder);
+    m_result->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     content()->addWidget(m_result, 1);
     content()->addLayout(row);
     connect(m_close, &FlatButton::clicked, this, &Sheet::close);

@@ -61,11 +61,13 @@ QWidget *SearchSheet::makeSide()
     side->setSpacing(targetGap);
     m_text = new QLineEdit;
     m_text->setMinimumHeight(targetSize);
+    m_text->setTextMargins(targetGap, 0, targetGap, 0);
     m_text->setFont(sized(font(), textSize));
     m_text->setPlaceholderText(tr("8.2 or a name"));
     m_text->setAccessibleName(tr("Number or name"));
     m_found = new QLabel;
     m_found->setWordWrap(true);
+    m_found->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     auto *erase = new FlatButton(tr("Delete"));
     auto *all = new FlatButton(tr("Show all"));
     auto *done = new FlatButton(tr("Show these"));

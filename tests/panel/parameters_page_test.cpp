@@ -66,6 +66,21 @@ void tickTwo(ParametersPanel &made)
     made.show();
 }
 
+/// Counts how often a widget is painted.
+class Paints : public QObject {
+public:
+    explicit Paints(QWidget *widget) { widget->installEventFilter(this); }
+
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
 class ParametersAtEverySize : public ::testing::TestWithParam<QSize> { };
 
 } // namespace
@@ -198,7 +213,7 @@ TEST(ParametersPage, NothingIsWrittenBeforeTheButtonWasHeld)
     ASSERT_EQ(made.jobs.restores.size(), 1U);
     EXPECT_EQ(made.jobs.restores[0].station, 1);
     EXPECT_EQ(made.jobs.restores[0].set.values.size(), 5);
-    EXPECT_EQ(textOf(made, "what"), "Writing to Feed pump (station 1).\n0 of 0 registers read");
+    EXPECT_EQ(textOf(made, "what"), "Writing to Feed pump (station 1).\nIt waits for its turn.");
 }
 
 TEST(ParametersPage, AMotorThatRunsIsNotWrittenTo)
@@ -292,6 +307,37 @@ TEST(ParametersPage, AReportThatNobodyWaitedForOpensByItselfOnce)
 
     made.click("Close");
     EXPECT_EQ(textOf(made, "what"), "none");
+}
+
+TEST(ParametersPage, NothingIsPaintedWhereNothingHasChanged)
+{
+    ParametersPanel made;
+    made.compare();
+    made.show();
+    Paints paints(viewOf(made)->viewport());
+
+    made.show();
+    EXPECT_EQ(paints.count, 0);
+
+    made.page->book().tick({ at(8, 2) }, true);
+    made.show();
+    EXPECT_GT(paints.count, 0);
+}
+
+TEST(ParametersPage, ANoteOnTopOfAQuestionLeavesThePageBelowAlone)
+{
+    ParametersPanel made;
+    made.compare();
+    tickTwo(made);
+    made.page->book().read();
+    made.click("Apply 2...");
+
+    made.page->book().noteBackedUp(2, {}, QStringLiteral("station 1 does not answer"));
+    made.show();
+    made.click("Close");
+
+    EXPECT_FALSE(viewOf(made)->isEnabled());
+    EXPECT_EQ(textOf(made, "what").substr(0, 17), "Write 2 registers");
 }
 
 TEST(ParametersPage, AReadingIsCancelledByTheSameButton)
