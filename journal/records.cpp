@@ -57,6 +57,8 @@ QString kindName(EventKind kind)
         return QStringLiteral("stop");
     case EventKind::Journal:
         return QStringLiteral("journal");
+    case EventKind::Acknowledgement:
+        return QStringLiteral("acknowledgement");
     }
     return QString();
 }

@@ -30,15 +30,18 @@ enum class EventKind {
     Station = 7, ///< a station was lost, or is back
     Stop = 8, ///< a stop ended
     Journal = 9, ///< the journal on itself: what it could not keep, a file that was set aside
+    Acknowledgement = 10, ///< somebody has taken note of an alarm
 };
 
-constexpr std::array<EventKind, 9> eventKinds = {
-    EventKind::Fault,   EventKind::Write,  EventKind::Parameter,
-    EventKind::Alarm,   EventKind::Notice, EventKind::Line,
-    EventKind::Station, EventKind::Stop,   EventKind::Journal,
+constexpr std::array<EventKind, 10> eventKinds = {
+    EventKind::Fault,           EventKind::Write,  EventKind::Parameter,
+    EventKind::Alarm,           EventKind::Notice, EventKind::Line,
+    EventKind::Station,         EventKind::Stop,   EventKind::Journal,
+    EventKind::Acknowledgement,
 };
 
-/// "fault", "write", "parameter", "alarm", "notice", "line", "station", "stop", "journal".
+/// "fault", "write", "parameter", "alarm", "notice", "line", "station", "stop", "journal",
+/// "acknowledgement".
 QString kindName(EventKind kind);
 
 /// Something that happened.
@@ -52,9 +55,13 @@ struct Event {
     int station = 0; ///< 0: none, or not known
     QString regType; ///< empty: no register
     int address = 0; ///< internal address
-    std::optional<int>
-        code; ///< Fault: the code, 0 when it went. Write and Parameter: host::WriteEnd
-    std::optional<int> before; ///< Fault: the code before. Parameter: the value, where it was read
+    /// Fault: the code, 0 when it went. Write and Parameter: host::WriteEnd. Line: 1 when it went
+    /// down, 0 when it was opened. Station: 1 when it was lost, 0 when it is back. Stop: how many
+    /// stations did not confirm it. Acknowledgement: the code of the alarm.
+    std::optional<int> code;
+    /// Fault: the code before. Parameter: the value, where it was read. Acknowledgement: the kind
+    /// of the alarm, an EventKind.
+    std::optional<int> before;
     std::optional<int> after; ///< Parameter: the value that was sent
     QString text; ///< one line for people
 };

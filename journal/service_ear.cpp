@@ -63,19 +63,20 @@ void ServiceEar::listen(const host::LineService &service)
     connect(&service, &LineService::noticeGiven, this,
             [this](const QString &text) { note(EventKind::Notice, text); });
     connect(&service, &LineService::lineOpened, this,
-            [this] { note(EventKind::Line, QStringLiteral("line opened")); });
+            [this] { note(EventKind::Line, QStringLiteral("line opened"), 0, 0); });
     connect(&service, &LineService::lineWentDown, this, [this](const QString &reason) {
-        note(EventKind::Line, QStringLiteral("line down: %1").arg(reason));
+        note(EventKind::Line, QStringLiteral("line down: %1").arg(reason), 0, 1);
     });
     connect(&service, &LineService::stationLost, this, [this](int station) {
-        note(EventKind::Station, QStringLiteral("station %1 does not answer").arg(station),
-             station);
+        note(EventKind::Station, QStringLiteral("station %1 does not answer").arg(station), station,
+             1);
     });
     connect(&service, &LineService::stationBack, this, [this](int station) {
-        note(EventKind::Station, QStringLiteral("station %1 is back").arg(station), station);
+        note(EventKind::Station, QStringLiteral("station %1 is back").arg(station), station, 0);
     });
-    connect(&service, &LineService::stopEnded, this,
-            [this](int, const host::StopReport &report) { note(EventKind::Stop, report.text); });
+    connect(&service, &LineService::stopEnded, this, [this](int, const host::StopReport &report) {
+        note(EventKind::Stop, report.text, 0, host::lengthOf(report.unconfirmed));
+    });
 }
 
 void ServiceEar::listenToJobs(const host::LineService &service)
@@ -157,11 +158,12 @@ void ServiceEar::noteParameter(const host::WriteOutcome &outcome, int index)
     put(event);
 }
 
-void ServiceEar::note(EventKind kind, const QString &text, int station)
+void ServiceEar::note(EventKind kind, const QString &text, int station, std::optional<int> code)
 {
     Event event;
     event.kind = kind;
     event.station = station;
+    event.code = code;
     event.text = text;
     put(event);
 }

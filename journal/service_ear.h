@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <optional>
 
 namespace dx4::journal {
 
@@ -38,7 +39,7 @@ private:
     void listenToJobs(const host::LineService &service);
     void restate();
     void noteParameter(const host::WriteOutcome &outcome, int index);
-    void note(EventKind kind, const QString &text, int station = 0);
+    void note(EventKind kind, const QString &text, int station = 0, std::optional<int> code = {});
     void put(Event event);
 
     const QPointer<host::LineService> m_service;

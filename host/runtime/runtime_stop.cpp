@@ -161,7 +161,7 @@ StopReport Runtime::stopDrives(Duration budget)
         if (done == Step::Idle || done == Step::LineDown)
             m_settings.pause(std::clamp(end - m_line.now(), Duration { 1 }, idleTime()));
     }
-    StopReport report { m_stop.unconfirmed(), QStringLiteral("all stops confirmed") };
+    StopReport report { m_stop.unconfirmed(), QLatin1String(allStopsConfirmed) };
     if (report.unconfirmed.isEmpty())
         return report;
     report.text = QStringLiteral("STOP NOT CONFIRMED by station %1: it may still run")
@@ -215,7 +215,7 @@ void Runtime::settleStop(Step step)
     m_stop.afterStep(m_cycle, step, m_guard.report(), m_line.now());
     showLife();
     if (wasPending && !m_stop.isPending())
-        alarm(QStringLiteral("all stops confirmed"));
+        alarm(QLatin1String(allStopsConfirmed));
 }
 
 QVector<int> Runtime::cancelStop()

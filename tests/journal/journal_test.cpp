@@ -285,5 +285,5 @@ TEST(EventKinds, HaveNames)
 
     EXPECT_EQ(names,
               (Texts { "fault", "write", "parameter", "alarm", "notice", "line", "station", "stop",
-                       "journal" }));
+                       "journal", "acknowledgement" }));
 }

@@ -68,6 +68,20 @@ protected:
         return shown;
     }
 
+    /// Codes of the events of a kind, the oldest first; -1: none.
+    std::vector<int> codes(EventKind kind)
+    {
+        EXPECT_TRUE(keeper->flush());
+        EventQuery query;
+        query.kinds = { kind };
+        query.isOldestFirst = true;
+        std::vector<int> found;
+        const QVector<Event> all = events(query);
+        for (const Event &event : all)
+            found.push_back(event.code.value_or(-1));
+        return found;
+    }
+
     std::shared_ptr<Plant> plant = std::make_shared<Plant>(slowLine());
     KeeperSettings settings;
     Words words;
@@ -110,6 +124,24 @@ TEST_F(ServiceEarTest, AlarmsNoticesLineStationsAndStopsAreKept)
     station.station = 4;
     EXPECT_EQ(texts(station), Texts { "station 4 is back" });
     EXPECT_EQ(events().constFirst().line, QStringLiteral("a"));
+}
+
+TEST_F(ServiceEarTest, WhatBeganAndWhatEndedIsToldByCodes)
+{
+    start();
+
+    Q_EMIT service->lineOpened();
+    Q_EMIT service->lineWentDown(QStringLiteral("unplugged"));
+    Q_EMIT service->stationLost(3);
+    Q_EMIT service->stationBack(3);
+    Q_EMIT service->stopEnded(1, { { 2, 3 }, QStringLiteral("not confirmed") });
+    Q_EMIT service->stopEnded(2, { {}, QStringLiteral("all stops confirmed") });
+    Q_EMIT service->alarmRaised(QStringLiteral("fire"));
+
+    EXPECT_EQ(codes(EventKind::Line), (std::vector<int> { 0, 1 }));
+    EXPECT_EQ(codes(EventKind::Station), (std::vector<int> { 1, 0 }));
+    EXPECT_EQ(codes(EventKind::Stop), (std::vector<int> { 2, 0 }));
+    EXPECT_EQ(codes(EventKind::Alarm), (std::vector<int> { -1 }));
 }
 
 TEST_F(ServiceEarTest, AWriteIsKeptWithItsOutcomeAndEachRegisterWithItsValues)
