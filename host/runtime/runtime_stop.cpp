@@ -2,6 +2,7 @@
 // The parts of a runtime that stop the drives and look after stations that do not answer.
 #include "host/runtime/runtime.h"
 
+#include "host/writes/stop_words.h"
 #include "register_tables.h"
 #include "result_codes.h"
 #include "wire/function_code.h"

@@ -27,9 +27,6 @@ inline constexpr int stopFrameBytes = 8;
 /// keep away from it.
 inline constexpr int safeStopTag = 900;
 
-/// What reports and alarms say when every stop is confirmed.
-inline constexpr char allStopsConfirmed[] = "all stops confirmed";
-
 /// What is known of a station whose stop is to be sent.
 struct StopOutlook {
     bool isLeftAlone = false;
