@@ -2,6 +2,7 @@
 // dx4-panel: a window on the drives of one line.
 #include "common/standard_descriptors.h"
 #include "host/writes/stop_signal.h"
+#include "panel/app/alarm_parts.h"
 #include "panel/app/ending.h"
 #include "panel/app/options.h"
 #include "panel/app/panel_window.h"
@@ -33,6 +34,7 @@ void dress()
     QFont font = QApplication::font();
     font.setPixelSize(textSize);
     QApplication::setFont(font);
+    QApplication::setApplicationName(QStringLiteral("dx4-panel"));
     QApplication::setApplicationDisplayName(QStringLiteral("dx4-panel"));
 }
 
@@ -75,6 +77,7 @@ int run(const panel::Options &options, const host::StopSignal &signal)
     line.follow(*plant->service);
     panel::Ending ending(line, signal);
     endBy(ending, line);
+    panel::AlarmParts alarms(*plant, options, clock);
     panel::Background background;
 #ifdef KORVANE_PANEL_TREND
     panel::TrendParts trend(*plant, clock, QString(), QString());
@@ -84,6 +87,7 @@ int run(const panel::Options &options, const host::StopSignal &signal)
 #ifdef KORVANE_PANEL_TREND
     trend.addTo(window);
 #endif
+    alarms.addTo(window);
     addParameters(window, line, *plant, background);
     if (options.fullscreen)
         window.showFullScreen();

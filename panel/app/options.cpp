@@ -15,6 +15,7 @@ namespace {
 struct Texts {
     std::string config;
     std::string driver;
+    std::string journal;
     std::string simulator;
 };
 
@@ -24,6 +25,11 @@ void describe(CLI::App &app, Options &options, Texts &texts)
     auto *config = app.add_option("--config", texts.config, "drives and line, a TOML file");
     config->type_name("FILE")->excludes(demo);
     app.add_flag("--fullscreen", options.fullscreen, "cover the whole screen");
+    auto *noJournal =
+        app.add_flag("--no-journal", options.noJournal, "keep no journal of what happens");
+    app.add_option("--journal", texts.journal, "the journal's file; else in the user's data")
+        ->type_name("FILE")
+        ->excludes(noJournal);
     app.add_option("--driver", texts.driver, "the driver's file; else it is looked for")
         ->type_name("FILE");
     app.add_option("--sim", texts.simulator, "program of the simulator, dx4-sim")
@@ -56,6 +62,7 @@ std::optional<Options> parseOptions(int argc, char **argv, const char *version, 
     }
     options.config = QString::fromStdString(texts.config);
     options.driver = QString::fromStdString(texts.driver);
+    options.journal = QString::fromStdString(texts.journal);
     options.simulator = QString::fromStdString(texts.simulator);
     return options;
 }

@@ -12,6 +12,8 @@ struct Options {
     QString config; ///< path of the configuration; empty with demo
     QString driver; ///< path of the driver's file; empty: looked for
     QString simulator; ///< path of dx4-sim; empty: looked for
+    QString journal; ///< path of the journal; empty: the usual place
+    bool noJournal = false; ///< none is kept
     bool demo = false; ///< simulated drives
     bool fullscreen = false;
 };

@@ -115,6 +115,15 @@ void PanelWindow::addPage(Page *page, const QString &name)
     connect(button, &FlatButton::clicked, this, [this, index] { openPage(index); });
 }
 
+void PanelWindow::setBanner(Page *banner)
+{
+    m_banner = banner;
+    banner->setScale(scale());
+    static_cast<QVBoxLayout *>(layout())->insertWidget(0, banner);
+    m_stop->raise();
+    refresh();
+}
+
 int PanelWindow::pageCount() const
 {
     return m_pages->count();
@@ -126,6 +135,8 @@ void PanelWindow::openPage(int index)
     // The page comes to the top, and would hide the question that keeps it from being used.
     if (m_closing->isOpen())
         m_closing->raise();
+    // None but buttons of pages are put there.
+    static_cast<FlatButton *>(m_bar->layout()->itemAt(index)->widget())->setChecked(true);
     pageAt(index)->refresh();
 }
 
@@ -148,6 +159,8 @@ int PanelWindow::interval() const
 void PanelWindow::refresh()
 {
     m_line.look();
+    if (m_banner)
+        m_banner->refresh();
     pageAt(m_pages->currentIndex())->refresh();
     showMessage();
     if (m_timer.isActive() && m_timer.interval() != interval())
@@ -189,6 +202,8 @@ void PanelWindow::resizeEvent(QResizeEvent *)
     sizeStrip();
     for (int i = 0; i < pageCount(); ++i)
         pageAt(i)->setScale(scale());
+    if (m_banner)
+        m_banner->setScale(scale());
     placeStop();
 }
 

@@ -36,6 +36,10 @@ public:
     /// @param name  on the button
     void addPage(Page *page, const QString &name);
 
+    /// Takes over what stands above every page; it is kept up to date whatever page is shown, and
+    /// hides itself where it has nothing to say.
+    void setBanner(Page *banner);
+
     /// What one waits between two looks now, ms.
     int interval() const;
 
@@ -58,6 +62,7 @@ private:
     QTimer m_timer;
     QStackedWidget *m_pages;
     QWidget *m_strip; // below the pages: message, page buttons and stop
+    Page *m_banner = nullptr;
     QLabel *m_message;
     QWidget *m_bar;
     ClosingSheet *m_closing;

@@ -24,6 +24,7 @@ constexpr int cellSize = 20;
 constexpr int marksWidth = 64; // of "12 s old"
 constexpr int cellColumns = 3;
 constexpr int wayLines = 2; // a refusal is a sentence
+constexpr int cellGap = 2; // px between two rows of them
 
 /// As much of a text as fits; all of it for screen readers.
 void showFitting(QLabel &label, const QString &text, int lines = 1)
@@ -111,7 +112,7 @@ QLayout *DriveView::makeCells()
 {
     auto *grid = new QGridLayout;
     grid->setHorizontalSpacing(targetGap);
-    grid->setVerticalSpacing(2);
+    grid->setVerticalSpacing(cellGap);
     for (int i = 0; i < mostCells; ++i) {
         auto *box = new QVBoxLayout;
         box->setSpacing(0);
@@ -177,6 +178,7 @@ void DriveView::setScale(double scale)
         cell.value->setTextSize(at(cellSize));
     }
     sizeCommands();
+    fitCells();
 }
 
 /// As large as the words allow that stand beside each other.
@@ -197,9 +199,44 @@ void DriveView::sizeCommands()
     layout()->activate();
 }
 
+/// What is left out where there is little room: rows of cells, but for the first.
+QSize DriveView::minimumSizeHint() const
+{
+    QSize size = QWidget::minimumSizeHint();
+    for (int i = cellColumns; i < m_cells.size(); i += cellColumns) {
+        const Cell &cell = m_cells.at(i);
+        if (!cell.caption->isHidden())
+            size -= QSize(
+                0, cell.caption->sizeHint().height() + cell.value->sizeHint().height() + cellGap);
+    }
+    return size;
+}
+
+void DriveView::fitCells()
+{
+    const int rows = (static_cast<int>(m_cells.size()) + cellColumns - 1) / cellColumns;
+    for (int shown = rows; shown > 0; --shown) {
+        for (int i = 0; i < m_cells.size(); ++i) {
+            m_cells.at(i).caption->setVisible(i / cellColumns < shown);
+            m_cells.at(i).value->setVisible(i / cellColumns < shown);
+        }
+        if (layout()->minimumSize().height() <= height())
+            return;
+    }
+}
+
+void DriveView::setReadOnly()
+{
+    for (QWidget *widget : { static_cast<QWidget *>(m_start), static_cast<QWidget *>(m_reverse),
+                             static_cast<QWidget *>(m_stop), static_cast<QWidget *>(m_change),
+                             static_cast<QWidget *>(m_way) })
+        widget->hide();
+}
+
 void DriveView::resizeEvent(QResizeEvent *)
 {
     sizeCommands();
+    fitCells();
     showFitting(*m_name, m_name->accessibleName());
     showFitting(*m_state, m_state->accessibleName());
     showFitting(*m_way, m_way->accessibleName(), wayLines);

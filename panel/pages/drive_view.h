@@ -28,6 +28,11 @@ public:
 
     void setScale(double scale);
 
+    /// Takes the commands away, for a drive that is only looked at.
+    void setReadOnly();
+
+    QSize minimumSizeHint() const override;
+
 Q_SIGNALS:
     void startWanted();
     void reverseWanted();
@@ -50,6 +55,7 @@ private:
     QBoxLayout *makeCommands();
     QVector<FlatButton *> commands() const { return { m_start, m_reverse, m_stop, m_change }; }
     void sizeCommands();
+    void fitCells();
     void showHead(const DriveShown &drive);
     void showFrequency(const DriveShown &drive);
     void showCells(const DriveShown &drive);

@@ -74,6 +74,7 @@ ScreenInMemory::ScreenInMemory(int &argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_FONT_DPI", "96");
+    qputenv("TZ", "UTC");
     QLocale::setDefault(QLocale::c());
     m_application = std::make_unique<QApplication>(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Draws pages into files, in light and dark, with values that stand still.
+#include "alarm_pictures.h"
 #include "panel_fixture.h"
 #include "parameters_pictures.h"
 #ifdef KORVANE_PANEL_TREND
@@ -212,6 +213,7 @@ int main(int argc, char **argv)
                         .arg(isDark ? QStringLiteral("dark") : QStringLiteral("light"));
                 draw(scene, size, folder.filePath(name));
             }
+            drawAlarms(size, isDark ? "dark" : "light", folder);
             drawParameters(size, isDark ? "dark" : "light", folder);
         }
     }

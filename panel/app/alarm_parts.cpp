@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// Alarms and journal of the panel, put together.
+#include "panel/app/alarm_parts.h"
+
+#include "panel/alarms/alarm_banner.h"
+#include "panel/alarms/alarms_page.h"
+#include "panel/app/panel_window.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace dx4::panel {
+namespace {
+
+QVector<int> stationsOf(const host::Config &config)
+{
+    QVector<int> stations;
+    for (const host::StationConfig &station : config.stations)
+        stations.append(station.address);
+    return stations;
+}
+
+journal::KeeperSettings keeperSettings()
+{
+    journal::KeeperSettings settings;
+    settings.journal.program = QStringLiteral("dx4-panel");
+    return settings;
+}
+
+} // namespace
+
+QString userName()
+{
+    const passwd *entry = getpwuid(geteuid());
+    return entry ? QString::fromLocal8Bit(entry->pw_name)
+                 : QStringLiteral("user %1").arg(geteuid());
+}
+
+AlarmParts::AlarmParts(const Plant &plant, const Options &options, const Clock &clock)
+    : m_clock(clock)
+    , m_place(journalPlaceOf(options))
+    , m_words(plant.config)
+    , m_stations(stationsOf(plant.config))
+{
+    const QString line = journalLineOf(options, plant.config);
+    const journal::Time began = clock.utc().toMSecsSinceEpoch();
+    if (!m_place.path.isEmpty())
+        m_keeper = std::make_unique<journal::JournalKeeper>(m_place.path, keeperSettings());
+    AlarmPort port;
+    port.snapshot = [service = plant.service.get()] { return service->snapshot(); };
+    port.utc = clock.utc;
+    port.who = userName();
+    port.stations = m_stations;
+    if (m_keeper)
+        port.note = [this, line](journal::Event event) {
+            event.line = line;
+            m_keeper->note(event);
+        };
+    m_watch = std::make_unique<AlarmWatch>(port);
+    m_watch->follow(*plant.service);
+    m_desk = std::make_unique<JournalDesk>(m_place.path);
+    if (m_keeper)
+        keep(plant, line);
+    restoreAlarms(*m_desk, *m_watch, line, began);
+}
+
+AlarmParts::~AlarmParts() = default;
+
+void AlarmParts::keep(const Plant &plant, const QString &line)
+{
+    m_keeper->watch(*plant.service, line, { plant.config.states, plant.config.faults });
+    QObject::connect(m_keeper.get(), &journal::JournalKeeper::troubled, m_watch.get(),
+                     &AlarmWatch::noteJournal);
+    QObject::connect(m_keeper.get(), &journal::JournalKeeper::recovered, m_watch.get(),
+                     [watch = m_watch.get()] { watch->noteJournal({}); });
+}
+
+void AlarmParts::addTo(PanelWindow &window)
+{
+    const auto now = [clock = m_clock] { return clock.utc().toMSecsSinceEpoch(); };
+    AlarmsPort port;
+    port.watch = m_watch.get();
+    port.now = now;
+    port.words = m_words;
+    port.stations = m_stations;
+    if (m_keeper) {
+        port.read = readingWith(*m_desk);
+        port.save = savingWith(*m_desk);
+    }
+    const int index = window.pageCount();
+    window.addPage(new AlarmsPage(port), PanelWindow::tr("Alarms"));
+    auto *banner = new AlarmBanner(*m_watch, m_words, now);
+    QObject::connect(banner, &AlarmBanner::tapped, &window,
+                     [&window, index] { window.openPage(index); });
+    window.setBanner(banner);
+}
+
+} // namespace dx4::panel
