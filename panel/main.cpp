@@ -8,9 +8,10 @@
 #include "panel/app/panel_window.h"
 #include "panel/app/plant.h"
 #include "panel/parameters/parameters_page.h"
+#include "panel/past/past_file.h"
+#include "panel/past/past_window.h"
 #ifdef KORVANE_PANEL_TREND
 #include "panel/app/trend_parts.h"
-#include "panel/trendview/trend_page.h"
 #endif
 #include "panel/widgets/look.h"
 
@@ -49,7 +50,8 @@ void endBy(panel::Ending &ending, const panel::PanelLine &line)
 }
 
 void addParameters(panel::PanelWindow &window, const panel::PanelLine &line,
-                   const panel::Plant &plant, panel::Background &background)
+                   const panel::Plant &plant, const panel::AlarmParts &alarms,
+                   panel::Background &background)
 {
     panel::ParametersSetup setup;
     setup.port = panel::parameterPortOf(*plant.service);
@@ -57,10 +59,32 @@ void addParameters(panel::PanelWindow &window, const panel::PanelLine &line,
     setup.clock = panel::systemClock();
     setup.standing = [&line](int station) { return panel::standingOf(line, station); };
     setup.runner = background.runner();
+    setup.journal = { alarms.place().path, alarms.line() };
     setup.folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     auto *page = new panel::ParametersPage(setup);
     page->follow(*plant.service);
     window.addPage(page, QCoreApplication::translate("dx4::panel", "Parameters"));
+}
+
+void show(QWidget &window, const panel::Options &options)
+{
+    if (options.fullscreen)
+        window.showFullScreen();
+    else
+        window.show();
+}
+
+int openPast(const panel::Options &options)
+{
+    QString error;
+    const auto record = panel::loadPast(options.open, &error);
+    if (!record) {
+        std::cerr << "dx4-panel: " << qPrintable(error) << '\n';
+        return cli::ExitUsage;
+    }
+    panel::PastWindow window(*record);
+    show(window, options);
+    return QApplication::exec();
 }
 
 int run(const panel::Options &options, const host::StopSignal &signal)
@@ -80,7 +104,7 @@ int run(const panel::Options &options, const host::StopSignal &signal)
     panel::AlarmParts alarms(*plant, options, clock);
     panel::Background background;
 #ifdef KORVANE_PANEL_TREND
-    panel::TrendParts trend(*plant, clock, QString(), QString());
+    panel::TrendParts trend(*plant, clock, alarms.place().path, alarms.line());
 #endif
     panel::PanelWindow window(line, clock.steady);
     panel::tellOfUser(*plant->service, plant->control.userPatience, &window);
@@ -88,11 +112,8 @@ int run(const panel::Options &options, const host::StopSignal &signal)
     trend.addTo(window);
 #endif
     alarms.addTo(window);
-    addParameters(window, line, *plant, background);
-    if (options.fullscreen)
-        window.showFullScreen();
-    else
-        window.show();
+    addParameters(window, line, *plant, alarms, background);
+    show(window, options);
     window.start();
     return QApplication::exec();
 }
@@ -115,5 +136,5 @@ int main(int argc, char **argv)
     if (translator.load(QLocale(), QStringLiteral("dx4-panel"), QStringLiteral("_"),
                         QStringLiteral(":/i18n")))
         QApplication::installTranslator(&translator);
-    return run(*options, signal);
+    return options->open.isEmpty() ? run(*options, signal) : openPast(*options);
 }

@@ -20,6 +20,8 @@ QVector<int> stationsOf(const host::Config &config)
     return stations;
 }
 
+constexpr int lookInterval = 500; // ms between two looks for faults whose time is over
+
 journal::KeeperSettings keeperSettings()
 {
     journal::KeeperSettings settings;
@@ -39,10 +41,11 @@ QString userName()
 AlarmParts::AlarmParts(const Plant &plant, const Options &options, const Clock &clock)
     : m_clock(clock)
     , m_place(journalPlaceOf(options))
+    , m_line(journalLineOf(options, plant.config))
     , m_words(plant.config)
     , m_stations(stationsOf(plant.config))
 {
-    const QString line = journalLineOf(options, plant.config);
+    const QString &line = m_line;
     const journal::Time began = clock.utc().toMSecsSinceEpoch();
     if (!m_place.path.isEmpty())
         m_keeper = std::make_unique<journal::JournalKeeper>(m_place.path, keeperSettings());
@@ -52,15 +55,17 @@ AlarmParts::AlarmParts(const Plant &plant, const Options &options, const Clock &
     port.who = userName();
     port.stations = m_stations;
     if (m_keeper)
-        port.note = [this, line](journal::Event event) {
-            event.line = line;
+        port.note = [this](journal::Event event) {
+            event.line = m_line;
             m_keeper->note(event);
         };
     m_watch = std::make_unique<AlarmWatch>(port);
     m_watch->follow(*plant.service);
     m_desk = std::make_unique<JournalDesk>(m_place.path);
-    if (m_keeper)
+    if (m_keeper) {
         keep(plant, line);
+        recordFaults(plant, line, began);
+    }
     restoreAlarms(*m_desk, *m_watch, line, began);
 }
 
@@ -75,6 +80,28 @@ void AlarmParts::keep(const Plant &plant, const QString &line)
                      [watch = m_watch.get()] { watch->noteJournal({}); });
 }
 
+/// Frames are left out: a service does not give them.
+void AlarmParts::recordFaults(const Plant &plant, const QString &line, journal::Time began)
+{
+    PastPort port;
+    port.folder = m_place.snapshotFolder();
+    port.line = line;
+    port.began = began;
+    port.config = plant.config;
+    port.note = [this, line](journal::Event event) {
+        event.line = line;
+        m_keeper->note(event);
+    };
+    m_pastKeeper = std::make_unique<PastKeeper>(*m_desk, port);
+    m_recorder = std::make_unique<PastRecorder>(m_clock.utc);
+    m_recorder->follow(*plant.service);
+    QObject::connect(m_watch.get(), &AlarmWatch::faultCame, m_recorder.get(), &PastRecorder::begin);
+    QObject::connect(m_recorder.get(), &PastRecorder::completed, m_pastKeeper.get(),
+                     &PastKeeper::keep);
+    QObject::connect(&m_recorderTimer, &QTimer::timeout, m_recorder.get(), &PastRecorder::look);
+    m_recorderTimer.start(lookInterval);
+}
+
 void AlarmParts::addTo(PanelWindow &window)
 {
     const auto now = [clock = m_clock] { return clock.utc().toMSecsSinceEpoch(); };
@@ -86,6 +113,7 @@ void AlarmParts::addTo(PanelWindow &window)
     if (m_keeper) {
         port.read = readingWith(*m_desk);
         port.save = savingWith(*m_desk);
+        port.snapshotText = [this](const Alarm &alarm) { return m_pastKeeper->textOf(alarm); };
     }
     const int index = window.pageCount();
     window.addPage(new AlarmsPage(port), PanelWindow::tr("Alarms"));

@@ -14,6 +14,7 @@ namespace {
 
 struct Texts {
     std::string config;
+    std::string open;
     std::string driver;
     std::string journal;
     std::string simulator;
@@ -24,6 +25,10 @@ void describe(CLI::App &app, Options &options, Texts &texts)
     auto *demo = app.add_flag("--demo", options.demo, "show three simulated drives");
     auto *config = app.add_option("--config", texts.config, "drives and line, a TOML file");
     config->type_name("FILE")->excludes(demo);
+    app.add_option("--open", texts.open, "look at the snapshot of a fault, without a line")
+        ->type_name("FILE")
+        ->excludes(demo)
+        ->excludes(config);
     app.add_flag("--fullscreen", options.fullscreen, "cover the whole screen");
     auto *noJournal =
         app.add_flag("--no-journal", options.noJournal, "keep no journal of what happens");
@@ -54,13 +59,14 @@ std::optional<Options> parseOptions(int argc, char **argv, const char *version, 
     describe(app, options, texts);
     try {
         app.parse(argc, argv);
-        if (!options.demo && texts.config.empty())
-            throw CLI::RequiredError("--config FILE or --demo");
+        if (!options.demo && texts.config.empty() && texts.open.empty())
+            throw CLI::RequiredError("--config FILE, --demo or --open FILE");
     } catch (const CLI::ParseError &error) {
         *exitCode = tell(app, error);
         return std::nullopt;
     }
     options.config = QString::fromStdString(texts.config);
+    options.open = QString::fromStdString(texts.open);
     options.driver = QString::fromStdString(texts.driver);
     options.journal = QString::fromStdString(texts.journal);
     options.simulator = QString::fromStdString(texts.simulator);

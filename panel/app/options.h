@@ -10,6 +10,7 @@ namespace dx4::panel {
 
 struct Options {
     QString config; ///< path of the configuration; empty with demo
+    QString open; ///< path of a snapshot of a fault, which is shown instead of a line
     QString driver; ///< path of the driver's file; empty: looked for
     QString simulator; ///< path of dx4-sim; empty: looked for
     QString journal; ///< path of the journal; empty: the usual place

@@ -44,7 +44,7 @@ QVector<ParameterWrite> writesOf(const QVector<journal::Event> &events, int addr
     return writes;
 }
 
-Told<QVector<ParameterWrite>> readWrites(const JournalPlace &place, int station, int address)
+Told<QVector<ParameterWrite>> readWrites(const LineJournal &place, int station, int address)
 {
     journal::EventQuery query;
     query.kinds = { journal::EventKind::Parameter };
@@ -63,7 +63,7 @@ Told<QVector<ParameterWrite>> readWrites(const JournalPlace &place, int station,
 
 } // namespace
 
-ParameterJournal::ParameterJournal(Runner runner, const JournalPlace &place, QObject *parent)
+ParameterJournal::ParameterJournal(Runner runner, const LineJournal &place, QObject *parent)
     : QObject(parent)
     , m_runner(std::move(runner))
     , m_place(place)

@@ -14,7 +14,7 @@
 namespace dx4::panel {
 
 /// Where the journal of a line is.
-struct JournalPlace {
+struct LineJournal {
     QString path; ///< empty: there is none
     QString line; ///< what the line is called in it
 };
@@ -34,7 +34,7 @@ class ParameterJournal : public QObject {
 public:
     static constexpr int mostListed = 200; ///< writes of one parameter, the newest
 
-    ParameterJournal(Runner runner, const JournalPlace &place, QObject *parent = nullptr);
+    ParameterJournal(Runner runner, const LineJournal &place, QObject *parent = nullptr);
 
     bool isThere() const { return !m_place.path.isEmpty(); }
 
@@ -60,7 +60,7 @@ private:
     using Counts = std::map<std::pair<int, int>, qint64>; // by station and address
 
     const Runner m_runner;
-    const JournalPlace m_place;
+    const LineJournal m_place;
     std::optional<Counts> m_counts;
     QString m_trouble;
     bool m_isAsked = false; // a reading of the counts is under way

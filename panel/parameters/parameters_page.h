@@ -31,7 +31,7 @@ struct ParametersSetup {
     ParameterRestore::Standings standing;
     Runner runner; ///< for files and journal
     QString folder; ///< of files, at first
-    JournalPlace journal;
+    LineJournal journal;
 };
 
 class ParametersPage : public Page {

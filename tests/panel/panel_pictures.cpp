@@ -3,6 +3,7 @@
 #include "alarm_pictures.h"
 #include "panel_fixture.h"
 #include "parameters_pictures.h"
+#include "past_pictures.h"
 #ifdef KORVANE_PANEL_TREND
 #include "trend_fixture.h"
 
@@ -215,6 +216,7 @@ int main(int argc, char **argv)
             }
             drawAlarms(size, isDark ? "dark" : "light", folder);
             drawParameters(size, isDark ? "dark" : "light", folder);
+            drawPast(size, isDark ? "dark" : "light", folder);
         }
     }
     return 0;
