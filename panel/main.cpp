@@ -21,6 +21,7 @@
 #include <QTranslator>
 
 #include <iostream>
+#include <optional>
 
 using namespace dx4;
 
@@ -128,13 +129,16 @@ int main(int argc, char **argv)
     const auto options = panel::parseOptions(argc, argv, KORVANE_VERSION, &exitCode);
     if (!options)
         return exitCode;
-    // Before the window system starts threads of its own.
-    const host::StopSignal signal;
+    const bool hasLine = options->open.isEmpty();
+    // Before the window system starts threads of its own. Without a line a signal ends the program.
+    std::optional<host::StopSignal> signal;
+    if (hasLine)
+        signal.emplace();
     const QApplication application(argc, argv);
     dress();
     QTranslator translator;
     if (translator.load(QLocale(), QStringLiteral("dx4-panel"), QStringLiteral("_"),
                         QStringLiteral(":/i18n")))
         QApplication::installTranslator(&translator);
-    return options->open.isEmpty() ? run(*options, signal) : openPast(*options);
+    return hasLine ? run(*options, *signal) : openPast(*options);
 }

@@ -2,6 +2,7 @@
 // Draws traces, lanes, markers and cursors into a rectangle.
 #include "panel/trendview/trace_painter.h"
 
+#include "panel/trendview/trace_bars.h"
 #include "panel/widgets/value_label.h"
 
 #include <QPainter>
@@ -149,13 +150,9 @@ QVector<QLine> linesOf(const TraceReading &trace, const NiceScale &scale, const 
 
 void drawTrace(QPainter &painter, const QVector<QLine> &lines, const QColor &colour, int thickness)
 {
-    // Lines of one pixel are much quicker than thick ones, also several times.
-    painter.setPen(QPen(colour, 1));
-    for (int i = 0; i < thickness; ++i) {
-        painter.drawLines(lines);
-        painter.translate(i % 2 == 0 ? QPoint(0, 1) : QPoint(1, 0));
-    }
-    painter.resetTransform();
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawRects(joined(barsOf(lines, thickness)));
 }
 
 void drawLane(QPainter &painter, const Look &look, const QRect &place, const TraceReading &lane,

@@ -13,6 +13,8 @@ MadeUpTrend::MadeUpTrend(QSize size, int drives)
     , page(new TrendPage(store, panel.made.clock().steady))
 {
     panel.window.addPage(page, QStringLiteral("Trend"));
+    // The button of a page that comes later is shown by the event loop.
+    QCoreApplication::sendPostedEvents();
     for (auto *button : panel.window.findChildren<FlatButton *>()) {
         if (button->text() == QLatin1String("Trend"))
             button->click();

@@ -4,14 +4,16 @@
 #include "widget_walk.h"
 
 #include "panel/trendview/finger_track.h"
-#include "panel/trendview/trace_save_sheet.h"
+#include "panel/trendview/trace_bars.h"
 #include "panel/trendview/trace_colours.h"
+#include "panel/trendview/trace_save_sheet.h"
 #include "panel/trendview/trace_sheet.h"
 #include "panel/trendview/trigger_sheet.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QRegion>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -19,7 +21,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
+#include <random>
 #include <sys/resource.h>
 
 using namespace dx4::panel;
@@ -519,6 +523,47 @@ TEST(FingerTrack, AFingerThatComesOrGoesMovesNothing)
 
     EXPECT_DOUBLE_EQ(change.pan, 0.0);
     EXPECT_DOUBLE_EQ(change.zoom, 1.0);
+}
+
+TEST(TraceBars, JoinedOnesCoverTheSamePixels)
+{
+    std::mt19937 random(3);
+    QVector<QLine> lines;
+    int x = 0;
+    for (int i = 0; i < 400; ++i) {
+        const int right = x + static_cast<int>(random() % 3);
+        const int top = static_cast<int>(random() % (i < 200 ? 20 : 90));
+        const int bottom = 100 - static_cast<int>(random() % 20);
+        lines.append({ x, bottom, x, top });
+        lines.append({ x, (top + bottom) / 2, right, (top + bottom) / 2 });
+        x = right + (i % 50 == 0 ? 7 : 0);
+    }
+
+    const QVector<QRect> bars = barsOf(lines, 1);
+    const QVector<QRect> fewer = joined(bars);
+
+    QRegion all;
+    QRegion ofFewer;
+    for (const QRect &bar : bars)
+        all += bar;
+    for (const QRect &bar : fewer)
+        ofFewer += bar;
+    EXPECT_EQ(ofFewer, all);
+    int highest = 0;
+    for (const QRect &bar : fewer)
+        highest += bar.height();
+    EXPECT_LT(highest, 20'000);
+}
+
+TEST(TraceBars, APeakKeepsItsHeight)
+{
+    const QVector<QRect> bars =
+        joined(barsOf({ { 0, 50, 10, 50 }, { 10, 50, 10, 3 }, { 10, 50, 11, 50 } }, 1));
+
+    int top = 100;
+    for (const QRect &bar : bars)
+        top = std::min(top, bar.top());
+    EXPECT_EQ(top, 3);
 }
 
 TEST(TraceColours, AreReadableAsTextOnCards)
