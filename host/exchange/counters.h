@@ -81,6 +81,7 @@ public:
     void countLineDown() { ++m_lineDowns; }
 
     RequestCounts block(const BlockKey &key) const;
+    const std::map<BlockKey, RequestCounts> &blocks() const { return m_blocks; }
     RequestCounts station(int station) const; ///< all blocks of a station
     RequestCounts reads() const; ///< all blocks that are read
     RequestCounts writes() const; ///< all blocks that are written
