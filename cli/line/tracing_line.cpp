@@ -4,6 +4,7 @@
 
 #include "cli/console/output.h"
 #include "cli/registers/frame_text.h"
+#include "cli/registers/frame_words.h"
 #include "host/base/length.h"
 
 #include <QDateTime>
@@ -19,51 +20,12 @@ constexpr int shortestFrame = 5;
 /// A reply that pauses so long inside is none; adapters hand bytes over in lumps, 16 ms apart.
 constexpr host::Duration longestPause = std::chrono::milliseconds(50);
 
-QString valuesText(const FrameText &text, int firstRegister)
-{
-    QStringList values;
-    for (const quint16 value : text.values)
-        values.append(QString::number(value));
-    const QString numbers = values.join(QStringLiteral(", "));
-    return firstRegister < 0 ? numbers : filled("%1 = %2", registerText(firstRegister), numbers);
-}
-
-/// Requests and echoes of one register have the same bytes; the direction tells them apart.
-QString kindText(const FrameText &text, bool isRequest)
-{
-    if (!text.kind.startsWith(QLatin1String("write request")))
-        return text.kind;
-    return isRequest ? QStringLiteral("write request") : QStringLiteral("echo of a write");
-}
-
-QStringList meaningOf(const FrameText &text, bool isRequest, int firstRegister)
-{
-    QStringList words { filled("station %1", text.station), kindText(text, isRequest) };
-    const int first = text.firstRegister < 0 ? firstRegister : text.firstRegister;
-    if (!text.values.isEmpty())
-        words.append(valuesText(text, first));
-    else if (text.firstRegister >= 0)
-        words.append(registerText(text.firstRegister) + QStringLiteral(", ")
-                     + counted(text.count, "register", "registers"));
-    for (const FrameField &field : text.fields) {
-        if (field.name == QLatin1String("code"))
-            words.append(field.meaning);
-    }
-    if (!text.crcIsRight)
-        words.append(QStringLiteral("wrong CRC"));
-    return words;
-}
-
 } // namespace
 
 QString frameLine(const QByteArray &frame, bool isRequest, int firstRegister)
 {
-    const QString bytes = filled("%1 %2", isRequest ? ">" : "<", bytesText(frame));
-    if (frame.size() < shortestFrame)
-        return bytes + QStringLiteral("  no frame");
-    const QStringList meaning =
-        meaningOf(explainFrame(frame, firstRegister), isRequest, firstRegister);
-    return bytes + QStringLiteral("  ") + meaning.join(QStringLiteral(", "));
+    return filled("%1 %2  %3", isRequest ? ">" : "<", bytesText(frame),
+                  frameWords(frame, isRequest, firstRegister));
 }
 
 TracingLine::TracingLine(host::Line &line, Writer write)
