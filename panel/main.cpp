@@ -7,6 +7,7 @@
 #include "panel/app/options.h"
 #include "panel/app/panel_window.h"
 #include "panel/app/plant.h"
+#include "panel/lineview/line_page.h"
 #include "panel/parameters/parameters_page.h"
 #include "panel/past/past_file.h"
 #include "panel/past/past_window.h"
@@ -107,12 +108,17 @@ int run(const panel::Options &options, const host::StopSignal &signal)
 #ifdef KORVANE_PANEL_TREND
     panel::TrendParts trend(*plant, clock, alarms.place().path, alarms.line());
 #endif
+    panel::LineView lineView(panel::viewPortOf(*plant->service, plant->tap), plant->config, clock);
+    lineView.follow(*plant->service);
+    lineView.start();
     panel::PanelWindow window(line, clock.steady);
     panel::tellOfUser(*plant->service, plant->control.userPatience, &window);
 #ifdef KORVANE_PANEL_TREND
     trend.addTo(window);
 #endif
     alarms.addTo(window);
+    window.addPage(new panel::LinePage(lineView, panel::recordPlaces, QDateTime::currentDateTime),
+                   QCoreApplication::translate("dx4::panel::PanelWindow", "Line"));
     addParameters(window, line, *plant, alarms, background);
     show(window, options);
     window.start();

@@ -101,6 +101,18 @@ void giveFrequencies(host::LineService &service, const host::Config &config)
     });
 }
 
+/// A serial line whose frames can be looked at.
+host::LineFactory tappedLine(const host::Config &config, const QString &driver,
+                             const std::shared_ptr<host::FrameTap> &tap)
+{
+    return [make = host::serialLine(config.line, driver), tap] {
+        host::LineParts parts = make();
+        if (parts.line)
+            parts.line = std::make_unique<host::TappingLine>(std::move(parts.line), tap);
+        return parts;
+    };
+}
+
 } // namespace
 
 std::optional<Plant> makePlant(const Options &options, cli::Failure *failure)
@@ -125,8 +137,9 @@ std::optional<Plant> makePlant(const Options &options, cli::Failure *failure)
     }
     host::ServiceSettings settings = host::serviceSettings(plant.config, *plan);
     settings.runtime.userPatience = plant.control.userPatience;
+    plant.tap = std::make_shared<host::FrameTap>();
     plant.service = std::make_unique<host::LineService>(
-        host::serialLine(plant.config.line, driver.path), settings);
+        tappedLine(plant.config, driver.path, plant.tap), settings);
     if (options.demo)
         giveFrequencies(*plant.service, plant.config);
     return plant;

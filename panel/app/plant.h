@@ -5,6 +5,7 @@
 #include "cli/console/exit_code.h"
 #include "cli/line/simulator_process.h"
 #include "host/config/control_config.h"
+#include "host/recording/frame_tap.h"
 #include "host/service/line_service.h"
 #include "panel/app/options.h"
 
@@ -16,6 +17,7 @@ struct Plant {
     std::unique_ptr<cli::SimulatorProcess> simulator; ///< of a demonstration; outlives the service
     host::Config config;
     host::ControlConfig control;
+    std::shared_ptr<host::FrameTap> tap; ///< of the frames of the line
     std::unique_ptr<host::LineService> service;
 };
 
