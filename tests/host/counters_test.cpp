@@ -278,3 +278,11 @@ INSTANTIATE_TEST_SUITE_P(Rows, CountersOfCauses,
                                            CauseRow { "foreign", ReplyCause::ForeignStation },
                                            CauseRow { "wrong_replies", ReplyCause::WrongEcho }),
                          [](const auto &row) { return std::string(row.param.name); });
+
+TEST_F(Counters, EachBlockIsListedOnce)
+{
+    const auto &blocks = counters.blocks();
+
+    EXPECT_EQ(blocks.size(), 3U);
+    EXPECT_EQ(blocks.at(blockAt(1, 5)).requests, 1U);
+}

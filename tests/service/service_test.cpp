@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What a service shows and tells of its line.
+#include "host/recording/frame_tap.h"
 #include "host/runtime/config_runtime.h"
 
 #include "service_fixture.h"
@@ -283,4 +284,27 @@ TEST(LineServiceTest, ASilentUserStopsTheDrives)
 
     EXPECT_EQ(under.told,
               (Texts { "open", "the user interface is silent: stopping", "all stops confirmed" }));
+}
+
+TEST(LineServiceTest, FramesOfTheLineCanBeTapped)
+{
+    ServiceUnderTest under(polling({ entry(1, "D 0") }));
+    under.playTime();
+    const auto tap = std::make_shared<FrameTap>();
+    under.service = makeService(
+        [plant = under.plant, tap] {
+            auto line = std::make_unique<TappingLine>(std::make_unique<PlantLine>(plant), tap);
+            return LineParts { std::move(line), privateCopy(), {} };
+        },
+        under.settings);
+
+    under.waitFor([&] {
+        under.service->takeCounters(); // answers keep the loop turning
+        return tap->next() >= 3;
+    });
+
+    const TappedFrames taken = tap->since(0);
+    EXPECT_TRUE(taken.frames.at(0).isRequest);
+    EXPECT_FALSE(taken.frames.at(1).isRequest);
+    EXPECT_EQ(taken.frames.at(1).bytes.at(0), 1) << "the station that was asked";
 }
