@@ -293,6 +293,9 @@ void PanelLine::noteStopEnded(int id, const host::StopReport &report)
          isBad);
     for (auto &[station, followed] : m_followed) {
         followed.isStopOpen = report.unconfirmed.contains(station);
+        // What was read before says nothing of a drive that did not answer its stop.
+        if (followed.isStopOpen)
+            followed.startedAt = m_clock.steady();
         // Without a status word the echo of the stop is all that will ever be known.
         if (!m_words.runningBit && !followed.isStopOpen)
             followed.mayRun = false;

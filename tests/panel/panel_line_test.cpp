@@ -231,6 +231,20 @@ TEST(PanelLine, ADriveWhoseStopIsNotConfirmedSaysSoUntilItsStatusSaysThatItStand
     EXPECT_EQ(panel.way(), "");
 }
 
+TEST(PanelLine, AStatusReadBeforeAnUnconfirmedStopDoesNotSettleIt)
+{
+    Under panel;
+    panel.made.readStanding(1);
+    panel.look();
+    panel.made.advance(seconds(2));
+    panel.line.stopAll();
+
+    panel.line.noteStopEnded(1, unconfirmed({ 1 }));
+    panel.look();
+
+    EXPECT_EQ(panel.way(), "Stop not confirmed, may still run!");
+}
+
 TEST(PanelLine, OfManyDrivesASentenceNamesTheFirstOnes)
 {
     Under panel(6);
