@@ -282,7 +282,7 @@ void PastWindow::setScale(double scale)
     m_head->setFont(sized(font(), at(headSize), true));
     m_when->setFont(sized(font(), at(whenSize), true));
     m_past->parentWidget()->setFixedHeight(at(targetSize));
-    m_list->setScale(scale);
+    m_list->setRoom(size() - QSize(0, 3 * at(targetSize)), scale);
     m_view->setScale(scale);
     for (RowList *list : std::as_const(m_lists))
         list->setScale(scale);
