@@ -5,7 +5,6 @@
 #include "host/base/whole_file.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -125,6 +124,11 @@ QJsonArray framesOf(const PastRecord &record)
     return array;
 }
 
+journal::Time timeIn(const QJsonArray &row, const PastRecord &record)
+{
+    return record.faultAt + static_cast<journal::Time>(row.at(0).toDouble());
+}
+
 /// Takes a file apart; the first thing that is wrong stays.
 class Reader {
 public:
@@ -229,7 +233,7 @@ bool Reader::readValues(PastRecord *record)
     for (const QJsonValue &element : std::as_const(rows)) {
         const QJsonArray row = element.toArray();
         PastChange change;
-        change.time = record->faultAt + static_cast<journal::Time>(row.at(0).toDouble());
+        change.time = timeIn(row, *record);
         change.place = row.at(1).toInt(-1);
         if (change.place < 0 || change.place >= record->registers.size())
             return fail(QStringLiteral("values"));
@@ -252,8 +256,7 @@ bool Reader::readLines(PastRecord *record)
         return false;
     for (const QJsonValue &element : std::as_const(rows)) {
         const QJsonArray row = element.toArray();
-        record->line.append({ record->faultAt + static_cast<journal::Time>(row.at(0).toDouble()),
-                              row.at(1).toString() });
+        record->line.append({ timeIn(row, *record), row.at(1).toString() });
     }
     return true;
 }
@@ -268,7 +271,7 @@ bool Reader::readFrames(PastRecord *record)
     record->frames.emplace();
     for (const QJsonValue &element : std::as_const(rows)) {
         const QJsonArray row = element.toArray();
-        record->frames->append({ record->faultAt + static_cast<journal::Time>(row.at(0).toDouble()),
+        record->frames->append({ timeIn(row, *record),
                                  row.at(1).toString() == QLatin1String("request"),
                                  QByteArray::fromHex(row.at(2).toString().toLatin1()) });
     }
@@ -375,26 +378,6 @@ std::optional<PastRecord> loadPast(const QString &file, QString *error)
     if (!record)
         *error = QStringLiteral("%1: %2").arg(file, why);
     return record;
-}
-
-QString pastFileName(const PastRecord &record)
-{
-    const QString time = QDateTime::fromMSecsSinceEpoch(record.faultAt, Qt::UTC)
-                             .toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    return QStringLiteral("fault-%1-station-%2-code-%3.json")
-        .arg(time)
-        .arg(record.station)
-        .arg(record.code);
-}
-
-void keepNewest(const QString &folder, int most)
-{
-    QDir files(folder);
-    // The names begin with the time.
-    QStringList names =
-        files.entryList({ QStringLiteral("fault-*-station-*.json") }, QDir::Files, QDir::Name);
-    while (names.size() > most)
-        files.remove(names.takeFirst());
 }
 
 } // namespace dx4::panel

@@ -4,8 +4,6 @@
 
 #include "panel/past/past_record.h"
 
-class QJsonObject;
-
 namespace dx4::panel {
 
 /// The record as docs/panel.md describes it.
@@ -23,11 +21,5 @@ bool savePast(const PastRecord &record, const QString &file, QString *error);
 
 /// @param error  out: which file and what is wrong with it
 std::optional<PastRecord> loadPast(const QString &file, QString *error);
-
-/// "fault-20260301-120005-station-3-code-2.json", by UTC.
-QString pastFileName(const PastRecord &record);
-
-/// Removes the oldest files of that kind of name, so that so many stay.
-void keepNewest(const QString &folder, int most);
 
 } // namespace dx4::panel

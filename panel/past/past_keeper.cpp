@@ -26,6 +26,26 @@ journal::EventQuery parametersOf(const QString &line, journal::Time from, journa
 
 } // namespace
 
+QString pastFileName(const PastRecord &record)
+{
+    const QString time = QDateTime::fromMSecsSinceEpoch(record.faultAt, Qt::UTC)
+                             .toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    return QStringLiteral("fault-%1-station-%2-code-%3.json")
+        .arg(time)
+        .arg(record.station)
+        .arg(record.code);
+}
+
+void keepNewest(const QString &folder, int most)
+{
+    QDir files(folder);
+    // The names begin with the time.
+    QStringList names =
+        files.entryList({ QStringLiteral("fault-*-station-*.json") }, QDir::Files, QDir::Name);
+    while (names.size() > most)
+        files.remove(names.takeFirst());
+}
+
 PastKeeper::PastKeeper(JournalDesk &desk, PastPort port, QObject *parent)
     : QObject(parent)
     , m_desk(desk)

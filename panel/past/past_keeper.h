@@ -25,6 +25,12 @@ struct PastPort {
     std::function<void(const journal::Event &)> note; ///< keeps an event; null: none are kept
 };
 
+/// "fault-20260301-120005-station-3-code-2.json", by UTC.
+QString pastFileName(const PastRecord &record);
+
+/// Removes the oldest files of that kind of name, so that so many stay.
+void keepNewest(const QString &folder, int most);
+
 /// Writes on the thread of the desk, and keeps the newest files.
 class PastKeeper : public QObject {
     Q_OBJECT
