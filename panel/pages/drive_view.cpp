@@ -22,6 +22,8 @@ constexpr int leastCommandSize = 12; // in languages with long words
 constexpr int captionSize = 13;
 constexpr int cellSize = 20;
 constexpr int marksWidth = 64; // of "12 s old"
+constexpr int wideGap = 4; // px between two parts
+constexpr int narrowGap = 1; // px, where there is no room for more
 constexpr int cellColumns = 3;
 constexpr int wayLines = 2; // a refusal is a sentence
 constexpr int cellGap = 2; // px between two rows of them
@@ -52,7 +54,7 @@ DriveView::DriveView(std::function<host::Duration()> now, QWidget *parent)
 {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(4);
+    column->setSpacing(wideGap);
     column->addLayout(makeHead());
     m_state = makeLabel("state");
     column->addWidget(m_state);
@@ -212,17 +214,23 @@ QSize DriveView::minimumSizeHint() const
     return size;
 }
 
+/// Rows go first, then what lies between them.
 void DriveView::fitCells()
 {
     const int rows = (static_cast<int>(m_cells.size()) + cellColumns - 1) / cellColumns;
+    layout()->setSpacing(wideGap);
     for (int shown = rows; shown > 0; --shown) {
         for (int i = 0; i < m_cells.size(); ++i) {
             m_cells.at(i).caption->setVisible(i / cellColumns < shown);
             m_cells.at(i).value->setVisible(i / cellColumns < shown);
         }
+        // What was hidden just now is known to the layouts within only when they are asked anew.
+        layout()->invalidate();
+        layout()->activate();
         if (layout()->minimumSize().height() <= height())
             return;
     }
+    layout()->setSpacing(narrowGap);
 }
 
 void DriveView::setReadOnly()

@@ -152,6 +152,30 @@ TEST(AlarmBanner, StandsAboveThePageAndCoversNothingOfIt)
     EXPECT_GE(top, under.banner->geometry().bottom());
 }
 
+TEST(AlarmBanner, ADriveWithLittleRoomLeavesOutValuesAndCutsNone)
+{
+    MadeUpLine made;
+    made.readRunning(1);
+    made.publish();
+    PanelLine line(made.port(), made.config, wordsOf(made.config), made.clock());
+    line.look();
+    QWidget window;
+    window.resize(800, 480);
+    auto *inner = new DriveView(made.clock().steady, &window);
+    DriveView &view = *inner;
+    window.show();
+    view.show(line.drive(0));
+
+    for (const int height : { 350, 300, 290, 275, 310, 350 }) {
+        view.resize(536, height);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+
+        EXPECT_EQ(lines(cutTexts(view)), "") << height;
+        EXPECT_EQ(lines(wrongTargets(view)), "") << height;
+        EXPECT_EQ(view.height(), height);
+    }
+}
+
 TEST(AlarmsPage, ListsWhatIsUnacknowledgedFirst)
 {
     AlarmPanel under;
