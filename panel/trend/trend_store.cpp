@@ -10,6 +10,8 @@
 namespace dx4::panel {
 namespace {
 
+constexpr Moment shiftStep = 100; // ms; the two clocks are never read at one moment
+
 Moment milliseconds(host::Duration span)
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(span).count();
@@ -56,7 +58,8 @@ Moment TrendStore::now() const
 
 Moment TrendStore::clockShift() const
 {
-    return m_clock.utc().toMSecsSinceEpoch() - now();
+    const Moment shift = m_clock.utc().toMSecsSinceEpoch() - now();
+    return (shift + (shift < 0 ? -shiftStep : shiftStep) / 2) / shiftStep * shiftStep;
 }
 
 QVector<TraceInfo> TrendStore::registers() const

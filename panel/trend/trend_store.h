@@ -39,7 +39,8 @@ public:
     /// When the recording began.
     Moment began() const { return m_began; }
 
-    /// What the time of day is ahead of the moments: it may have been set since.
+    /// What the time of day is ahead of the moments, to a tenth of a second: it may have been set
+    /// since.
     Moment clockShift() const;
 
     /// All that is recorded, ascending.

@@ -168,8 +168,10 @@ void drawLane(QPainter &painter, const Look &look, const QRect &place, const Tra
         const int left = ground.x(run.beginOf(i));
         const int right = ground.x(std::min(run.beginOf(i) + run.width, now));
         const int width = std::max(1, right - left);
+        // Half as high where it was both: neither is lost in a wide column.
+        const int height = seen.clear ? inner.height() / 2 : inner.height();
         if (seen.set)
-            painter.fillRect(left, inner.top(), width, inner.height(), look.accent);
+            painter.fillRect(left, inner.bottom() + 1 - height, width, height, look.accent);
         else
             painter.fillRect(left, inner.bottom(), width, 1, look.faded);
     }

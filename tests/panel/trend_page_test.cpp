@@ -3,9 +3,6 @@
 #include "trend_fixture.h"
 #include "widget_walk.h"
 
-#include "panel/trendview/finger_track.h"
-#include "panel/trendview/trace_bars.h"
-#include "panel/trendview/trace_colours.h"
 #include "panel/trendview/trace_save_sheet.h"
 #include "panel/trendview/trace_sheet.h"
 #include "panel/trendview/trigger_sheet.h"
@@ -13,18 +10,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QRegion>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
-#include <csignal>
-#include <random>
-#include <sys/resource.h>
 
 using namespace dx4::panel;
 using std::chrono::hours;
@@ -85,22 +75,6 @@ void expectWellPlaced(MadeUpTrend &trend)
     EXPECT_EQ(lines(wrongStop(trend.panel.window)), "");
     EXPECT_EQ(lines(cutTexts(trend.panel.window)), "");
 }
-
-/// What is written by programs may be no longer than so many bytes.
-class ShortFiles {
-public:
-    explicit ShortFiles(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit { bytes, m_before.rlim_max };
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~ShortFiles() { setrlimit(RLIMIT_FSIZE, &m_before); }
-
-private:
-    rlimit m_before {};
-};
 
 class TrendOfEverySize : public ::testing::TestWithParam<QSize> { };
 
@@ -376,54 +350,6 @@ TEST(TrendPage, ATraceHasAScaleOfItsOwnWithRoundSteps)
     EXPECT_LE(current.highest(), 10.0);
 }
 
-TEST(TrendPage, NoLineIsDrawnAcrossAGap)
-{
-    TraceReading trace;
-    const Column known { 5, 5, 5, 0, ColumnQuality::Good, false };
-    trace.run = { 0, 1'000, { known, known, {}, {}, known, known } };
-    TraceGround ground;
-    ground.plot = QRect(0, 0, 60, 100);
-    ground.from = 0;
-    ground.to = 6'000;
-
-    const QVector<QLine> drawn = linesOf(trace, niceScale(0, 10, 5, 0), ground, 6'000);
-
-    ASSERT_EQ(drawn.size(), 2);
-    EXPECT_EQ(drawn[0].x2(), 20);
-    EXPECT_EQ(drawn[1].x1(), 40);
-}
-
-TEST(TrendPage, AStepBetweenTwoColumnsIsOneUprightLine)
-{
-    TraceReading trace;
-    trace.run = { 0,
-                  1'000,
-                  { { 5, 5, 5, 0, ColumnQuality::Good, false },
-                    { 9, 9, 9, 1, ColumnQuality::Good, false } } };
-    TraceGround ground;
-    ground.plot = QRect(0, 0, 20, 100);
-    ground.to = 2'000;
-
-    const QVector<QLine> drawn = linesOf(trace, niceScale(0, 10, 5, 0), ground, 2'000);
-
-    ASSERT_EQ(drawn.size(), 3);
-    EXPECT_EQ(drawn[1], QLine(10, drawn[0].y2(), 10, drawn[2].y1()));
-}
-
-TEST(TrendPage, NothingIsDrawnBehindThePresent)
-{
-    TraceReading trace;
-    trace.run = { 0, 120'000, { { 5, 5, 5, 0, ColumnQuality::Good, false } } };
-    TraceGround ground;
-    ground.plot = QRect(0, 0, 120, 100);
-    ground.to = 120'000;
-
-    const QVector<QLine> drawn = linesOf(trace, niceScale(0, 10, 5, 0), ground, 30'000);
-
-    ASSERT_EQ(drawn.size(), 1);
-    EXPECT_EQ(drawn[0].x2(), 30);
-}
-
 TEST(TrendPage, TracesAreChosenByTouchUpToEight)
 {
     MadeUpTrend trend({ 1280, 800 });
@@ -485,91 +411,4 @@ TEST(TrendPage, SavesAPicture)
     ASSERT_TRUE(
         QTest::qWaitFor([&] { return text->text().startsWith(QLatin1String("Saved")); }, patience));
     EXPECT_GT(QImage(path).width(), 600);
-}
-
-TEST(FileSaver, ADiskThatTakesNoMoreLeavesTheOldFileWhole)
-{
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("trend.csv"));
-    QFile old(path);
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-    old.write("old");
-    old.close();
-    FileSaver saver;
-    QSignalSpy failed(&saver, &FileSaver::failed);
-
-    {
-        const ShortFiles shortFiles(1'000);
-        saver.save(path, FileSaver::Replace::Yes, [](QIODevice &to, QString *error) {
-            const bool isWritten = to.write(QByteArray(100'000, 'x')) == 100'000;
-            if (!isWritten)
-                *error = to.errorString();
-            return isWritten;
-        });
-        ASSERT_TRUE(failed.wait(patience));
-    }
-
-    EXPECT_FALSE(failed.first().first().toString().isEmpty());
-    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
-    EXPECT_EQ(old.readAll().toStdString(), "old");
-}
-
-TEST(FingerTrack, AFingerThatComesOrGoesMovesNothing)
-{
-    FingerTrack track;
-    track.begin({ QPointF(10, 0) });
-
-    const FingerTrack::Change change = track.move({ QPointF(40, 0), QPointF(90, 0) });
-
-    EXPECT_DOUBLE_EQ(change.pan, 0.0);
-    EXPECT_DOUBLE_EQ(change.zoom, 1.0);
-}
-
-TEST(TraceBars, JoinedOnesCoverTheSamePixels)
-{
-    std::mt19937 random(3);
-    QVector<QLine> lines;
-    int x = 0;
-    for (int i = 0; i < 400; ++i) {
-        const int right = x + static_cast<int>(random() % 3);
-        const int top = static_cast<int>(random() % (i < 200 ? 20 : 90));
-        const int bottom = 100 - static_cast<int>(random() % 20);
-        lines.append({ x, bottom, x, top });
-        lines.append({ x, (top + bottom) / 2, right, (top + bottom) / 2 });
-        x = right + (i % 50 == 0 ? 7 : 0);
-    }
-
-    const QVector<QRect> bars = barsOf(lines, 1);
-    const QVector<QRect> fewer = joined(bars);
-
-    QRegion all;
-    QRegion ofFewer;
-    for (const QRect &bar : bars)
-        all += bar;
-    for (const QRect &bar : fewer)
-        ofFewer += bar;
-    EXPECT_EQ(ofFewer, all);
-    int highest = 0;
-    for (const QRect &bar : fewer)
-        highest += bar.height();
-    EXPECT_LT(highest, 20'000);
-}
-
-TEST(TraceBars, APeakKeepsItsHeight)
-{
-    const QVector<QRect> bars =
-        joined(barsOf({ { 0, 50, 10, 50 }, { 10, 50, 10, 3 }, { 10, 50, 11, 50 } }, 1));
-
-    int top = 100;
-    for (const QRect &bar : bars)
-        top = std::min(top, bar.top());
-    EXPECT_EQ(top, 3);
-}
-
-TEST(TraceColours, AreReadableAsTextOnCards)
-{
-    for (const Look &look : { lightLook(), darkLook() }) {
-        for (int i = 0; i < mostTraces; ++i)
-            EXPECT_GE(contrast(traceColour(look, i), look.card), 4.5) << i;
-    }
 }

@@ -199,7 +199,7 @@ TEST_F(TrendStoreTest, MomentsGoOnEvenlyWhenTheTimeOfDayIsSet)
     clock.utc = [&] { return utc; };
     TrendStore other(made.config, made.port().snapshot, clock);
     made.advance(seconds(10));
-    utc = utc.addSecs(3600);
+    utc = utc.addSecs(3600).addMSecs(1);
 
     EXPECT_EQ(other.now(), other.began() + 10'000);
     EXPECT_EQ(other.clockShift(), 3'590'000);
