@@ -265,7 +265,7 @@ void ParametersPage::refresh()
 void ParametersPage::setScale(double scale)
 {
     setFont(sized(font(), scaled(textSize, scale)));
-    const int target = std::max(targetSize, scaled(buttonSize, scale));
+    const int target = std::max(scaled(buttonSize, scale), m_read->minimumSizeHint().height());
     m_groups->setButtonSize(target);
     for (TwoLineButton *side : m_sides)
         side->setFixedHeight(target);
