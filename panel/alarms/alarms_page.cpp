@@ -2,8 +2,8 @@
 // The page of the alarms: what is, and what was.
 #include "panel/alarms/alarms_page.h"
 
-#include "panel/alarms/filter_sheet.h"
 #include "panel/alarms/event_save_sheet.h"
+#include "panel/alarms/filter_sheet.h"
 #include "panel/alarms/text_sheet.h"
 #include "panel/widgets/look.h"
 #include "panel/widgets/value_label.h"

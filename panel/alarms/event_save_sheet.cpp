@@ -70,10 +70,11 @@ void EventSaveSheet::saveNow()
     m_text->setText(tr("Saving."));
     setTextColour(*m_text, lookOf(palette()).text);
     const int asked = ++m_asked;
-    m_save(m_saved, m_mayReplace, [self = QPointer<EventSaveSheet>(this), asked](const SaveEnd &end) {
-        if (self && self->m_asked == asked)
-            self->take(end);
-    });
+    m_save(m_saved, m_mayReplace,
+           [self = QPointer<EventSaveSheet>(this), asked](const SaveEnd &end) {
+               if (self && self->m_asked == asked)
+                   self->take(end);
+           });
 }
 
 void EventSaveSheet::take(const SaveEnd &end)

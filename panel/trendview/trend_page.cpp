@@ -3,8 +3,8 @@
 #include "panel/trendview/trend_page.h"
 
 #include "panel/trend/trend_csv.h"
-#include "panel/trendview/trace_save_sheet.h"
 #include "panel/trendview/trace_colours.h"
+#include "panel/trendview/trace_save_sheet.h"
 #include "panel/trendview/trace_sheet.h"
 #include "panel/trendview/trigger_sheet.h"
 #include "panel/widgets/value_label.h"

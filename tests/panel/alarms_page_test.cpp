@@ -3,8 +3,8 @@
 #include "alarm_fixture.h"
 #include "widget_walk.h"
 
-#include "panel/alarms/filter_sheet.h"
 #include "panel/alarms/event_save_sheet.h"
+#include "panel/alarms/filter_sheet.h"
 #include "panel/alarms/text_sheet.h"
 
 #include <QLabel>
