@@ -13,7 +13,6 @@ constexpr Moment statedEvery = 120'000;
 } // namespace
 
 RegisterHistory::RegisterHistory(Counts counts)
-    : m_counts(counts)
 {
     for (const HistoryLevel &level : historyLevels)
         m_levels.emplace_back(level.width, level.columns, counts);

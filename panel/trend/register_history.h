@@ -67,7 +67,6 @@ public:
 private:
     void fillTo(Moment at);
 
-    const Counts m_counts;
     std::vector<ColumnRing> m_levels;
     std::optional<Moment> m_upTo; // filled up to here; none: nothing came yet
     bool m_isKnown = false;
