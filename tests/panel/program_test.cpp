@@ -121,13 +121,14 @@ TEST(PanelProgram, NamesEveryErrorOfItsConfiguration)
               "plant.toml:4: address: expected a whole number from 1 to 247\n");
 }
 
-TEST(PanelProgram, WantsDrivesOrTheDemonstration)
+TEST(PanelProgram, WantsDrivesTheDemonstrationOrASnapshot)
 {
     const Bench bench;
 
     EXPECT_EQ(codeOf(bench, ""), 2);
     EXPECT_EQ(talk(bench),
-              "--config FILE or --demo is required\nRun with --help for more information.\n");
+              "--config FILE, --demo or --open FILE is required\n"
+              "Run with --help for more information.\n");
 
     EXPECT_EQ(codeOf(bench, "--demo --config plant.toml"), 2);
 }

@@ -10,7 +10,7 @@ import tarfile
 
 ID = re.compile(r"SPDXRef-[A-Za-z0-9.-]+")
 DIGITS = {"SHA1": 40, "SHA256": 64}
-LICENCES = {"GPL-3.0-or-later WITH GCC-exception-3.1", "MIT", "Apache-2.0", "BSD-2-Clause", "BSD-3-Clause", "BSL-1.0", "ISC", "Zlib", "NOASSERTION", "NONE"} | {
+LICENCES = {"GPL-3.0-or-later WITH GCC-exception-3.1", "LGPL-2.1-only WITH Qwt-exception-1.0", "MIT", "Apache-2.0", "BSD-2-Clause", "BSD-3-Clause", "BSL-1.0", "ISC", "Zlib", "NOASSERTION", "NONE"} | {
     f"{name}-{end}" for name in ("GPL-2.0", "GPL-3.0", "LGPL-2.1", "LGPL-3.0") for end in ("only", "or-later")}
 RELATIONS = {"DESCRIBES", "CONTAINS", "DEPENDS_ON", "BUILD_DEPENDENCY_OF", "GENERATED_FROM"}
 
