@@ -7,6 +7,7 @@
 #include "panel/app/options.h"
 #include "panel/app/panel_window.h"
 #include "panel/app/plant.h"
+#include "panel/connect/connect_page.h"
 #include "panel/lineview/line_page.h"
 #include "panel/parameters/parameters_page.h"
 #include "panel/past/past_file.h"
@@ -57,7 +58,7 @@ void addParameters(panel::PanelWindow &window, const panel::PanelLine &line,
 {
     panel::ParametersSetup setup;
     setup.port = panel::parameterPortOf(*plant.service);
-    setup.config = plant.config;
+    setup.config = plant.running.config;
     setup.clock = panel::systemClock();
     setup.standing = [&line](int station) { return panel::standingOf(line, station); };
     setup.runner = background.runner();
@@ -89,6 +90,18 @@ int openPast(const panel::Options &options)
     return QApplication::exec();
 }
 
+panel::ConnectPort connectPortOf(const panel::Plant &plant)
+{
+    return { panel::portsWith,
+             [plan = plant.makePlan](const QString &file) {
+                 return panel::checkConfig(file, plan);
+             },
+             panel::configsIn,
+             [service = plant.service.get()](const host::Config &config, const host::Plan &plan) {
+                 service->reload(config, plan);
+             } };
+}
+
 int run(const panel::Options &options, const host::StopSignal &signal)
 {
     cli::Failure failure;
@@ -97,9 +110,9 @@ int run(const panel::Options &options, const host::StopSignal &signal)
         std::cerr << "dx4-panel: " << qPrintable(failure.text) << '\n';
         return failure.code;
     }
-    const panel::DriveWords words = panel::wordsOf(plant->config, plant->control);
+    const panel::DriveWords words = panel::wordsOf(plant->running.config, plant->running.control);
     const panel::Clock clock = panel::systemClock();
-    panel::PanelLine line(panel::portOf(*plant->service), plant->config, words, clock);
+    panel::PanelLine line(panel::portOf(*plant->service), plant->running.config, words, clock);
     line.follow(*plant->service);
     panel::Ending ending(line, signal);
     endBy(ending, line);
@@ -108,17 +121,26 @@ int run(const panel::Options &options, const host::StopSignal &signal)
 #ifdef KORVANE_PANEL_TREND
     panel::TrendParts trend(*plant, clock, alarms.place().path, alarms.line());
 #endif
-    panel::LineView lineView(panel::viewPortOf(*plant->service, plant->tap), plant->config, clock);
+    panel::LineView lineView(panel::viewPortOf(*plant->service, plant->tap), plant->running.config,
+                             clock);
     lineView.follow(*plant->service);
     lineView.start();
+    panel::ConnectView connectView(connectPortOf(*plant), plant->running, clock);
+    connectView.follow(*plant->service);
+    QObject::connect(&connectView, &panel::ConnectView::taken, &line,
+                     &panel::PanelLine::takeConfig);
+    QObject::connect(&connectView, &panel::ConnectView::taken, &lineView,
+                     &panel::LineView::takeConfig);
     panel::PanelWindow window(line, clock.steady);
-    panel::tellOfUser(*plant->service, plant->control.userPatience, &window);
+    panel::tellOfUser(*plant->service, plant->running.control.userPatience, &window);
 #ifdef KORVANE_PANEL_TREND
     trend.addTo(window);
 #endif
     alarms.addTo(window);
     window.addPage(new panel::LinePage(lineView, panel::recordPlaces, QDateTime::currentDateTime),
                    QCoreApplication::translate("dx4::panel::PanelWindow", "Line"));
+    window.addPage(new panel::ConnectPage(connectView),
+                   QCoreApplication::translate("dx4::panel::PanelWindow", "Connect"));
     addParameters(window, line, *plant, alarms, background);
     show(window, options);
     window.start();

@@ -32,19 +32,6 @@ QString millisecondsText(host::Duration span)
     return QString::number(inMilliseconds(span), 'f', 1);
 }
 
-/// Silence that the configuration's stations need on top of the line's own, in one round.
-host::Duration extraGaps(const host::Plan &plan, const host::Config &plant)
-{
-    host::Duration sum { 0 };
-    for (const KEY_ADDRESS &block : plan.blocks) {
-        for (const host::StationConfig &station : plant.stations) {
-            if (station.address == block.station)
-                sum += station.extraGap;
-        }
-    }
-    return sum;
-}
-
 void printAsJson(const host::Plan &plan, const host::LineSettings &line, host::Duration cycle,
                  const RegisterNames &names)
 {
@@ -91,8 +78,7 @@ int runPlan(const Options &options)
     const RegisterNames names(options.line.plant, editor->api(), options.names);
     const host::LineSettings &line = options.line.plant.line;
     const host::Duration cycle =
-        host::cycleTime(*plan, line, std::chrono::milliseconds(options.turnaround))
-        + extraGaps(*plan, options.line.plant);
+        roundTime(*plan, options.line.plant, std::chrono::milliseconds(options.turnaround));
     if (options.line.json)
         printAsJson(*plan, line, cycle, names);
     else

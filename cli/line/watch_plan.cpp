@@ -64,6 +64,19 @@ std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &
     return plan;
 }
 
+host::Duration roundTime(const host::Plan &plan, const host::Config &plant,
+                         host::Duration turnaround)
+{
+    host::Duration sum = host::cycleTime(plan, plant.line, turnaround);
+    for (const KEY_ADDRESS &block : plan.blocks) {
+        for (const host::StationConfig &station : plant.stations) {
+            if (station.address == block.station)
+                sum += station.extraGap;
+        }
+    }
+    return sum;
+}
+
 QStringList blockLines(const host::Plan &plan, const QStringList &heads,
                        const std::function<QStringList(const KEY_ADDRESS &)> &numbersOf,
                        const RegisterNames &names)

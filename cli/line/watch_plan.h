@@ -29,6 +29,13 @@ bool checkConfigured(const QStringList &words, const LineOptions &options,
 std::optional<host::Plan> makePlan(const QStringList &words, const LineOptions &options,
                                    Failure *failure);
 
+/// Time of one round through a plan, with the silence that the configuration's stations need on top
+/// of the line's own.
+///
+/// @param turnaround  of a station, end of request to start of reply
+host::Duration roundTime(const host::Plan &plan, const host::Config &plant,
+                         host::Duration turnaround);
+
 /// A table with a line per block: its station, its ends, and numbers. Below each stand the names of
 /// its registers, where they have some.
 ///

@@ -41,9 +41,9 @@ QString userName()
 AlarmParts::AlarmParts(const Plant &plant, const Options &options, const Clock &clock)
     : m_clock(clock)
     , m_place(journalPlaceOf(options))
-    , m_line(journalLineOf(options, plant.config))
-    , m_words(plant.config)
-    , m_stations(stationsOf(plant.config))
+    , m_line(journalLineOf(options, plant.running.config))
+    , m_words(plant.running.config)
+    , m_stations(stationsOf(plant.running.config))
 {
     const QString &line = m_line;
     const journal::Time began = clock.utc().toMSecsSinceEpoch();
@@ -73,7 +73,8 @@ AlarmParts::~AlarmParts() = default;
 
 void AlarmParts::keep(const Plant &plant, const QString &line)
 {
-    m_keeper->watch(*plant.service, line, { plant.config.states, plant.config.faults });
+    m_keeper->watch(*plant.service, line,
+                    { plant.running.config.states, plant.running.config.faults });
     QObject::connect(m_keeper.get(), &journal::JournalKeeper::troubled, m_watch.get(),
                      &AlarmWatch::noteJournal);
     QObject::connect(m_keeper.get(), &journal::JournalKeeper::recovered, m_watch.get(),
@@ -87,7 +88,7 @@ void AlarmParts::recordFaults(const Plant &plant, const QString &line, journal::
     port.folder = m_place.snapshotFolder();
     port.line = line;
     port.began = began;
-    port.config = plant.config;
+    port.config = plant.running.config;
     port.note = [this, line](journal::Event event) {
         event.line = line;
         m_keeper->note(event);

@@ -23,30 +23,6 @@ QString allOf(const QVector<host::ConfigError> &errors, const QString &file)
     return lines.join(QLatin1Char('\n'));
 }
 
-/// Configuration and control of the plant.
-bool readConfig(const Options &options, Plant *plant, cli::Failure *failure)
-{
-    const QString file = options.demo ? demoFile : options.config;
-    QVector<host::ConfigError> errors;
-    const auto config = host::loadConfig(file, &errors);
-    const auto control = config ? host::loadControl(file, &errors) : std::nullopt;
-    if (!config || !control)
-        return cli::fail(failure, allOf(errors, file));
-    if (!config->stop.controlWord)
-        return cli::fail(failure,
-                         cli::filled("%1: [stop] has no control_word; the stop button needs the "
-                                     "value of CW that stops a drive",
-                                     file));
-    if (control->run == config->stop.controlWord)
-        return cli::fail(failure,
-                         cli::filled("%1: the control_word of [stop] starts drives; write under "
-                                     "[control] the run that does",
-                                     file));
-    plant->config = *config;
-    plant->control = *control;
-    return true;
-}
-
 std::unique_ptr<cli::SimulatorProcess> startSimulator(const Options &options, host::Config &config,
                                                       cli::Failure *failure)
 {
@@ -72,19 +48,35 @@ std::unique_ptr<cli::SimulatorProcess> startSimulator(const Options &options, ho
     return simulator;
 }
 
-std::optional<host::Plan> makePlan(const Options &options, const host::Config &config,
-                                   const QString &driver, cli::Failure *failure)
+MakePlan planMaker(const QString &driver)
 {
+    return [driver](const host::Config &config,
+                    QVector<host::ConfigError> *errors) -> std::optional<host::Plan> {
+        QString error;
+        auto scratch = host::Plugin::load(driver, host::Plugin::Instance::PrivateCopy, &error);
+        if (!scratch) {
+            errors->append({ 0, error });
+            return std::nullopt;
+        }
+        host::Planner planner(std::move(scratch), config.link);
+        return host::planOf(config, planner, errors);
+    };
+}
+
+/// The driver's file, which can be loaded.
+std::optional<QString> findDriver(const Options &options, cli::Failure *failure)
+{
+    const host::DriverFile driver = host::locateDriver(options.driver);
+    if (driver.path.isEmpty())
+        return cli::refuse(failure,
+                           cli::filled("the driver libkorvane_dx4.so not found; looked for %1; "
+                                       "name it with --driver",
+                                       driver.tried.join(QStringLiteral(", "))),
+                           cli::ExitFailed);
     QString error;
-    auto scratch = host::Plugin::load(driver, host::Plugin::Instance::PrivateCopy, &error);
-    if (!scratch)
+    if (!host::Plugin::load(driver.path, host::Plugin::Instance::PrivateCopy, &error))
         return cli::refuse(failure, error, cli::ExitFailed);
-    host::Planner planner(std::move(scratch), config.link);
-    QVector<host::ConfigError> errors;
-    auto plan = host::planOf(config, planner, &errors);
-    if (!plan)
-        return cli::refuse(failure, allOf(errors, options.demo ? demoFile : options.config));
-    return plan;
+    return driver.path;
 }
 
 /// Simulated drives begin with a frequency of 0: started, they would seem to stand.
@@ -117,31 +109,28 @@ host::LineFactory tappedLine(const host::Config &config, const QString &driver,
 
 std::optional<Plant> makePlant(const Options &options, cli::Failure *failure)
 {
-    const host::DriverFile driver = host::locateDriver(options.driver);
-    if (driver.path.isEmpty())
-        return cli::refuse(failure,
-                           cli::filled("the driver libkorvane_dx4.so not found; looked for %1; "
-                                       "name it with --driver",
-                                       driver.tried.join(QStringLiteral(", "))),
-                           cli::ExitFailed);
+    const auto driver = findDriver(options, failure);
+    if (!driver)
+        return std::nullopt;
     Plant plant;
-    if (!readConfig(options, &plant, failure))
-        return std::nullopt;
-    const auto plan = makePlan(options, plant.config, driver.path, failure);
-    if (!plan)
-        return std::nullopt;
+    plant.makePlan = planMaker(*driver);
+    const QString file = options.demo ? demoFile : options.config;
+    plant.running = checkConfig(file, plant.makePlan);
+    if (!plant.running.isWhole())
+        return cli::refuse(failure, allOf(plant.running.errors, file));
+    host::Config &config = plant.running.config;
     if (options.demo) {
-        plant.simulator = startSimulator(options, plant.config, failure);
+        plant.simulator = startSimulator(options, config, failure);
         if (!plant.simulator)
             return std::nullopt;
     }
-    host::ServiceSettings settings = host::serviceSettings(plant.config, *plan);
-    settings.runtime.userPatience = plant.control.userPatience;
+    host::ServiceSettings settings = host::serviceSettings(config, plant.running.plan);
+    settings.runtime.userPatience = plant.running.control.userPatience;
     plant.tap = std::make_shared<host::FrameTap>();
-    plant.service = std::make_unique<host::LineService>(
-        tappedLine(plant.config, driver.path, plant.tap), settings);
+    plant.service =
+        std::make_unique<host::LineService>(tappedLine(config, *driver, plant.tap), settings);
     if (options.demo)
-        giveFrequencies(*plant.service, plant.config);
+        giveFrequencies(*plant.service, config);
     return plant;
 }
 

@@ -8,6 +8,7 @@
 #include "host/recording/frame_tap.h"
 #include "host/service/line_service.h"
 #include "panel/app/options.h"
+#include "panel/connect/checked_config.h"
 
 #include <memory>
 
@@ -15,8 +16,8 @@ namespace dx4::panel {
 
 struct Plant {
     std::unique_ptr<cli::SimulatorProcess> simulator; ///< of a demonstration; outlives the service
-    host::Config config;
-    host::ControlConfig control;
+    CheckedConfig running; ///< as the line was begun; its port is that of the demonstration
+    MakePlan makePlan; ///< plans other configurations, on any thread
     std::shared_ptr<host::FrameTap> tap; ///< of the frames of the line
     std::unique_ptr<host::LineService> service;
 };

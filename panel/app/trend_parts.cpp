@@ -9,7 +9,7 @@ namespace dx4::panel {
 TrendParts::TrendParts(const Plant &plant, const Clock &clock, const QString &journal,
                        const QString &line)
     : m_clock(clock)
-    , m_store(plant.config, portOf(*plant.service).snapshot, clock)
+    , m_store(plant.running.config, portOf(*plant.service).snapshot, clock)
 {
     m_store.follow(*plant.service);
     if (journal.isEmpty())

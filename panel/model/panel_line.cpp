@@ -59,6 +59,13 @@ PanelLine::PanelLine(LinePort port, const host::Config &config, const DriveWords
         m_followed[station.address] = {};
 }
 
+void PanelLine::takeConfig(const host::Config &config)
+{
+    const host::ControlConfig control { m_words.run, m_words.reverse, {} };
+    m_config = config;
+    m_words = wordsOf(config, control);
+}
+
 void PanelLine::follow(const host::LineService &service)
 {
     using host::LineService;

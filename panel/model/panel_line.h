@@ -77,6 +77,9 @@ public:
     int driveCount() const { return static_cast<int>(m_config.stations.size()); }
     DriveShown drive(int index) const;
 
+    /// Takes over names, states, faults and the stop of a configuration with the same stations.
+    void takeConfig(const host::Config &config);
+
     /// What stations are called, for a sentence: "Feed pump, Conveyor"; of many the first ones and
     /// how many more.
     QString namesOf(const QVector<int> &stations) const;
@@ -141,8 +144,8 @@ private:
     void tell(const QString &text, bool isBad);
 
     const LinePort m_port;
-    const host::Config m_config;
-    const DriveWords m_words;
+    host::Config m_config;
+    DriveWords m_words;
     const Clock m_clock;
     std::shared_ptr<const host::LineSnapshot> m_snapshot;
     host::Duration m_seenAt { 0 }; // when the snapshot was seen first

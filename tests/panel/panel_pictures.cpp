@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Draws pages into files, in light and dark, with values that stand still.
 #include "alarm_pictures.h"
+#include "connect_pictures.h"
 #include "line_pictures.h"
 #include "panel_fixture.h"
 #include "parameters_pictures.h"
@@ -216,6 +217,7 @@ int main(int argc, char **argv)
                 draw(scene, size, folder.filePath(name));
             }
             drawAlarms(size, isDark ? "dark" : "light", folder);
+            drawConnect(size, isDark ? "dark" : "light", folder);
             drawLine(size, isDark ? "dark" : "light", folder);
             drawParameters(size, isDark ? "dark" : "light", folder);
             drawPast(size, isDark ? "dark" : "light", folder);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The panel over a service with stations on a line in memory.
 #include "panel/app/ending.h"
+#include "panel/connect/connect_view.h"
+#include "panel/lineview/line_view.h"
 #include "panel/model/panel_line.h"
 #include "service_fixture.h"
 
@@ -132,4 +134,54 @@ TEST(PanelOverAService, AWindowThatLivesTellsOfItsUserFourTimesInItsPatience)
     ASSERT_EQ(timers.size(), 1);
     EXPECT_EQ(timers.at(0)->interval(), 500);
     EXPECT_TRUE(timers.at(0)->isActive());
+}
+
+TEST(PanelOverAService, WhatIsCountedOnTheLineIsShown)
+{
+    Panel panel;
+    panel.service.waitFor([&] { return panel.hears("bit 0"); });
+    panel::LineView view(panel::viewPortOf(*panel.service.service, std::make_shared<FrameTap>()),
+                         panel.config, panel::systemClock());
+    view.follow(*panel.service.service);
+    const QModelIndex good = view.counts().index(1, panel::CountsModel::GoodColumn);
+    EXPECT_EQ(good.data().toString().toStdString(), "0");
+
+    view.look();
+    panel.service.waitFor([&] { return good.data().toString() != QLatin1String("0"); });
+
+    EXPECT_EQ(view.counts().index(1, 0).data().toString().toStdString(), "1");
+    EXPECT_FALSE(view.verdict().isBad) << view.verdict().text.toStdString();
+}
+
+TEST(PanelOverAService, AnotherConfigurationIsTakenOverByTheLine)
+{
+    Panel panel;
+    panel.service.waitFor([&] { return panel.hears("bit 0"); });
+    panel::CheckedConfig running;
+    running.config = panel.config;
+    panel::CheckedConfig other = running;
+    other.file = QStringLiteral("other.toml");
+    other.config.stations[0].name = QStringLiteral("New pump");
+    other.config.line.speed = 19200;
+    other.config.line.responseTimeout =
+        panel.service.plant->stations.line.settings().responseTimeout;
+    LineService &service = *panel.service.service;
+    panel::ConnectView view(
+        { [](const QString &) { return QVector<PortInfo>(); },
+          [other](const QString &) { return other; }, [](const QString &) { return QStringList(); },
+          [&service](const Config &config, const Plan &plan) { service.reload(config, plan); } },
+        running, panel::systemClock());
+    view.follow(service);
+    QObject::connect(&view, &panel::ConnectView::taken, panel.line.get(),
+                     &panel::PanelLine::takeConfig);
+
+    view.open(QStringLiteral("other.toml"));
+    view.finish();
+    view.takeOver();
+    panel.service.waitFor([&] { return view.stage() == panel::ConnectView::Stage::Taken; });
+
+    EXPECT_EQ(panel.line->drive(0).name.toStdString(), "New pump");
+    EXPECT_EQ(view.stateText().toStdString(),
+              "other.toml runs, but for line.speed: these take effect with a new start of "
+              "dx4-panel");
 }
