@@ -292,6 +292,25 @@ in %4 (Station %5) schreiben?</translation>
     </message>
 </context>
 <context>
+    <name>dx4::panel::CheckedConfig</name>
+    <message>
+        <source>[stop] has no control_word; the stop button needs the value of CW that stops a drive</source>
+        <translation>[stop] hat kein control_word; der Stoppknopf braucht den Wert von CW, der einen Antrieb stoppt</translation>
+    </message>
+    <message>
+        <source>the control_word of [stop] starts drives; write under [control] the run that does</source>
+        <translation>das control_word von [stop] startet Antriebe; unter [control] steht das run, das es tut</translation>
+    </message>
+    <message>
+        <source>Line %1:  %2</source>
+        <translation>Zeile %1:  %2</translation>
+    </message>
+    <message>
+        <source>It has other stations: start dx4-panel with it</source>
+        <translation>Sie hat andere Stationen: dx4-panel damit neu starten</translation>
+    </message>
+</context>
+<context>
     <name>dx4::panel::ChoiceList</name>
     <message>
         <source>Up</source>
@@ -362,6 +381,132 @@ in %4 (Station %5) schreiben?</translation>
     <message>
         <source>refused: %1</source>
         <translation>abgelehnt: %1</translation>
+    </message>
+</context>
+<context>
+    <name>dx4::panel::ConnectPage</name>
+    <message>
+        <source>Ports</source>
+        <translation>Anschlüsse</translation>
+    </message>
+    <message>
+        <source>%1, this line</source>
+        <translation>%1, diese Leitung</translation>
+    </message>
+    <message>
+        <source>Plan</source>
+        <translation>Plan</translation>
+    </message>
+    <message>
+        <source>Configuration</source>
+        <translation>Konfiguration</translation>
+    </message>
+    <message>
+        <source>Up</source>
+        <translation>Auf</translation>
+    </message>
+    <message>
+        <source>Down</source>
+        <translation>Ab</translation>
+    </message>
+    <message>
+        <source>Open another...</source>
+        <translation>Andere öffnen...</translation>
+    </message>
+    <message>
+        <source>Take over</source>
+        <translation>Übernehmen</translation>
+    </message>
+    <message>
+        <source>Ports are looked for</source>
+        <translation>Anschlüsse werden gesucht</translation>
+    </message>
+    <message>
+        <source>This machine has no serial port</source>
+        <translation>Dieser Rechner hat keinen seriellen Anschluss</translation>
+    </message>
+    <message>
+        <source>Ports of this machine, and who holds them</source>
+        <translation>Anschlüsse dieses Rechners und wer sie hält</translation>
+    </message>
+</context>
+<context>
+    <name>dx4::panel::ConnectView</name>
+    <message>
+        <source>Port</source>
+        <translation>Anschluss</translation>
+    </message>
+    <message>
+        <source>Lasting name</source>
+        <translation>Bleibender Name</translation>
+    </message>
+    <message>
+        <source>Held by</source>
+        <translation>Gehalten von</translation>
+    </message>
+    <message>
+        <source>Station</source>
+        <translation>Station</translation>
+    </message>
+    <message>
+        <source>Registers</source>
+        <translation>Register</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>Anzahl</translation>
+    </message>
+    <message>
+        <source>Wire ms</source>
+        <translation>Leitung ms</translation>
+    </message>
+    <message>
+        <source>%1, this line</source>
+        <translation>%1, diese Leitung</translation>
+    </message>
+    <message>
+        <source>nobody seen</source>
+        <translation>niemand</translation>
+    </message>
+    <message>
+        <source>%1 registers in %2 blocks; one round takes %3 ms when stations answer within %4 ms</source>
+        <translation>%1 Register in %2 Blöcken; eine Runde dauert %3 ms, wenn Stationen in %4 ms antworten</translation>
+    </message>
+    <message>
+        <source>%1 runs</source>
+        <translation>%1 läuft</translation>
+    </message>
+    <message>
+        <source>%1 is read</source>
+        <translation>%1 wird gelesen</translation>
+    </message>
+    <message>
+        <source>%1 has errors; %2 goes on</source>
+        <translation>%1 hat Fehler; %2 läuft weiter</translation>
+    </message>
+    <message>
+        <source>%1 is whole and can be taken over; %2 runs</source>
+        <translation>%1 ist in Ordnung und kann übernommen werden; %2 läuft</translation>
+    </message>
+    <message>
+        <source>%1 is whole. %2; %3 goes on</source>
+        <translation>%1 ist in Ordnung. %2; %3 läuft weiter</translation>
+    </message>
+    <message>
+        <source>%1 is taken over</source>
+        <translation>%1 wird übernommen</translation>
+    </message>
+    <message>
+        <source>The line has not taken %1 over; %2 goes on</source>
+        <translation>Die Leitung hat %1 nicht übernommen; %2 läuft weiter</translation>
+    </message>
+    <message>
+        <source>%1 runs, but for %2: these take effect with a new start of dx4-panel</source>
+        <translation>%1 läuft, bis auf %2: das gilt erst nach einem neuen Start von dx4-panel</translation>
+    </message>
+    <message>
+        <source>Station %1  %2</source>
+        <translation>Station %1  %2</translation>
     </message>
 </context>
 <context>
@@ -567,6 +712,25 @@ gefragt</translation>
     <message>
         <source>Close</source>
         <translation>Schließen</translation>
+    </message>
+</context>
+<context>
+    <name>dx4::panel::FileSheet</name>
+    <message>
+        <source>Open a configuration</source>
+        <translation>Eine Konfiguration öffnen</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Open this path</source>
+        <translation>Diesen Pfad öffnen</translation>
     </message>
 </context>
 <context>
@@ -1080,6 +1244,10 @@ gefragt</translation>
     <message>
         <source>Line</source>
         <translation>Leitung</translation>
+    </message>
+    <message>
+        <source>Connect</source>
+        <translation>Verbinden</translation>
     </message>
 </context>
 <context>

@@ -231,6 +231,7 @@ void LinePage::askWhereItExists()
 void LinePage::showButtons()
 {
     m_recent->setChecked(m_view.isRecent());
+    m_blocks->setChecked(m_view.areBlocksShown());
     m_onlyBad->setChecked(m_view.filter().onlyBad);
     m_pause->setChecked(m_view.isPaused());
     const int station = m_view.filter().station;

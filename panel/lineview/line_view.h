@@ -54,6 +54,7 @@ public:
     void showRecent(bool isRecent);
     void showBlocks(bool areShown);
     bool isRecent() const { return m_isRecent; }
+    bool areBlocksShown() const { return m_areBlocksShown; }
 
     /// Which frames are shown; `station` is that of the histogram as well.
     void setFilter(const FrameFilter &filter);

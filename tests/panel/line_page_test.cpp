@@ -3,6 +3,8 @@
 #include "made_up_view.h"
 #include "widget_walk.h"
 
+#include "panel/widgets/look.h"
+
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -184,6 +186,34 @@ TEST(LinePage, WhoeverTurnsBackReads)
     EXPECT_TRUE(made.view.isPaused());
     EXPECT_TRUE(button(made, "Pause")->isChecked());
     EXPECT_TRUE(button(made, "Down")->isEnabled());
+}
+
+TEST(LinePage, TheButtonsTellWhatIsShown)
+{
+    MadeUpLinePage made;
+    playBadCable(made);
+
+    made.view.showBlocks(true);
+    made.view.showRecent(false);
+    made.show();
+
+    EXPECT_TRUE(button(made, "Blocks")->isChecked());
+    EXPECT_FALSE(button(made, "Last minute")->isChecked());
+}
+
+TEST(LinePage, ARecordingThatFailedIsToldWithItsReason)
+{
+    MadeUpLinePage made;
+    made.view.recorder().begin(QStringLiteral("/nowhere/line.pcap"), false);
+    made.view.recorder().join();
+
+    made.show();
+
+    const auto *record = made.page->findChild<QLabel *>(QStringLiteral("record"));
+    EXPECT_EQ(record->accessibleName().toStdString(),
+              "Not recorded any more, 0 frames are in the file: /nowhere/line.pcap: No such file "
+              "or directory");
+    EXPECT_EQ(record->palette().color(QPalette::WindowText), lightLook().warning);
 }
 
 TEST(LinePage, ManyStationsAreTurnedByPages)

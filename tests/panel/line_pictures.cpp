@@ -44,6 +44,12 @@ QVector<LineScene> lineScenes()
           } },
         { "line-stations", 32,
           [](MadeUpLinePage &made) { made.page->findChild<StationSheet *>()->ask(); } },
+        { "line-recorded", 3,
+          [](MadeUpLinePage &made) {
+              playBadCable(made);
+              made.view.recorder().begin(QStringLiteral("/nowhere/line.pcap"), false);
+              made.view.recorder().join();
+          } },
         { "line-record", 3,
           [](MadeUpLinePage &made) {
               made.page->findChild<RecordSheet *>()->askToReplace(
