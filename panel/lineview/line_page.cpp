@@ -52,7 +52,8 @@ LinePage::LinePage(LineView &view, std::function<QVector<Place>()> places,
     column->setSpacing(narrowGap);
     auto *notes = new QHBoxLayout;
     notes->setSpacing(2 * targetGap);
-    notes->addWidget(m_load, 1);
+    m_load->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); // the other gets what is left
+    notes->addWidget(m_load);
     notes->addWidget(m_record, 1);
     column->addWidget(m_verdict);
     column->addLayout(notes);
@@ -251,7 +252,7 @@ void LinePage::showTexts()
     const LineVerdict verdict = m_view.verdict();
     m_verdict->setText(verdict.text);
     setTextColour(*m_verdict, verdict.isBad ? look.warning : look.text);
-    showElided(*m_load, m_view.loadText());
+    m_load->setText(m_view.loadText());
     setTextColour(*m_load, look.faded);
     showElided(*m_record, m_view.recordText());
     const bool hasFailed = m_view.recorder().state().stage == FrameRecorder::Stage::Failed;

@@ -207,7 +207,7 @@ QString LineView::recordText() const
     case FrameRecorder::Stage::Ended:
         return tr("Recorded: %1 frames in %2").arg(frames, state.file);
     case FrameRecorder::Stage::Failed:
-        return tr("Not recorded any more, %1 frames are in the file: %2").arg(frames, state.error);
+        return tr("Recording failed after %1 frames: %2").arg(frames, state.error);
     }
     return {};
 }

@@ -211,8 +211,7 @@ TEST(LinePage, ARecordingThatFailedIsToldWithItsReason)
 
     const auto *record = made.page->findChild<QLabel *>(QStringLiteral("record"));
     EXPECT_EQ(record->accessibleName().toStdString(),
-              "Not recorded any more, 0 frames are in the file: /nowhere/line.pcap: No such file "
-              "or directory");
+              "Recording failed after 0 frames: /nowhere/line.pcap: No such file or directory");
     EXPECT_EQ(record->palette().color(QPalette::WindowText), lightLook().warning);
 }
 
