@@ -99,7 +99,7 @@ void ConnectView::showPorts(const QVector<host::PortInfo> &ports)
 {
     m_arePortsKnown = true;
     const QString own = host::portDevice(m_running.config.line.port);
-    QVector<TextRow> rows;
+    QVector<TableRow> rows;
     for (const host::PortInfo &port : ports) {
         const bool isOwn = port.device == own;
         const QString name =
@@ -114,7 +114,7 @@ void ConnectView::showPorts(const QVector<host::PortInfo> &ports)
 
 void ConnectView::showPlan()
 {
-    QVector<TextRow> rows;
+    QVector<TableRow> rows;
     for (const KEY_ADDRESS &block : m_running.plan.blocks) {
         const host::Duration wire = m_running.config.line.wireTime(frameBytes + 2 * block.count);
         rows.append(

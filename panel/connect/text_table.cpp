@@ -14,7 +14,7 @@ TextTable::TextTable(const QStringList &headings, const QVector<int> &numbers, Q
 {
 }
 
-void TextTable::setRows(const QVector<TextRow> &rows)
+void TextTable::setRows(const QVector<TableRow> &rows)
 {
     if (m_rows == rows)
         return;
@@ -37,7 +37,7 @@ QVariant TextTable::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid())
         return {};
-    const TextRow &row = m_rows.at(index.row());
+    const TableRow &row = m_rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
         return row.cells.value(index.column());

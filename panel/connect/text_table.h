@@ -9,11 +9,11 @@
 namespace dx4::panel {
 
 /// One row; what is marked is drawn plain, all else faded.
-struct TextRow {
+struct TableRow {
     QStringList cells;
     bool isMarked = true;
 
-    bool operator==(const TextRow &other) const
+    bool operator==(const TableRow &other) const
     {
         return cells == other.cells && isMarked == other.isMarked;
     }
@@ -26,7 +26,7 @@ public:
     /// @param numbers  columns whose texts stand at the right
     TextTable(const QStringList &headings, const QVector<int> &numbers, QObject *parent = nullptr);
 
-    void setRows(const QVector<TextRow> &rows);
+    void setRows(const QVector<TableRow> &rows);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -36,7 +36,7 @@ public:
 private:
     const QStringList m_headings;
     const QVector<int> m_numbers;
-    QVector<TextRow> m_rows;
+    QVector<TableRow> m_rows;
 };
 
 } // namespace dx4::panel

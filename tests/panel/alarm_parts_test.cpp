@@ -24,7 +24,7 @@ struct Parts {
     {
         under.playTime();
         under.start();
-        plant.config.stations.append(host::StationConfig());
+        plant.running.config.stations.append(host::StationConfig());
         plant.service = std::move(under.service);
         parts = std::make_unique<AlarmParts>(plant, options, systemClock());
         parts->addTo(window.window);
