@@ -26,8 +26,8 @@ Options demoOptions()
 
 struct Demo {
     Demo()
-        : line(portOf(*plant->service), plant->config, wordsOf(plant->config, plant->control),
-               systemClock())
+        : line(portOf(*plant->service), plant->running.config,
+               wordsOf(plant->running.config, plant->running.control), systemClock())
         , window(line, systemClock().steady)
     {
         line.follow(*plant->service);
