@@ -1142,8 +1142,8 @@ gefragt</translation>
         <translation>Aufgenommen: %1 Telegramme in %2</translation>
     </message>
     <message>
-        <source>Not recorded any more, %1 frames are in the file: %2</source>
-        <translation>Keine Aufnahme mehr, %1 Telegramme stehen in der Datei: %2</translation>
+        <source>Recording failed after %1 frames: %2</source>
+        <translation>Aufnahme nach %1 Telegrammen gescheitert: %2</translation>
     </message>
 </context>
 <context>
